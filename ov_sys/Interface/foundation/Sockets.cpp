@@ -1,0 +1,42 @@
+#include "ov_sys/Interface/foundation/Sockets.h"
+
+#include "ov_sys/Interface/foundation/Diagnostics.h"
+
+#include <arpa/inet.h>
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace Orvane {
+
+int create_tcp_socket() {
+    const int created = ::socket(AF_INET, SOCK_STREAM, 0);
+    if (created < 0) {
+        Diagnostics::error("socket failed with error: ", get_last_error());
+        return -1;
+    }
+    return created;
+}
+
+int connect_socket(int socket, const char* ip, int port) {
+    sockaddr_in peer{};
+    peer.sin_family = AF_INET;
+    peer.sin_port = htons(static_cast<std::uint16_t>(port));
+    peer.sin_addr.s_addr = inet_addr(ip);
+    return ::connect(socket, reinterpret_cast<const sockaddr*>(&peer), sizeof peer);
+}
+
+void close_socket(int socket) {
+    if (socket != -1)
+        ::close(socket);
+}
+
+const char* get_last_error() {
+    thread_local char text[128];
+    return strerror_r(errno, text, sizeof text);
+}
+
+} // namespace Orvane

@@ -1,0 +1,33 @@
+#include "ov_sys/Interface/connection/BoardPing.h"
+
+#include "ov_sys/Interface/connection/StubCall.h"
+#include "ov_sys/Interface/foundation/Diagnostics.h"
+#include "ov_sys/Interface/foundation/Exceptions.h"
+#include "ov_sys/Interface/foundation/Stopwatch.h"
+#include "ov_sys/Interface/rpc_protocol/Stubs.h"
+
+namespace Orvane {
+
+void DO_RPC_BOARD_PING(int value, int* result, RPCClient* client) {
+    const std::shared_ptr<RPCHandle> handle = client->pin();
+    if (!handle) {
+        Diagnostics::error("Pinging board terminated. Invalid Setup RPC client");
+        throw Exceptions::InvalidRPCClient(client->name);
+    }
+    const BusyMark busy(*client);
+    const clnt_stat status = callOnHandle(ping_1, value, result, handle.get());
+    if (status != RPC_SUCCESS) {
+        Diagnostics::error("Ping returned: ", static_cast<int>(status));
+        throw Exceptions::DeviceConnection();
+    }
+}
+
+int pingBoard(RPCClient& setupClient) {
+    constexpr int kPingValue = 123;
+    const Stopwatch stopwatch;
+    int answer = 0;
+    DO_RPC_BOARD_PING(kPingValue, &answer, &setupClient);
+    return static_cast<int>(stopwatch.elapsedMs());
+}
+
+} // namespace Orvane

@@ -1,0 +1,19 @@
+// The ping of a board that needs no session.
+#pragma once
+
+#include "ov_sys/Interface/connection/RPCClient.h"
+#include "ov_sys/Interface/foundation/Export.h"
+
+namespace Orvane {
+
+// Sends `value` to the board through `client` (a setup client) and stores the board's answer in `*result`.
+// Blocks for the client's time-out at most. Throws Exceptions::DeviceConnection when the call fails and
+// Exceptions::InvalidRPCClient when the client is not connected, each after a line on the standard error
+// stream.
+ORVANE_API void DO_RPC_BOARD_PING(int value, int* result, RPCClient* client);
+
+// Pings the board with the value 123 and returns the round trip in whole milliseconds. Blocks and throws as
+// DO_RPC_BOARD_PING.
+int pingBoard(RPCClient& setupClient);
+
+} // namespace Orvane

@@ -1,0 +1,31 @@
+// The unrouted 16-bit register accesses of the flat interface.
+#include "ov_sys/capi/Forward.h"
+
+using namespace Orvane;
+
+extern "C" {
+
+unsigned HW_Read_Abstracted(unsigned adapter, unsigned phyId, unsigned mmd, unsigned reg) {
+    return forwarded(&HWInterface::readAdapter, adapter, phyId, mmd, reg);
+}
+
+void HW_Write_Abstracted(unsigned adapter, unsigned phyId, unsigned mmd, unsigned reg, unsigned data) {
+    forwarded(&HWInterface::writeAdapter, adapter, phyId, mmd, reg, data);
+}
+
+unsigned HW_Read_C22_Abstracted(unsigned adapter, unsigned phyId, unsigned reg) {
+    return forwarded(&HWInterface::readAdapter_c22, adapter, phyId, reg);
+}
+
+void HW_Write_C22_Abstracted(unsigned adapter, unsigned phyId, unsigned reg, unsigned data) {
+    forwarded(&HWInterface::writeAdapter_c22, adapter, phyId, reg, data);
+}
+
+unsigned HW_Read_C22(unsigned adapter, unsigned phyId, unsigned reg) {
+    return HW_Read_C22_Abstracted(adapter, phyId, reg);
+}
+
+void HW_Write_C22(unsigned adapter, unsigned phyId, unsigned reg, unsigned data) {
+    HW_Write_C22_Abstracted(adapter, phyId, reg, data);
+}
+}

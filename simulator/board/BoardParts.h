@@ -1,0 +1,43 @@
+// Everything of a board that its programs work on.
+#pragma once
+
+#include "simulator/board/FaultQueue.h"
+#include "simulator/board/PortMap.h"
+#include "simulator/board/RequestLog.h"
+#include "simulator/board/Sessions.h"
+#include "simulator/engine/ShellRunner.h"
+#include "simulator/models/AnalogueInputs.h"
+#include "simulator/models/CommandTable.h"
+#include "simulator/models/GpioBank.h"
+#include "simulator/models/I2cBuses.h"
+#include "simulator/models/JtagChain.h"
+#include "simulator/models/MdioPorts.h"
+#include "simulator/models/ThermalPlant.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace OrvaneSim {
+
+/// One board's state without its sockets. Belongs to the loop's thread, but for the request log.
+struct BoardParts {
+    BoardParts(const std::string& serial, const std::string& nameLine, std::uint64_t seed);
+    BoardParts(const BoardParts&) = delete;
+    BoardParts& operator=(const BoardParts&) = delete;
+
+    Sessions sessions;
+    PortMap ports;
+    FaultQueue faults;
+    RequestLog requests;
+    MdioPorts mdio;
+    GpioBank gpio;
+    JtagChain jtag;
+    AnalogueInputs adc;
+    ThermalPlant thermal;
+    I2cBuses i2c; // its sensors feel channel 0 of the thermal plant
+    CommandTable commands;
+    std::unique_ptr<ShellRunner> shell; // only where a real shell is allowed
+};
+
+} // namespace OrvaneSim

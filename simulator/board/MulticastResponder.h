@@ -1,0 +1,49 @@
+// Answers multicast discovery requests for every board of a lab.
+#pragma once
+
+#include "simulator/board/Discovery.h"
+#include "simulator/engine/EventLoop.h"
+#include "simulator/engine/Sockets.h"
+
+#include <deque>
+#include <map>
+#include <string>
+
+namespace OrvaneSim {
+
+/// One socket in the discovery group; each board answers from its own address. Many replies are spread over
+/// time, so that they do not overrun the requester's receive buffer. Belongs to the loop's thread.
+class MulticastResponder {
+public:
+    /// `loop` must outlive the responder. Throws std::system_error.
+    explicit MulticastResponder(EventLoop& loop);
+
+    /// Lets a board hear and answer from now on; `voice` and `faults` must live until `remove`.
+    void add(const std::string& address, DiscoveryVoice& voice, FaultQueue& faults);
+    void remove(const std::string& address);
+
+private:
+    struct Member {
+        sockaddr_in source{};
+        DiscoveryVoice* voice = nullptr;
+        FaultQueue* faults = nullptr;
+    };
+    struct Reply {
+        sockaddr_in source{};
+        sockaddr_in requester{};
+        std::string text;
+    };
+    void join(const in_addr& address, int interface);
+    void receive();
+    void sendSome();
+    void send(const Reply& reply);
+
+    EventLoop& loop_;
+    FileDescriptor socket_;
+    std::map<std::string, Member> members_;
+    std::deque<Reply> replies_;
+    EventLoop::Watch watch_;
+    EventLoop::Life life_ = EventLoop::makeLife();
+};
+
+} // namespace OrvaneSim

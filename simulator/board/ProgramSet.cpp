@@ -1,0 +1,40 @@
+// From a request to its program's dispatch function.
+#include "simulator/board/ProgramSet.h"
+
+#include "simulator/board/Procedure.h"
+
+#include <algorithm>
+#include <array>
+
+namespace OrvaneSim {
+namespace {
+
+constexpr std::size_t kUsualReplyMemory = 2048;
+
+} // namespace
+
+void ProgramSet::refuseVersion(RpcCall& call, const Program& program) {
+    // A program that is silent or loses its replies does so for every version.
+    const auto fault = board_.faults.take(program.name, "");
+    if (!fault || passesFault(*fault, call.delivery) || fault->kind == Fault::Kind::ResultCode)
+        call.refuseVersion(program.version, program.version);
+}
+
+void ProgramSet::answer(RpcCall& call) {
+    const auto program = std::find_if(programs_.begin(), programs_.end(),
+                                      [&](const Program& p) { return p.number == call.header().program; });
+    if (program == programs_.end()) {
+        call.refuseProgram();
+        return;
+    }
+    if (program->version != call.header().version) {
+        refuseVersion(call, *program);
+        return;
+    }
+    alignas(std::max_align_t) std::array<std::byte, kUsualReplyMemory> room;
+    std::pmr::monotonic_buffer_resource memory(room.data(), room.size());
+    Service service{board_, call, memory};
+    call.serve(program->dispatch, &service);
+}
+
+} // namespace OrvaneSim

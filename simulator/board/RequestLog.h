@@ -1,0 +1,62 @@
+// The requests that a board decoded, newest kept.
+#pragma once
+
+#include "simulator/board/Request.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace OrvaneSim {
+
+/// What is known of a procedure before any call of it.
+struct ProcedureInfo {
+    const char* program;
+    const char* procedure;
+    nlohmann::ordered_json (*describe)(std::string_view bytes);
+};
+
+/// A ring of requests. `add` is called on the loop's thread, everything else may be called on any thread but
+/// the loop's.
+class RequestLog {
+public:
+    void add(const ProcedureInfo& procedure, std::uint32_t programNumber, std::uint32_t version,
+             std::uint32_t procedureNumber, bool overTcp, std::string_view arguments);
+
+    /// Requests that `wanted` accepts, in arrival order.
+    std::vector<Request> select(const std::function<bool(const Request&)>& wanted) const;
+
+    /// The first request, recorded or yet to come, that `wanted` accepts. Blocks up to `limit`; then throws
+    /// std::runtime_error that lists what came instead. `wanted` runs on the calling thread, under no lock.
+    Request waitFor(const std::function<bool(const Request&)>& wanted, std::chrono::milliseconds limit) const;
+
+    void clear();
+
+private:
+    struct Entry {
+        const ProcedureInfo* procedure;
+        std::uint32_t programNumber;
+        std::uint32_t version;
+        std::uint32_t procedureNumber;
+        bool overTcp;
+        std::string arguments;
+    };
+    static Request expand(const Entry& entry);
+    std::vector<Request> since(std::uint64_t number, std::uint64_t& next) const;
+    std::string summary() const;
+
+    mutable std::mutex mutex_; // guards everything below
+    mutable std::condition_variable arrived_;
+    std::deque<Entry> entries_;
+    std::uint64_t firstNumber_ = 0; // running number of entries_.front()
+    std::size_t bytes_ = 0;
+};
+
+} // namespace OrvaneSim

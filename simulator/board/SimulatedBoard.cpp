@@ -1,0 +1,66 @@
+// Starting and stopping of a board.
+#include "simulator/board/SimulatedBoard.h"
+
+#include "simulator/board/programs/Programs.h"
+
+#include <netinet/in.h>
+#include <utility>
+
+namespace OrvaneSim {
+namespace {
+
+constexpr std::uint16_t kPortMapperPort = 111;
+
+} // namespace
+
+SimulatedBoard::Sockets::Sockets(EventLoop& loop, SimulatedBoard& board)
+    : portMapper(loop, board.address_, kPortMapperPort, board.portMapperSet_),
+      services(loop, board.address_, 0, board.serviceSet_),
+      probe(loop, board.address_, board.voice_, board.parts_.faults) {}
+
+SimulatedBoard::SimulatedBoard(EventLoop& loop, MulticastResponder& responder, std::string address,
+                               BoardName name, std::uint64_t seed)
+    : loop_(loop),
+      responder_(responder),
+      address_(std::move(address)),
+      parts_(name.serial, name.line(), seed),
+      voice_(std::move(name)),
+      portMapperSet_(parts_, portMapperPrograms()),
+      serviceSet_(parts_, servicePrograms()) {}
+
+SimulatedBoard::~SimulatedBoard() {
+    stop();
+}
+
+void SimulatedBoard::start() {
+    if (sockets_)
+        return;
+    sockets_ = std::make_unique<Sockets>(loop_, *this);
+    registerPrograms();
+    responder_.add(address_, voice_, parts_.faults);
+}
+
+void SimulatedBoard::stop() {
+    if (!sockets_)
+        return;
+    responder_.remove(address_);
+    sockets_.reset();
+}
+
+void SimulatedBoard::allowShell() {
+    parts_.shell = std::make_unique<ShellRunner>(loop_);
+}
+
+void SimulatedBoard::registerPrograms() {
+    const auto both = [this](const Program& program, std::uint32_t tcpPort, std::uint32_t udpPort) {
+        parts_.ports.set({program.number, program.version, IPPROTO_TCP, tcpPort});
+        parts_.ports.set({program.number, program.version, IPPROTO_UDP, udpPort});
+    };
+    parts_.ports.clear();
+    for (const Program& program : portMapperPrograms())
+        both(program, kPortMapperPort, kPortMapperPort);
+    for (const Program& program : servicePrograms())
+        both(program, sockets_->services.port(Transport::Tcp), sockets_->services.port(Transport::Udp));
+}
+
+} // namespace OrvaneSim

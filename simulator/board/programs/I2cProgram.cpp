@@ -1,0 +1,146 @@
+// I2C transfers: plain, by register, and in blocks.
+#include "simulator/board/Procedure.h"
+
+using namespace OrvaneSim;
+
+namespace {
+
+constexpr u_int kLongestRegister = 4;
+
+/// The bytes of a register number as they go over the bus, low byte first. `length` 0 sends none, so that the
+/// device goes on where it stands.
+Bytes registerBytes(u_int number, u_int length) {
+    Bytes bytes;
+    for (u_int i = 0; i < length; ++i, number >>= 8)
+        bytes.push_back(static_cast<std::uint8_t>(number));
+    return bytes;
+}
+
+/// Writes `bytes` and reads `count` bytes into `answer`; nothing of either kind is left out. Returns the
+/// status.
+int transfer(Service& service, u_int bus, u_int address, const Bytes& bytes, std::size_t count,
+             Bytes& answer) {
+    if (bus >= I2cBuses::kBuses)
+        return -ENODEV;
+    I2cDevice* device = service.board.i2c.find(bus, address);
+    if (!device || (!bytes.empty() && !device->write(bytes)))
+        return -EREMOTEIO; // not acknowledged
+    const Bytes read = device->read(count);
+    answer.insert(answer.end(), read.begin(), read.end());
+    return 0;
+}
+
+int write(Service& service, u_int bus, u_int address, const Bytes& bytes) {
+    Bytes nothing;
+    return transfer(service, bus, address, bytes, 0, nothing);
+}
+
+void write(Service& service, const sim_I2C_Write_Param& argument, sim_Simple_Result& result) {
+    const Bytes bytes(argument.data.data_val, argument.data.data_val + argument.data.data_len);
+    result.error = write(service, argument.byte1, argument.word1, bytes);
+}
+
+void read(Service& service, const sim_I2C_Read_Param& argument, sim_I2C_Read_Result& result) {
+    Bytes answer;
+    result.error =
+        transfer(service, argument.byte1, argument.word1, {argument.byte2}, argument.byte3, answer);
+    service.fill(result.data.data_len, result.data.data_val, answer);
+}
+
+void readRegister(Service& service, const sim_I2C_Read_Reg_Param& argument, sim_I2C_Read_Result& result) {
+    if (argument.byte2 > kLongestRegister) {
+        result.error = -EINVAL;
+        return;
+    }
+    Bytes answer;
+    result.error = transfer(service, argument.byte1, argument.word1,
+                            registerBytes(argument.word2, argument.byte2), argument.byte3, answer);
+    service.fill(result.data.data_len, result.data.data_val, answer);
+}
+
+/// Whether the lists of a block are of one length, its registers of a length that exists and its data (if it
+/// writes any) of the sum of its lengths.
+bool isConsistent(const sim_I2C_Block_Trans_Param& block, const u_int* dataLength) {
+    const u_int count = block.bytes.bytes_len;
+    if (block.words1.words1_len != count || block.words2.words2_len != count ||
+        block.words3.words3_len != count || block.words4.words4_len != count)
+        return false;
+    std::uint64_t total = 0;
+    for (u_int i = 0; i < count; ++i) {
+        total += block.words3.words3_val[i];
+        if (block.words4.words4_val[i] > kLongestRegister)
+            return false;
+    }
+    return total <= SIM_LIST_LIMIT && (!dataLength || total == *dataLength);
+}
+
+/// Carries out each access of a block in order, until one fails. `access(bus, address, register bytes,
+/// length)` returns a status.
+template <class Access>
+int forEachAccess(const sim_I2C_Block_Trans_Param& block, Access access) {
+    int error = 0;
+    for (u_int i = 0; i < block.bytes.bytes_len && error == 0; ++i)
+        error = access(block.bytes.bytes_val[i], block.words1.words1_val[i],
+                       registerBytes(block.words2.words2_val[i], block.words4.words4_val[i]),
+                       block.words3.words3_val[i]);
+    return error;
+}
+
+void blockRead(Service& service, const sim_I2C_Block_Reg_Read_Param& argument, sim_I2C_Read_Result& result) {
+    if (!isConsistent(argument.trans, nullptr)) {
+        result.error = -EINVAL;
+        return;
+    }
+    Bytes answer;
+    result.error =
+        forEachAccess(argument.trans, [&](u_int bus, u_int address, const Bytes& number, u_int length) {
+            return transfer(service, bus, address, number, length, answer);
+        });
+    service.fill(result.data.data_len, result.data.data_val, answer);
+}
+
+/// Writes the data of a block; where a bit of `mask` is 0, the register's own bit stays.
+int writeMasked(Service& service, const sim_I2C_Block_Trans_Param& block, const u_char* data,
+                std::uint8_t mask) {
+    return forEachAccess(block, [&](u_int bus, u_int address, const Bytes& number, u_int length) {
+        Bytes old;
+        if (mask != 0xFF) {
+            const int error = transfer(service, bus, address, number, length, old);
+            if (error != 0)
+                return error;
+        }
+        old.resize(length);
+        Bytes bytes = number;
+        for (u_int i = 0; i < length; ++i, ++data)
+            bytes.push_back(static_cast<std::uint8_t>((old[i] & ~mask) | (*data & mask)));
+        return write(service, bus, address, bytes);
+    });
+}
+
+void blockWrite(Service& service, const sim_I2C_Block_Reg_Write_Param& argument, sim_Simple_Result& result) {
+    const bool consistent = isConsistent(argument.trans, &argument.data.data_len);
+    result.error = consistent ? writeMasked(service, argument.trans, argument.data.data_val, 0xFF) : -EINVAL;
+}
+
+void blockWriteMask(Service& service, const sim_I2C_Block_Mask_Write_Param& argument,
+                    sim_Simple_Result& result) {
+    const bool consistent = isConsistent(argument.trans, &argument.data.data_len);
+    result.error =
+        consistent ? writeMasked(service, argument.trans, argument.data.data_val, argument.mask) : -EINVAL;
+}
+
+} // namespace
+
+ORVANE_SIM_PROCEDURE("i2c", 1, i2c_read, sim_I2C_Read_Param, xdr_sim_I2C_Read_Param, sim_I2C_Read_Result,
+                     read)
+ORVANE_SIM_PROCEDURE("i2c", 1, i2c_write, sim_I2C_Write_Param, xdr_sim_I2C_Write_Param, sim_Simple_Result,
+                     write)
+ORVANE_SIM_PROCEDURE("i2c", 1, i2c_read_reg, sim_I2C_Read_Reg_Param, xdr_sim_I2C_Read_Reg_Param,
+                     sim_I2C_Read_Result, readRegister)
+ORVANE_SIM_PROCEDURE("i2c", 1, i2c_block_write_register, sim_I2C_Block_Reg_Write_Param,
+                     xdr_sim_I2C_Block_Reg_Write_Param, sim_Simple_Result, blockWrite)
+ORVANE_SIM_PROCEDURE("i2c", 1, i2c_block_read_register, sim_I2C_Block_Reg_Read_Param,
+                     xdr_sim_I2C_Block_Reg_Read_Param, sim_I2C_Read_Result, blockRead)
+ORVANE_SIM_PROCEDURE("i2c", 1, i2c_block_write_mask, sim_I2C_Block_Mask_Write_Param,
+                     xdr_sim_I2C_Block_Mask_Write_Param, sim_Simple_Result, blockWriteMask)
+ORVANE_SIM_RESULTS(i2c, 1)

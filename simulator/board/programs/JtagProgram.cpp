@@ -1,0 +1,68 @@
+// Shifts through the JTAG chain.
+#include "simulator/board/Procedure.h"
+
+#include <string>
+
+using namespace OrvaneSim;
+
+namespace {
+
+constexpr int kMostBytes = 1024; // of one shift
+
+bool isLevels(std::string_view text) {
+    return text.size() <= std::size_t{kMostBytes} * 8 &&
+           text.find_first_not_of("01") == std::string_view::npos;
+}
+
+std::string_view textOf(const sim_StringArrayEntry& entry) {
+    return entry.text ? entry.text : "";
+}
+
+/// Clocks the levels of `tms` with those of `data`, then the levels of `tmsAfter` with data low. The answer
+/// is the level of TDO for each clock of the first part. Data that is shorter goes on low.
+std::string shift(JtagChain& chain, std::string_view data, std::string_view tms, std::string_view tmsAfter) {
+    std::string answer;
+    for (std::size_t i = 0; i < tms.size(); ++i)
+        answer += chain.clock(tms[i] == '1', i < data.size() && data[i] == '1') ? '1' : '0';
+    for (const char level : tmsAfter)
+        chain.clock(level == '1', false);
+    return answer;
+}
+
+void setEntry(const Service& service, sim_StringArrayEntry& entry, const std::string& text) {
+    entry.length = static_cast<u_int>(text.size());
+    entry.text = service.room<char>(text.size() + 1);
+    std::copy(text.begin(), text.end(), entry.text);
+}
+
+void maxBytes(Service&, const sim_Simple_Param&, sim_Simple_Result& result) {
+    result.value = kMostBytes;
+}
+
+void shiftMulti(Service& service, const sim_JTAG_ShiftMulti_Param& argument,
+                sim_JTAG_ShiftMulti_Result& result) {
+    const u_int count = argument.list1.list1_len;
+    bool valid = argument.list2.list2_len == count && argument.list3.list3_len == count;
+    for (u_int i = 0; valid && i < count; ++i)
+        valid = isLevels(textOf(argument.list1.list1_val[i])) &&
+                isLevels(textOf(argument.list2.list2_val[i])) &&
+                isLevels(textOf(argument.list3.list3_val[i]));
+    if (!valid) {
+        result.error = -EINVAL;
+        return;
+    }
+    result.entries.entries_len = count;
+    result.entries.entries_val = service.room<sim_StringArrayEntry>(count);
+    for (u_int i = 0; i < count; ++i)
+        setEntry(service, result.entries.entries_val[i],
+                 shift(service.board.jtag, textOf(argument.list1.list1_val[i]),
+                       textOf(argument.list2.list2_val[i]), textOf(argument.list3.list3_val[i])));
+}
+
+} // namespace
+
+ORVANE_SIM_PROCEDURE("jtag", 1, jtag_maxbytes, sim_Simple_Param, xdr_sim_Simple_Param, sim_Simple_Result,
+                     maxBytes)
+ORVANE_SIM_PROCEDURE("jtag", 1, jtag_shiftmulti, sim_JTAG_ShiftMulti_Param, xdr_sim_JTAG_ShiftMulti_Param,
+                     sim_JTAG_ShiftMulti_Result, shiftMulti)
+ORVANE_SIM_RESULTS(jtag, 1)

@@ -1,0 +1,104 @@
+// Sessions and pings.
+#include "simulator/board/Procedure.h"
+
+using namespace OrvaneSim;
+
+namespace {
+
+/// The call sequence that a client starts from.
+constexpr u_int kFirstSequence = 100;
+
+void openConnection(Service& service, const sim_Open_Param& argument, sim_Open_Result& result) {
+    if (argument.byte1 != 0 && argument.byte2 != 0) { // exclusive and simple at once
+        result.error = -EINVAL;
+        return;
+    }
+    Session wanted;
+    wanted.key = argument.sessionId;
+    wanted.mode = argument.byte1 != 0   ? OpenMode::Exclusive
+                  : argument.byte2 != 0 ? OpenMode::Simple
+                                        : OpenMode::Concurrent;
+    wanted.deviceIndex = static_cast<unsigned>(argument.int1);
+    wanted.phyAddress = static_cast<unsigned>(argument.int2);
+    const Sessions::Opening opening = service.board.sessions.open(wanted);
+    result.error = opening.error;
+    result.word1 = opening.id;
+    result.sessionId = opening.key;
+    result.word3 = opening.error == 0 ? kFirstSequence : 0;
+}
+
+void closeConnection(Service& service, const sim_Close_Param& argument, sim_Simple_Result&) {
+    service.board.sessions.close(argument.handle);
+    service.session = nullptr;
+}
+
+void getErrorMessage(Service&, const sim_Simple_Param&, sim_Get_Error_Result&) {
+    // No error is ever left pending: each call carries its own status.
+}
+
+void ping(Service&, const int& argument, int& result) {
+    result = argument;
+}
+
+void pingClient(Service&, const sim_ID_Param&, sim_Simple_Result&) {
+    // That the session was found is the whole answer.
+}
+
+/// The command text, which clients send with its terminating NUL.
+std::string commandText(const sim_Command_Param& argument) {
+    std::string text(argument.command.command_val, argument.command.command_len);
+    return text.substr(0, text.find('\0'));
+}
+
+void fillOutcome(const Service& service, sim_Command_Result& result, int status, const std::string& output,
+                 const std::string& errors) {
+    result.status = status;
+    service.fill(result.output1.output1_len, result.output1.output1_val, output);
+    service.fill(result.output2.output2_len, result.output2.output2_val, errors);
+}
+
+void answerFromShell(const std::shared_ptr<LaterReply>& reply, const ShellRunner::Outcome& outcome) {
+    std::string output = outcome.output;
+    std::string errors = outcome.errors;
+    sim_Command_Result result{};
+    result.error = outcome.timedOut ? -ETIMEDOUT : 0;
+    result.status = outcome.status;
+    result.output1 = {static_cast<u_int>(output.size()), output.data()};
+    result.output2 = {static_cast<u_int>(errors.size()), errors.data()};
+    // libtirpc's routine type leaves the parameters open.
+    reply->send(reinterpret_cast<xdrproc_t>(xdr_sim_Command_Result), &result);
+}
+
+/// A board without a shell answers from its table, after the time that the table says; with one, the shell's
+/// outcome is the answer. A command that outlasts its time-out (in seconds) ends as timed out.
+void executeCommand(Service& service, const sim_Command_Param& argument, sim_Command_Result& result) {
+    const std::string text = commandText(argument);
+    if (service.board.shell) {
+        service.board.shell->run(text, std::chrono::seconds(argument.word1),
+                                 [reply = service.call.answerLater()](const ShellRunner::Outcome& outcome) {
+                                     answerFromShell(reply, outcome);
+                                 });
+        return;
+    }
+    const CommandOutcome outcome = service.board.commands.find(text);
+    if (outcome.seconds > 0)
+        service.call.delivery.delay = std::chrono::seconds(std::min(outcome.seconds, argument.word1));
+    if (outcome.seconds > argument.word1)
+        result.error = -ETIMEDOUT;
+    else
+        fillOutcome(service, result, outcome.status, outcome.output, outcome.errors);
+}
+
+} // namespace
+
+ORVANE_SIM_PROCEDURE("setup", 1, open_connection, sim_Open_Param, xdr_sim_Open_Param, sim_Open_Result,
+                     openConnection)
+ORVANE_SIM_PROCEDURE("setup", 1, close_connection, sim_Close_Param, xdr_sim_Close_Param, sim_Simple_Result,
+                     closeConnection)
+ORVANE_SIM_PROCEDURE("setup", 1, get_error_msg, sim_Simple_Param, xdr_sim_Simple_Param, sim_Get_Error_Result,
+                     getErrorMessage)
+ORVANE_SIM_PROCEDURE("setup", 1, ping, int, xdr_int, int, ping)
+ORVANE_SIM_PROCEDURE("setup", 1, pingclient, sim_ID_Param, xdr_sim_ID_Param, sim_Simple_Result, pingClient)
+ORVANE_SIM_PROCEDURE("setup", 1, execute_command, sim_Command_Param, xdr_sim_Command_Param,
+                     sim_Command_Result, executeCommand)
+ORVANE_SIM_RESULTS(setup, 1)

@@ -1,0 +1,107 @@
+// One ONC RPC request being answered, in memory: header, arguments, reply.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <rpc/rpc.h>
+#include <string_view>
+#include <utility>
+
+namespace OrvaneSim {
+
+enum class Transport { Udp, Tcp };
+
+/// The fixed words of a request.
+struct CallHeader {
+    std::uint32_t transaction = 0;
+    std::uint32_t program = 0;
+    std::uint32_t version = 0;
+    std::uint32_t procedure = 0;
+};
+
+/// What becomes of a reply on its way.
+struct Delivery {
+    int copies = 1;                     // 0 loses the reply
+    std::chrono::milliseconds delay{0}; // before the first copy leaves
+    bool closeConnection = false;       // TCP only: no reply, the connection ends
+};
+
+/// The reply to a call that could not be answered while it was served. Belongs to the loop's thread.
+class LaterReply {
+public:
+    explicit LaterReply(std::uint32_t transaction) : transaction_(transaction) {}
+
+    /// Encodes a result and sends it the way the request came. Does nothing when that way is gone. To be
+    /// called once, not while the call is still being served.
+    void send(xdrproc_t routine, void* result);
+
+    /// Tells how an encoded reply is sent; the transport's part.
+    void sendBy(std::function<void(std::string_view reply)> way) { way_ = std::move(way); }
+
+private:
+    std::uint32_t transaction_;
+    std::function<void(std::string_view)> way_;
+};
+
+/// The server's end of one request. It poses as a libtirpc transport, so that dispatch functions made by
+/// rpcgen decode from it and reply into it; nothing is sent from here. Lives on the stack of the loop's
+/// thread for the length of one request.
+class RpcCall {
+public:
+    /// A dispatch function as rpcgen writes it.
+    using Dispatch = void (*)(svc_req*, SVCXPRT*);
+
+    /// `message` (one whole request) must outlive the call.
+    RpcCall(std::string_view message, Transport transport);
+    RpcCall(const RpcCall&) = delete;
+    RpcCall& operator=(const RpcCall&) = delete;
+
+    /// False when the message is no request at all; such a message gets no answer. A request of another RPC
+    /// version is one: its refusal is already in `reply()`.
+    bool isRequest() const { return isRequest_; }
+    const CallHeader& header() const { return header_; }
+    Transport transport() const { return transport_; }
+    /// The encoded arguments.
+    std::string_view arguments() const { return arguments_; }
+
+    /// Lets `dispatch` decode the arguments, serve the procedure and reply. The procedure finds `context`,
+    /// which is the caller's own, in `context()`.
+    void serve(Dispatch dispatch, void* context);
+    void* context() const { return context_; }
+    void refuseProgram();
+    void refuseVersion(std::uint32_t low, std::uint32_t high);
+
+    /// Promises a reply for later; the procedure then gives none now.
+    std::shared_ptr<LaterReply> answerLater();
+    /// The promised reply, null when none was.
+    const std::shared_ptr<LaterReply>& later() const { return later_; }
+
+    /// The encoded reply, empty when there is none. Valid until the next call on this thread encodes its own.
+    std::string_view reply() const { return reply_; }
+
+    /// How the reply is to be sent.
+    Delivery delivery;
+
+    /// The call that a dispatch function's request belongs to.
+    static RpcCall& of(const svc_req* request);
+
+private:
+    struct Operations;
+
+    bool decodeHeader(std::string_view message);
+    bool encodeReply(rpc_msg& message);
+
+    CallHeader header_;
+    Transport transport_;
+    void* context_ = nullptr;
+    bool isRequest_ = false;
+    std::string_view arguments_;
+    std::string_view reply_;
+    std::shared_ptr<LaterReply> later_;
+    SVCXPRT handle_{};
+};
+
+} // namespace OrvaneSim

@@ -1,0 +1,136 @@
+// Processes, their outputs and their time-outs.
+#include "simulator/engine/ShellRunner.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/epoll.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace OrvaneSim {
+namespace {
+
+constexpr std::size_t kMostKept = 65536;
+
+/// What posix_spawn needs, freed with this object.
+class SpawnPlan {
+public:
+    SpawnPlan(int output, int errors) {
+        posix_spawn_file_actions_init(&actions_);
+        posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO);
+        posix_spawn_file_actions_adddup2(&actions_, errors, STDERR_FILENO);
+        posix_spawnattr_init(&attributes_);
+        sigset_t none;
+        sigemptyset(&none);
+        posix_spawnattr_setsigmask(&attributes_, &none);
+        posix_spawnattr_setpgroup(&attributes_, 0);
+        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK);
+    }
+    ~SpawnPlan() {
+        posix_spawn_file_actions_destroy(&actions_);
+        posix_spawnattr_destroy(&attributes_);
+    }
+    SpawnPlan(const SpawnPlan&) = delete;
+    SpawnPlan& operator=(const SpawnPlan&) = delete;
+
+    pid_t spawn(std::string command) {
+        std::string shell = "/bin/sh";
+        std::string flag = "-c";
+        std::array<char*, 4> arguments{shell.data(), flag.data(), command.data(), nullptr};
+        pid_t pid = -1;
+        const int error =
+            posix_spawn(&pid, shell.c_str(), &actions_, &attributes_, arguments.data(), environ);
+        if (error != 0)
+            throw std::system_error(error, std::generic_category(), "cannot run a shell");
+        return pid;
+    }
+
+private:
+    posix_spawn_file_actions_t actions_{};
+    posix_spawnattr_t attributes_{};
+};
+
+/// Makes a pipe, keeps its reading end in `reader` and returns the writing end.
+FileDescriptor openPipe(FileDescriptor& reader) {
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0)
+        throw std::system_error(errno, std::generic_category(), "cannot make a pipe");
+    reader = FileDescriptor(ends[0]);
+    FileDescriptor writer(ends[1]);
+    if (::fcntl(reader.get(), F_SETFL, O_NONBLOCK) != 0)
+        throw std::system_error(errno, std::generic_category(), "cannot set up a pipe");
+    return writer;
+}
+
+} // namespace
+
+ShellRunner::~ShellRunner() {
+    for (const Process& process : processes_) {
+        ::kill(-process.pid, SIGKILL);
+        ::waitpid(process.pid, nullptr, 0);
+    }
+}
+
+void ShellRunner::run(const std::string& command, std::chrono::seconds limit, Done done) {
+    const auto process = processes_.emplace(processes_.end());
+    try {
+        const FileDescriptor output = openPipe(process->output.pipe);
+        const FileDescriptor errors = openPipe(process->errors.pipe);
+        process->pid = SpawnPlan(output.get(), errors.get()).spawn(command);
+    } catch (...) {
+        processes_.erase(process);
+        throw;
+    }
+    process->done = std::move(done);
+    process->end = FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, process->pid, 0)));
+    watchStream(process->output);
+    watchStream(process->errors);
+    process->endWatch =
+        loop_.watch(process->end.get(), EPOLLIN, [this, process](std::uint32_t) { finish(process); });
+    loop_.after(limit, process->life, [process] {
+        process->timedOut = true;
+        ::kill(-process->pid, SIGKILL); // its end is then seen as any other
+    });
+}
+
+void ShellRunner::watchStream(Stream& stream) {
+    stream.watch = loop_.watch(stream.pipe.get(), EPOLLIN, [this, &stream](std::uint32_t) { drain(stream); });
+}
+
+void ShellRunner::drain(Stream& stream) {
+    std::vector<char>& room = loop_.scratch();
+    for (;;) {
+        const ssize_t count = ::read(stream.pipe.get(), room.data(), room.size());
+        if (count <= 0) {
+            if (count == 0)
+                stream.watch = {}; // closed; nothing more to be told of
+            return;
+        }
+        const std::size_t kept = std::min(static_cast<std::size_t>(count), kMostKept - stream.text.size());
+        stream.text.append(room.data(), kept);
+    }
+}
+
+void ShellRunner::finish(Position process) {
+    int status = 0;
+    if (::waitpid(process->pid, &status, WNOHANG) != process->pid)
+        return;
+    ::kill(-process->pid, SIGKILL); // what the shell left in the background
+    drain(process->output);
+    drain(process->errors);
+    const Outcome outcome{process->timedOut,
+                          WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status),
+                          std::move(process->output.text), std::move(process->errors.text)};
+    const Done done = std::move(process->done);
+    processes_.erase(process);
+    done(outcome);
+}
+
+} // namespace OrvaneSim

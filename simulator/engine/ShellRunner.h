@@ -1,0 +1,61 @@
+// Runs shell commands as child processes without blocking the loop.
+#pragma once
+
+#include "simulator/engine/EventLoop.h"
+
+#include <chrono>
+#include <functional>
+#include <list>
+#include <string>
+#include <sys/types.h>
+
+namespace OrvaneSim {
+
+/// Each command runs in /bin/sh in a process group of its own, without input, and is killed with its group
+/// when its time is up or the runner goes. Belongs to the loop's thread.
+class ShellRunner {
+public:
+    struct Outcome {
+        bool timedOut = false;
+        int status = 0; // exit status, 128 + signal when killed
+        std::string output;
+        std::string errors;
+    };
+    using Done = std::function<void(const Outcome&)>;
+
+    /// `loop` must outlive the runner.
+    explicit ShellRunner(EventLoop& loop) : loop_(loop) {}
+    ~ShellRunner();
+    ShellRunner(const ShellRunner&) = delete;
+    ShellRunner& operator=(const ShellRunner&) = delete;
+
+    /// Starts `command`; `done` is called once, when the shell has ended; what it left in the background is
+    /// killed. Outputs are kept up to 64 KiB each. Throws std::system_error when no process can be made.
+    void run(const std::string& command, std::chrono::seconds limit, Done done);
+
+private:
+    struct Stream {
+        FileDescriptor pipe;
+        std::string text;
+        EventLoop::Watch watch;
+    };
+    struct Process {
+        pid_t pid = -1;
+        Stream output;
+        Stream errors;
+        FileDescriptor end; // readable when the shell has ended
+        EventLoop::Watch endWatch;
+        bool timedOut = false;
+        Done done;
+        EventLoop::Life life = EventLoop::makeLife();
+    };
+    using Position = std::list<Process>::iterator;
+    void watchStream(Stream& stream);
+    void drain(Stream& stream);
+    void finish(Position process);
+
+    EventLoop& loop_;
+    std::list<Process> processes_;
+};
+
+} // namespace OrvaneSim

@@ -1,0 +1,110 @@
+// Sparse storage of PHY registers and the paths to them.
+#include "simulator/models/MdioPorts.h"
+
+#include "simulator/models/RegisterPaths.h"
+
+namespace OrvaneSim {
+namespace {
+
+constexpr std::uint32_t kIdentifierHigh = 0x0A5C;
+constexpr std::uint32_t kIdentifierLow = 0x1E83;
+constexpr std::uint32_t kIndirectControl = 13;
+constexpr std::uint32_t kIndirectData = 14;
+
+std::uint64_t phyKey(PhyAddress where) {
+    return (std::uint64_t{where.device & 0xFFU} << 8) | (where.phy & 0x1FU);
+}
+
+/// The part of an address that a frame of the space carries.
+std::uint32_t significant(Space space, std::uint32_t address) {
+    switch (space) {
+    case Space::C45:
+        return address & 0x1FFFFF;
+    case Space::C22:
+        return address & 0x1F;
+    case Space::Ext32:
+        break;
+    }
+    return address;
+}
+
+std::uint64_t registerKey(PhyAddress where, Space space, std::uint32_t address) {
+    return (static_cast<std::uint64_t>(space) << 56) | (phyKey(where) << 32) | significant(space, address);
+}
+
+std::uint32_t initialValue(Space space, std::uint32_t address) {
+    if (space == Space::Ext32)
+        return 0;
+    const std::uint32_t number = significant(space, address) & 0xFFFF;
+    return number == 2 ? kIdentifierHigh : number == 3 ? kIdentifierLow : 0;
+}
+
+} // namespace
+
+MdioPorts::MdioPorts() : paths_(std::make_unique<RegisterPaths>()) {}
+
+MdioPorts::~MdioPorts() = default;
+
+std::uint32_t MdioPorts::peek(PhyAddress where, Space space, std::uint32_t address) const {
+    const auto found = registers_.find(registerKey(where, space, address));
+    return found != registers_.end() ? found->second : initialValue(space, address);
+}
+
+void MdioPorts::poke(PhyAddress where, Space space, std::uint32_t address, std::uint32_t value) {
+    registers_[registerKey(where, space, address)] = space == Space::Ext32 ? value : value & 0xFFFF;
+}
+
+std::uint32_t& MdioPorts::indirectAddress(PhyAddress where) {
+    const std::uint32_t mmd = peek(where, Space::C22, kIndirectControl) & 0x1F;
+    return indirectAddresses_[(phyKey(where) << 5) | mmd];
+}
+
+bool MdioPorts::reachesIndirectData(PhyAddress where, Space space, std::uint32_t address) const {
+    return space == Space::C22 && significant(space, address) == kIndirectData &&
+           (peek(where, Space::C22, kIndirectControl) >> 14) != 0;
+}
+
+std::uint32_t MdioPorts::indirectRegister(PhyAddress where) {
+    const std::uint32_t mmd = peek(where, Space::C22, kIndirectControl) & 0x1F;
+    return (mmd << 16) | indirectAddress(where);
+}
+
+void MdioPorts::advanceIndirect(PhyAddress where, bool written) {
+    const std::uint32_t function = peek(where, Space::C22, kIndirectControl) >> 14;
+    if (function == 2 || (function == 3 && written))
+        indirectAddress(where) = (indirectAddress(where) + 1) & 0xFFFF;
+}
+
+std::uint32_t MdioPorts::read(PhyAddress where, Space space, std::uint32_t address) {
+    if (space == Space::Ext32)
+        currentAddresses_[phyKey(where)] = address;
+    if (space == Space::C45)
+        paths_->beforeRead({*this, where}, significant(space, address));
+    if (!reachesIndirectData(where, space, address))
+        return peek(where, space, address);
+    const std::uint32_t value = read(where, Space::C45, indirectRegister(where));
+    advanceIndirect(where, false);
+    return value;
+}
+
+void MdioPorts::write(PhyAddress where, Space space, std::uint32_t address, std::uint32_t value) {
+    if (space == Space::Ext32)
+        currentAddresses_[phyKey(where)] = address;
+    if (reachesIndirectData(where, space, address)) {
+        write(where, Space::C45, indirectRegister(where), value);
+        advanceIndirect(where, true);
+        return;
+    }
+    poke(where, space, address, value);
+    if (space == Space::C45)
+        paths_->afterWrite({*this, where}, significant(space, address));
+    if (space == Space::C22 && significant(space, address) == kIndirectData)
+        indirectAddress(where) = value & 0xFFFF;
+}
+
+std::uint32_t MdioPorts::currentAddress(PhyAddress where) const {
+    const auto found = currentAddresses_.find(phyKey(where));
+    return found != currentAddresses_.end() ? found->second : 0;
+}
+
+} // namespace OrvaneSim

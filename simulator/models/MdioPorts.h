@@ -1,0 +1,58 @@
+// The PHY registers behind a board's MDIO ports.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <unordered_map>
+
+namespace OrvaneSim {
+
+class RegisterPaths;
+
+/// A PHY's register spaces: Clause 45 (address (MMD << 16) | register, 16 bits wide), Clause 22 (registers 0
+/// to 31, 16 bits) and the 32-bit extension (any 32-bit address, each holding a word of its own).
+enum class Space { C45, C22, Ext32 };
+
+/// One PHY: the device index of its port and its address there (0 to 31).
+struct PhyAddress {
+    unsigned device = 0;
+    unsigned phy = 0;
+};
+
+/// Registers that keep what is written to them. Never written, the identifier registers 2 and 3 (of each MMD
+/// and of Clause 22) hold the PHY's identifier and every other one 0. Belongs to the loop's thread.
+class MdioPorts {
+public:
+    MdioPorts();
+    ~MdioPorts();
+
+    /// Accesses as a bus frame makes them. Registers 13 and 14 of Clause 22 reach Clause 45 registers: 13
+    /// selects the MMD (bits 0 to 4) and the function (bits 14 and 15: 0 address, 1 data, 2 data with
+    /// increment after each access, 3 data with increment after writes), 14 carries address or data. An
+    /// access of the 32-bit extension sets the current address.
+    std::uint32_t read(PhyAddress where, Space space, std::uint32_t address);
+    void write(PhyAddress where, Space space, std::uint32_t address, std::uint32_t value);
+
+    /// The register itself, without any effect of a bus access.
+    std::uint32_t peek(PhyAddress where, Space space, std::uint32_t address) const;
+    void poke(PhyAddress where, Space space, std::uint32_t address, std::uint32_t value);
+
+    /// The indirect paths that Clause 45 accesses on the bus run through.
+    RegisterPaths& paths() { return *paths_; }
+
+    /// The address that current-address accesses of the 32-bit extension use: that of the last access.
+    std::uint32_t currentAddress(PhyAddress where) const;
+
+private:
+    std::uint32_t& indirectAddress(PhyAddress where);
+    bool reachesIndirectData(PhyAddress where, Space space, std::uint32_t address) const;
+    std::uint32_t indirectRegister(PhyAddress where);
+    void advanceIndirect(PhyAddress where, bool written);
+
+    std::unique_ptr<RegisterPaths> paths_;
+    std::unordered_map<std::uint64_t, std::uint32_t> registers_;
+    std::unordered_map<std::uint64_t, std::uint32_t> currentAddresses_;
+    std::unordered_map<std::uint64_t, std::uint32_t> indirectAddresses_; // one for each PHY and MMD
+};
+
+} // namespace OrvaneSim

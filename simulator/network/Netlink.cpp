@@ -1,0 +1,199 @@
+// Routing-netlink requests, one message each.
+#include "simulator/network/Netlink.h"
+
+#include "simulator/engine/Sockets.h"
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <linux/if_link.h>
+#include <linux/rtnetlink.h>
+#include <linux/veth.h>
+#include <net/if.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+namespace OrvaneSim {
+namespace {
+
+[[noreturn]] void fail(int error, const std::string& step) {
+    throw std::system_error(error, std::generic_category(), step);
+}
+
+std::uint32_t rawAddress(const std::string& address) {
+    return endPoint(address, 0).sin_addr.s_addr;
+}
+
+template <class Text>
+ifreq interfaceRequest(const Text& name) {
+    ifreq request{};
+    std::strncpy(request.ifr_name, name.c_str(), IFNAMSIZ - 1);
+    return request;
+}
+
+} // namespace
+
+/// One request under construction; the kernel wants every part aligned to four bytes.
+class Netlink::Message {
+public:
+    Message(std::uint16_t type, std::uint16_t extraFlags) : bytes_(NLMSG_HDRLEN) {
+        header().nlmsg_type = type;
+        header().nlmsg_flags = static_cast<std::uint16_t>(NLM_F_REQUEST | NLM_F_ACK | extraFlags);
+        seal();
+    }
+
+    template <class Body>
+    Message& body(const Body& body) {
+        append(&body, sizeof body);
+        return *this;
+    }
+
+    Message& attribute(std::uint16_t type, const void* value, std::size_t size) {
+        const std::size_t start = open(type);
+        append(value, size);
+        return close(start, RTA_LENGTH(0) + size);
+    }
+    Message& text(std::uint16_t type, const std::string& value) {
+        return attribute(type, value.c_str(), value.size() + 1);
+    }
+    template <class Value>
+    Message& value(std::uint16_t type, Value value) {
+        return attribute(type, &value, sizeof value);
+    }
+
+    /// Begins an attribute that holds others; `close` ends it.
+    std::size_t open(std::uint16_t type) {
+        const std::size_t start = bytes_.size();
+        rtattr attribute{};
+        attribute.rta_type = type;
+        append(&attribute, sizeof attribute);
+        return start;
+    }
+    Message& close(std::size_t start) { return close(start, bytes_.size() - start); }
+
+    const std::vector<char>& bytes() const { return bytes_; }
+
+private:
+    nlmsghdr& header() { return *reinterpret_cast<nlmsghdr*>(bytes_.data()); }
+    void seal() { header().nlmsg_len = static_cast<std::uint32_t>(bytes_.size()); }
+
+    void append(const void* data, std::size_t size) {
+        const auto* first = static_cast<const char*>(data);
+        bytes_.insert(bytes_.end(), first, first + size);
+        bytes_.resize(NLMSG_ALIGN(bytes_.size()));
+        seal();
+    }
+
+    Message& close(std::size_t start, std::size_t length) {
+        reinterpret_cast<rtattr*>(bytes_.data() + start)->rta_len = static_cast<std::uint16_t>(length);
+        return *this;
+    }
+
+    std::vector<char> bytes_;
+};
+
+Netlink::Netlink() : socket_(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE)) {
+    if (!socket_)
+        fail(errno, "cannot open a netlink socket");
+}
+
+void Netlink::transact(const Message& message, const std::string& step) {
+    const auto& bytes = message.bytes();
+    if (::send(socket_.get(), bytes.data(), bytes.size(), 0) < 0)
+        fail(errno, step);
+    alignas(nlmsghdr) std::array<char, 8192> answer;
+    const ssize_t count = ::recv(socket_.get(), answer.data(), answer.size(), 0);
+    const auto* header = reinterpret_cast<const nlmsghdr*>(answer.data());
+    if (count < static_cast<ssize_t>(NLMSG_LENGTH(sizeof(nlmsgerr))) || header->nlmsg_type != NLMSG_ERROR)
+        fail(count < 0 ? errno : EPROTO, step);
+    const auto* outcome = reinterpret_cast<const nlmsgerr*>(answer.data() + NLMSG_HDRLEN);
+    if (outcome->error != 0)
+        fail(-outcome->error, step);
+}
+
+void Netlink::addCable(const std::string& name, int index, const std::string& peerName, int peerIndex,
+                       int peerNamespace) {
+    ifinfomsg near{};
+    near.ifi_index = index;
+    Message message(RTM_NEWLINK, NLM_F_CREATE | NLM_F_EXCL);
+    message.body(near).text(IFLA_IFNAME, name);
+    const std::size_t info = message.open(IFLA_LINKINFO);
+    message.text(IFLA_INFO_KIND, "veth");
+    const std::size_t data = message.open(IFLA_INFO_DATA);
+    const std::size_t peer = message.open(VETH_INFO_PEER);
+    ifinfomsg far{};
+    far.ifi_index = peerIndex;
+    message.body(far).text(IFLA_IFNAME, peerName).value(IFLA_NET_NS_FD, peerNamespace);
+    message.close(peer).close(data).close(info);
+    transact(message, "cannot create the virtual cable " + name);
+}
+
+void Netlink::setUp(const std::string& interface) {
+    ifinfomsg link{};
+    link.ifi_index = indexOf(interface);
+    link.ifi_flags = IFF_UP;
+    link.ifi_change = IFF_UP;
+    transact(Message(RTM_NEWLINK, 0).body(link), "cannot bring up " + interface);
+}
+
+void Netlink::addAddress(const std::string& interface, const std::string& address, std::uint8_t prefixBits) {
+    ifaddrmsg body{};
+    body.ifa_family = AF_INET;
+    body.ifa_prefixlen = prefixBits;
+    body.ifa_index = static_cast<std::uint32_t>(indexOf(interface));
+    Message message(RTM_NEWADDR, NLM_F_CREATE | NLM_F_EXCL);
+    message.body(body).value(IFA_LOCAL, rawAddress(address)).value(IFA_ADDRESS, rawAddress(address));
+    transact(message, "cannot give " + interface + " the address " + address);
+}
+
+void Netlink::addLinkRoute(const std::string& network, std::uint8_t prefixBits,
+                           const std::string& interface) {
+    rtmsg route{};
+    route.rtm_family = AF_INET;
+    route.rtm_dst_len = prefixBits;
+    route.rtm_table = RT_TABLE_MAIN;
+    route.rtm_protocol = RTPROT_BOOT;
+    route.rtm_scope = RT_SCOPE_LINK;
+    route.rtm_type = RTN_UNICAST;
+    Message message(RTM_NEWROUTE, NLM_F_CREATE | NLM_F_EXCL);
+    message.body(route).value(RTA_DST, rawAddress(network)).value(RTA_OIF, indexOf(interface));
+    transact(message, "cannot route " + network + " to " + interface);
+}
+
+void Netlink::addLocalRoute(const std::string& network, std::uint8_t prefixBits) {
+    rtmsg route{};
+    route.rtm_family = AF_INET;
+    route.rtm_dst_len = prefixBits;
+    route.rtm_table = RT_TABLE_LOCAL;
+    route.rtm_protocol = RTPROT_BOOT;
+    route.rtm_scope = RT_SCOPE_HOST;
+    route.rtm_type = RTN_LOCAL;
+    Message message(RTM_NEWROUTE, NLM_F_CREATE | NLM_F_EXCL);
+    message.body(route).value(RTA_DST, rawAddress(network)).value(RTA_OIF, indexOf("lo"));
+    transact(message, "cannot make " + network + " local");
+}
+
+void Netlink::awaitRunning(const std::string& interface) {
+    const FileDescriptor socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    for (ifreq request = interfaceRequest(interface);;) {
+        if (::ioctl(socket.get(), SIOCGIFFLAGS, &request) == 0 && (request.ifr_flags & IFF_RUNNING) != 0)
+            return;
+        if (std::chrono::steady_clock::now() > limit)
+            fail(ETIMEDOUT, "the virtual cable " + interface + " does not come up");
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+int Netlink::indexOf(const std::string& interface) {
+    const unsigned index = ::if_nametoindex(interface.c_str());
+    if (index == 0)
+        fail(errno, "no interface " + interface);
+    return static_cast<int>(index);
+}
+
+} // namespace OrvaneSim

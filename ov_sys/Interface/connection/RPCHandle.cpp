@@ -53,4 +53,6 @@ RPCHandle::Turn::Turn(RPCHandle& handle) : lock_(handle.callMutex_) {
         sigpipe_.emplace();
 }
 
+RPCHandle::Turn::~Turn() = default;
+
 } // namespace Orvane

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ov_sys/Interface/connection/SigpipeGuard.h"
+#include "ov_sys/Interface/foundation/Export.h"
 
 #include <memory>
 #include <mutex>
@@ -36,7 +37,8 @@ public:
     // back.
     class Turn {
     public:
-        explicit Turn(RPCHandle& handle);
+        ORVANE_API explicit Turn(RPCHandle& handle);
+        ORVANE_API ~Turn();
         Turn(const Turn&) = delete;
         Turn& operator=(const Turn&) = delete;
 

@@ -130,7 +130,7 @@ void BoardFinder::handleReceivedData(const std::string& boardType, std::vector<A
             continue;
         auto record = std::make_unique<AddressResponse>(board);
         found.push_back(record.get());
-        record.release();
+        static_cast<void>(record.release());
     }
     replies.clear();
 }

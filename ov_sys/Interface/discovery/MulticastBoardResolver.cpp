@@ -61,12 +61,7 @@ Wait waitReadable(int socket) {
 } // namespace
 
 MulticastBoardResolver::MulticastBoardResolver(std::string group_, unsigned port_)
-    : group(std::move(group_)),
-      port(port_),
-      listenSocket(-1),
-      sendSocket(-1),
-      localAddress(socketAddress(htonl(INADDR_ANY), port_)),
-      listening(false) {
+    : group(std::move(group_)), port(port_), localAddress(socketAddress(htonl(INADDR_ANY), port_)) {
     if (InterfaceLister::ipList(interfaces) == 0)
         throw Exceptions::Standard("Couldn't get list of local interfaces.");
     const auto loopback = std::find_if(interfaces.begin(), interfaces.end(), [](const AddressResponse& each) {

@@ -25,13 +25,13 @@ public:
     // The interfaces that requests go out on: name and address. Fixed by the constructor.
     std::vector<AddressResponse> interfaces;
     // -1 until created; closed by the destructor.
-    int listenSocket;
-    int sendSocket;
+    int listenSocket = -1;
+    int sendSocket = -1;
     // Any address and the port, which the listen socket is bound to; then the listener's alone, which keeps
     // the sender of the latest reply here.
     sockaddr_in localAddress;
     // True while the listener thread is to run.
-    std::atomic<bool> listening;
+    std::atomic<bool> listening{false};
     std::thread listener;
     // What was received and not yet fetched: reply text and sender's address. Guarded by repliesLock.
     std::vector<AddressResponse> replies;

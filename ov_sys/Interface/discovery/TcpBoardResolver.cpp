@@ -51,8 +51,7 @@ TcpBoardResolver::TcpBoardResolver(std::string address_, int port_, std::string 
     : boardType(std::move(boardType_)),
       address(std::move(address_)),
       port(port_),
-      request(DiscoveryProtocol::request(boardType)),
-      socket(-1) {}
+      request(DiscoveryProtocol::request(boardType)) {}
 
 TcpBoardResolver::~TcpBoardResolver() {
     close_socket(socket);

@@ -20,7 +20,7 @@ public:
     // The board's reply text as received; empty until Search() has received something.
     std::string reply;
     // -1 when closed; closed by the destructor.
-    int socket;
+    int socket = -1;
 
     TcpBoardResolver(std::string address, int port, std::string boardType);
     TcpBoardResolver(const TcpBoardResolver&) = delete;

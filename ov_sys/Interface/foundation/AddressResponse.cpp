@@ -23,7 +23,7 @@ bool AddressResponse::operator==(const AddressResponse& other) {
 }
 
 AddressResponse& AddressResponse::operator=(const AddressResponse& other) {
-    if (*this == other)
+    if (this == &other || *this == other)
         return *this;
     name = other.name;
     address = other.address;

@@ -3,6 +3,7 @@
 
 #include "examples/demo/Report.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,15 @@ void mixedBlocks(Report& report, const Port& port);
 
 // Two ports of one board, first in turn and then from a thread each.
 void twoPorts(Report& report, const Port& first, const Port& second);
+
+// GPIO, I2C, JTAG, ADC, thermal and command services of the board.
+void boardServices(Report& report, const Port& port);
+
+// The device by which the PHYs of an MDIO port are reached over SMBus; none when the board has none.
+std::optional<Port> smbusSideOf(const Port& mdio, const std::vector<Port>& ports);
+
+// A PHY's registers, written over MDIO and read by both ways; in both 32-bit protocols over SMBus.
+void smbus(Report& report, const Port& mdio, const Port& smbus);
 
 void closeAll(Report& report, const std::vector<Port>& ports);
 

@@ -11,7 +11,7 @@ namespace {
 constexpr const char* kUsage =
     "Usage: orvane-demo [--address IPV4]\n"
     "Lists the boards that answer a multicast question on the local networks (or the\n"
-    "board at IPV4), opens two ports of the first, writes registers and reads them back.\n";
+    "board at IPV4), opens ports of the first, writes registers and reads them back.\n";
 
 int run(const std::string& address) {
     Demo::Report report;
@@ -21,13 +21,19 @@ int run(const std::string& address) {
         report.failure("the demo needs a board with two ports");
         return report.conclude();
     }
+    const std::optional<Demo::Port> smbusSide = Demo::smbusSideOf(ports[0], ports);
     ports.resize(2);
+    if (smbusSide)
+        ports.push_back(*smbusSide);
     Demo::openPorts(report, ports);
     Demo::clause45(report, ports[0]);
     Demo::clause22(report, ports[0]);
     Demo::extension32(report, ports[0]);
     Demo::mixedBlocks(report, ports[0]);
     Demo::twoPorts(report, ports[0], ports[1]);
+    Demo::boardServices(report, ports[0]);
+    if (smbusSide)
+        Demo::smbus(report, ports[0], *smbusSide);
     Demo::closeAll(report, ports);
     if (HW_Fail())
         report.failure(std::string("the library recorded an error: ") +

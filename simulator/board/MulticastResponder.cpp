@@ -48,6 +48,8 @@ void MulticastResponder::join(const in_addr& address, int interface) {
 }
 
 void MulticastResponder::add(const std::string& address, DiscoveryVoice& voice, FaultQueue& faults) {
+    while (receive()) { // what was sent before was not for this board
+    }
     const sockaddr_in source = endPoint(address, 0);
     members_[address] = {source, &voice, &faults};
     if (!PrivateNetwork::entered())
@@ -58,17 +60,18 @@ void MulticastResponder::remove(const std::string& address) {
     members_.erase(address);
 }
 
-void MulticastResponder::receive() {
+/// Takes one datagram; false when there is none.
+bool MulticastResponder::receive() {
     std::vector<char>& room = loop_.scratch();
     sockaddr_in requester{};
     socklen_t size = sizeof requester;
     const ssize_t count = ::recvfrom(socket_.get(), room.data(), room.size(), 0,
                                      reinterpret_cast<sockaddr*>(&requester), &size);
     if (count < 0)
-        return;
+        return false;
     const auto word = discoveryWord({room.data(), static_cast<std::size_t>(count)});
     if (!word)
-        return;
+        return true;
     requester.sin_port = htons(kDiscoveryPort);
     const bool idle = replies_.empty();
     for (auto& [address, member] : members_)
@@ -76,6 +79,7 @@ void MulticastResponder::receive() {
             replies_.push_back({member.source, requester, std::move(text)});
     if (idle)
         sendSome();
+    return true;
 }
 
 void MulticastResponder::sendSome() {

@@ -18,7 +18,7 @@ public:
     /// `loop` must outlive the responder. Throws std::system_error.
     explicit MulticastResponder(EventLoop& loop);
 
-    /// Lets a board hear and answer from now on; `voice` and `faults` must live until `remove`.
+    /// Lets a board hear and answer what is sent from now on; `voice` and `faults` must live until `remove`.
     void add(const std::string& address, DiscoveryVoice& voice, FaultQueue& faults);
     void remove(const std::string& address);
 
@@ -34,7 +34,7 @@ private:
         std::string text;
     };
     void join(const in_addr& address, int interface);
-    void receive();
+    bool receive();
     void sendSome();
     void send(const Reply& reply);
 

@@ -1,7 +1,5 @@
-// Replaces system files by bind mounts of unlinked temporary files.
+// Replaces system files by bind mounts of files in memory.
 #include "simulator/network/PrivateFiles.h"
-
-#include "simulator/engine/FileDescriptor.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -10,6 +8,7 @@
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace OrvaneSim {
 namespace {
@@ -18,35 +17,46 @@ namespace {
     throw std::system_error(errno, std::generic_category(), "cannot replace " + path);
 }
 
-/// A file in the temporary folder, removed again with this object; a mount of it lives on.
-class TemporaryFile {
+/// A folder in memory that only this process sees, taken from view again with this object; mounts of its
+/// files live on. A removed file would not do: nothing can be mounted over a mount of one, and networks may
+/// be nested.
+class PrivateFolder {
 public:
-    explicit TemporaryFile(const std::string& text) {
-        file_ = FileDescriptor(::mkstemp(name_.data()));
-        if (!file_)
+    PrivateFolder() {
+        if (!::mkdtemp(name_.data()))
             fail(name_);
-        if (::write(file_.get(), text.data(), text.size()) != static_cast<ssize_t>(text.size()) ||
-            ::fchmod(file_.get(), 0644) != 0) {
-            ::unlink(name_.c_str());
+        if (::mount("none", name_.c_str(), "tmpfs", 0, nullptr) != 0) {
+            const int error = errno;
+            ::rmdir(name_.c_str());
+            errno = error;
             fail(name_);
         }
     }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-    ~TemporaryFile() { ::unlink(name_.c_str()); }
+    PrivateFolder(const PrivateFolder&) = delete;
+    PrivateFolder& operator=(const PrivateFolder&) = delete;
+    ~PrivateFolder() {
+        ::umount2(name_.c_str(), MNT_DETACH);
+        ::rmdir(name_.c_str());
+    }
 
-    const char* name() const { return name_.c_str(); }
+    std::string write(const std::string& text) const {
+        std::string file = name_ + "/file";
+        std::ofstream stream(file);
+        stream << text << std::flush;
+        if (!stream || ::chmod(file.c_str(), 0644) != 0)
+            fail(file);
+        return file;
+    }
 
 private:
     std::string name_ = "/tmp/orvane-lab-XXXXXX";
-    FileDescriptor file_;
 };
 
 } // namespace
 
 void replaceFile(const std::string& path, const std::string& text) {
-    const TemporaryFile file(text);
-    if (::mount(file.name(), path.c_str(), nullptr, MS_BIND, nullptr) != 0)
+    const PrivateFolder folder;
+    if (::mount(folder.write(text).c_str(), path.c_str(), nullptr, MS_BIND, nullptr) != 0)
         fail(path);
 }
 

@@ -1,0 +1,87 @@
+// The error state when there is no memory for a text.
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <orvane/orvane.h>
+#include <string>
+#include <sys/mman.h>
+#include <sys/resource.h>
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define ORVANE_TEST_SANITIZED
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define ORVANE_TEST_SANITIZED
+#endif
+#endif
+
+namespace OrvaneTest {
+namespace {
+
+constexpr std::size_t kTextBytes = std::size_t{2} << 20;
+
+// An exception whose text is too long to be copied and lies outside of the heap.
+class LongProblem : public std::exception {
+public:
+    explicit LongProblem(const char* text) : text_(text) {}
+    const char* what() const noexcept override { return text_; }
+
+private:
+    const char* text_;
+};
+
+char* longText() {
+    void* memory = mmap(nullptr, kTextBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED)
+        std::exit(2);
+    char* text = static_cast<char*>(memory);
+    std::memset(text, 'x', kTextBytes - 1);
+    return text;
+}
+
+void record(const LongProblem& problem) {
+    try {
+        throw problem;
+    } catch (...) {
+        HW_CallException(false);
+    }
+}
+
+// Lets the heap give no more large pieces. Sanitizers have an allocator of their own, which is told so by the
+// options that the test sets in its environment.
+void exhaustMemory() {
+#ifndef ORVANE_TEST_SANITIZED
+    rlimit limit{};
+    getrlimit(RLIMIT_AS, &limit);
+    limit.rlim_cur = 1;
+    setrlimit(RLIMIT_AS, &limit);
+#endif
+}
+
+[[noreturn]] void recordWithoutMemory() {
+    const LongProblem problem(longText());
+    exhaustMemory();
+    record(problem);
+    std::_Exit(HW_Fail() == 1 && HW_Error() == nullptr ? 0 : 1);
+}
+
+void addOption(const char* variable) {
+    const char* present = std::getenv(variable);
+    const std::string options = present != nullptr ? std::string(present) + ":" : std::string();
+    setenv(variable, (options + "allocator_may_return_null=1:max_allocation_size_mb=1").c_str(), 1);
+}
+
+TEST(ErrorStateOutOfMemoryDeathTest, ReportsTheTextItCannotKeepAndHasNone) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    addOption("ASAN_OPTIONS");
+    addOption("TSAN_OPTIONS");
+    const std::string reported =
+        "\nError: Out of memory. Couldn't save interface error message:" + std::string(kTextBytes - 1, 'x') +
+        "\n";
+    EXPECT_EXIT(recordWithoutMemory(), testing::ExitedWithCode(0), testing::HasSubstr(reported));
+}
+
+} // namespace
+} // namespace OrvaneTest

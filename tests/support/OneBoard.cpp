@@ -1,0 +1,39 @@
+#include "tests/support/OneBoard.h"
+
+namespace OrvaneTest {
+namespace {
+
+OrvaneSim::BoardOptions namedBoard() {
+    OrvaneSim::BoardOptions options;
+    options.serial = kBoardSerial;
+    return options;
+}
+
+} // namespace
+
+OneBoard::OneBoard() : board(lab.add(namedBoard())) {}
+
+Orvane::AddressResponse OneBoard::record() const {
+    return {kBoardSerial, board.address()};
+}
+
+void OneBoard::inject(OrvaneSim::Fault::Kind kind, const std::string& program, const std::string& procedure,
+                      int count, std::int64_t value) {
+    board.inject({program, procedure, kind, count, value});
+}
+
+std::size_t OneBoard::count(const std::string& procedure) const {
+    return board.requestsOf(procedure).size();
+}
+
+std::vector<unsigned long> OneBoard::programsLookedUp() const {
+    std::vector<unsigned long> programs;
+    for (const OrvaneSim::Request& request : board.requestsOf("portmap_getport")) {
+        const auto program = request.arguments()["prog"].get<unsigned long>();
+        if (programs.empty() || programs.back() != program)
+            programs.push_back(program);
+    }
+    return programs;
+}
+
+} // namespace OrvaneTest

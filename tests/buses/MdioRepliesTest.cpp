@@ -1,6 +1,8 @@
 // Replies that are longer or shorter than what was asked for, and callers' lists that do not fit each other.
 #include "ov_sys/Interface/buses/MDIO.h"
 #include "ov_sys/Interface/buses/rpc/RPCMDIO.h"
+#include "ov_sys/Interface/connection/BoardConnection.h"
+#include "tests/support/CannedReplies.h"
 #include "tests/support/MdioOperations.h"
 #include "tests/support/NamedParam.h"
 #include "tests/support/SessionOnBoard.h"
@@ -150,10 +152,36 @@ TEST_P(MdioMixedReply, WithValuesNobodyAskedForIsDropped) {
     EXPECT_THAT(GetParam().readNothing(&session), IsEmpty());
 }
 
-TEST_P(MdioMixedReply, LeavesTheCallerWithoutWordsOfAnEarlierBusyReply) {
-    board.inject({"mdio", "", Fault::Kind::ResultCode, 1, -16});
-    answerWith(1);
-    EXPECT_EQ(GetParam().readTwo(&session), (Words{GetParam().values[0], 0}));
+// Replies to reads, word by word: status, number of values, values.
+class MdioWords : public testing::Test, protected SessionOnBoard {
+protected:
+    Orvane::RPCClient& client() { return *session.connection->getClient(Orvane::BoardConnection::MDIO); }
+};
+
+TEST_F(MdioWords, OfSixteenBitReadsComeBackUnmasked) {
+    const WireBytes reply = wire("00000000 00000001 89ABCDEF");
+    const CannedReplies canned(client(), {reply, reply, reply});
+    EXPECT_EQ(mdio.read(&session, 1), 0x89ABCDEFU);
+    EXPECT_EQ(mdio.read_c22(&session, 1), 0x89ABCDEFU);
+    EXPECT_EQ(mdio.blockRead(&session, {1}), Words{0x89ABCDEF});
+}
+
+TEST_F(MdioWords, OfABusyReplyDoNotCountInAListRead) {
+    const CannedReplies canned(client(), {wire("FFFFFFF0 00000003 00000007 00000008 00000009"),
+                                          wire("00000000 00000002 0000000A 0000000B")});
+    EXPECT_EQ(mdio.blockRead(&session, {1, 2}), (Words{10, 11}));
+}
+
+TEST_F(MdioWords, OfABusyReplyLeaveNothingInAMixedBlock) {
+    const CannedReplies canned(
+        client(), {wire("FFFFFFF0 00000002 00000007 00000008"), wire("00000000 00000001 0000000A")});
+    EXPECT_EQ(mdio.mixedBlock(&session, {}, {}, {1, 2}, {0, 2}), (Words{10, 0}));
+}
+
+TEST_F(MdioWords, ThatNobodyAskedForAreFreedAfterABusyReplyToo) {
+    const CannedReplies canned(
+        client(), {wire("FFFFFFF0 00000002 00000007 00000008"), wire("00000000 00000001 0000000A")});
+    EXPECT_THAT(mdio.mixedBlock(&session, {3}, {4}, {}, {1}), IsEmpty());
 }
 
 class MdioUnknownClause : public testing::TestWithParam<int>, protected SessionOnBoard {

@@ -14,8 +14,6 @@ namespace OrvaneTest {
 namespace {
 
 using Orvane::MDIO::MdioAsync;
-using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::KilledBySignal;
 
 static_assert(std::has_virtual_destructor_v<MdioAsync>);

@@ -35,7 +35,7 @@ private:
 char* longText() {
     void* memory = mmap(nullptr, kTextBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED)
-        std::exit(2);
+        std::_Exit(2);
     char* text = static_cast<char*>(memory);
     std::memset(text, 'x', kTextBytes - 1);
     return text;

@@ -32,7 +32,7 @@ void recordText(const std::string& text) {
 // The rest of the process may have recorded errors: the child starts anew.
 TEST(ErrorStateDeathTest, HasNoErrorAtFirst) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_EXIT(std::exit(HW_Fail() == 0 && HW_Error() == nullptr ? 0 : 1), testing::ExitedWithCode(0),
+    EXPECT_EXIT(std::_Exit(HW_Fail() == 0 && HW_Error() == nullptr ? 0 : 1), testing::ExitedWithCode(0),
                 testing::Eq(""));
 }
 

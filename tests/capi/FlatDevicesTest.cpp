@@ -37,7 +37,7 @@ TEST(FlatDevicesDeathTest, AreNoneAndNothingIsPrintedWithoutABoard) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto countAndList = [] {
         const bool none = HW_NumberOfDevices() == 0 && HW_DeviceList() == nullptr && HW_Fail() == 0;
-        std::exit(none ? 0 : 1);
+        std::_Exit(none ? 0 : 1);
     };
     EXPECT_EXIT(countAndList(), testing::ExitedWithCode(0), testing::Eq(""));
 }

@@ -16,17 +16,17 @@ using namespace OrvaneTest;
 template <class Client>
 class AnyRPCClient : public testing::Test {};
 using AllKinds = testing::Types<RPCClient, NormalRPCClient, ThreadSafeRPCClient, ExtendedRPCClient>;
-TYPED_TEST_SUITE(AnyRPCClient, AllKinds);
+TYPED_TEST_SUITE(AnyRPCClient, AllKinds, );
 
 template <class Client>
 class EagerRPCClient : public testing::Test {};
 using EagerKinds = testing::Types<NormalRPCClient, ThreadSafeRPCClient>;
-TYPED_TEST_SUITE(EagerRPCClient, EagerKinds);
+TYPED_TEST_SUITE(EagerRPCClient, EagerKinds, );
 
 template <class Client>
 class LazyRPCClient : public testing::Test {};
 using LazyKinds = testing::Types<RPCClient, ExtendedRPCClient>;
-TYPED_TEST_SUITE(LazyRPCClient, LazyKinds);
+TYPED_TEST_SUITE(LazyRPCClient, LazyKinds, );
 
 std::pair<long, long> parts(const timeval& time) {
     return {time.tv_sec, time.tv_usec};

@@ -19,7 +19,6 @@ using Orvane::HWInterface;
 using Orvane::Exceptions::Standard;
 using OrvaneSim::Fault;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 class Adapters : public testing::Test, protected AdaptersOnBoard {};

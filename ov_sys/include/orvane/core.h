@@ -3,7 +3,9 @@
 #define ORVANE_CORE_H
 
 #include <orvane/api.h>
+#ifndef __cplusplus
 #include <stdbool.h>
+#endif
 
 #ifdef __cplusplus
 extern "C" {

@@ -21,7 +21,7 @@ extern "C" {
 
 // The session that the flat interface uses for a PHY on the named device, opened on first use; the device
 // owns it. Blocks and throws as HWInterface::getPhySession().
-ORVANE_API Orvane::PhySession* HW_GlobalInterface_getPhySession(std::string deviceName, int phyId);
+ORVANE_API Orvane::PhySession *HW_GlobalInterface_getPhySession(std::string deviceName, int phyId);
 
 // Makes the flat interface take over a session that was opened elsewhere. Throws as
 // HWInterface::setSession().

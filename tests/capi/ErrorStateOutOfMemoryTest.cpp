@@ -67,11 +67,13 @@ void exhaustMemory() {
     std::_Exit(HW_Fail() == 1 && HW_Error() == nullptr ? 0 : 1);
 }
 
+// NOLINTBEGIN(concurrency-mt-unsafe): there is one thread here
 void addOption(const char* variable) {
     const char* present = std::getenv(variable);
     const std::string options = present != nullptr ? std::string(present) + ":" : std::string();
     setenv(variable, (options + "allocator_may_return_null=1:max_allocation_size_mb=1").c_str(), 1);
 }
+// NOLINTEND(concurrency-mt-unsafe)
 
 // The child has no memory for the text, so that it is made when the child is gone.
 MATCHER(ReportsTheLostText, "reports the text") {

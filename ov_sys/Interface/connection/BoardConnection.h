@@ -34,7 +34,7 @@ public:
         THERMAL = 7
     };
 
-    int handles[7];                                         // -1 each; nothing uses them
+    int handles[7] = {};                                    // -1 each; nothing uses them
     std::map<clientId, std::unique_ptr<RPCClient>> clients; // constant after construction
     std::mutex problemMutex;                                // one thread at a time looks for a lost board
     std::mutex clientsMutex;                                // held while all clients are reset

@@ -40,7 +40,7 @@ void RPCHandle::setTimeout(const timeval& timeout) {
 // A late or duplicate answer of an earlier call would make the next one spend its whole wait on it.
 void RPCHandle::drain() const noexcept {
     constexpr int kMost = 4096; // a flood must not keep the caller here
-    char waste;
+    char waste = 0;
     for (int i = 0; i < kMost; ++i)
         if (recv(socket_, &waste, sizeof waste, MSG_DONTWAIT) < 0 && (errno == EAGAIN || errno == EBADF))
             return;

@@ -21,7 +21,7 @@ bool sigpipePending() noexcept {
 
 } // namespace
 
-SigpipeGuard::SigpipeGuard() noexcept : previousMask_{}, active_(!sigpipePending()) {
+SigpipeGuard::SigpipeGuard() noexcept : active_(!sigpipePending()) {
     const sigset_t set = onlySigpipe();
     if (active_)
         pthread_sigmask(SIG_BLOCK, &set, &previousMask_);

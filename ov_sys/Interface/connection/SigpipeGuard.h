@@ -1,7 +1,7 @@
 // Keeps a write to a broken connection from ending the process.
 #pragma once
 
-#include <signal.h>
+#include <csignal>
 
 namespace Orvane {
 
@@ -16,7 +16,7 @@ public:
     SigpipeGuard& operator=(const SigpipeGuard&) = delete;
 
 private:
-    sigset_t previousMask_;
+    sigset_t previousMask_{};
     bool active_; // false when a SIGPIPE of somebody else was pending already
 };
 

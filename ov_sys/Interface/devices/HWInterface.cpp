@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <exception>
 #include <utility>
 
@@ -212,7 +211,7 @@ bool HWInterface::isValidName(std::string name) {
 char* HWInterface::cStringFrom(const std::string& text) {
     char* copy = static_cast<char*>(std::calloc(text.size() + 1, 1));
     if (copy != nullptr)
-        std::memcpy(copy, text.data(), text.size());
+        text.copy(copy, text.size());
     return copy;
 }
 

@@ -40,7 +40,7 @@ SimpleDeviceEntry::~SimpleDeviceEntry() {
 }
 
 bool SimpleDeviceEntry::getKey(std::string variable, int& key) {
-    const char* text = std::getenv(variable.c_str());
+    const char* text = std::getenv(variable.c_str()); // NOLINT(concurrency-mt-unsafe)
     if (text == nullptr)
         return false;
     std::istringstream number(text);
@@ -136,7 +136,7 @@ PhySession* SimpleDeviceEntry::openInConfiguredMode(int phyId) {
 SimpleSessionEntry* SimpleDeviceEntry::append(PhySession* session, int phyId, int sessionPort) {
     std::unique_ptr<PhySession> owned(session);
     auto entry = std::make_unique<SimpleSessionEntry>(owned.get(), phyId, sessionPort);
-    owned.release(); // the entry's now
+    static_cast<void>(owned.release()); // the entry's now
     sessions.push_back(std::move(entry));
     return sessions.back().get();
 }

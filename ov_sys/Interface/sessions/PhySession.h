@@ -18,7 +18,7 @@ namespace Orvane {
 class BoardConnection;
 
 // The board's verdict on a call: 0, or a negative Linux errno value.
-typedef int RPCretCode_t;
+using RPCretCode_t = int;
 
 // Owns the connection to its board and, once started, a keep-alive thread that pings the board every 2 s. Any
 // number of threads may call through one session; when a call fails in transport, the first thread to see it
@@ -95,11 +95,11 @@ public:
     // Stops and joins the keep-alive thread.
     void stopKeepAlive();
     bool isKeepAliveRunning() const;
-    typedef int (*PingFunction)(PhySession&);
+    using PingFunction = int (*)(PhySession&);
     // The ping of the keep-alive service when its client is connected, otherwise that of the setup service.
     static PingFunction selectPingFunction(PhySession* session);
-    // Body of the keep-alive thread; `session` is a PhySession, the result is null.
-    static void* doKeepAlive(void* session);
+    // Body of the keep-alive thread; `argument` is a PhySession, the result is null.
+    static void* doKeepAlive(void* argument);
 
     // Claims error handling when the session is valid; returns the state before the claim.
     SessionState_t errorHandlingState();

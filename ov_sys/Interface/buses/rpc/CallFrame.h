@@ -72,7 +72,7 @@ void DO_RPC_VALIDATION(clnt_stat (*stub)(Param, Result, CLIENT*), Param id, Resu
     constexpr unsigned int kWaitMs = 65000;
     RPCClient& client = *session.connection->getClient(clientId);
     for (;;) {
-        clnt_stat status;
+        clnt_stat status = RPC_SUCCESS;
         session.waitForSessionNotBusy();
         do
             status = callStub(stub, id, result, client);

@@ -9,7 +9,7 @@ namespace Orvane {
 // XDR takes pointers to non-const for encoding too, but only reads through them.
 template <class Element>
 Element* wirePointer(std::vector<Element> const& list) {
-    return const_cast<Element*>(list.data());
+    return const_cast<Element*>(list.data()); // NOLINT(cppcoreguidelines-pro-type-const-cast)
 }
 
 template <class Element>

@@ -20,6 +20,25 @@ target_compile_options(orvane_build INTERFACE
 if(ORVANE_WERROR)
   target_compile_options(orvane_build INTERFACE -Werror)
 endif()
+
+# What the compiler and the linker can do against memory errors that are left; for the library and the tools.
+add_library(orvane_hardening INTERFACE)
+if(ORVANE_HARDENING)
+  include(CheckCXXCompilerFlag)
+  foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection)
+    string(MAKE_C_IDENTIFIER "ORVANE_HAS_${flag}" known)
+    check_cxx_compiler_flag(${flag} ${known})
+    target_compile_options(orvane_hardening INTERFACE $<$<BOOL:${${known}}>:${flag}>)
+  endforeach()
+  target_compile_definitions(orvane_hardening INTERFACE _GLIBCXX_ASSERTIONS)
+  target_link_options(orvane_hardening INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
+  if(NOT ORVANE_SANITIZE) # whose own checks see more; without optimisation there is nothing to check with
+    target_compile_options(orvane_hardening INTERFACE
+      $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE> # some compilers set it by themselves
+      $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-D_FORTIFY_SOURCE=2>)
+  endif()
+endif()
+
 if(ORVANE_SANITIZE)
   add_compile_options(-fsanitize=${ORVANE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ORVANE_SANITIZE})

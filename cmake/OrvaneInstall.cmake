@@ -1,31 +1,63 @@
-# What `cmake --install` puts in place: the library, its headers, and what find_package and pkg-config read.
+# What `cmake --install` puts in place: the library, its headers, what find_package and pkg-config read, and the
+# simulated boards. The component of an install() says which Debian package it goes into (OrvanePackages.cmake).
 include(CMakePackageConfigHelpers)
 
 # One include folder, include/orvane: <orvane/orvane.h>, <orvane/orvane.hpp>, and beneath it the class headers
-# under the names by which they include each other ("ov_sys/Interface/...").
+# under the names by which they include each other ("ov_sys/Interface/..."). Headers that neither declare something
+# exported nor are included by one that does stay at home; './check package' compiles every installed one alone.
+set(ORVANE_PRIVATE_HEADERS CallInto WireLists WireResult DiscoveryProtocol DottedAddress
+  FoundBoards Diagnostics Stopwatch Programs XdrHelpers SigpipeGuard PortMapperProbe)
+list(JOIN ORVANE_PRIVATE_HEADERS "|" ORVANE_PRIVATE_HEADERS)
 set(ORVANE_HEADERS ${CMAKE_INSTALL_INCLUDEDIR}/orvane)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/ov_sys/include/orvane/ DESTINATION ${ORVANE_HEADERS})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/ov_sys/include/orvane/ DESTINATION ${ORVANE_HEADERS}
+  COMPONENT development FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/ov_sys/Interface DESTINATION ${ORVANE_HEADERS}/ov_sys
-  FILES_MATCHING PATTERN "*.h")
+  COMPONENT development FILES_MATCHING PATTERN "*.h" REGEX "/(${ORVANE_PRIVATE_HEADERS})\\.h$" EXCLUDE)
 
 install(TARGETS orvane EXPORT orvane-targets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_COMPONENT development)
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development)
 
 set(ORVANE_PACKAGE ${CMAKE_INSTALL_LIBDIR}/cmake/orvane)
-install(EXPORT orvane-targets NAMESPACE orvane:: DESTINATION ${ORVANE_PACKAGE})
+install(EXPORT orvane-targets NAMESPACE orvane:: DESTINATION ${ORVANE_PACKAGE} COMPONENT development)
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/orvane-config.cmake.in
   ${PROJECT_BINARY_DIR}/orvane-config.cmake INSTALL_DESTINATION ${ORVANE_PACKAGE})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/orvane-config-version.cmake
   COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/orvane-config.cmake ${PROJECT_BINARY_DIR}/orvane-config-version.cmake
-  DESTINATION ${ORVANE_PACKAGE})
+  DESTINATION ${ORVANE_PACKAGE} COMPONENT development)
 
 # The .pc file finds the rest of the installation from its own place, so that the tree can be moved.
 file(RELATIVE_PATH ORVANE_PC_TO_PREFIX ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(${PROJECT_SOURCE_DIR}/cmake/orvane.pc.in ${PROJECT_BINARY_DIR}/orvane.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/orvane.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${PROJECT_BINARY_DIR}/orvane.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+  COMPONENT development)
 
-# The simulated boards come along, for users who test against them.
-if(TARGET orvane-sim AND TARGET orvane-lab)
-  install(TARGETS orvane-sim orvane-lab RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+# The simulated boards come along, for users who test against them: two commands, and the library orvane::lab
+# with <orvane/lab.h> and the headers that it includes.
+if(ORVANE_BUILD_SIMULATOR)
+  install(TARGETS orvane-sim orvane-lab RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  install(TARGETS orvane_simulator EXPORT orvane-lab-targets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+    COMPONENT development)
+  install(EXPORT orvane-lab-targets NAMESPACE orvane:: DESTINATION ${ORVANE_PACKAGE} COMPONENT development)
+  install(FILES ${PROJECT_SOURCE_DIR}/simulator/include/orvane/lab.h DESTINATION ${ORVANE_HEADERS}
+    COMPONENT development)
+  foreach(header lab/Lab lab/Board board/Action board/CallCounts board/Fault board/Request board/StrayDatagrams
+          models/AnalogueInputs models/CommandTable models/MdioPorts models/PathTroubles network/PrivateNetwork)
+    get_filename_component(room ${header} DIRECTORY)
+    install(FILES ${PROJECT_SOURCE_DIR}/simulator/${header}.h DESTINATION ${ORVANE_HEADERS}/simulator/${room}
+      COMPONENT development)
+  endforeach()
+  install(FILES ${PROJECT_SOURCE_DIR}/simulator/script/lab-file.schema.json
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/orvane COMPONENT tools)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/orvane-lab.pc.in ${PROJECT_BINARY_DIR}/orvane-lab.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/orvane-lab.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+    COMPONENT development)
 endif()
+
+# Builds what is installed and nothing else; ./demo does, so that `cmake --install` may follow it.
+add_custom_target(orvane-installed)
+foreach(target orvane orvane-sim orvane-lab orvane-tool)
+  if(TARGET ${target})
+    add_dependencies(orvane-installed ${target})
+  endif()
+endforeach()

@@ -46,3 +46,20 @@ need_packages() {
     as_root apt-get update --quiet
     as_root env DEBIAN_FRONTEND=noninteractive apt-get install --quiet --yes --no-install-recommends $missing
 }
+
+# Puts rpcinfo on the PATH, out of its package: installing that would start a port mapper on this machine.
+need_rpcinfo() {
+    local folder=$PWD/build/tools
+    PATH=$PATH:$folder/rpcbind/usr/sbin:$folder/rpcbind/usr/bin:/usr/sbin
+    if command -v rpcinfo >/dev/null; then
+        return
+    fi
+    echo "Unpacking rpcinfo of the Debian package rpcbind to build/tools"
+    mkdir -p "$folder"
+    (
+        cd "$folder"
+        apt-get download --quiet rpcbind || { as_root apt-get update --quiet && apt-get download --quiet rpcbind; }
+        dpkg-deb --extract rpcbind_*.deb rpcbind
+        rm rpcbind_*.deb
+    )
+}

@@ -21,7 +21,8 @@ std::vector<JtagChain::Device> jtagDevices(std::uint64_t seed) {
 } // namespace
 
 BoardParts::BoardParts(const std::string& serial, const std::string& nameLine, std::uint64_t seed)
-    : jtag(jtagDevices(seed)),
+    : faults(seed),
+      jtag(jtagDevices(seed)),
       i2c(
           mdio, [this] { return thermal.temperature(0); }, serial),
       commands(serial, nameLine) {}

@@ -1,6 +1,7 @@
 // Everything of a board that its programs work on.
 #pragma once
 
+#include "simulator/board/CallCounters.h"
 #include "simulator/board/FaultQueue.h"
 #include "simulator/board/PortMap.h"
 #include "simulator/board/RequestLog.h"
@@ -15,6 +16,8 @@
 #include "simulator/models/ThermalPlant.h"
 
 #include <cstdint>
+#include <functional>
+#include <list>
 #include <memory>
 #include <string>
 
@@ -30,6 +33,9 @@ struct BoardParts {
     PortMap ports;
     FaultQueue faults;
     RequestLog requests;
+    CallCounters counters;
+    /// Told of every request after its fault was decided, before it is executed.
+    std::list<std::function<void(const Request&)>> observers; // one may add another
     MdioPorts mdio;
     GpioBank gpio;
     JtagChain jtag;

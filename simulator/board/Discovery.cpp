@@ -1,6 +1,8 @@
 // Texts of the discovery exchange.
 #include "simulator/board/Discovery.h"
 
+#include "simulator/board/ReplyBytes.h"
+
 namespace OrvaneSim {
 namespace {
 
@@ -33,11 +35,17 @@ std::vector<std::string> DiscoveryVoice::repliesTo(const std::string& word, Faul
     const auto fault = faults.take("discovery", "");
     if (!fault)
         return texts;
-    if (fault->kind != Fault::Kind::DuplicateReply)
+    if (fault->kind == Fault::Kind::DuplicateReply) {
+        const std::size_t count = texts.size();
+        for (std::size_t i = 0; i < count; ++i)
+            texts.push_back(texts[i]);
+        return texts;
+    }
+    const auto change = byteChangeOf(*fault, faults.dice());
+    if (!change)
         return {};
-    const std::size_t count = texts.size();
-    for (std::size_t i = 0; i < count; ++i)
-        texts.push_back(texts[i]);
+    for (std::string& text : texts)
+        change(text);
     return texts;
 }
 
@@ -50,12 +58,17 @@ std::optional<std::vector<std::string>> DiscoveryVoice::probeReplyTo(const std::
     const auto fault = faults.take("probe", "");
     if (fault && fault->kind == Fault::Kind::Silent)
         return std::nullopt;
+    const auto change = fault ? byteChangeOf(*fault, faults.dice()) : nullptr;
     const bool changed = chunks_ || replies_;
-    if ((!changed && !name_.answersTo(word)) || fault)
+    if ((!changed && !name_.answersTo(word)) || (fault && !change))
         return std::vector<std::string>{};
+    std::vector<std::string> pieces{word + "|" + name_.line()};
     if (changed)
-        return chunks_ ? chunks_ : replies_;
-    return std::vector<std::string>{word + "|" + name_.line()};
+        pieces = chunks_ ? *chunks_ : *replies_;
+    if (change)
+        for (std::string& piece : pieces)
+            change(piece);
+    return pieces;
 }
 
 std::vector<std::string> DiscoveryVoice::requestsHeard() const {

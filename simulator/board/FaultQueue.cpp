@@ -18,8 +18,14 @@ bool concerns(const Fault& fault, std::string_view program, std::string_view pro
 } // namespace
 
 std::optional<Fault> FaultQueue::take(std::string_view program, std::string_view procedure) {
-    const auto found = std::find_if(faults_.begin(), faults_.end(),
-                                    [&](const Fault& fault) { return concerns(fault, program, procedure); });
+    if (hanging_) {
+        Fault silence;
+        silence.kind = Fault::Kind::Silent;
+        return silence;
+    }
+    const auto found = std::find_if(faults_.begin(), faults_.end(), [&](const Fault& fault) {
+        return concerns(fault, program, procedure) && dice_.falls(fault.probability);
+    });
     if (found == faults_.end())
         return std::nullopt;
     Fault met = *found;

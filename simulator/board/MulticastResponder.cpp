@@ -92,6 +92,7 @@ void MulticastResponder::sendSome() {
 }
 
 void MulticastResponder::send(const Reply& reply) {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): only read
     iovec part{const_cast<char*>(reply.text.data()), reply.text.size()};
     sockaddr_in destination = reply.requester;
     alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(in_pktinfo))> control{};

@@ -7,6 +7,7 @@
 #include "simulator/protocol/RecordText.h"
 
 #include <cerrno>
+#include <optional>
 #include <utility>
 
 namespace OrvaneSim {
@@ -15,6 +16,7 @@ namespace OrvaneSim {
 template <class Argument>
 nlohmann::ordered_json describeArgument(std::string_view bytes, bool_t (*routine)(XDR*, Argument*)) {
     XDR xdr{};
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): only read
     xdrmem_create(&xdr, const_cast<char*>(bytes.data()), static_cast<u_int>(bytes.size()), XDR_DECODE);
     Argument argument{};
     auto json = routine(&xdr, &argument) ? toJson(argument) : nlohmann::ordered_json::object();
@@ -38,36 +40,46 @@ bool findSession(Service& service, const Argument& argument) {
     return true;
 }
 
-/// Whether a call that meets `fault` is executed; sets what the call's delivery needs.
-bool passesFault(const Fault& fault, Delivery& delivery);
+/// What was decided about a call before its procedure runs.
+struct CallFate {
+    std::optional<Fault> fault;
+    CallCounts& counts;
+    bool executed = true;
+};
 
-/// Records a decoded call, lets it meet its fault, checks its session and runs `function` on it. Returns
-/// whether a reply is to be sent, as a dispatch function expects.
+/// Records and counts a decoded call, lets it meet its fault and tells the board's observers.
+CallFate beginCall(Service& service, const ProcedureInfo& info);
+
+/// Whether a call that meets `fault` is executed; sets how the call is answered.
+bool passesFault(const Fault& fault, RpcCall& call, Dice& dice);
+
+/// Serves a decoded call: its fate, the check of its session, `function`. Returns whether a reply is to be
+/// sent, as a dispatch function expects.
 template <class Argument, class Result>
 bool_t runProcedure(svc_req* request, const ProcedureInfo& info, Argument& argument, Result& result,
                     void (*function)(Service&, const Argument&, Result&)) {
     RpcCall& call = RpcCall::of(request);
     Service& service = *static_cast<Service*>(call.context());
     result = Result{};
-    service.board.requests.add(info, call.header().program, call.header().version, call.header().procedure,
-                               call.transport() == Transport::Tcp, call.arguments());
-    const auto fault = service.board.faults.take(info.program, info.procedure);
-    if (fault && !passesFault(*fault, call.delivery)) {
-        if (fault->kind != Fault::Kind::ResultCode)
+    const CallFate fate = beginCall(service, info);
+    if (!fate.executed) {
+        if (fate.fault->kind != Fault::Kind::ResultCode)
             return FALSE;
-        setStatus(result, fault->value);
+        setStatus(result, fate.fault->value);
         return TRUE;
     }
-    if (findSession(service, argument))
+    if (findSession(service, argument)) {
+        ++fate.counts.executed;
         function(service, argument, result);
-    else
+    } else {
         setStatus(result, -EBADRQC);
+    }
     if (call.later())
         return FALSE;
-    if (fault && fault->kind == Fault::Kind::OverrideWord)
-        setFirstWord(result, fault->value);
-    if (fault && fault->kind == Fault::Kind::ReplyCount)
-        setCounts(service, result, fault->value);
+    if (fate.fault && fate.fault->kind == Fault::Kind::OverrideWord)
+        setFirstWord(result, fate.fault->value);
+    if (fate.fault && fate.fault->kind == Fault::Kind::ReplyCount)
+        setCounts(service, result, fate.fault->value);
     return TRUE;
 }
 

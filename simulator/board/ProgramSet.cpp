@@ -14,13 +14,15 @@ constexpr std::size_t kUsualReplyMemory = 2048;
 } // namespace
 
 void ProgramSet::refuseVersion(RpcCall& call, const Program& program) {
-    // A program that is silent or loses its replies does so for every version.
+    // A program that is silent, refused or loses its replies does so for every version.
     const auto fault = board_.faults.take(program.name, "");
-    if (!fault || passesFault(*fault, call.delivery) || fault->kind == Fault::Kind::ResultCode)
+    if (!fault || passesFault(*fault, call, board_.faults.dice()) || fault->kind == Fault::Kind::ResultCode)
         call.refuseVersion(program.version, program.version);
 }
 
 void ProgramSet::answer(RpcCall& call) {
+    if (board_.faults.hanging())
+        return;
     const auto program = std::find_if(programs_.begin(), programs_.end(),
                                       [&](const Program& p) { return p.number == call.header().program; });
     if (program == programs_.end()) {
@@ -31,6 +33,7 @@ void ProgramSet::answer(RpcCall& call) {
         refuseVersion(call, *program);
         return;
     }
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): raw memory
     alignas(std::max_align_t) std::array<std::byte, kUsualReplyMemory> room;
     std::pmr::monotonic_buffer_resource memory(room.data(), room.size());
     Service service{board_, call, memory};

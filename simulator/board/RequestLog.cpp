@@ -4,27 +4,35 @@
 #include <algorithm>
 #include <map>
 #include <stdexcept>
+#include <utility>
 
 namespace OrvaneSim {
 namespace {
 
-constexpr std::size_t kMostEntries = 100000;
 constexpr std::size_t kMostBytes = std::size_t{32} << 20;
 
 } // namespace
 
-void RequestLog::add(const ProcedureInfo& procedure, std::uint32_t programNumber, std::uint32_t version,
-                     std::uint32_t procedureNumber, bool overTcp, std::string_view arguments) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    entries_.push_back(
-        {&procedure, programNumber, version, procedureNumber, overTcp, std::string(arguments)});
-    bytes_ += arguments.size();
-    while (entries_.size() > kMostEntries || bytes_ > kMostBytes) {
+void RequestLog::trim() {
+    while (entries_.size() > mostEntries_ || bytes_ > kMostBytes) {
         bytes_ -= entries_.front().arguments.size();
         entries_.pop_front();
         ++firstNumber_;
     }
+}
+
+void RequestLog::add(Entry entry) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    bytes_ += entry.arguments.size();
+    entries_.push_back(std::move(entry));
+    trim();
     arrived_.notify_all();
+}
+
+void RequestLog::keep(std::size_t entries) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    mostEntries_ = entries;
+    trim();
 }
 
 Request RequestLog::expand(const Entry& entry) {

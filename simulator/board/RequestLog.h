@@ -27,8 +27,21 @@ struct ProcedureInfo {
 /// the loop's.
 class RequestLog {
 public:
-    void add(const ProcedureInfo& procedure, std::uint32_t programNumber, std::uint32_t version,
-             std::uint32_t procedureNumber, bool overTcp, std::string_view arguments);
+    /// A request before it is shown to anybody; its procedure must outlive it.
+    struct Entry {
+        const ProcedureInfo* procedure;
+        std::uint32_t programNumber;
+        std::uint32_t version;
+        std::uint32_t procedureNumber;
+        bool overTcp;
+        std::string arguments;
+    };
+    static Request expand(const Entry& entry);
+
+    void add(Entry entry);
+
+    /// How many requests are kept at most; 100,000 at first.
+    void keep(std::size_t entries);
 
     /// Requests that `wanted` accepts, in arrival order.
     std::vector<Request> select(const std::function<bool(const Request&)>& wanted) const;
@@ -40,23 +53,16 @@ public:
     void clear();
 
 private:
-    struct Entry {
-        const ProcedureInfo* procedure;
-        std::uint32_t programNumber;
-        std::uint32_t version;
-        std::uint32_t procedureNumber;
-        bool overTcp;
-        std::string arguments;
-    };
-    static Request expand(const Entry& entry);
     std::vector<Request> since(std::uint64_t number, std::uint64_t& next) const;
     std::string summary() const;
+    void trim();
 
     mutable std::mutex mutex_; // guards everything below
     mutable std::condition_variable arrived_;
     std::deque<Entry> entries_;
     std::uint64_t firstNumber_ = 0; // running number of entries_.front()
     std::size_t bytes_ = 0;
+    std::size_t mostEntries_ = 100000;
 };
 
 } // namespace OrvaneSim

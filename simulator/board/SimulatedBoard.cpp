@@ -14,7 +14,7 @@ constexpr std::uint16_t kPortMapperPort = 111;
 } // namespace
 
 SimulatedBoard::Sockets::Sockets(EventLoop& loop, SimulatedBoard& board)
-    : portMapper(loop, board.address_, kPortMapperPort, board.portMapperSet_),
+    : portMapper(board.portMapperOpen_ ? board.openPortMapper() : nullptr),
       services(loop, board.address_, 0, board.serviceSet_),
       probe(loop, board.address_, board.voice_, board.parts_.faults) {}
 
@@ -45,6 +45,55 @@ void SimulatedBoard::stop() {
         return;
     responder_.remove(address_);
     sockets_.reset();
+}
+
+void SimulatedBoard::restart() {
+    const auto ports = [this] {
+        return std::pair(sockets_->services.port(Transport::Tcp), sockets_->services.port(Transport::Udp));
+    };
+    if (!sockets_) {
+        start();
+        return;
+    }
+    const auto former = ports();
+    do {
+        stop();
+        start();
+    } while (ports().first == former.first || ports().second == former.second);
+}
+
+void SimulatedBoard::move(const std::string& address) {
+    endPoint(address, 0); // refuses what is no address
+    const bool served = serving();
+    stop();
+    const std::string former = std::exchange(address_, address);
+    if (!served)
+        return;
+    try {
+        start();
+    } catch (...) {
+        address_ = former;
+        start();
+        throw;
+    }
+}
+
+std::unique_ptr<RpcServer> SimulatedBoard::openPortMapper() {
+    return std::make_unique<RpcServer>(loop_, address_, kPortMapperPort, portMapperSet_);
+}
+
+void SimulatedBoard::setPortMapper(bool open) {
+    portMapperOpen_ = open;
+    if (!open && sockets_)
+        sockets_->portMapper.reset();
+    else if (sockets_ && !sockets_->portMapper)
+        sockets_->portMapper = openPortMapper();
+}
+
+void SimulatedBoard::sendStrays(const StrayDatagrams& what) {
+    if (sockets_)
+        sockets_->strays = std::make_unique<StrayStream>(loop_, sockets_->services, straysSent_, what,
+                                                         Dice(parts_.faults.dice().next()));
 }
 
 void SimulatedBoard::allowShell() {

@@ -6,6 +6,7 @@
 #include "simulator/board/MulticastResponder.h"
 #include "simulator/board/ProbeServer.h"
 #include "simulator/board/ProgramSet.h"
+#include "simulator/board/StrayStream.h"
 #include "simulator/engine/RpcServer.h"
 
 #include <cstdint>
@@ -30,11 +31,24 @@ public:
     void start();
     /// Closes every socket: calls are refused, discovery is not heard.
     void stop();
+    /// Stops and starts, with other ports for the programs.
+    void restart();
+    /// Goes on at another address, with other ports. Throws std::system_error when that is not there to be
+    /// had, std::invalid_argument when it is none, and then serves where it did.
+    void move(const std::string& address);
+
+    /// Closes or opens the port mapper's sockets, from now on and at every start.
+    void setPortMapper(bool open);
+
+    /// Begins a stream of stray datagrams, in place of one that is still flowing. It ends with a stop.
+    void sendStrays(const StrayDatagrams& what);
+    std::uint64_t straysSent() const { return straysSent_; }
 
     /// Runs remote commands in a real shell of this machine from now on.
     void allowShell();
 
     const std::string& address() const { return address_; }
+    bool serving() const { return sockets_ != nullptr; }
     BoardParts& parts() { return parts_; }
     DiscoveryVoice& voice() { return voice_; }
 
@@ -42,10 +56,12 @@ private:
     /// What exists only while the board serves.
     struct Sockets {
         Sockets(EventLoop& loop, SimulatedBoard& board);
-        RpcServer portMapper;
+        std::unique_ptr<RpcServer> portMapper; // null while it is closed
         RpcServer services;
         ProbeServer probe;
+        std::unique_ptr<StrayStream> strays;
     };
+    std::unique_ptr<RpcServer> openPortMapper();
     void registerPrograms();
 
     EventLoop& loop_;
@@ -55,6 +71,8 @@ private:
     DiscoveryVoice voice_;
     ProgramSet portMapperSet_;
     ProgramSet serviceSet_;
+    bool portMapperOpen_ = true;
+    std::uint64_t straysSent_ = 0;
     std::unique_ptr<Sockets> sockets_;
 };
 

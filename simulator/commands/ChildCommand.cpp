@@ -97,8 +97,8 @@ int ChildCommand::run() {
         const siginfo_t signal = signals_.wait();
         if (signal.si_signo == SIGCHLD)
             reapCommand();
-        else if (signal.si_code != SI_KERNEL) // a terminal's signal has reached the command already
-            ::kill(child_, signal.si_signo);
+        else if (signal.si_code != SI_KERNEL || signal.si_signo == SIGHUP)
+            ::kill(child_, signal.si_signo); // other signals of a terminal have reached the command already
     }
     endLeftovers();
     int error = 0;

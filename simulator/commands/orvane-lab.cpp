@@ -1,12 +1,13 @@
 // orvane-lab: runs a command in a private network with simulated boards.
-#include "simulator/commands/BoardFlags.h"
 #include "simulator/commands/ChildCommand.h"
+#include "simulator/commands/RunningLab.h"
 #include "simulator/commands/Signals.h"
 #include "simulator/engine/Sockets.h"
 #include "simulator/network/PrivateNetwork.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <fstream>
 #include <iterator>
@@ -19,33 +20,34 @@ sees one interface (more with --interfaces) and nothing else: no packet leaves t
 No root is needed; the command runs as root of a user namespace of its own.
 
 Examples:
-  orvane-lab -- orvane list                   one board, OV0001
   orvane-lab --boards 3 -- ./my-test          OV0001 to OV0003
-  orvane-lab --boards 2 -- bash               look around; exit ends the lab
+  orvane-lab --lab rack.json -- ./my-test     the boards of a file
+  orvane-lab --boards 2 shell                 look around; exit ends the lab
   orvane-lab --boards 0 -- ./no-boards-test   a network without boards
 
-The exit status is the command's, 128 + signal when one killed it. Ctrl-C and SIGTERM go to
-the command; whatever it leaves running is ended with it.
+The command disturbs its lab with orvane-sim ctl, which finds it by itself. The exit status
+is the command's, 128 + signal when one killed it; 125 when there is no lab. Ctrl-C and
+SIGTERM go to the command; whatever it leaves running is ended with it.
 )";
 
 constexpr int kFailed = 125;
 
-struct LabFlags {
-    OrvaneSim::BoardFlags boards;
-    int interfaces = 1;
+struct Flags {
+    OrvaneSim::LabFlags lab;
+    int interfaces = 0; // 0: as the lab says
     std::string hostsFile;
     std::vector<std::string> command;
 };
 
-void addTo(CLI::App& app, LabFlags& flags) {
-    flags.boards.addTo(app);
-    app.add_option("--interfaces", flags.interfaces, "Host interfaces of the network")
-        ->check(CLI::Range(1, 8))
-        ->capture_default_str();
+CLI::App* addTo(CLI::App& app, Flags& flags) {
+    flags.lab.addTo(app);
+    app.add_option("--interfaces", flags.interfaces, "Host interfaces of the network (default: 1)")
+        ->check(CLI::Range(1, 8));
     app.add_option("--hosts", flags.hostsFile, "File that takes the place of /etc/hosts")
         ->check(CLI::ExistingFile);
-    app.add_option("command", flags.command, "Command and its arguments, after --")->required();
+    app.add_option("command", flags.command, "Command and its arguments, after --");
     app.positionals_at_end();
+    return app.add_subcommand("shell", "Runs $SHELL");
 }
 
 std::string contentOf(const std::string& path) {
@@ -55,15 +57,23 @@ std::string contentOf(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-int runInLab(const LabFlags& flags) {
-    const auto boards = flags.boards.options();
+std::string usualShell() {
+    const char* shell = std::getenv("SHELL");
+    return shell && *shell ? shell : "/bin/sh";
+}
+
+int runInLab(const Flags& flags) {
+    const OrvaneSim::LabSetup setup = flags.lab.setup(OrvaneSim::privatePlace());
     const OrvaneSim::StopSignals signals{SIGCHLD};
-    OrvaneSim::PrivateNetwork::enter({flags.interfaces, contentOf(flags.hostsFile)});
+    OrvaneSim::PrivateNetwork::enter(
+        {flags.interfaces > 0 ? flags.interfaces : setup.interfaces, contentOf(flags.hostsFile)});
+    ::setenv(OrvaneSim::kControlVariable, OrvaneSim::controlPathOf(flags.lab).c_str(), 1);
     OrvaneSim::ChildCommand command(flags.command, signals);
     OrvaneSim::raiseDescriptorLimit(); // after the command's process was made: it keeps the usual limit
-    OrvaneSim::Lab lab;
-    addAll(lab, boards);
-    return command.run();
+    OrvaneSim::RunningLab running(setup, flags.lab);
+    const int status = command.run();
+    running.finish();
+    return status;
 }
 
 } // namespace
@@ -71,11 +81,17 @@ int runInLab(const LabFlags& flags) {
 int main(int argc, char** argv) {
     CLI::App app{"Runs a command in a private network with simulated boards."};
     app.footer(kExamples);
-    LabFlags flags;
-    addTo(app, flags);
-    CLI11_PARSE(app, argc, argv);
+    Flags flags;
     try {
+        const CLI::App* shell = addTo(app, flags);
+        app.parse(argc, argv);
+        if (shell->parsed() == !flags.command.empty())
+            throw CLI::ParseError("give a command after --, or shell", kFailed);
+        if (shell->parsed())
+            flags.command = {usualShell()};
         return runInLab(flags);
+    } catch (const CLI::ParseError& problem) {
+        return app.exit(problem) == 0 ? 0 : kFailed;
     } catch (const std::exception& problem) {
         std::fprintf(stderr, "orvane-lab: %s\n", problem.what());
         return kFailed;

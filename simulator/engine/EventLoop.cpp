@@ -191,7 +191,7 @@ void EventLoop::dispatch(std::uint64_t token, std::uint32_t events) {
 }
 
 void EventLoop::run() {
-    std::array<epoll_event, 64> events;
+    std::array<epoll_event, 64> events{};
     for (;;) {
         const int count = ::epoll_wait(epoll_.get(), events.data(), static_cast<int>(events.size()),
                                        millisecondsToNextTimer());

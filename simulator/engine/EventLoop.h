@@ -43,10 +43,15 @@ public:
     /// Runs `task` on the loop's thread as soon as it is free. False, and the task dropped, after `stop`.
     bool post(Task task);
 
-    /// Runs `work` on the loop's thread, waits, and returns (or throws) what it returned (or threw). Not from
-    /// the loop's thread. Throws std::logic_error after `stop`.
+    /// Whether the caller is on the loop's thread.
+    bool isHere() const { return std::this_thread::get_id() == thread_.get_id(); }
+
+    /// Runs `work` on the loop's thread, waits, and returns (or throws) what it returned (or threw). On the
+    /// loop's thread itself it just runs. Throws std::logic_error after `stop`.
     template <class Work>
     std::invoke_result_t<Work> call(Work work) {
+        if (isHere())
+            return work();
         std::packaged_task<std::invoke_result_t<Work>()> packaged(std::move(work));
         auto outcome = packaged.get_future();
         if (!post([&packaged] { packaged(); }))

@@ -35,13 +35,14 @@ std::string_view encode(rpc_msg& message, std::uint32_t transaction) {
 // XDR in memory takes a mutable pointer for both directions; decoding only reads.
 XDR decoder(std::string_view bytes) {
     XDR xdr{};
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): only read
     xdrmem_create(&xdr, const_cast<char*>(bytes.data()), static_cast<u_int>(bytes.size()), XDR_DECODE);
     return xdr;
 }
 
 /// Reads a credential or verifier; its content does not matter to a board.
 bool skipAuthentication(XDR& xdr) {
-    std::array<char, MAX_AUTH_BYTES> body;
+    std::array<char, MAX_AUTH_BYTES> body{};
     opaque_auth authentication{};
     authentication.oa_base = body.data();
     return xdr_opaque_auth(&xdr, &authentication) != 0;
@@ -84,6 +85,7 @@ RpcCall::RpcCall(std::string_view message, Transport transport) : transport_(tra
     static constexpr auto operations = Operations::table();
     handle_.xp_ops = &operations;
     handle_.xp_p1 = this;
+    // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer): needs the other members
     isRequest_ = decodeHeader(message);
 }
 

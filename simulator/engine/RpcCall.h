@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <rpc/rpc.h>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -26,7 +28,19 @@ struct CallHeader {
 struct Delivery {
     int copies = 1;                     // 0 loses the reply
     std::chrono::milliseconds delay{0}; // before the first copy leaves
-    bool closeConnection = false;       // TCP only: no reply, the connection ends
+    std::chrono::milliseconds hold{0};  // until the client's next reply has left, this long at most
+    std::function<void(std::string& reply)> change; // of the bytes that leave
+    bool otherPort = false;                         // UDP: leaves from another port; lost over TCP
+    bool closeConnection = false;                   // TCP: no reply, the connection ends; lost over UDP
+    std::optional<std::size_t> cutAfter;  // TCP: so many bytes, then the connection ends; lost over UDP
+    bool halfOpen = false;                // TCP: it does not end, but carries nothing any more
+    std::chrono::milliseconds trickle{0}; // TCP: between single bytes
+
+    /// Whether the reply just leaves.
+    bool isPlain() const {
+        return copies == 1 && delay.count() == 0 && hold.count() == 0 && !change && !otherPort && !cutAfter &&
+               trickle.count() == 0;
+    }
 };
 
 /// The reply to a call that could not be answered while it was served. Belongs to the loop's thread.

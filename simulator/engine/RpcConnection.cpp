@@ -4,6 +4,7 @@
 #include <arpa/inet.h>
 #include <cerrno>
 #include <cstring>
+#include <netinet/tcp.h>
 #include <sys/epoll.h>
 #include <sys/socket.h>
 
@@ -24,6 +25,10 @@ std::uint32_t markAt(const std::string& bytes) {
     return ntohl(mark);
 }
 
+std::uint32_t markOf(std::string_view record) {
+    return htonl(kLastFragment | static_cast<std::uint32_t>(record.size()));
+}
+
 } // namespace
 
 RpcConnection::RpcConnection(EventLoop& loop, FileDescriptor socket, EventLoop::Ready ready)
@@ -41,6 +46,8 @@ void RpcConnection::transfer(std::uint32_t events) {
 void RpcConnection::receive() {
     std::vector<char>& room = loop_.scratch();
     const ssize_t count = ::recv(socket_.get(), room.data(), room.size(), 0);
+    if (count > 0 && mute_)
+        return;
     if (count > 0)
         unread_.append(room.data(), static_cast<std::size_t>(count));
     else if (count == 0 || !wouldBlock())
@@ -52,7 +59,7 @@ std::optional<std::string_view> RpcConnection::nextRecord() {
         record_.clear();
         recordGiven_ = false;
     }
-    while (open_ && unread_.size() >= kMarkBytes) {
+    while (open_ && !mute_ && unread_.size() >= kMarkBytes) {
         const std::uint32_t mark = markAt(unread_);
         const std::size_t length = mark & ~kLastFragment;
         if (record_.size() + length > kLargestRecord) {
@@ -71,13 +78,55 @@ std::optional<std::string_view> RpcConnection::nextRecord() {
     return std::nullopt;
 }
 
+void RpcConnection::queue(std::string_view bytes) {
+    (trickling_.empty() ? unsent_ : trickling_).append(bytes);
+}
+
 void RpcConnection::send(std::string_view record, int copies) {
-    const std::uint32_t mark = htonl(kLastFragment | static_cast<std::uint32_t>(record.size()));
+    if (mute_)
+        return;
+    const std::uint32_t mark = markOf(record);
     for (int i = 0; i < copies; ++i) {
-        unsent_.append(reinterpret_cast<const char*>(&mark), sizeof mark);
-        unsent_.append(record);
+        queue({reinterpret_cast<const char*>(&mark), sizeof mark});
+        queue(record);
     }
     flush();
+}
+
+void RpcConnection::sendCut(std::string_view record, std::size_t bytes, bool halfOpen) {
+    if (mute_)
+        return;
+    const std::uint32_t mark = markOf(record);
+    unsent_.append(reinterpret_cast<const char*>(&mark), sizeof mark);
+    unsent_.append(record.substr(0, bytes));
+    flush(); // a few bytes, which a connection takes at once
+    mute_ = true;
+    trickling_.clear();
+    if (!halfOpen)
+        open_ = false;
+}
+
+void RpcConnection::trickle(std::string_view record, std::chrono::milliseconds gap) {
+    if (mute_)
+        return;
+    const int yes = 1; // a byte must not wait for the next one
+    ::setsockopt(socket_.get(), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
+    const std::uint32_t mark = markOf(record);
+    const bool idle = trickling_.empty();
+    trickling_.append(reinterpret_cast<const char*>(&mark), sizeof mark);
+    trickling_.append(record);
+    trickleGap_ = gap;
+    if (idle)
+        drip();
+}
+
+void RpcConnection::drip() {
+    if (trickling_.empty())
+        return;
+    unsent_.push_back(trickling_.front());
+    trickling_.erase(0, 1);
+    flush();
+    loop_.after(trickleGap_, life_, [this] { drip(); });
 }
 
 void RpcConnection::flush() {

@@ -3,6 +3,8 @@
 
 #include "simulator/engine/EventLoop.h"
 
+#include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -26,11 +28,20 @@ public:
     /// Queues one record `copies` times.
     void send(std::string_view record, int copies);
 
+    /// Queues the first `bytes` bytes of a record. The connection then ends or, when half open, stays without
+    /// carrying anything any more.
+    void sendCut(std::string_view record, std::size_t bytes, bool halfOpen);
+
+    /// Sends one record byte by byte, `gap` apart; what is queued meanwhile follows in the same way.
+    void trickle(std::string_view record, std::chrono::milliseconds gap);
+
     /// False once the peer has gone or sent what is no record; the connection is then to be destroyed.
     bool isOpen() const { return open_; }
 
 private:
     void receive();
+    void queue(std::string_view bytes);
+    void drip();
     void flush();
 
     EventLoop& loop_;
@@ -40,7 +51,11 @@ private:
     std::string record_; // fragments joined so far
     bool recordGiven_ = false;
     std::string unsent_;
+    std::string trickling_; // to become unsent_ byte by byte
+    std::chrono::milliseconds trickleGap_{0};
+    bool mute_ = false;
     EventLoop::Watch watch_;
+    EventLoop::Life life_ = EventLoop::makeLife();
 };
 
 } // namespace OrvaneSim

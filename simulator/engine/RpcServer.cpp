@@ -3,14 +3,29 @@
 
 #include "simulator/engine/RpcConnection.h"
 
+#include <algorithm>
 #include <sys/epoll.h>
 #include <sys/socket.h>
 
 namespace OrvaneSim {
+namespace {
+
+constexpr std::size_t kMostPeers = 4;
+
+bool sameEnd(const sockaddr_in& one, const sockaddr_in& other) {
+    return one.sin_port == other.sin_port && one.sin_addr.s_addr == other.sin_addr.s_addr;
+}
+
+} // namespace
+
+bool RpcServer::Client::operator==(const Client& other) const {
+    return connection == other.connection && sameEnd(peer, other.peer);
+}
 
 RpcServer::RpcServer(EventLoop& loop, const std::string& address, std::uint16_t port, RpcHandler& handler)
     : loop_(loop),
       handler_(handler),
+      address_(address),
       udp_(openUdp(endPoint(address, port))),
       udpWatch_(loop.watch(udp_.get(), EPOLLIN, [this](std::uint32_t) { receiveDatagram(); })),
       acceptor_(loop, endPoint(address, port),
@@ -22,56 +37,127 @@ std::uint16_t RpcServer::port(Transport transport) const {
     return transport == Transport::Udp ? localPort(udp_) : acceptor_.port();
 }
 
-void RpcServer::answer(RpcCall& call) {
+/// Has a request served and its reply sent, at once or when it is there.
+void RpcServer::answer(RpcCall& call, const Client& client) {
+    lastTransaction_ = call.header().transaction;
     if (call.reply().empty())
         handler_.answer(call);
+    if (call.later())
+        call.later()->sendBy([this, life = std::weak_ptr<const char>(life_), client,
+                              delivery = call.delivery](std::string_view reply) {
+            if (!life.expired())
+                deliver(client, reply, delivery);
+        });
+    deliver(client, call.reply(), call.delivery);
 }
 
-/// Has the reply sent after the call's delay, if the server lives until then.
-void RpcServer::postpone(const RpcCall& call, std::function<void(std::string_view reply, int copies)> send) {
-    loop_.after(call.delivery.delay, life_,
-                [reply = std::string(call.reply()), copies = call.delivery.copies, send = std::move(send)] {
-                    send(reply, copies);
-                });
+void RpcServer::deliver(const Client& client, std::string_view reply, const Delivery& delivery) {
+    if (reply.empty() || delivery.copies == 0)
+        return;
+    if (delivery.isPlain()) {
+        transmit(client, reply, delivery);
+        return;
+    }
+    if (delivery.delay.count() == 0) {
+        bendAndSend(client, std::string(reply), delivery);
+        return;
+    }
+    loop_.after(delivery.delay, life_, [this, client, reply = std::string(reply), delivery] {
+        bendAndSend(client, reply, delivery);
+    });
 }
 
-/// Wraps a way of sending so that it does nothing once the server is gone.
-std::function<void(std::string_view)> RpcServer::guarded(std::function<void(std::string_view)> send) {
-    return [life = std::weak_ptr<const char>(life_), send = std::move(send)](std::string_view reply) {
-        if (!life.expired())
-            send(reply);
-    };
+void RpcServer::bendAndSend(const Client& client, std::string reply, const Delivery& delivery) {
+    if (delivery.change)
+        delivery.change(reply);
+    if (delivery.hold.count() > 0)
+        hold(client, std::move(reply), delivery);
+    else
+        transmit(client, reply, delivery);
+}
+
+void RpcServer::hold(const Client& client, std::string reply, const Delivery& delivery) {
+    const std::uint64_t number = ++lastHeld_;
+    held_.push_back({client, std::move(reply), delivery, number});
+    loop_.after(delivery.hold, life_, [this, number] {
+        releaseHeld([number](const Held& held) { return held.number == number; });
+    });
+}
+
+/// Sends the held replies that are due, the oldest first.
+void RpcServer::releaseHeld(const std::function<bool(const Held&)>& due) {
+    std::list<Held> released;
+    for (auto held = held_.begin(); held != held_.end();) {
+        const auto next = std::next(held);
+        if (due(*held))
+            released.splice(released.end(), held_, held);
+        held = next;
+    }
+    for (const Held& held : released)
+        transmit(held.client, held.reply, held.delivery);
+}
+
+/// Lets a reply leave, and those behind it that waited for it.
+void RpcServer::transmit(const Client& client, std::string_view reply, const Delivery& delivery) {
+    if (client.connection != 0) {
+        const auto found = connections_.find(client.connection);
+        if (found != connections_.end())
+            transmitOver(*found->second, reply, delivery);
+        // Whoever serves the connection may be further up the stack.
+        if (found != connections_.end() && !found->second->isOpen())
+            loop_.after({}, life_, [this, id = client.connection] { connections_.erase(id); });
+    } else if (!delivery.cutAfter) {
+        for (int i = 0; i < delivery.copies; ++i)
+            sendDatagram(client.peer, reply, delivery.otherPort);
+    }
+    if (!held_.empty())
+        releaseHeld([&client](const Held& held) { return held.client == client; });
+}
+
+void RpcServer::transmitOver(RpcConnection& connection, std::string_view reply, const Delivery& delivery) {
+    if (delivery.otherPort)
+        return;
+    if (delivery.cutAfter)
+        connection.sendCut(reply, *delivery.cutAfter, delivery.halfOpen);
+    else if (delivery.trickle.count() > 0)
+        connection.trickle(reply, delivery.trickle);
+    else
+        connection.send(reply, delivery.copies);
+}
+
+void RpcServer::rememberPeer(const sockaddr_in& peer) {
+    if (!recentPeers_.empty() && sameEnd(recentPeers_.front(), peer))
+        return;
+    const auto known = std::find_if(recentPeers_.begin(), recentPeers_.end(),
+                                    [&](const sockaddr_in& recent) { return sameEnd(recent, peer); });
+    if (known != recentPeers_.end())
+        recentPeers_.erase(known);
+    else if (recentPeers_.size() == kMostPeers)
+        recentPeers_.pop_back();
+    recentPeers_.insert(recentPeers_.begin(), peer);
 }
 
 void RpcServer::receiveDatagram() {
     std::vector<char>& room = loop_.scratch();
-    sockaddr_in peer{};
-    socklen_t peerSize = sizeof peer;
-    const ssize_t count =
-        ::recvfrom(udp_.get(), room.data(), room.size(), 0, reinterpret_cast<sockaddr*>(&peer), &peerSize);
+    Client client;
+    socklen_t peerSize = sizeof client.peer;
+    const ssize_t count = ::recvfrom(udp_.get(), room.data(), room.size(), 0,
+                                     reinterpret_cast<sockaddr*>(&client.peer), &peerSize);
     if (count < 0)
         return; // a pending error of the socket, or nothing there any more
     RpcCall call({room.data(), static_cast<std::size_t>(count)}, Transport::Udp);
     if (!call.isRequest())
         return;
-    answer(call);
-    if (call.later())
-        call.later()->sendBy(
-            guarded([this, peer](std::string_view reply) { sendDatagrams(peer, reply, 1); }));
-    if (call.delivery.delay.count() == 0)
-        sendDatagrams(peer, call.reply(), call.delivery.copies);
-    else
-        postpone(call,
-                 [this, peer](std::string_view reply, int copies) { sendDatagrams(peer, reply, copies); });
+    rememberPeer(client.peer);
+    answer(call, client);
 }
 
-void RpcServer::sendDatagrams(const sockaddr_in& peer, std::string_view reply, int copies) {
-    if (reply.empty())
-        return;
-    // A reply that the kernel does not take is lost, as any datagram may be.
-    for (int i = 0; i < copies; ++i)
-        ::sendto(udp_.get(), reply.data(), reply.size(), MSG_NOSIGNAL,
-                 reinterpret_cast<const sockaddr*>(&peer), sizeof peer);
+void RpcServer::sendDatagram(const sockaddr_in& peer, std::string_view bytes, bool otherPort) {
+    if (otherPort && !otherUdp_)
+        otherUdp_ = openUdp(endPoint(address_, 0));
+    const FileDescriptor& socket = otherPort ? otherUdp_ : udp_;
+    ::sendto(socket.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL, reinterpret_cast<const sockaddr*>(&peer),
+             sizeof peer);
 }
 
 void RpcServer::addConnection(FileDescriptor socket) {
@@ -89,37 +175,20 @@ void RpcServer::serveConnection(std::uint64_t id, std::uint32_t events) {
         const auto record = connection.nextRecord();
         if (!record)
             break;
-        open = answerRecord(id, connection, *record);
+        open = answerRecord(id, *record);
     }
     if (!open || !connection.isOpen())
         connections_.erase(id);
 }
 
-bool RpcServer::answerRecord(std::uint64_t id, RpcConnection& connection, std::string_view record) {
+bool RpcServer::answerRecord(std::uint64_t id, std::string_view record) {
     RpcCall call(record, Transport::Tcp);
     if (!call.isRequest())
         return false;
-    answer(call);
-    if (call.delivery.closeConnection)
-        return false;
-    if (call.later())
-        call.later()->sendBy(guarded([this, id](std::string_view reply) { sendRecord(id, reply, 1); }));
-    if (call.reply().empty())
-        return true;
-    if (call.delivery.delay.count() == 0)
-        connection.send(call.reply(), call.delivery.copies);
-    else
-        postpone(call, [this, id](std::string_view reply, int copies) { sendRecord(id, reply, copies); });
-    return true;
-}
-
-void RpcServer::sendRecord(std::uint64_t id, std::string_view reply, int copies) {
-    const auto found = connections_.find(id);
-    if (found == connections_.end())
-        return;
-    found->second->send(reply, copies);
-    if (!found->second->isOpen())
-        connections_.erase(found);
+    Client client;
+    client.connection = id;
+    answer(call, client);
+    return !call.delivery.closeConnection;
 }
 
 } // namespace OrvaneSim

@@ -8,10 +8,12 @@
 
 #include <cstdint>
 #include <functional>
+#include <list>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace OrvaneSim {
 
@@ -40,24 +42,55 @@ public:
     /// The port served on a transport, in host byte order.
     std::uint16_t port(Transport transport) const;
 
+    /// Whom the newest datagrams came from, the last first; at most four.
+    const std::vector<sockaddr_in>& recentPeers() const { return recentPeers_; }
+    /// Transaction id of the last request, 0 before the first.
+    std::uint32_t lastTransaction() const { return lastTransaction_; }
+
+    /// Sends a datagram as it is, from the served port or from another one of the same address. One that the
+    /// kernel does not take is lost, as any datagram may be.
+    void sendDatagram(const sockaddr_in& peer, std::string_view bytes, bool otherPort);
+
 private:
+    /// Where a reply goes: to a datagram's sender or, when `connection` is not 0, over that connection.
+    struct Client {
+        sockaddr_in peer{};
+        std::uint64_t connection = 0;
+        bool operator==(const Client& other) const;
+    };
+    /// A reply that waits for the client's next one.
+    struct Held {
+        Client client;
+        std::string reply;
+        Delivery delivery;
+        std::uint64_t number;
+    };
     void receiveDatagram();
-    void sendDatagrams(const sockaddr_in& peer, std::string_view reply, int copies);
+    void rememberPeer(const sockaddr_in& peer);
     void addConnection(FileDescriptor socket);
     void serveConnection(std::uint64_t id, std::uint32_t events);
-    bool answerRecord(std::uint64_t id, RpcConnection& connection, std::string_view record);
-    void sendRecord(std::uint64_t id, std::string_view reply, int copies);
-    void answer(RpcCall& call);
-    std::function<void(std::string_view)> guarded(std::function<void(std::string_view)> send);
-    void postpone(const RpcCall& call, std::function<void(std::string_view reply, int copies)> send);
+    bool answerRecord(std::uint64_t id, std::string_view record);
+    void answer(RpcCall& call, const Client& client);
+    void deliver(const Client& client, std::string_view reply, const Delivery& delivery);
+    void bendAndSend(const Client& client, std::string reply, const Delivery& delivery);
+    void hold(const Client& client, std::string reply, const Delivery& delivery);
+    void releaseHeld(const std::function<bool(const Held&)>& due);
+    void transmit(const Client& client, std::string_view reply, const Delivery& delivery);
+    void transmitOver(RpcConnection& connection, std::string_view reply, const Delivery& delivery);
 
     EventLoop& loop_;
     RpcHandler& handler_;
+    std::string address_;
     FileDescriptor udp_;
+    FileDescriptor otherUdp_; // opened when first needed
     EventLoop::Watch udpWatch_;
     Acceptor acceptor_;
     std::unordered_map<std::uint64_t, std::unique_ptr<RpcConnection>> connections_;
     std::uint64_t lastConnection_ = 0;
+    std::vector<sockaddr_in> recentPeers_;
+    std::uint32_t lastTransaction_ = 0;
+    std::list<Held> held_;
+    std::uint64_t lastHeld_ = 0;
     EventLoop::Life life_ = EventLoop::makeLife();
 };
 

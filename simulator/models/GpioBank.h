@@ -22,7 +22,7 @@ public:
 
     /// The level on the line: its own output when enabled, else that of the line it is wired to if that one's
     /// output is enabled, else what the outside drives.
-    bool level(std::size_t line) const;
+    bool level(std::size_t number) const;
 
     /// Output low and disabled, as after power-on; wiring and outside levels stay.
     void setDefault(std::size_t line);

@@ -3,6 +3,8 @@
 
 #include "simulator/models/RegisterPaths.h"
 
+#include <map>
+
 namespace OrvaneSim {
 namespace {
 
@@ -32,6 +34,11 @@ std::uint64_t registerKey(PhyAddress where, Space space, std::uint32_t address) 
     return (static_cast<std::uint64_t>(space) << 56) | (phyKey(where) << 32) | significant(space, address);
 }
 
+RegisterValue registerOf(std::uint64_t key, std::uint32_t value) {
+    return {static_cast<Space>(key >> 56), static_cast<unsigned>(key >> 40) & 0xFFU,
+            static_cast<unsigned>(key >> 32) & 0x1FU, static_cast<std::uint32_t>(key), value};
+}
+
 std::uint32_t initialValue(Space space, std::uint32_t address) {
     if (space == Space::Ext32)
         return 0;
@@ -52,6 +59,14 @@ std::uint32_t MdioPorts::peek(PhyAddress where, Space space, std::uint32_t addre
 
 void MdioPorts::poke(PhyAddress where, Space space, std::uint32_t address, std::uint32_t value) {
     registers_[registerKey(where, space, address)] = space == Space::Ext32 ? value : value & 0xFFFF;
+}
+
+std::vector<RegisterValue> MdioPorts::written() const {
+    const std::map<std::uint64_t, std::uint32_t> sorted(registers_.begin(), registers_.end());
+    std::vector<RegisterValue> values;
+    for (const auto& [key, value] : sorted)
+        values.push_back(registerOf(key, value));
+    return values;
 }
 
 std::uint32_t& MdioPorts::indirectAddress(PhyAddress where) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <unordered_map>
+#include <vector>
 
 namespace OrvaneSim {
 
@@ -17,6 +18,15 @@ enum class Space { C45, C22, Ext32 };
 struct PhyAddress {
     unsigned device = 0;
     unsigned phy = 0;
+};
+
+/// One register and what it holds.
+struct RegisterValue {
+    Space space = Space::C45;
+    unsigned device = 0;
+    unsigned phy = 0;
+    std::uint32_t address = 0;
+    std::uint32_t value = 0;
 };
 
 /// Registers that keep what is written to them. Never written, the identifier registers 2 and 3 (of each MMD
@@ -36,6 +46,11 @@ public:
     /// The register itself, without any effect of a bus access.
     std::uint32_t peek(PhyAddress where, Space space, std::uint32_t address) const;
     void poke(PhyAddress where, Space space, std::uint32_t address, std::uint32_t value);
+
+    /// Every register that was ever written, sorted.
+    std::vector<RegisterValue> written() const;
+    /// Makes every register as never written.
+    void forget() { registers_.clear(); }
 
     /// The indirect paths that Clause 45 accesses on the bus run through.
     RegisterPaths& paths() { return *paths_; }

@@ -33,11 +33,13 @@ public:
     void stopControl();
 
     /// Takes one step and gives the channel's temperature.
-    double query(std::size_t channel);
+    double query(std::size_t number);
     /// Takes steps until the channel has settled and gives its temperature.
-    double settle(std::size_t channel);
+    double settle(std::size_t number);
     /// The channel's temperature, without a step.
     double temperature(std::size_t channel) const { return channels_[channel].temperature; }
+
+    void setTemperature(std::size_t channel, double celsius) { channels_[channel].temperature = celsius; }
 
     void setAmbient(double celsius) { ambient_ = celsius; }
 

@@ -35,6 +35,17 @@ ifreq interfaceRequest(const Text& name) {
     return request;
 }
 
+rtmsg routeTo(std::uint8_t prefixBits, std::uint8_t table, std::uint8_t scope, std::uint8_t type) {
+    rtmsg route{};
+    route.rtm_family = AF_INET;
+    route.rtm_dst_len = prefixBits;
+    route.rtm_table = table;
+    route.rtm_protocol = RTPROT_BOOT;
+    route.rtm_scope = scope;
+    route.rtm_type = type;
+    return route;
+}
+
 } // namespace
 
 /// One request under construction; the kernel wants every part aligned to four bytes.
@@ -105,7 +116,7 @@ void Netlink::transact(const Message& message, const std::string& step) {
     const auto& bytes = message.bytes();
     if (::send(socket_.get(), bytes.data(), bytes.size(), 0) < 0)
         fail(errno, step);
-    alignas(nlmsghdr) std::array<char, 8192> answer;
+    alignas(nlmsghdr) std::array<char, 8192> answer{};
     const ssize_t count = ::recv(socket_.get(), answer.data(), answer.size(), 0);
     const auto* header = reinterpret_cast<const nlmsghdr*>(answer.data());
     if (count < static_cast<ssize_t>(NLMSG_LENGTH(sizeof(nlmsgerr))) || header->nlmsg_type != NLMSG_ERROR)
@@ -152,26 +163,22 @@ void Netlink::addAddress(const std::string& interface, const std::string& addres
 
 void Netlink::addLinkRoute(const std::string& network, std::uint8_t prefixBits,
                            const std::string& interface) {
-    rtmsg route{};
-    route.rtm_family = AF_INET;
-    route.rtm_dst_len = prefixBits;
-    route.rtm_table = RT_TABLE_MAIN;
-    route.rtm_protocol = RTPROT_BOOT;
-    route.rtm_scope = RT_SCOPE_LINK;
-    route.rtm_type = RTN_UNICAST;
+    const rtmsg route = routeTo(prefixBits, RT_TABLE_MAIN, RT_SCOPE_LINK, RTN_UNICAST);
     Message message(RTM_NEWROUTE, NLM_F_CREATE | NLM_F_EXCL);
     message.body(route).value(RTA_DST, rawAddress(network)).value(RTA_OIF, indexOf(interface));
     transact(message, "cannot route " + network + " to " + interface);
 }
 
+void Netlink::addGatewayRoute(const std::string& network, std::uint8_t prefixBits,
+                              const std::string& gateway) {
+    const rtmsg route = routeTo(prefixBits, RT_TABLE_MAIN, RT_SCOPE_UNIVERSE, RTN_UNICAST);
+    Message message(RTM_NEWROUTE, NLM_F_CREATE | NLM_F_EXCL);
+    message.body(route).value(RTA_DST, rawAddress(network)).value(RTA_GATEWAY, rawAddress(gateway));
+    transact(message, "cannot route " + network + " through " + gateway);
+}
+
 void Netlink::addLocalRoute(const std::string& network, std::uint8_t prefixBits) {
-    rtmsg route{};
-    route.rtm_family = AF_INET;
-    route.rtm_dst_len = prefixBits;
-    route.rtm_table = RT_TABLE_LOCAL;
-    route.rtm_protocol = RTPROT_BOOT;
-    route.rtm_scope = RT_SCOPE_HOST;
-    route.rtm_type = RTN_LOCAL;
+    const rtmsg route = routeTo(prefixBits, RT_TABLE_LOCAL, RT_SCOPE_HOST, RTN_LOCAL);
     Message message(RTM_NEWROUTE, NLM_F_CREATE | NLM_F_EXCL);
     message.body(route).value(RTA_DST, rawAddress(network)).value(RTA_OIF, indexOf("lo"));
     transact(message, "cannot make " + network + " local");

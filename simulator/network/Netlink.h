@@ -24,6 +24,8 @@ public:
     void addAddress(const std::string& interface, const std::string& address, std::uint8_t prefixBits);
     /// Sends what goes to a network out of an interface, neighbours resolved on its wire.
     void addLinkRoute(const std::string& network, std::uint8_t prefixBits, const std::string& interface);
+    /// Sends what goes to a network through a neighbour.
+    void addGatewayRoute(const std::string& network, std::uint8_t prefixBits, const std::string& gateway);
     /// Makes every address of a network one of this machine's own.
     void addLocalRoute(const std::string& network, std::uint8_t prefixBits);
 

@@ -22,6 +22,8 @@ constexpr int kMostInterfaces = 8;
 constexpr int kFirstNetwork = 83;
 constexpr int kFirstLabIndex = 11; // interface numbers of the cables' two ends
 constexpr int kFirstBoardIndex = 101;
+constexpr const char* kBoards = "10.83.0.0";
+constexpr std::uint8_t kBoardsBits = 17;
 
 struct State {
     bool entered = false;
@@ -114,7 +116,7 @@ void makeBoardSide() {
     state().boardSide = currentNetwork();
     Netlink netlink;
     netlink.setUp("lo");
-    netlink.addLocalRoute("10.83.0.0", 17);
+    netlink.addLocalRoute(kBoards, kBoardsBits);
 }
 
 void makeHostSide(int interfaces) {
@@ -129,6 +131,8 @@ void makeHostSide(int interfaces) {
         netlink.setUp(labInterface(i));
     }
     netlink.addLinkRoute("224.0.0.0", 4, labInterface(0));
+    // One neighbour for all boards: the kernel remembers 1,024 for all the namespaces of the machine.
+    netlink.addGatewayRoute(kBoards, kBoardsBits, boardSideAddress(0));
 }
 
 void plugBoardSideIn(int interfaces) {

@@ -34,7 +34,7 @@ public:
         }
         object_[name] = std::move(array);
     }
-    void bytes(const char* name, u_int count, char* bytes) {
+    void bytes(const char* name, u_int count, const char* bytes) {
         auto array = nlohmann::ordered_json::array();
         for (u_int i = 0; i < count; ++i)
             array.push_back(static_cast<unsigned char>(bytes[i]));

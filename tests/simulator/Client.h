@@ -1,7 +1,7 @@
 // A client of a simulated board that speaks through rpcgen's own stubs, without the library.
 #pragma once
 
-#include "simulator/lab/Lab.h"
+#include <orvane/lab.h>
 
 #include "adc.h"
 #include "gpio.h"

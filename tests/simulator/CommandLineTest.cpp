@@ -1,31 +1,11 @@
 // orvane-lab and orvane-sim as their users run them.
-#include <array>
+#include "tests/simulator/Shell.h"
+
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
-#include <cstdlib>
-#include <gtest/gtest.h>
-#include <string>
-#include <sys/wait.h>
 
 namespace OrvaneSim {
 namespace {
-
-/// Output and exit status of a shell command.
-struct Outcome {
-    std::string output;
-    int status;
-};
-
-Outcome shell(const std::string& command) {
-    FILE* pipe = ::popen((command + " 2>&1").c_str(), "r");
-    std::string output;
-    std::array<char, 4096> room;
-    while (const std::size_t count = std::fread(room.data(), 1, room.size(), pipe))
-        output.append(room.data(), count);
-    const int status = ::pclose(pipe);
-    return {output, WIFEXITED(status) ? WEXITSTATUS(status) : -1};
-}
 
 TEST(OrvaneLab, runsACommandAndEndsWithItsStatus) {
     EXPECT_EQ(shell(ORVANE_LAB " --boards 0 -- sh -c 'exit 7'").status, 7);
@@ -79,6 +59,49 @@ TEST(OrvaneSim, tellsWhichBoardCannotBeServed) {
     const Outcome outcome = shell(ORVANE_SIM " --address 192.0.2.9 --serial LAB7");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.output.substr(0, 30), "orvane-sim: board LAB7: cannot");
+}
+
+/// Runs a script in a lab with two boards, with orvane-sim on its path.
+Outcome inLab(const std::string& script) {
+    const ScratchFolder folder;
+    folder.write("script", script);
+    return shell("PATH=$(dirname " ORVANE_SIM "):$PATH " ORVANE_LAB " --boards 2 -- sh " +
+                 folder.file("script"));
+}
+
+TEST(OrvaneSimCtl, findsTheLabThatItRunsIn) {
+    EXPECT_EQ(inLab("orvane-sim ctl OV0002 set 0x10010 0xBEEF && orvane-sim ctl 10.83.0.2 get register=65552")
+                  .output,
+              "0xBEEF\n");
+}
+
+TEST(OrvaneSimCtl, printsATable) {
+    EXPECT_EQ(inLab("orvane-sim ctl all list").output,
+              "board   address    name                              sessions  faults\n"
+              "OV0001  10.83.0.1  host OV0001:0 OV0001:1 OV0001:10  0         0\n"
+              "OV0002  10.83.0.2  host OV0002:0 OV0002:1 OV0002:10  0         0\n");
+}
+
+TEST(OrvaneSimCtl, tellsARefusalFromWrongWordsByItsStatus) {
+    const Outcome done = inLab("orvane-sim ctl all delay 5 3");
+    EXPECT_EQ(done.status, 0);
+    EXPECT_EQ(done.output, "");
+    const Outcome refused = inLab("orvane-sim ctl all explode");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.output, "orvane-sim: action: there is no action \"explode\"\n");
+    const Outcome wrong = inLab("orvane-sim ctl all delay 5 3 1");
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_EQ(wrong.output, "orvane-sim: \"1\" has no place in delay\n");
+    EXPECT_EQ(inLab("orvane-sim ctl all").status, 2);
+    EXPECT_EQ(inLab("orvane-sim ctl all list --control /no/such/socket").output,
+              "orvane-sim: no lab answers at /no/such/socket: No such file or directory\n");
+}
+
+TEST(OrvaneSimCtl, explainsItself) {
+    const Outcome help = shell(ORVANE_SIM " ctl --help");
+    EXPECT_EQ(help.status, 0);
+    for (const char* part : {"lose-reply", "restart forgetSessions=false", "Examples:", "Exit status:"})
+        EXPECT_NE(help.output.find(part), std::string::npos) << part;
 }
 
 } // namespace

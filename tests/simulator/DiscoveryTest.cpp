@@ -97,6 +97,31 @@ TEST_F(Discovery, meetsFaultsOfItsName) {
     EXPECT_EQ(listener.receive().substr(0, 5), "01A2|");
 }
 
+TEST_F(Discovery, isAnsweredWithGarbageOrACutReplyWhenAFaultSaysSo) {
+    board.inject({"discovery", "", Fault::Kind::GarbageReply, 1, 9});
+    board.inject({"discovery", "", Fault::Kind::TruncateReply, 1, 5});
+    board.inject({"probe", "", Fault::Kind::TruncateReply, 1, 5});
+    ask("ZRDISCOVER?");
+    const std::string garbage = listener.receive();
+    EXPECT_EQ(garbage.size(), 9U);
+    EXPECT_NE(garbage, "|host 01a");
+    ask("ZRDISCOVER?");
+    EXPECT_EQ(listener.receive(), "|host");
+    EXPECT_EQ(probe("ZRDISCOVER?"), "|host");
+}
+
+TEST_F(Discovery, goesUnheardByAHangingBoard) {
+    board.hang();
+    ask("ZRDISCOVER?");
+    RawSocket connection = RawSocket::stream(board.address(), kPort);
+    connection.send("ZRDISCOVER?");
+    Board& other = lab.add({"", "other", {}, "host", 1, false});
+    ask("ZRDISCOVER?");
+    EXPECT_EQ(listener.receive(), "|" + other.nameLine());
+    EXPECT_FALSE(listener.readable(0));
+    EXPECT_FALSE(connection.readable(0));
+}
+
 TEST_F(Discovery, goesUnheardByAStoppedBoard) {
     board.stop();
     ask("ZRDISCOVER?");

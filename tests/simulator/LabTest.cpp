@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <fstream>
 #include <thread>
 
 namespace OrvaneSim {
@@ -121,6 +122,15 @@ TEST(NetworkOfTheLab, hasNoWayOut) {
     EXPECT_EQ(::connect(socket.get(), reinterpret_cast<const sockaddr*>(&outside), sizeof outside), -1);
     EXPECT_EQ(errno, ENETUNREACH);
     EXPECT_THROW(PrivateNetwork::enter({}), std::logic_error);
+}
+
+TEST(NetworkOfTheLab, reachesAllItsBoardsThroughOneNeighbour) {
+    for (int i = 1; i <= 200; ++i)
+        EXPECT_EQ(connectionError("10.83.7." + std::to_string(i), 111), ECONNREFUSED);
+    std::ifstream neighbours("/proc/net/arp");
+    std::string line;
+    while (std::getline(neighbours, line))
+        EXPECT_EQ(line.find("10.83.7."), std::string::npos) << line;
 }
 
 TEST(NetworkOfTheLab, refusesConnectionsToAddressesWithoutBoard) {

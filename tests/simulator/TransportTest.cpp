@@ -1,37 +1,11 @@
 // Datagrams, records and headers that no well-behaved client sends.
-#include "tests/simulator/Client.h"
-#include "tests/simulator/RawSocket.h"
+#include "tests/simulator/RawBoard.h"
 
 namespace OrvaneSim {
 namespace {
 
 constexpr std::uint32_t kLast = 0x80000000;
-constexpr std::uint32_t kTransaction = 0x1234;
-
-/// A request without credentials.
-std::string request(std::uint32_t program, std::uint32_t procedure, const std::string& arguments,
-                    std::uint32_t version = 1, std::uint32_t rpcVersion = 2) {
-    return words({kTransaction, CALL, rpcVersion, program, version, procedure, 0, 0, 0, 0}) + arguments;
-}
-
-class RpcTransport : public OneBoard {
-protected:
-    std::uint16_t port(unsigned protocol) {
-        Client mapper(board, SIM_PORTMAP, "udp", 2);
-        u_int found = 0;
-        EXPECT_EQ(mapper.call(sim_portmap_getport_2, sim_Port_Mapping{SIM_SETUP, 1, protocol, 0}, found),
-                  RPC_SUCCESS);
-        return static_cast<std::uint16_t>(found);
-    }
-    RawSocket stream() { return RawSocket::stream(board.address(), port(IPPROTO_TCP)); }
-
-    /// Sends one datagram and gives the words of the answer.
-    std::vector<std::uint32_t> exchange(const std::string& datagram) {
-        RawSocket socket = RawSocket::datagram(0);
-        socket.sendTo(datagram, board.address(), port(IPPROTO_UDP));
-        return wordsOf(socket.receive());
-    }
-};
+using RpcTransport = RawBoard;
 
 TEST_F(RpcTransport, joinsARecordOutOfFragmentsThatComeByteByByte) {
     RawSocket socket = stream();

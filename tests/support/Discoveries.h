@@ -1,7 +1,7 @@
 // What a board heard of discoveries.
 #pragma once
 
-#include "simulator/lab/Lab.h"
+#include <orvane/lab.h>
 
 #include <chrono>
 #include <string>

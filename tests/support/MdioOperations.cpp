@@ -41,6 +41,7 @@ void prepareRegisters(OrvaneSim::Board& board) {
     prepare(Space::Ext32, 0, 0x32000000);
 }
 
+// NOLINTNEXTLINE(readability-function-size): a table, an operation an entry
 const std::vector<MdioOperation>& mdioOperations() {
     constexpr unsigned int kHandle = identity();
     static const std::vector<MdioOperation> operations = {

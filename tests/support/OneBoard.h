@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ov_sys/Interface/foundation/AddressResponse.h"
-#include "simulator/lab/Lab.h"
+#include <orvane/lab.h>
 
 #include <string>
 #include <vector>

@@ -3,7 +3,7 @@
 
 #include "ov_sys/Interface/sessions/MdioExclusive.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
-#include "simulator/lab/Lab.h"
+#include <orvane/lab.h>
 
 #include <memory>
 

@@ -1,7 +1,7 @@
 // A recorded request in the form in which tests compare it: everything that is on the wire.
 #pragma once
 
-#include "simulator/lab/Lab.h"
+#include <orvane/lab.h>
 
 #include <nlohmann/json.hpp>
 #include <ostream>

@@ -1,0 +1,24 @@
+// Unix domain sockets of labs: where they are and how they are reached.
+#pragma once
+
+#include "simulator/engine/FileDescriptor.h"
+
+#include <string>
+#include <sys/un.h>
+#include <vector>
+
+namespace OrvaneSim {
+
+constexpr const char* kLocalPrefix = "orvane-sim-";
+constexpr const char* kLocalSuffix = ".sock";
+
+/// The folders where control sockets are looked for, the preferred one first.
+std::vector<std::string> localFolders();
+
+/// The address of a path. Throws std::runtime_error for one that is too long for a socket.
+sockaddr_un localPlace(const std::string& path);
+
+/// A connection to a path; none when nobody serves there.
+FileDescriptor connectLocal(const std::string& path);
+
+} // namespace OrvaneSim

@@ -1,0 +1,117 @@
+// What disturbs a lab's board.
+#include "simulator/lab/BoardInside.h"
+
+#include <stdexcept>
+#include <utility>
+
+namespace OrvaneSim {
+
+/// Does what opens or closes sockets: at once, or, while a request may be being served, after it.
+void Board::disturb(std::function<void()> work) {
+    if (inside_->loop.isHere())
+        inside_->loop.post([this, work = std::move(work)] {
+            if (inside_->board) // the lab may be ending
+                work();
+        });
+    else
+        inside_->loop.call(std::move(work));
+}
+
+void Board::inject(const Fault& fault) {
+    inside_->withParts([&](BoardParts& parts) { parts.faults.add(fault); });
+}
+
+void Board::clearFaults() {
+    inside_->withParts([](BoardParts& parts) { parts.faults.clear(); });
+}
+
+std::vector<Fault> Board::faults() const {
+    return inside_->withParts([](BoardParts& parts) {
+        const auto& waiting = parts.faults.waiting();
+        return std::vector<Fault>(waiting.begin(), waiting.end());
+    });
+}
+
+void Board::sendStrays(const StrayDatagrams& what) {
+    disturb([this, what] { inside_->board->sendStrays(what); });
+}
+
+void Board::stop() {
+    disturb([this] { inside_->board->stop(); });
+}
+
+void Board::hang() {
+    inside_->withParts([](BoardParts& parts) { parts.faults.setHanging(true); });
+}
+
+void Board::start() {
+    disturb([this] {
+        inside_->board->parts().faults.setHanging(false);
+        inside_->board->start();
+    });
+}
+
+void Board::restart(bool forgetSessions) {
+    disturb([this, forgetSessions] {
+        if (forgetSessions)
+            inside_->board->parts().sessions.clear();
+        inside_->board->parts().faults.setHanging(false);
+        inside_->board->restart();
+    });
+}
+
+void Board::moveTo(const std::string& address) {
+    disturb([this, address] {
+        const std::string former = inside_->board->address();
+        if (address == former)
+            return;
+        if (!inside_->addresses.take(address))
+            throw std::invalid_argument("the lab has a board at " + address + " already");
+        try {
+            inside_->board->move(address);
+        } catch (...) {
+            inside_->addresses.giveBack(address);
+            throw;
+        }
+        inside_->addresses.giveBack(former);
+    });
+}
+
+void Board::closePortMapper() {
+    disturb([this] { inside_->board->setPortMapper(false); });
+}
+
+void Board::openPortMapper() {
+    disturb([this] { inside_->board->setPortMapper(true); });
+}
+
+namespace {
+
+/// Calls the member function of a board that an action stands for.
+struct Doer {
+    Board& board;
+    void operator()(const Fault& fault) const { board.inject(fault); }
+    void operator()(const StrayDatagrams& strays) const { board.sendStrays(strays); }
+    void operator()(ClearFaults) const { board.clearFaults(); }
+    void operator()(Hang) const { board.hang(); }
+    void operator()(Kill) const { board.stop(); }
+    void operator()(Start) const { board.start(); }
+    void operator()(Restart how) const { board.restart(how.forgetSessions); }
+    void operator()(const MoveTo& where) const { board.moveTo(where.address); }
+    void operator()(ForgetSessions) const { board.forgetSessions(); }
+    void operator()(SwitchPortMapper mapper) const {
+        mapper.open ? board.openPortMapper() : board.closePortMapper();
+    }
+    void operator()(const SetRegister& set) const {
+        board.setRegister(set.space, set.device, set.phy, set.address, set.value);
+    }
+    void operator()(SetAmbientTemperature around) const { board.setAmbientTemperature(around.celsius); }
+};
+
+} // namespace
+
+void Board::apply(const Action& action) {
+    std::visit(Doer{*this}, action);
+}
+
+} // namespace OrvaneSim

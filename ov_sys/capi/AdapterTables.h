@@ -15,6 +15,7 @@ inline unsigned tableRead(const unsigned* entry) {
     return entry != nullptr ? __atomic_load_n(entry, __ATOMIC_RELAXED) : 0;
 }
 
+// NOLINTNEXTLINE(readability-non-const-parameter): written through
 inline void tableWrite(unsigned* entry, unsigned value) {
     if (entry != nullptr)
         __atomic_store_n(entry, value, __ATOMIC_RELAXED);

@@ -14,7 +14,7 @@ struct PhyTarget {
 // A negative argument carries the adapter in bits 16 to 30 and the PHY id in bits 0 to 15; any other is a PHY
 // id on the default adapter.
 inline PhyTarget phyTarget(int phyArg) {
-    const unsigned word = static_cast<unsigned>(phyArg);
+    const auto word = static_cast<unsigned>(phyArg);
     if (phyArg < 0)
         return {word >> 16U & 0x7FFFU, word & 0xFFFFU};
     return {HW_Interface_Object.defaultAdapter(), word};

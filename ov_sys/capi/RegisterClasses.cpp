@@ -15,8 +15,8 @@ constexpr unsigned kEndOfLanes = 0xC000;
 constexpr unsigned kLaneRegisters = 0x1000;
 
 struct Range {
-    unsigned first;
-    unsigned last;
+    unsigned first = 0;
+    unsigned last = 0;
     unsigned copies = 1; // how often the range repeats
     unsigned stride = 0; // registers from one copy to the next
 };

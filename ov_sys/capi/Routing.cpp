@@ -11,24 +11,26 @@ constexpr unsigned kWindowMmd = 10;
 constexpr unsigned kSerdesMmd = 27;
 constexpr unsigned kPagedMmd = 28;
 
-// Points the PHY's Clause 22 register 14 at a Clause 45 register.
+// The pair of Clause 22 registers through which the others are reached.
+constexpr unsigned kAccessControl = 13;
+constexpr unsigned kAccessWindow = 14;
+
+// Points the PHY's window at a Clause 45 register.
 void selectOverClause22(int phy, unsigned mmd, unsigned address) {
-    constexpr unsigned kControl = 13;
-    constexpr unsigned kData = 14;
     constexpr unsigned kAccessData = 0x4000;
-    ZR_API_MDIO_Write_C22(phy, kControl, mmd & 31U);
-    ZR_API_MDIO_Write_C22(phy, kData, address);
-    ZR_API_MDIO_Write_C22(phy, kControl, (mmd & 31U) | kAccessData);
+    ZR_API_MDIO_Write_C22(phy, kAccessControl, mmd & 31U);
+    ZR_API_MDIO_Write_C22(phy, kAccessWindow, address);
+    ZR_API_MDIO_Write_C22(phy, kAccessControl, (mmd & 31U) | kAccessData);
 }
 
 void writeOverClause22(int phy, unsigned mmd, unsigned address, unsigned value) {
     selectOverClause22(phy, mmd, address);
-    ZR_API_MDIO_Write_C22(phy, 14, value);
+    ZR_API_MDIO_Write_C22(phy, kAccessWindow, value);
 }
 
 unsigned readOverClause22(int phy, unsigned mmd, unsigned address) {
     selectOverClause22(phy, mmd, address);
-    return ZR_API_MDIO_Read_C22(phy, 14);
+    return ZR_API_MDIO_Read_C22(phy, kAccessWindow);
 }
 
 } // namespace

@@ -1,11 +1,22 @@
 // Clients whose board's port mapper refuses, keeps silent or does not know the program.
+#include "ov_sys/Interface/connection/DatagramTransport.h"
+#include "ov_sys/Interface/connection/HandleCreation.h"
 #include "ov_sys/Interface/connection/RPCClient.h"
+#include "ov_sys/Interface/rpc_protocol/Codec.h"
 #include "ov_sys/Interface/rpc_protocol/Programs.h"
+#include "ov_sys/Interface/rpc_protocol/Stubs.h"
 #include "tests/support/OneBoard.h"
 #include "tests/support/WrittenText.h"
 
+#include <arpa/inet.h>
+#include <cerrno>
 #include <chrono>
 #include <gtest/gtest.h>
+#include <ostream>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <rpc/pmap_prot.h> // needs rpc.h before it
 
 namespace Orvane {
 namespace {
@@ -16,7 +27,7 @@ struct Failure {
     CLIENT* handle;
     std::string error;
     clnt_stat status;
-    clnt_stat detail;    // of the port mapper
+    int number;          // the errno behind it
     std::string library; // what the RPC library itself says of it
 };
 
@@ -36,38 +47,37 @@ Failure failToConnect(const char* protocol, const std::string& host, unsigned lo
     failure.error = textWritten([&] { client.update(host); }).error;
     failure.handle = client.client;
     failure.status = rpc_createerr.cf_stat;
-    failure.detail = rpc_createerr.cf_error.re_status;
+    failure.number = rpc_createerr.cf_error.re_errno;
     failure.library = libraryReport();
     return failure;
 }
 
-TEST(RPCClientConnect, ToARefusingHostOverUdpReportsThePortMapper) {
+TEST(RPCClientConnect, ToARefusingHostOverUdpSaysThatNothingCanBeReceived) {
     const Failure failure = failToConnect<NormalRPCClient>("udp", kRefusingAddress);
     EXPECT_EQ(failure.handle, nullptr);
-    EXPECT_EQ(failure.status, RPC_PMAPFAILURE);
-    EXPECT_EQ(failure.detail, RPC_CANTRECV);
-    EXPECT_EQ(failure.error,
-              ": RPC: Port mapper failure - Unable to receive: errno 111 (Connection refused)\n"
-              "RPC: Port mapper failure\n"
-              "Client mdio create error: 14\n"
-              "Error connecting to rpc program mdio from: 10.83.100.1\n"
-              "  \n");
-}
-
-TEST(RPCClientConnect, ToARefusingHostOverTcpReportsThePortMapper) {
-    const Failure failure = failToConnect<NormalRPCClient>("tcp", kRefusingAddress);
-    EXPECT_EQ(failure.handle, nullptr);
-    EXPECT_EQ(failure.status, RPC_PMAPFAILURE);
-    EXPECT_EQ(failure.detail, RPC_CANTSEND);
-    EXPECT_EQ(failure.error, failure.library + "Client mdio create error: 14\n"
+    EXPECT_EQ(failure.status, RPC_CANTRECV);
+    EXPECT_EQ(failure.number, ECONNREFUSED);
+    EXPECT_EQ(failure.error, failure.library + "Client mdio create error: 4\n"
                                                "Error connecting to rpc program mdio from: 10.83.100.1\n"
                                                "  \n");
+}
+
+TEST(RPCClientConnect, ToARefusingHostOverTcpSaysThatTheConnectionIsRefused) {
+    const Failure failure = failToConnect<NormalRPCClient>("tcp", kRefusingAddress);
+    EXPECT_EQ(failure.handle, nullptr);
+    EXPECT_EQ(failure.status, RPC_SYSTEMERROR);
+    EXPECT_EQ(failure.error, ": RPC: Remote system error - Connection refused\n"
+                             "RPC: Remote system error\n"
+                             "Client mdio create error: 12\n"
+                             "Error connecting to rpc program mdio from: 10.83.100.1\n"
+                             "  \n");
+    EXPECT_EQ(failure.error.find(failure.library), 0U);
 }
 
 TEST(RPCClientConnect, OfAnExtendedClientThatFailsKeepsTheConnectionErrorToItself) {
     const Failure failure = failToConnect<ExtendedRPCClient>("tcp", kRefusingAddress);
     EXPECT_EQ(failure.handle, nullptr);
-    EXPECT_EQ(failure.error, failure.library + "Client mdio create error: 14\n");
+    EXPECT_EQ(failure.error, failure.library + "Client mdio create error: 12\n");
 }
 
 TEST(RPCClientConnect, ToAProgramThatTheBoardDoesNotServeSaysSo) {
@@ -81,29 +91,116 @@ TEST(RPCClientConnect, ToAProgramThatTheBoardDoesNotServeSaysSo) {
                                  lab.board.address() + "\n  \n");
 }
 
-class SilentHost : public testing::TestWithParam<const char*> {};
+struct Transport {
+    const char* name;
+    clnt_stat silent; // what a host that does not answer at all comes to
+};
+
+void PrintTo(const Transport& transport, std::ostream* stream) {
+    *stream << transport.name;
+}
+
+class SilentHost : public testing::TestWithParam<Transport> {};
 
 TEST_P(SilentHost, IsGivenUpLongBeforeTheLibrarysOwnMinute) {
     const auto start = std::chrono::steady_clock::now();
-    const Failure failure = failToConnect<ExtendedRPCClient>(GetParam(), kSilentAddress);
+    const Failure failure = failToConnect<ExtendedRPCClient>(GetParam().name, kSilentAddress);
     EXPECT_EQ(failure.handle, nullptr);
-    EXPECT_EQ(failure.status, RPC_PMAPFAILURE);
-    EXPECT_EQ(failure.error, failure.library + "Client mdio create error: 14\n");
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+    EXPECT_EQ(failure.status, GetParam().silent);
+    EXPECT_EQ(failure.error, failure.library + "Client mdio create error: " +
+                                 std::to_string(static_cast<int>(GetParam().silent)) + "\n");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(14));
 }
 
-INSTANTIATE_TEST_SUITE_P(Transports, SilentHost, testing::Values("udp", "tcp"));
+INSTANTIATE_TEST_SUITE_P(Transports, SilentHost,
+                         testing::Values(Transport{"udp", RPC_TIMEDOUT}, Transport{"tcp", RPC_SYSTEMERROR}));
 
-class StoppedBoard : public testing::TestWithParam<const char*> {};
+class LostLookUp : public testing::TestWithParam<const char*>, public OneBoard {};
+
+TEST_P(LostLookUp, OfEveryKindEndsTheConnectingLongBeforeTheLibrarysOwnMinute) {
+    inject(OrvaneSim::Fault::Kind::Silent, "portmap", "", -1);
+    const auto start = std::chrono::steady_clock::now();
+    const Failure failure = failToConnect<ExtendedRPCClient>(GetParam(), board.address());
+    EXPECT_EQ(failure.handle, nullptr);
+    EXPECT_EQ(failure.status, RPC_TIMEDOUT);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(14));
+}
+
+INSTANTIATE_TEST_SUITE_P(Transports, LostLookUp, testing::Values("udp", "tcp"));
+
+TEST(RPCClientConnect, AsksAgainWithoutALongPauseForAPortWhoseDatagramWasLost) {
+    OneBoard lab;
+    lab.inject(OrvaneSim::Fault::Kind::LoseReply, "portmap", "portmap_getport");
+    const auto start = std::chrono::steady_clock::now();
+    NormalRPCClient client(Programs::MDIO, Programs::Version, "udp", "mdio", lab.board.address());
+    EXPECT_NE(client.client, nullptr);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(14)); // the library's own pause
+    EXPECT_EQ(lab.count("portmap_getport"), 2U);
+}
+
+// Tells the board's port mapper that the setup program is at another port.
+void moveSetupProgram(const OneBoard& lab, int protocol, u_int port) {
+    const int socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    sockaddr_in mapper{};
+    mapper.sin_family = AF_INET;
+    mapper.sin_port = htons(PMAPPORT);
+    inet_aton(lab.board.address().c_str(), &mapper.sin_addr);
+    ASSERT_EQ(connect(socket, reinterpret_cast<const sockaddr*>(&mapper), sizeof mapper), 0);
+    DatagramTransport transport(socket);
+    pmap mapping{Programs::Setup, Programs::Version, static_cast<u_long>(protocol), port};
+    for (const rpcproc_t procedure : {rpcproc_t{PMAPPROC_UNSET}, rpcproc_t{PMAPPROC_SET}}) {
+        int done = 0;
+        rpc_err error{};
+        const CallMessage message(procedure, {PMAPPROG, PMAPVERS, procedure},
+                                  reinterpret_cast<xdrproc_t>(xdr_pmap), &mapping, xdrProcedure<int>, &done);
+        EXPECT_EQ(transport.call(message, Deadline::after(std::chrono::seconds(10)), error), RPC_SUCCESS);
+        EXPECT_EQ(done, 1) << procedure;
+    }
+    close(socket);
+}
+
+constexpr u_int kDeafPort = 9;
+
+TEST(RPCClientConnect, ToAProgramWhosePortRefusesSaysSo) {
+    OneBoard lab;
+    moveSetupProgram(lab, IPPROTO_TCP, kDeafPort);
+    const Failure failure = failToConnect<ExtendedRPCClient>("tcp", lab.board.address(), Programs::Setup);
+    EXPECT_EQ(failure.handle, nullptr);
+    EXPECT_EQ(failure.status, RPC_SYSTEMERROR);
+    EXPECT_EQ(failure.error, ": RPC: Remote system error - Connection refused\n"
+                             "RPC: Remote system error\n"
+                             "Client mdio create error: 12\n");
+}
+
+TEST(RPCClientConnect, ToAProgramWhoseDatagramPortRefusesSucceedsAndItsCallFails) {
+    OneBoard lab;
+    moveSetupProgram(lab, IPPROTO_UDP, kDeafPort);
+    NormalRPCClient client(Programs::Setup, Programs::Version, "udp", "setup", lab.board.address());
+    ASSERT_NE(client.client, nullptr);
+    int result = 0;
+    EXPECT_EQ(ping_1(1, &result, client.client), RPC_CANTRECV);
+}
+
+struct Refusal {
+    const char* transport;
+    const char* report;
+};
+
+void PrintTo(const Refusal& refusal, std::ostream* stream) {
+    *stream << refusal.transport;
+}
+
+class StoppedBoard : public testing::TestWithParam<Refusal> {};
 
 TEST_P(StoppedBoard, IsReportedAtEveryUpdateAndReachedAgainAfterItsStart) {
     OneBoard lab;
-    NormalRPCClient client(Programs::Setup, Programs::Version, GetParam(), "setup", lab.board.address());
+    NormalRPCClient client(Programs::Setup, Programs::Version, GetParam().transport, "setup",
+                           lab.board.address());
     ASSERT_NE(client.client, nullptr);
     lab.board.stop();
     for (int i = 0; i < 3; ++i) {
         const WrittenText written = textWritten([&] { client.update(); });
-        EXPECT_NE(written.error.find("Client setup create error: 14\n"), std::string::npos) << written.error;
+        EXPECT_NE(written.error.find(GetParam().report), std::string::npos) << written.error;
         EXPECT_EQ(client.client, nullptr);
     }
     lab.board.start();
@@ -111,7 +208,24 @@ TEST_P(StoppedBoard, IsReportedAtEveryUpdateAndReachedAgainAfterItsStart) {
     EXPECT_NE(client.client, nullptr);
 }
 
-INSTANTIATE_TEST_SUITE_P(Transports, StoppedBoard, testing::Values("udp", "tcp"));
+INSTANTIATE_TEST_SUITE_P(Transports, StoppedBoard,
+                         testing::Values(Refusal{"udp", "Client setup create error: 4\n"},
+                                         Refusal{"tcp", "Client setup create error: 12\n"}));
+
+// libtirpc remembers the port mappers that it has reached.
+TEST(RefusedCreation, OfAStreamToAKnownHostReturnsEveryTime) {
+    OneBoard lab;
+    for (int round = 0; round < 20; ++round) {
+        CLIENT* const handle = createHandle(lab.board.address(), Programs::Setup, Programs::Version, "tcp");
+        ASSERT_NE(handle, nullptr);
+        clnt_destroy(handle);
+        lab.board.stop();
+        EXPECT_EQ(createHandle(lab.board.address(), Programs::Setup, Programs::Version, "tcp"), nullptr);
+        EXPECT_EQ(rpc_createerr.cf_stat, RPC_SYSTEMERROR);
+        EXPECT_EQ(rpc_createerr.cf_error.re_errno, ECONNREFUSED);
+        lab.board.start();
+    }
+}
 
 } // namespace
 } // namespace Orvane

@@ -74,7 +74,7 @@ TEST(RPCClientUpdate, ReportsAStandardExceptionResetsAgainAndRethrowsIt) {
         textWritten([&] { thrown = thrownText<std::runtime_error>([&] { client.update(); }); });
     EXPECT_EQ(thrown, "no luck");
     EXPECT_EQ(client.resets, 2);
-    EXPECT_NE(written.error.find("\nClient setup create error: 14\n"
+    EXPECT_NE(written.error.find("\nClient setup create error: 12\n"
                                  "Error when updating client: setup : no luck\n"),
               std::string::npos)
         << written.error;

@@ -146,6 +146,12 @@ TEST_F(DeviceList, FindsWholeNamesOnly) {
     EXPECT_THROW(devices.deviceIndex("01A2:00"), NoDevice);
 }
 
+TEST_F(DeviceList, FindsTheFirstOfTwoEntriesOfOneName) {
+    for (int i = 0; i < 2; ++i)
+        devices.devices.push_back(std::make_unique<Orvane::SimpleDeviceEntry>("01A2:9"));
+    EXPECT_EQ(devices.deviceIndex("01A2:9"), 0);
+}
+
 TEST_F(DeviceList, NumbersAKnownNameWithoutADiscovery) {
     found({{"host 01a2:0 01a2:1", "10.0.0.1"}});
     const WrittenText written = textWritten([&] { EXPECT_EQ(devices.deviceNumber("01a2:1", ""), 1); });

@@ -223,3 +223,22 @@ TEST(PresetDecode, WithoutAGuardFillsAndTerminatesTheGivenText) {
     EXPECT_EQ(entry.text, text);
     EXPECT_EQ((std::string{text, 4}), (std::string{"cd\0.", 4}));
 }
+
+TEST(Words, ThatDoNotLieInOnePieceAreCarriedOneByOne) {
+    std::vector<u_int> data(873);
+    for (std::size_t i = 0; i < data.size(); ++i)
+        data[i] = static_cast<u_int>(0x01020304 + i);
+    MDIO_Read_Param sent{7, {static_cast<u_int>(data.size()), data.data()}};
+    RecordStream out(XDR_ENCODE);
+    ASSERT_TRUE(xdr_MDIO_Read_Param(&out.stream, &sent));
+    ASSERT_TRUE(xdrrec_endofrecord(&out.stream, TRUE));
+    RecordStream in(XDR_DECODE);
+    in.bytes = out.bytes;
+    ASSERT_TRUE(xdrrec_skiprecord(&in.stream));
+    std::vector<u_int> words(data.size());
+    const Orvane::DecodeGuard guard(words.data(), words.size());
+    MDIO_Read_Param got{0, {0, words.data()}};
+    EXPECT_TRUE(xdr_MDIO_Read_Param(&in.stream, &got));
+    EXPECT_EQ(got.handle, 7u);
+    EXPECT_EQ(words, data);
+}

@@ -182,7 +182,7 @@ TEST(OpenConnection, ThrowsWhenTheClientCannotBeUpdated) {
     EXPECT_EQ(thrown, "Invalid RPC client: setup");
     EXPECT_EQ(written.error.find("Opening session error. Updating client: setup\n: RPC: "), 0U)
         << written.error;
-    EXPECT_NE(written.error.find("\nClient setup create error: 14\n"
+    EXPECT_NE(written.error.find("\nClient setup create error: 12\n"
                                  "Error connecting to rpc program setup from: 10.83.100.1\n"
                                  "  \n"
                                  "Opening session terminated. Invalid Setup RPC client\n"),

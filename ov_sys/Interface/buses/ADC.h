@@ -16,6 +16,7 @@ class ORVANE_API ADC {
 public:
     virtual ~ADC();
 
+    // As the functions of the same names in RPCADC.h.
     void initialize(SessionWrapper session);
     void start(SessionWrapper session);
     void stop(SessionWrapper session);

@@ -13,6 +13,7 @@ namespace Orvane::GPIO {
 // RPCGPIO.h.
 class ORVANE_API GPIO {
 public:
+    // As the functions of the same names in RPCGPIO.h.
     void set(SessionWrapper session, std::vector<unsigned char> const& indexes,
              std::vector<unsigned char> const& states);
     void enableOutput(SessionWrapper session, std::vector<unsigned char> const& indexes,

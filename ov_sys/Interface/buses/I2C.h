@@ -14,6 +14,7 @@ namespace I2C {
 // RPCI2C.h.
 class ORVANE_API I2C {
 public:
+    // As the functions of the same names in RPCI2C.h.
     void write(SessionWrapper session, unsigned char bus, unsigned int address,
                std::vector<unsigned char>& data);
     std::vector<unsigned char> read(SessionWrapper session, unsigned char bus, unsigned int address,

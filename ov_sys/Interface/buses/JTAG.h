@@ -16,6 +16,7 @@ class ORVANE_API JTAG {
 public:
     virtual ~JTAG();
 
+    // As the functions of the same names in RPCJTAG.h.
     int maxBytes(SessionWrapper session);
     std::vector<std::string> shiftMulti(SessionWrapper session, std::vector<std::string> first,
                                         std::vector<std::string> second, std::vector<std::string> third);

@@ -14,6 +14,7 @@ class ORVANE_API KeepAlive {
 public:
     virtual ~KeepAlive();
 
+    // As the functions of the same names in RPCKeepAlive.h.
     int ping(SessionWrapper session);
     PingRecord getPingRecord(SessionWrapper session);
 };

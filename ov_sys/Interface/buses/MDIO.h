@@ -15,6 +15,8 @@ namespace MDIO {
 // and each list travels in one call.
 class ORVANE_API MDIO {
 public:
+    // One register, as Clause 45, Clause 22 or 32-bit extension; without an address at the PHY's address
+    // register.
     unsigned int read(SessionWrapper session, unsigned long address);
     void write(SessionWrapper session, unsigned long address, unsigned int data);
     unsigned int read_c22(SessionWrapper session, unsigned long address);
@@ -26,10 +28,12 @@ public:
     void write_preinc_c22_zrExt32(SessionWrapper session, unsigned int data);
     void write_curraddr_c22_zrExt32(SessionWrapper session, unsigned int data);
 
+    // The port itself: flush it, switch single-wire mode, set the number of preamble bits.
     void flush(SessionWrapper session);
     void setSingleWire(SessionWrapper session, bool on);
     void setPreambleCount(SessionWrapper session, unsigned int count);
 
+    // Many registers in one call: a list, or runs of writes and reads in turn.
     std::vector<unsigned int> blockRead(SessionWrapper session, std::vector<unsigned int> const& addresses);
     void blockWrite(SessionWrapper session, std::vector<unsigned int> const& addresses,
                     std::vector<unsigned int> const& data);

@@ -16,7 +16,7 @@ void append(Words& list, const Words& more) {
 
 } // namespace
 
-MdioAsync::MdioAsync() : lastWasWrite(true), currentRun(0) {}
+MdioAsync::MdioAsync() = default;
 
 MdioAsync::~MdioAsync() = default;
 

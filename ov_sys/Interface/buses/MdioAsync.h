@@ -19,15 +19,17 @@ public:
     std::vector<unsigned int> writeData;      // parallel to writeAddresses
     std::vector<unsigned int> readAddresses;  // as given, in issue order
     std::vector<unsigned int> runs;           // completed runs: writes, reads, writes and so on
-    bool lastWasWrite;                        // kind of the run being counted
+    bool lastWasWrite = true;                 // kind of the run being counted
     std::recursive_mutex queueMutex;          // guards every member; held while the board executes the queue
-    unsigned int currentRun;                  // operations in the run being counted
+    unsigned int currentRun = 0;              // operations in the run being counted
 
     MdioAsync();
     virtual ~MdioAsync();
     MdioAsync(const MdioAsync&) = delete;
     MdioAsync& operator=(const MdioAsync&) = delete;
 
+    // Add accesses to the queue. Addresses are sent as they are, with the PHY and port of the executing
+    // session. Do not block, unless another thread executes.
     void read(unsigned int address);
     void write(unsigned int address, unsigned int data);
     void blockRead(std::vector<unsigned int> addresses);

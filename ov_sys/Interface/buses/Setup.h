@@ -12,9 +12,9 @@ namespace Orvane {
 
 // What a remote command left behind.
 struct CommandResult {
-    int exitCode;
-    std::string output;
-    std::string errorOutput;
+    int exitCode;            // as the board's shell gave it
+    std::string output;      // standard output, NUL characters kept
+    std::string errorOutput; // standard error
 };
 
 namespace Setup {
@@ -26,6 +26,7 @@ class ORVANE_API Setup {
 public:
     virtual ~Setup();
 
+    // As the functions of the same names in RPCSetup.h.
     int ping(SessionWrapper session);
     PingRecord getPingRecord(SessionWrapper session);
     // Fills `result` and returns 0; on an exception `result` is unchanged.

@@ -16,6 +16,7 @@ public:
     // Runs one of the calls that take nothing but the session.
     void selectCommonCall(SessionWrapper& session, void (*call)(PhySession&));
 
+    // As the functions of the same names in RPCThermal.h.
     void connect(SessionWrapper session);
     void disconnect(SessionWrapper session);
     void stopControl(SessionWrapper session);

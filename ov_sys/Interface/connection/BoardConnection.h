@@ -38,10 +38,10 @@ public:
     std::map<clientId, std::unique_ptr<RPCClient>> clients; // constant after construction
     std::mutex problemMutex;                                // one thread at a time looks for a lost board
     std::mutex clientsMutex;                                // held while all clients are reset
-    std::mutex addressMutex; // guards `host` and the re-pointing of the clients
-    std::string name;        // the board's name in upper case; constant
-    std::atomic<bool> interfaceSelected;
-    std::string host; // the board's present address, dotted IPv4 text; may be empty
+    std::mutex addressMutex;             // guards `host` and the re-pointing of the clients
+    std::string name;                    // the board's name in upper case; constant
+    std::atomic<bool> interfaceSelected; // set by selectInterface(); nothing reads it
+    std::string host;                    // the board's present address, dotted IPv4 text; may be empty
 
     // Makes the clients without an address, so that none connects.
     explicit BoardConnection(std::string boardName);

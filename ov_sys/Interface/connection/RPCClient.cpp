@@ -6,6 +6,7 @@
 #include "ov_sys/Interface/foundation/Stopwatch.h"
 
 #include <exception>
+#include <system_error>
 #include <utility>
 
 namespace Orvane {
@@ -13,11 +14,23 @@ namespace {
 
 constexpr timeval kDefaultTimeout{2, 0};
 
-// clnt_spcreateerror() answers in a buffer that all threads share.
+// What clnt_spcreateerror("") says of this thread's last failed creation; that one answers in a buffer which
+// all threads share.
 std::string createErrorText() {
-    static std::mutex sharedBuffer;
-    const std::lock_guard<std::mutex> lock(sharedBuffer);
-    return clnt_spcreateerror("");
+    constexpr std::size_t kPrefix = 5; // "RPC: "
+    const auto& failure = rpc_createerr;
+    const int number = failure.cf_error.re_errno;
+    const clnt_stat detail = failure.cf_error.re_status;
+    const std::string reason = std::generic_category().message(number);
+    std::string text = std::string(": ") + clnt_sperrno(failure.cf_stat);
+    if (failure.cf_stat == RPC_SYSTEMERROR)
+        return text + " - " + reason;
+    if (failure.cf_stat != RPC_PMAPFAILURE)
+        return text;
+    text += std::string(" - ") + (clnt_sperrno(detail) + kPrefix);
+    if (detail == RPC_CANTSEND || detail == RPC_CANTRECV)
+        text += ": errno " + std::to_string(number) + " (" + reason + ")";
+    return text;
 }
 
 } // namespace

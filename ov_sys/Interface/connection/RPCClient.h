@@ -72,6 +72,7 @@ private:
 // Connects in its constructor when the host is known.
 class ORVANE_API NormalRPCClient : public RPCClient {
 public:
+    // As RPCClient(), then connect() unless the host is empty.
     NormalRPCClient(unsigned long program, unsigned long version, std::string protocol, std::string name,
                     std::string host);
 };
@@ -80,9 +81,10 @@ public:
 // and the callers' threads share it.
 class ORVANE_API ThreadSafeRPCClient : public NormalRPCClient {
 public:
-    std::atomic<bool> busy;
-    std::mutex busyMutex; // guards writes of `busy`
+    std::atomic<bool> busy; // a call is under way
+    std::mutex busyMutex;   // guards writes of `busy`
 
+    // As NormalRPCClient().
     ThreadSafeRPCClient(unsigned long program, unsigned long version, std::string protocol, std::string name,
                         std::string host);
 
@@ -101,6 +103,7 @@ public:
 // Stays unconnected until update(), and keeps silent when connecting fails.
 class ORVANE_API ExtendedRPCClient : public RPCClient {
 public:
+    // As RPCClient().
     ExtendedRPCClient(unsigned long program, unsigned long version, std::string protocol, std::string name,
                       std::string host);
     bool connectionError() override; // returns true

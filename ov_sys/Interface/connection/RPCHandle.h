@@ -1,9 +1,9 @@
 // One live RPC handle, shared by the threads that call through it.
 #pragma once
 
-#include "ov_sys/Interface/connection/SigpipeGuard.h"
 #include "ov_sys/Interface/foundation/Export.h"
 
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -12,8 +12,15 @@
 
 namespace Orvane {
 
-// Owns a CLIENT. Users hold it by std::shared_ptr, so a handle that is replaced while another thread is
-// inside a call is destroyed by whoever leaves last, and nobody ever touches a destroyed one.
+class CallTransport;
+
+// Owns a CLIENT and makes its calls. Users hold it by std::shared_ptr, so a handle that is replaced while
+// another thread is inside a call is destroyed by whoever leaves last, and nobody ever touches a destroyed
+// one.
+//
+// libtirpc makes the connection and keeps it; the calls themselves go through a transport of ours, which
+// waits for the one reply that carries the call's own transaction id, ends at the time-out whatever arrives
+// meanwhile, and leaves signals alone.
 class RPCHandle {
 public:
     // Asks the board's port mapper for the program and makes the handle. A port mapper that does not answer
@@ -27,34 +34,31 @@ public:
     RPCHandle(const RPCHandle&) = delete;
     RPCHandle& operator=(const RPCHandle&) = delete;
 
-    CLIENT* get() const noexcept { return client_; }
+    // The handle that the stubs take; destroying it is this object's business. Of a call on it: one at a
+    // time, further threads wait for their turn first; it blocks up to the time-out, which counts from its
+    // turn. Of clnt_control(): CLSET_TIMEOUT holds for every later call, the rest as libtirpc has it.
+    CLIENT* get() noexcept { return &client_; }
 
     // Sets the time-out of every later call. Waits for a call that is under way. Any thread.
     void setTimeout(const timeval& timeout);
 
-    // The exclusive right to make one call: while it lives no other thread uses the handle. On a datagram
-    // handle whatever an earlier call left in the socket is thrown away first; on a stream SIGPIPE is held
-    // back.
-    class Turn {
-    public:
-        ORVANE_API explicit Turn(RPCHandle& handle);
-        ORVANE_API ~Turn();
-        Turn(const Turn&) = delete;
-        Turn& operator=(const Turn&) = delete;
-
-    private:
-        std::unique_lock<std::mutex> lock_;
-        std::optional<SigpipeGuard> sigpipe_;
-    };
-
 private:
-    RPCHandle(CLIENT* client, bool datagram);
-    void drain() const noexcept;
+    RPCHandle(CLIENT* connection, unsigned long program, unsigned long version, const std::string& protocol);
+    static RPCHandle& of(CLIENT* client) noexcept { return *static_cast<RPCHandle*>(client->cl_private); }
+    static CLIENT::clnt_ops& operations() noexcept;
+    clnt_stat call(rpcproc_t procedure, xdrproc_t encode, void* argument, xdrproc_t decode, void* result,
+                   const timeval& fallback) noexcept;
+    bool_t control(u_int request, void* value) noexcept;
 
-    CLIENT* client_;
-    bool datagram_;
-    int socket_ = -1;
-    std::mutex callMutex_; // one call at a time; innermost of all locks
+    CLIENT client_{};    // calls come in here
+    CLIENT* connection_; // libtirpc's, the owner of the socket
+    std::unique_ptr<CallTransport> transport_;
+    std::uint32_t program_;
+    std::uint32_t version_;
+    std::uint32_t lastId_; // transaction id
+    std::optional<timeval> timeout_;
+    rpc_err error_{};      // of the last call
+    std::mutex callMutex_; // guards all of the above during a call; innermost of all locks
 };
 
 } // namespace Orvane

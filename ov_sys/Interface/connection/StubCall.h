@@ -23,10 +23,7 @@ private:
 template <class Param, class Result>
 clnt_stat callOnHandle(clnt_stat (*stub)(Param, Result, CLIENT*), const Param& param, Result result,
                        RPCHandle* handle) {
-    if (handle == nullptr)
-        return RPC_CANTSEND;
-    const RPCHandle::Turn turn(*handle);
-    return stub(param, result, handle->get());
+    return handle == nullptr ? RPC_CANTSEND : stub(param, result, handle->get());
 }
 
 // The same on the handle that `client` has at this moment, the client being marked busy meanwhile.

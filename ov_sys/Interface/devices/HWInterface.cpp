@@ -147,13 +147,12 @@ char* HWInterface::device(std::string address) {
 int HWInterface::deviceIndex(std::string name) {
     HWIHelper::str_to_upper(name);
     const Lock guard(lock);
-    int index = 0;
-    for (const auto& entry : devices) {
-        if (entry->name == name)
-            return index;
-        ++index;
-    }
-    throw Exceptions::NoDevice();
+    for (; indexed_ < devices.size(); ++indexed_) // of twins the first is found
+        indexOf_.emplace(devices[indexed_]->name, static_cast<int>(indexed_));
+    const auto found = indexOf_.find(name);
+    if (found == indexOf_.end())
+        throw Exceptions::NoDevice();
+    return found->second;
 }
 
 int HWInterface::deviceNumber(std::string name, std::string address) {

@@ -11,6 +11,8 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace Orvane {
@@ -32,11 +34,12 @@ class ORVANE_API HWInterface {
 public:
     std::mutex lock; // held by lookups, by each addition to the list and by close()
     AppendOnlyList<std::unique_ptr<SimpleDeviceEntry>> devices; // grows under `lock`, read without it
-    std::atomic<unsigned int> defaultAdapter_;
-    std::atomic<unsigned int> failFlag;       // 0: nothing sets it
+    std::atomic<unsigned int> defaultAdapter_;                  // adapter of the functions that name none
+    std::atomic<unsigned int> failFlag;                         // 0: nothing sets it
     std::atomic<unsigned int> blockQueueSize; // values of the last block execution, whichever thread made it
     std::string lastError;                    // empty: nothing sets it
 
+    // No devices yet; does not block.
     HWInterface();
     ~HWInterface(); // closes every session
     HWInterface(const HWInterface&) = delete;
@@ -102,7 +105,7 @@ public:
     // Closes every open adapter.
     void close();
 
-    unsigned defaultAdapter();
+    unsigned defaultAdapter();                // adapter of the functions that name none
     bool setDefaultAdapter(unsigned adapter); // unchecked; true
 
     // SMBus protocol of the adapter's device: Direct32 for any `value` but 0, else Paged16. `parameter` is
@@ -121,10 +124,10 @@ public:
     bool setAdapterMdioPortBroadcast(unsigned adapter, unsigned phyId, bool on);
     bool setMdioPortBroadcast(unsigned phyId, bool on);
 
-    unsigned fail();
-    char* errorMessage();
-    unsigned maxQueueSize(); // 873, the most operations that one block should hold
-    unsigned blockReadQueueSize();
+    unsigned fail();               // failFlag
+    char* errorMessage();          // a malloc'ed copy of lastError
+    unsigned maxQueueSize();       // 873, the most operations that one block should hold
+    unsigned blockReadQueueSize(); // blockQueueSize
 
     // ---- Register access ----
     //
@@ -208,6 +211,9 @@ private:
     SimpleDeviceEntry& deviceAt(unsigned adapter) const;
     SimpleSessionEntry& resolve(unsigned adapter, unsigned phyId);
     void addDevice(const AddressResponse& candidate);
+
+    std::unordered_map<std::string_view, int> indexOf_; // of the devices' own names; guarded by `lock`
+    std::size_t indexed_ = 0;                           // devices that `indexOf_` knows
 };
 
 } // namespace Orvane

@@ -22,13 +22,13 @@ class PhySession;
 class ORVANE_API SimpleDeviceEntry {
 public:
     std::vector<std::unique_ptr<SimpleSessionEntry>> sessions; // in order of opening
-    std::mutex lock;         // guards `sessions` in getSession() and closePhyID(), opening included
-    std::string address;     // the board's address, dotted IPv4 text; may be empty; constant
-    std::string name;        // device name in upper case; constant
-    std::string boardSerial; // the part of the name before the colon; constant
-    std::atomic<int> isOpen; // 1 while open
-    int port;                // the part of the name behind the colon; constant
-    std::atomic<KelSmbProto> smbProto;
+    std::mutex lock;                   // guards `sessions` in getSession() and closePhyID(), opening included
+    std::string address;               // the board's address, dotted IPv4 text; may be empty; constant
+    std::string name;                  // device name in upper case; constant
+    std::string boardSerial;           // the part of the name before the colon; constant
+    std::atomic<int> isOpen;           // 1 while open
+    int port;                          // the part of the name behind the colon; constant
+    std::atomic<KelSmbProto> smbProto; // how 32-bit registers are reached on an SMBus port
 
     // `name` is board serial number, colon, port. Throws Exceptions::InvalidName for any other name.
     explicit SimpleDeviceEntry(std::string name);
@@ -77,6 +77,7 @@ public:
     // Appends a session that was opened elsewhere and takes ownership of it. Takes no lock.
     void setSession(PhySession* session);
 
+    // Get and set smbProto.
     KelSmbProto getKelSmbProto();
     void setKelSmbProto(KelSmbProto proto);
 

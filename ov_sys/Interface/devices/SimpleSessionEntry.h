@@ -19,9 +19,9 @@ class PhySession;
 // a block is filled and executed by one thread.
 class ORVANE_API SimpleSessionEntry {
 public:
-    int phyId; // MDIO address of the PHY, or its device address on an SMBus port
-    int port;
-    std::unique_ptr<PhySession> session;
+    int phyId;                             // MDIO address of the PHY, or its device address on an SMBus port
+    int port;                              // the device's port
+    std::unique_ptr<PhySession> session;   // closed with the entry
     std::vector<unsigned int> smbResults;  // reads of the current block on an SMBus port
     std::vector<unsigned int> blockResult; // values of the last block execution
     MDIO::MdioAsync async;                 // queue of the current block on an MDIO port

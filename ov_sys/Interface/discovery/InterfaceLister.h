@@ -14,6 +14,7 @@ namespace Orvane {
 // returns 0. Any thread.
 ORVANE_API unsigned unix_ipList(std::vector<AddressResponse>& out);
 
+// The lister as a class, for callers that expect one.
 class ORVANE_API InterfaceLister {
 public:
     // unix_ipList().

@@ -22,6 +22,7 @@ public:
     // -1 when closed; closed by the destructor.
     int socket = -1;
 
+    // Stores the arguments; sends nothing.
     TcpBoardResolver(std::string address, int port, std::string boardType);
     TcpBoardResolver(const TcpBoardResolver&) = delete;
     TcpBoardResolver& operator=(const TcpBoardResolver&) = delete;

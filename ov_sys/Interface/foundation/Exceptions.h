@@ -13,34 +13,37 @@ namespace Orvane::Exceptions {
 // A failure that carries its own message.
 class ORVANE_API Standard : public std::exception {
 public:
+    // Keeps the message that what() returns.
     explicit Standard(std::string message);
     ~Standard() override;
     // The message.
     const char* what() const noexcept override;
 
-    std::string text;
+    std::string text; // of what()
 };
 
 // A device name that does not read as board:port.
 class ORVANE_API InvalidName : public std::exception {
 public:
+    // Keeps the offending name.
     explicit InvalidName(std::string name);
     ~InvalidName() override;
     // The offending name, unchanged.
     const char* what() const noexcept override;
 
-    std::string text;
+    std::string text; // of what()
 };
 
 // An RPC client that is missing or of the wrong kind.
 class ORVANE_API InvalidRPCClient : public std::exception {
 public:
+    // Makes the text of what() from the client's name.
     explicit InvalidRPCClient(std::string clientName);
     ~InvalidRPCClient() override;
     // "Invalid RPC client: " and the client's name.
     const char* what() const noexcept override;
 
-    std::string text;
+    std::string text; // of what()
 };
 
 // No board or board port has the wanted name.

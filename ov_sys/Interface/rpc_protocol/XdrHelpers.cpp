@@ -1,6 +1,8 @@
-// Opaque data and strings: the byte-wise members.
+// The members that are not decoded or encoded element by element: opaque data, strings and lists of words.
 #include "ov_sys/Interface/rpc_protocol/XdrHelpers.h"
 
+#include <arpa/inet.h>
+#include <climits>
 #include <memory>
 
 namespace Orvane::Xdr {
@@ -65,6 +67,13 @@ bool_t decodeStringWithin(XDR* stream, char* text, std::size_t capacity) {
     return readWithin(stream, length, text, capacity - 1);
 }
 
+// The next `count` words of the stream's own memory, which the caller fills or reads in network order; null
+// when they do not lie there in one piece, and then the stream has not moved.
+int32_t* wordsInPlace(XDR* stream, std::size_t count) {
+    constexpr std::size_t kWord = sizeof(u_int);
+    return count > INT_MAX / kWord ? nullptr : XDR_INLINE(stream, static_cast<u_int>(count * kWord));
+}
+
 } // namespace
 
 bool_t bytes(XDR* stream, u_int& length, char*& bytes) {
@@ -98,6 +107,27 @@ bool_t string(XDR* stream, char*& text) {
     if (stream->x_op != XDR_ENCODE && DecodeGuard::announced(text, capacity))
         return stream->x_op == XDR_FREE || decodeStringWithin(stream, text, capacity);
     return xdr_string(stream, &text, ~u_int{0});
+}
+
+bool_t encodeWords(XDR* stream, u_int count, u_int* values) {
+    if (!xdr_u_int(stream, &count))
+        return FALSE;
+    int32_t* const words = wordsInPlace(stream, count);
+    for (u_int i = 0; i < count; ++i)
+        if (words != nullptr)
+            words[i] = static_cast<int32_t>(htonl(values[i]));
+        else if (!xdr_u_int(stream, values + i))
+            return FALSE;
+    return TRUE;
+}
+
+u_int decodeWords(XDR* stream, u_int count, u_int* values) {
+    const int32_t* const words = wordsInPlace(stream, count);
+    if (words == nullptr)
+        return 0;
+    for (u_int i = 0; i < count; ++i)
+        values[i] = ntohl(static_cast<u_int>(words[i]));
+    return count;
 }
 
 template <>

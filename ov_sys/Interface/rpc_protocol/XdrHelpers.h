@@ -35,12 +35,21 @@ bool_t discard(XDR* stream) {
 template <>
 bool_t discard<StringArrayEntry>(XDR* stream);
 
+// xdr_array over words to be encoded, all at once where the stream allows it: blocks are long.
+bool_t encodeWords(XDR* stream, u_int count, u_int* values);
+
+// Decodes as many words as can be had at once and returns their number, which is `count` or 0.
+u_int decodeWords(XDR* stream, u_int count, u_int* values);
+
 // Decodes up to `capacity` elements to `values` and reads past the others; `count` becomes the board's.
 template <class T>
 bool_t decodeWithin(XDR* stream, u_int& count, T* values, std::size_t capacity) {
     if (!xdr_u_int(stream, &count))
         return FALSE;
-    for (u_int i = 0; i < count; ++i)
+    u_int i = 0;
+    if constexpr (std::is_same_v<T, u_int>)
+        i = decodeWords(stream, static_cast<u_int>(std::min<std::size_t>(count, capacity)), values);
+    for (; i < count; ++i)
         if (!(i < capacity ? Codec<T>::run(stream, values + i) : discard<T>(stream)))
             return FALSE;
     return TRUE;
@@ -99,6 +108,9 @@ bool_t array(XDR* stream, Counted& member) {
         freeElements(stream, std::min<std::size_t>(count, capacity), values);
         return TRUE;
     }
+    if constexpr (std::is_same_v<Element, u_int>)
+        if (stream->x_op == XDR_ENCODE)
+            return encodeWords(stream, count, values);
     char* raw = reinterpret_cast<char*>(values);
     const bool_t done = xdr_array(stream, &raw, &count, ~u_int{0}, sizeof(Element), xdrProcedure<Element>);
     values = reinterpret_cast<Element*>(raw);

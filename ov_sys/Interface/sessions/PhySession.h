@@ -28,6 +28,7 @@ using RPCretCode_t = int;
 // but keepAliveMutex while the keep-alive thread is joined.
 class ORVANE_API PhySession {
 public:
+    // Where a session is between opening and end; a fixed type, so that any number is a legal value.
     enum SessionState_t : int {
         SESSION_VALID = 0,          // usable
         SESSION_ERROR_HANDLING = 1, // one thread is retraining the connection
@@ -40,20 +41,21 @@ public:
     unsigned int pingRecordType;                  // 2; constant
     unsigned int mdioAddressPrefix; // bits 24 to 31 of every MDIO address: PHY, then device index; constant
     MdioExclusive mdio;             // `key` is the board's once the session is open; otherwise constant
-    unsigned int deviceIndexCopy;
-    unsigned int phyAddressCopy;
+    unsigned int deviceIndexCopy;   // mdio.deviceIndex; constant
+    unsigned int phyAddressCopy;    // mdio.phyAddress; constant
     std::atomic<unsigned short> pingSequence; // grows with every good ping
     thread_id_t keepAliveThread;              // guarded by keepAliveMutex
     std::atomic<bool> keepAliveRunning;       // written under keepAliveMutex
     std::atomic<SessionState_t> state;        // written under stateMutex
-    std::mutex stateMutex;
-    std::mutex errorHandlingMutex; // makes the claim of error handling one step
-    std::mutex keepAliveMutex;     // start and stop of the keep-alive thread
-    std::atomic<unsigned int> sessionId;
+    std::mutex stateMutex;                    // guards changes of `state`
+    std::mutex errorHandlingMutex;            // makes the claim of error handling one step
+    std::mutex keepAliveMutex;                // start and stop of the keep-alive thread
+    std::atomic<unsigned int> sessionId; // the board's number for the session; all ones before the opening
     std::atomic<unsigned short> callSequence; // grows with every completed call
-    std::atomic<std::chrono::system_clock::time_point> busySince;
-    std::atomic<int> busyTimeoutMs;
-    std::unique_ptr<BoardConnection> connection;
+    std::atomic<std::chrono::system_clock::time_point>
+        busySince;                               // last setSessionBusy() or resetSessionBusy()
+    std::atomic<int> busyTimeoutMs;              // of the running command; 0 for none
+    std::unique_ptr<BoardConnection> connection; // never null
 
     // Make the connection to the board of that name or at that address (and block as its constructors do).
     // The board's session service is not contacted: Setup::openConnection() opens the session.
@@ -73,9 +75,11 @@ public:
     std::string name();   // the board's name, in upper case
     bool isRemote();      // whether the connection was made
     bool isValid() const; // whether the state is not SESSION_INVALID
+    // Get and set `state`, whatever it was.
     SessionState_t getSessionState() const;
     void setSessionState(SessionState_t newState);
 
+    // Stores what the board gave at the opening.
     void initSessionInfo(unsigned int newSessionId, unsigned short sequence);
     // The word that names session and call to the board: callSequence << 8 | sessionId.
     unsigned int identityWord() const;

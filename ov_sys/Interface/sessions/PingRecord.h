@@ -7,8 +7,8 @@ namespace Orvane {
 
 // A copy of the session's record; samples keep their initial value 4294967295.
 struct PingRecord {
-    unsigned int type;
-    std::vector<unsigned long> samples;
+    unsigned int type;                  // 2
+    std::vector<unsigned long> samples; // 2000 of them
 };
 
 } // namespace Orvane

@@ -12,6 +12,7 @@ class ORVANE_API SessionWrapper {
 public:
     PhySession* session; // may be null
 
+    // Does not take ownership; null is allowed.
     // NOLINTNEXTLINE(google-explicit-constructor): services are called with a session's pointer
     SessionWrapper(PhySession* openSession) : session(openSession) {}
 

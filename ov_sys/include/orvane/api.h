@@ -2,10 +2,12 @@
 #ifndef ORVANE_API_H
 #define ORVANE_API_H
 
+/* Marks an exported function or variable of the flat interface. */
 #define ORVANE_C_API __attribute__((visibility("default")))
 
-/* Adapters that the tables indexed by adapter have a row for, and the rows that are stored: one more. */
+/* The highest adapter that the tables indexed by adapter have a row for. */
 #define ORVANE_TABLE_ADAPTERS 3000
+/* The rows of these tables. */
 #define ORVANE_TABLE_ROWS (ORVANE_TABLE_ADAPTERS + 1)
 
 #endif

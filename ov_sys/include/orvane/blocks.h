@@ -17,6 +17,8 @@ extern "C" {
 
 /* ---- Queue on the default adapter ---- */
 
+/* Queue an access on the default adapter: Clause 45, 32 bits or 64 bits. The forms without _Abstracted log
+ * it; those that name no PHY take the default PHY id. */
 ORVANE_C_API void HW_BlockRead_Abstracted(unsigned int phy, unsigned int mmd, unsigned int reg);
 ORVANE_C_API void HW_BlockWrite_Abstracted(unsigned int phy, unsigned int mmd, unsigned int reg,
                                            unsigned int data);
@@ -35,6 +37,7 @@ ORVANE_C_API void HW_BlockWrite_Default_PHY_ID(unsigned int mmd, unsigned int re
 
 /* ---- Queue on an explicit adapter ---- */
 
+/* Queue an access on an adapter: Clause 45, 32 bits or 64 bits. The forms without _Abstracted log it. */
 ORVANE_C_API void HW_BlockReadAdapter_Abstracted(unsigned int adapter, unsigned int phy, unsigned int mmd,
                                                  unsigned int reg);
 ORVANE_C_API void HW_BlockWriteAdapter_Abstracted(unsigned int adapter, unsigned int phy, unsigned int mmd,
@@ -60,6 +63,8 @@ ORVANE_C_API void HW_BlockWrite64Adapter(unsigned int adapter, unsigned int phy,
 
 /* ---- Queue by PHY argument; logged with the default adapter and the argument as it is ---- */
 
+/* Queue an access by PHY argument: Clause 45, 32 bits or 64 bits. The forms without _Abstracted log it; those
+ * that name no PHY take the default PHY id. */
 ORVANE_C_API void ZR_API_MDIO_BlockRead_Abstracted(int phyArg, unsigned int mmd, unsigned int reg);
 ORVANE_C_API void ZR_API_MDIO_BlockWrite_Abstracted(int phyArg, unsigned int mmd, unsigned int reg,
                                                     unsigned int data);

@@ -3,7 +3,7 @@
 #define ORVANE_LOGGING_H
 
 #include <orvane/api.h>
-#include <stdio.h>
+#include <stdio.h> /* NOLINT(modernize-deprecated-headers): C includes this header too */
 
 #ifdef __cplusplus
 extern "C" {
@@ -32,6 +32,7 @@ ORVANE_C_API void HW_EnableLoggingStderr(void);
 /* Ends logging; closes the log if `closeStream` is not 0 and it is a file of the caller's. */
 ORVANE_C_API void HW_DisableLogging(int closeStream);
 
+/* Writes the line of column headers to the log; nothing while logging is off. */
 ORVANE_C_API void HW_Logging_WriteColumnHeaders(void);
 
 /* Does nothing. */
@@ -46,6 +47,8 @@ ORVANE_C_API void HW_LogMsg(const char *text);
 
 /* ---- Records ---- */
 
+/* Write a record of a 16-bit access to the log, with its line end; nothing while logging is off. A fetch is
+ * the value of a queued read. */
 ORVANE_C_API void HW_Logging_MDIOWrite(unsigned int adapter, unsigned int phy, unsigned int mmd,
                                        unsigned int address, unsigned int value);
 ORVANE_C_API void HW_Logging_MDIORead(unsigned int adapter, unsigned int phy, unsigned int mmd,
@@ -56,6 +59,9 @@ ORVANE_C_API void HW_Logging_BlockMDIORead(unsigned int adapter, unsigned int ph
                                            unsigned int address);
 ORVANE_C_API void HW_Logging_BlockMDIOFetch(unsigned int adapter, unsigned int phy, unsigned int unused1,
                                             unsigned int unused2, unsigned int unused3, unsigned int value);
+
+/* Write a record of a 32-bit or 64-bit access to the log, without a line end; nothing while logging is off.
+ */
 ORVANE_C_API void HW_Logging_Write32(unsigned int adapter, unsigned int phy, unsigned int address,
                                      unsigned int value);
 ORVANE_C_API void HW_Logging_Read32(unsigned int adapter, unsigned int phy, unsigned int address,
@@ -74,6 +80,9 @@ ORVANE_C_API void HW_Logging_BlockWrite64(unsigned int adapter, unsigned int phy
 ORVANE_C_API void HW_Logging_BlockRead64(unsigned int adapter, unsigned int phy, unsigned int address);
 ORVANE_C_API void HW_Logging_BlockFetch64(unsigned int adapter, unsigned int phy, unsigned int unused1,
                                           unsigned int unused2, unsigned long long value);
+
+/* Write a record of a configuration-space access to the log, without a line end; nothing while logging is
+ * off. The values are written as they are. */
 ORVANE_C_API void HW_Logging_MacConfigSpaceWrite(unsigned int adapter, unsigned int value1,
                                                  unsigned int value2, unsigned int value3);
 ORVANE_C_API void HW_Logging_MacConfigSpaceRead(unsigned int adapter, unsigned int value1,

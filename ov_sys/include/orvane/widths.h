@@ -19,6 +19,7 @@ extern "C" {
 
 /* ---- By adapter and PHY id; not logged ---- */
 
+/* Access a register of the width in the name, on an adapter; not logged. Report. */
 ORVANE_C_API unsigned int HW_Read8_Abstracted(unsigned int adapter, unsigned int phy, unsigned int address);
 ORVANE_C_API void HW_Write8_Abstracted(unsigned int adapter, unsigned int phy, unsigned int address,
                                        unsigned int data);
@@ -35,6 +36,7 @@ ORVANE_C_API void HW_Write64_Abstracted(unsigned int adapter, unsigned int phy, 
 
 /* ---- The same, logged ---- */
 
+/* Access a register of the width in the name, on an adapter, and log it. Report. */
 ORVANE_C_API unsigned int HW_Read8(unsigned int adapter, unsigned int phy, unsigned int address);
 ORVANE_C_API void HW_Write8(unsigned int adapter, unsigned int phy, unsigned int address, unsigned int data);
 ORVANE_C_API unsigned int HW_Read16(unsigned int adapter, unsigned int phy, unsigned int address);
@@ -48,6 +50,8 @@ ORVANE_C_API void HW_Write64(unsigned int adapter, unsigned int phy, unsigned in
 /* ---- At the PHY's address register, incremented first or as it stands; never logged; not on SMBus ports
  * ---- */
 
+/* Access the 32-bit register at the address that the PHY holds, or at the next one; never logged, with or
+ * without _Abstracted. Report. */
 ORVANE_C_API unsigned int HW_Read32PreIncrementAddress_Abstracted(unsigned int adapter, unsigned int phy);
 ORVANE_C_API void HW_Write32PreIncrementAddress_Abstracted(unsigned int adapter, unsigned int phy,
                                                            unsigned int data);
@@ -61,6 +65,7 @@ ORVANE_C_API void HW_Write32CurrentAddress(unsigned int adapter, unsigned int ph
 
 /* ---- By PHY argument; not logged ---- */
 
+/* Access a register of the width in the name, by PHY argument; not logged. Report. */
 ORVANE_C_API unsigned int ZR_API_Read8_Abstracted(int phyArg, unsigned int address);
 ORVANE_C_API void ZR_API_Write8_Abstracted(int phyArg, unsigned int address, unsigned int data);
 ORVANE_C_API unsigned int ZR_API_Read16_Abstracted(int phyArg, unsigned int address);
@@ -72,6 +77,7 @@ ORVANE_C_API void ZR_API_Write64_Abstracted(int phyArg, unsigned int address, un
 
 /* ---- The same, logged with the default adapter and the PHY argument as it is ---- */
 
+/* Access a register of the width in the name, by PHY argument, and log it. Report. */
 ORVANE_C_API unsigned int HW_API_Read8(int phyArg, unsigned int address);
 ORVANE_C_API void HW_API_Write8(int phyArg, unsigned int address, unsigned int data);
 ORVANE_C_API unsigned int HW_API_Read16(int phyArg, unsigned int address);
@@ -83,6 +89,7 @@ ORVANE_C_API void HW_API_Write64(int phyArg, unsigned int address, unsigned long
 
 /* ---- Raw accesses to the board's own registers: always refused, reported with "Interface Error.", 0 ---- */
 
+/* Refused: report "Interface Error."; a read gives 0. */
 ORVANE_C_API unsigned int Board_Read(unsigned int address);
 ORVANE_C_API void Board_Write(unsigned int address, unsigned int data);
 ORVANE_C_API unsigned int Board_ReadAdapter(unsigned int adapter, unsigned int address);

@@ -55,7 +55,7 @@ void DO_RPC(clnt_stat (*stub)(Param, Result, CLIENT*), Param param, Result resul
         const clnt_stat status = callStub(stub, param, result, client);
         if (status != RPC_SUCCESS) {
             Frames::recover(session, status, attempt, client.name);
-        } else if (!session.onRPCResultError(result->error, client.name)) {
+        } else if (result->error == 0 || !session.onRPCResultError(result->error, client.name)) {
             ++session.callSequence;
             return;
         }

@@ -18,12 +18,15 @@ namespace Orvane {
 template <class Param, class Result, class List, class Element>
 u_int callInto(clnt_stat (*stub)(Param, Result*, CLIENT*), PhySession& session, BoardConnection::clientId id,
                const Param& param, List Result::*list, Element* buffer, std::size_t capacity) {
+    static_assert(std::is_scalar_v<Element>, "elements that hold memory of their own would have to be freed");
     const DecodeGuard guard(buffer, capacity);
     WireResult<Result> result;
     auto& [length, values] = result.get()->*list;
     length = static_cast<u_int>(capacity);
     values = reinterpret_cast<std::remove_reference_t<decltype(values)>>(buffer);
     DO_RPC(stub, param, result.get(), session, id);
+    if (buffer != nullptr)
+        result.holdsNothing();
     // A busy reply before the last may have filled more of the buffer than the last one did.
     std::fill(buffer + std::min<std::size_t>(length, capacity), buffer + capacity, Element{});
     return length;

@@ -14,10 +14,12 @@ class PhySession;
 // number of threads.
 namespace ADC::RPC {
 
+// The capture itself: prepare it, begin it, end it.
 ORVANE_API void initialize(PhySession& session);
 ORVANE_API void start(PhySession& session);
 ORVANE_API void stop(PhySession& session);
 
+// The channels to capture, a bit each from bit 0 up.
 ORVANE_API void setChannelMask(PhySession& session, unsigned mask);
 // Names travel with their length and without a terminating NUL.
 ORVANE_API void setDumpFile(PhySession& session, std::string name);

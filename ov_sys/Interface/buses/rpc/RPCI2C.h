@@ -15,6 +15,7 @@ class PhySession;
 // caller keeps them. Any number of threads.
 namespace I2C::RPC {
 
+// Writes the bytes as they are.
 ORVANE_API void write(PhySession& session, unsigned char bus, unsigned int address,
                       std::vector<unsigned char>& data);
 
@@ -24,6 +25,8 @@ ORVANE_API std::vector<unsigned char> read(PhySession& session, unsigned char bu
 ORVANE_API std::vector<unsigned char> readReg(PhySession& session, unsigned char bus, unsigned int address,
                                               unsigned int reg, unsigned char regFormat, unsigned int length);
 
+// Writes to several registers in one call: `data` holds the bytes of all, `lengths` how many belong to each.
+// The second form sends `mask` with them.
 ORVANE_API void blockWriteRegister(PhySession& session, std::vector<unsigned char> const& buses,
                                    std::vector<unsigned int> const& addresses,
                                    std::vector<unsigned int> const& regs, std::vector<unsigned char>& data,

@@ -35,6 +35,7 @@ ORVANE_API unsigned int read_curraddr_c22_zrExt32(PhySession& session);
 ORVANE_API void write_preinc_c22_zrExt32(PhySession& session, unsigned int data);
 ORVANE_API void write_curraddr_c22_zrExt32(PhySession& session, unsigned int data);
 
+// The port itself: flush it, switch single-wire mode.
 ORVANE_API void flush(PhySession& session);
 ORVANE_API void setSingleWire(PhySession& session, bool on);
 // Aborts when the board echoes another count.

@@ -12,11 +12,13 @@ class PhySession;
 // for each attempt and its recovery, and throw as DO_RPC. Any number of threads.
 namespace Thermal::RPC {
 
+// The connection to the unit, and its temperature control.
 ORVANE_API void connect(PhySession& session);
 ORVANE_API void disconnect(PhySession& session);
 ORVANE_API void stopControl(PhySession& session);
 ORVANE_API void startControl(PhySession& session, unsigned channel);
 
+// The unit's state, and the present, the settled and the wanted temperature of a channel.
 ORVANE_API int getState(PhySession& session);
 ORVANE_API float getTemperature(PhySession& session, unsigned channel);
 ORVANE_API float getSettledTemperature(PhySession& session, unsigned channel);

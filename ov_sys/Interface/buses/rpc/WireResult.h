@@ -11,15 +11,23 @@ template <class Record>
 class WireResult {
 public:
     WireResult() = default;
-    ~WireResult() { freeDecoded(record_); }
+    ~WireResult() {
+        if (holdsMemory_)
+            freeDecoded(record_);
+    }
     WireResult(const WireResult&) = delete;
     WireResult& operator=(const WireResult&) = delete;
+
+    // To be called when the record is known to hold nothing but the caller's buffers: spares the search for
+    // more.
+    void holdsNothing() noexcept { holdsMemory_ = false; }
 
     Record* get() noexcept { return &record_; }
     Record* operator->() noexcept { return &record_; }
 
 private:
     Record record_{};
+    bool holdsMemory_ = true;
 };
 
 } // namespace Orvane

@@ -1,0 +1,129 @@
+// Calls by datagram against a peer that the test plays itself.
+#include "ov_sys/Interface/connection/DatagramTransport.h"
+#include "tests/connection/TransportPeer.h"
+#include "tests/support/NamedParam.h"
+
+#include <cerrno>
+#include <functional>
+#include <thread>
+
+namespace Orvane {
+namespace {
+
+using namespace OrvaneTest;
+using namespace std::chrono_literals;
+
+class DatagramCalls : public testing::Test {
+protected:
+    // Makes IntegerCall(7) while the peer does `answer` after it has the request.
+    clnt_stat callSeven(const std::function<void()>& answer, Deadline deadline = Deadline::after(60s)) {
+        std::thread peer([&] {
+            request = sockets.receiveAtPeer();
+            answer();
+        });
+        const clnt_stat status = transport.call(seven.message, deadline, error);
+        peer.join();
+        return status;
+    }
+
+    SocketPair sockets{SOCK_DGRAM};
+    DatagramTransport transport{sockets.own()};
+    IntegerCall seven{7};
+    WireBytes request;
+    rpc_err error{};
+};
+
+TEST_F(DatagramCalls, SendTheCallAndDecodeItsReply) {
+    EXPECT_EQ(callSeven([&] { sockets.sendFromPeer(replyTo(7, 42)); }), RPC_SUCCESS);
+    EXPECT_EQ(request, requestOfCallSeven());
+    EXPECT_EQ(seven.result, 42);
+    EXPECT_EQ(error.re_status, RPC_SUCCESS);
+}
+
+TEST_F(DatagramCalls, PassOverEveryDatagramThatIsNotTheirOwn) {
+    EXPECT_EQ(callSeven([&] {
+                  for (const WireBytes& stray :
+                       {WireBytes{}, wire("00"), wire("0000"), wire("000000"), replyTo(6, 1), replyTo(8, 1),
+                        wire("07000000 00000001"), WireBytes(8800, 0xEE)})
+                      sockets.sendFromPeer(stray);
+                  sockets.sendFromPeer(replyTo(7, 42));
+              }),
+              RPC_SUCCESS);
+    EXPECT_EQ(seven.result, 42);
+}
+
+TEST_F(DatagramCalls, ThrowAwayWhatCameBeforeTheirRequest) {
+    sockets.sendFromPeer(replyTo(7, 13)); // as of an earlier round of the ids
+    EXPECT_EQ(callSeven([&] { sockets.sendFromPeer(replyTo(7, 42)); }), RPC_SUCCESS);
+    EXPECT_EQ(seven.result, 42);
+}
+
+TEST_F(DatagramCalls, EndAtTheDeadlineThoughForeignDatagramsKeepComing) {
+    const std::function<void()> flood = [&] {
+        for (int i = 0; i < 20000; ++i) {
+            const WireBytes stray = replyTo(6, 1);
+            if (send(sockets.peer(), stray.data(), stray.size(), MSG_NOSIGNAL | MSG_DONTWAIT) < 0 &&
+                errno != EAGAIN)
+                return;
+        }
+    };
+    EXPECT_EQ(callSeven(flood, Deadline::after(20ms)), RPC_TIMEDOUT);
+    EXPECT_EQ(error.re_errno, ETIMEDOUT);
+    EXPECT_EQ(seven.result, -1);
+}
+
+TEST_F(DatagramCalls, WhoseReplyIsLongerThanABufferCannotBeDecodedWhenTheCutHitsTheResult) {
+    WireBytes cut = replyTo(7, 42);
+    cut.resize(cut.size() - 1);
+    EXPECT_EQ(callSeven([&] { sockets.sendFromPeer(cut); }), RPC_CANTDECODERES);
+}
+
+TEST_F(DatagramCalls, TakeAReplyWithTrailingBytes) {
+    WireBytes longer = replyTo(7, 42);
+    longer.resize(9000, 0xEE);
+    EXPECT_EQ(callSeven([&] { sockets.sendFromPeer(longer); }), RPC_SUCCESS);
+    EXPECT_EQ(seven.result, 42);
+}
+
+TEST_F(DatagramCalls, WithAnArgumentBeyondADatagramAreNotSent) {
+    OpaqueCall large(DatagramTransport::kLargest);
+    EXPECT_EQ(transport.call(large.message, Deadline::after(60s), error), RPC_CANTENCODEARGS);
+    char waste = 0;
+    EXPECT_EQ(recv(sockets.peer(), &waste, 1, MSG_DONTWAIT), -1);
+}
+
+struct Refusal {
+    const char* name;
+    const char* reply; // after the id and REPLY
+    clnt_stat status;
+};
+
+class RefusedCall : public DatagramCalls, public testing::WithParamInterface<Refusal> {};
+
+TEST_P(RefusedCall, SaysHow) {
+    WireBytes reply = wire("00000007 00000001");
+    append(reply, wire(GetParam().reply));
+    EXPECT_EQ(callSeven([&] { sockets.sendFromPeer(reply); }), GetParam().status);
+    EXPECT_EQ(error.re_status, GetParam().status);
+    EXPECT_EQ(seven.result, -1);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Replies, RefusedCall,
+    testing::Values(Refusal{"UnknownProgram", "00000000 00000000 00000000 00000001", RPC_PROGUNAVAIL},
+                    Refusal{"OtherVersion", "00000000 00000000 00000000 00000002 00000003 00000004",
+                            RPC_PROGVERSMISMATCH},
+                    Refusal{"UnknownProcedure", "00000000 00000000 00000000 00000003", RPC_PROCUNAVAIL},
+                    Refusal{"UndecodableArgument", "00000000 00000000 00000000 00000004", RPC_CANTDECODEARGS},
+                    Refusal{"SystemError", "00000000 00000000 00000000 00000005", RPC_SYSTEMERROR},
+                    Refusal{"VerifierWithoutResult", "00000000 00000001 00000004 01020304 00000005",
+                            RPC_SYSTEMERROR},
+                    Refusal{"OtherRpcVersion", "00000001 00000000 00000007 ffffffff", RPC_VERSMISMATCH},
+                    Refusal{"BadCredentials", "00000001 00000001 00000001", RPC_AUTHERROR},
+                    Refusal{"HugeVerifier", "00000000 00000000 7fffffff 00000000", RPC_CANTDECODERES},
+                    Refusal{"VerifierCutOff", "00000000 00000001 00000190 01020304", RPC_CANTDECODERES},
+                    Refusal{"NothingMore", "", RPC_CANTDECODERES}),
+    NamedParam());
+
+} // namespace
+} // namespace Orvane

@@ -1,0 +1,156 @@
+// Calls on a stream against a peer that the test plays itself.
+#include "ov_sys/Interface/connection/StreamTransport.h"
+#include "tests/connection/TransportPeer.h"
+
+#include <atomic>
+#include <cerrno>
+#include <thread>
+
+namespace Orvane {
+namespace {
+
+using namespace OrvaneTest;
+using namespace std::chrono_literals;
+
+// One fragment, the last of its record unless said otherwise.
+WireBytes fragment(const WireBytes& bytes, bool last = true) {
+    WireBytes marked;
+    appendWord(marked, (last ? 0x80000000U : 0U) | static_cast<unsigned>(bytes.size()));
+    append(marked, bytes);
+    return marked;
+}
+
+WireBytes part(const WireBytes& bytes, std::size_t from, std::size_t to) {
+    return {bytes.begin() + static_cast<std::ptrdiff_t>(from),
+            bytes.begin() + static_cast<std::ptrdiff_t>(to)};
+}
+
+class StreamCalls : public testing::Test {
+protected:
+    // A stream keeps what comes early, so that the peer may answer before it is asked.
+    clnt_stat call(IntegerCall& one, Deadline::Clock::duration wait = 60s) {
+        return transport.call(one.message, Deadline::after(wait), error);
+    }
+
+    SocketPair sockets{SOCK_STREAM};
+    StreamTransport transport{sockets.own()};
+    IntegerCall seven{7};
+    IntegerCall eight{8};
+    rpc_err error{};
+};
+
+TEST_F(StreamCalls, SendTheCallAsOneFragmentAndDecodeItsReply) {
+    sockets.sendFromPeer(fragment(replyTo(7, 42)));
+    EXPECT_EQ(call(seven), RPC_SUCCESS);
+    EXPECT_EQ(seven.result, 42);
+    EXPECT_EQ(sockets.receiveAtPeer(), fragment(requestOfCallSeven()));
+}
+
+TEST_F(StreamCalls, TakeAReplyInFragmentsAnEmptyLastOneIncluded) {
+    const WireBytes reply = replyTo(7, 42);
+    sockets.sendFromPeer(fragment(part(reply, 0, 3), false));
+    sockets.sendFromPeer(fragment(part(reply, 3, reply.size()), false));
+    sockets.sendFromPeer(fragment({}));
+    EXPECT_EQ(call(seven), RPC_SUCCESS);
+    EXPECT_EQ(seven.result, 42);
+}
+
+TEST_F(StreamCalls, PassOverRecordsThatAreNotTheirOwn) {
+    for (const WireBytes& stray : {replyTo(6, 1), WireBytes{}, wire("000000"), replyTo(9, 1)})
+        sockets.sendFromPeer(fragment(stray));
+    sockets.sendFromPeer(fragment(replyTo(7, 42)));
+    EXPECT_EQ(call(seven), RPC_SUCCESS);
+    EXPECT_EQ(seven.result, 42);
+}
+
+TEST_F(StreamCalls, GoOnAfterAReplyThatCameTooLate) {
+    EXPECT_EQ(call(seven, 1ms), RPC_TIMEDOUT);
+    sockets.sendFromPeer(fragment(replyTo(7, 42)));
+    sockets.sendFromPeer(fragment(replyTo(8, 43)));
+    EXPECT_EQ(call(eight), RPC_SUCCESS);
+    EXPECT_EQ(eight.result, 43);
+}
+
+// Wherever the late reply was interrupted.
+TEST_F(StreamCalls, GoOnInTheMiddleOfARecordThatWasGivenUp) {
+    const WireBytes late = fragment(replyTo(7, 42));
+    for (std::size_t cut = 1; cut < late.size(); ++cut) {
+        sockets.sendFromPeer(part(late, 0, cut));
+        EXPECT_EQ(call(seven, 1ms), RPC_TIMEDOUT) << cut;
+        sockets.sendFromPeer(part(late, cut, late.size()));
+        sockets.sendFromPeer(fragment(replyTo(8, static_cast<unsigned>(cut))));
+        EXPECT_EQ(call(eight), RPC_SUCCESS) << cut;
+        EXPECT_EQ(eight.result, static_cast<int>(cut));
+    }
+}
+
+TEST_F(StreamCalls, EndAtTheDeadlineThoughTheReplyTricklesIn) {
+    std::atomic<bool> done{false};
+    std::thread peer([&] {
+        const WireBytes endless = fragment(WireBytes(1U << 20U, 1));
+        for (std::size_t i = 0; i < endless.size() && !done; ++i) {
+            send(sockets.peer(), &endless[i], 1, MSG_NOSIGNAL);
+            std::this_thread::sleep_for(1ms);
+        }
+    });
+    EXPECT_EQ(call(seven, 50ms), RPC_TIMEDOUT);
+    done = true;
+    peer.join();
+}
+
+TEST_F(StreamCalls, EndAtTheDeadlineWhenThePeerDoesNotReadAndTheStreamIsOfNoMoreUse) {
+    OpaqueCall large(16U << 20U);
+    EXPECT_EQ(transport.call(large.message, Deadline::after(10ms), error), RPC_CANTSEND);
+    EXPECT_EQ(error.re_errno, ETIMEDOUT);
+    EXPECT_EQ(call(seven), RPC_CANTSEND);
+    EXPECT_EQ(error.re_errno, EPIPE);
+}
+
+TEST_F(StreamCalls, OnAStreamThatThePeerClosedCannotReceiveAndThenCannotSend) {
+    std::thread peer([&] {
+        sockets.receiveAtPeer();
+        sockets.closePeer();
+    });
+    EXPECT_EQ(call(seven), RPC_CANTRECV);
+    EXPECT_EQ(error.re_errno, ECONNRESET);
+    peer.join();
+    EXPECT_EQ(call(eight), RPC_CANTSEND);
+}
+
+TEST_F(StreamCalls, OnAClosedStreamRaiseNoSignal) {
+    sockets.closePeer();
+    EXPECT_EQ(call(seven), RPC_CANTSEND); // a signal would have ended the process
+    EXPECT_EQ(error.re_errno, EPIPE);
+}
+
+TEST_F(StreamCalls, MeetingAMarkOfNothingFailAndLeaveTheResultAlone) {
+    sockets.sendFromPeer(WireBytes(8, 0));
+    EXPECT_EQ(call(seven), RPC_CANTDECODERES);
+    EXPECT_EQ(seven.result, -1);
+}
+
+TEST_F(StreamCalls, WithAShortReplyCannotDecodeAndGoOn) {
+    WireBytes shorter = replyTo(7, 42);
+    shorter.pop_back();
+    sockets.sendFromPeer(fragment(shorter));
+    sockets.sendFromPeer(fragment(replyTo(8, 43)));
+    EXPECT_EQ(call(seven), RPC_CANTDECODERES);
+    EXPECT_EQ(call(eight), RPC_SUCCESS);
+    EXPECT_EQ(eight.result, 43);
+}
+
+TEST_F(StreamCalls, RefuseARecordWithoutEnd) {
+    std::thread peer([&] {
+        const WireBytes large = fragment(WireBytes(1U << 20U, 1), false);
+        for (std::size_t sent = 0; sent <= StreamTransport::kLargest; sent += 1U << 20U)
+            if (send(sockets.peer(), large.data(), large.size(), MSG_NOSIGNAL) < 0)
+                return;
+    });
+    EXPECT_EQ(call(seven), RPC_CANTDECODERES);
+    EXPECT_EQ(error.re_errno, EMSGSIZE);
+    shutdown(sockets.own(), SHUT_RDWR); // frees the peer
+    peer.join();
+}
+
+} // namespace
+} // namespace Orvane

@@ -55,6 +55,15 @@ if(ORVANE_BUILD_SIMULATOR)
     COMPONENT development)
 endif()
 
+# The command line, with its manual page and completion.
+if(TARGET orvane-tool)
+  install(TARGETS orvane-tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  install(FILES ${PROJECT_BINARY_DIR}/tools/orvane/orvane.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+    COMPONENT tools)
+  install(FILES ${PROJECT_BINARY_DIR}/tools/orvane/orvane.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME orvane COMPONENT tools)
+endif()
+
 # Builds what is installed and nothing else; ./demo does, so that `cmake --install` may follow it.
 add_custom_target(orvane-installed)
 foreach(target orvane orvane-sim orvane-lab orvane-tool)

@@ -1,0 +1,123 @@
+// How the program ends when somebody else wants it to: signals and closed pipes; and what help says.
+#include "tests/tools/Program.h"
+
+#include <csignal>
+#include <cstdio>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+namespace OrvaneTest {
+namespace {
+
+using OrvaneSim::Fault;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+bool isClose(const OrvaneSim::Request& request) {
+    return request.procedure == "close_connection";
+}
+
+// Output and exit status of a shell command.
+std::pair<std::string, int> shell(const std::string& command) {
+    FILE* pipe = ::popen(command.c_str(), "r");
+    std::string output;
+    for (int each = std::fgetc(pipe); each != EOF; each = std::fgetc(pipe))
+        output += static_cast<char>(each);
+    const int status = ::pclose(pipe);
+    return {output, WIFEXITED(status) ? WEXITSTATUS(status) : -1};
+}
+
+struct OrvaneEnding : testing::Test, OneBoardLab {};
+
+TEST_F(OrvaneEnding, afterCtrlCInAPauseHasItsSummaryAndClosesTheSession) {
+    Program program({"ping", "OV0001:0", "-c", "2", "-i", "600000"}, environment());
+    board.waitFor([](const OrvaneSim::Request& request) { return request.program == "keepAlive"; });
+    program.signal(SIGINT);
+    board.waitFor(isClose);
+    const Outcome outcome = program.finish();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, HasSubstr("\n1 sent, 1 received, 0.0 % lost\n"));
+}
+
+TEST_F(OrvaneEnding, insideACallThatDoesNotReturnClosesTheSessionFromOutside) {
+    board.inject({"mdio", "", Fault::Kind::LoseRequest, -1, 0});
+    Program program({"read", "OV0001:0", "3", "1.2"}, environment());
+    board.waitFor([](const OrvaneSim::Request& request) { return request.program == "mdio"; });
+    program.signal(SIGINT);
+    board.waitFor(isClose);
+    EXPECT_EQ(program.finish(), fails(130, ""));
+    EXPECT_EQ(board.sessionCount(), 0U);
+}
+
+TEST_F(OrvaneEnding, byTerminationIsStatus143) {
+    board.inject({"mdio", "", Fault::Kind::LoseRequest, -1, 0});
+    Program program({"read", "OV0001:0", "3", "1.2"}, environment());
+    board.waitFor([](const OrvaneSim::Request& request) { return request.program == "mdio"; });
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.finish().status, 143);
+}
+
+TEST_F(OrvaneEnding, whenTheReaderLeavesIsQuietAndClosesTheSession) {
+    const auto [output, status] =
+        shell("bash -c 'ORVANE_ADDRESS=10.83.0.1 " ORVANE_TOOL
+              " watch OV0001:0 3 1.2+500 --interval 0 --count 100 2>&1 | head -n 1; echo ${PIPESTATUS[0]}'");
+    EXPECT_EQ(output, "1 1.0x0002 0x0A5C\n0\n");
+    EXPECT_EQ(status, 0);
+    board.waitFor(isClose);
+}
+
+TEST_F(OrvaneEnding, onAFullDiskIsAFailure) {
+    const auto [output, status] =
+        shell("ORVANE_ADDRESS=10.83.0.1 " ORVANE_TOOL " read OV0001:0 3 1.2 2>&1 >/dev/full");
+    EXPECT_EQ(output, "orvane: cannot write the output: No space left on device\n");
+    EXPECT_EQ(status, 1);
+}
+
+TEST(OrvaneHelp, namesEveryVerbAndTheExitStatuses) {
+    const Outcome outcome = orvane({"--help"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.error, "");
+    for (const char* verb : {"list", "info", "ping", "read", "write", "modify", "dump", "diff", "watch"})
+        EXPECT_THAT(outcome.output, HasSubstr(std::string("\n  ") + verb + " "));
+    EXPECT_THAT(outcome.output, HasSubstr("Exit status: 0 success, 1 the board or an access failed"));
+    EXPECT_EQ(outcome.output.find("generate"), std::string::npos);
+}
+
+TEST(OrvaneHelp, ofAVerbHasExamples) {
+    const Outcome outcome = orvane({"read", "--help"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, HasSubstr("Usage: orvane read [OPTIONS] DEVICE PHY ADDRESS..."));
+    EXPECT_THAT(outcome.output, HasSubstr("Examples:\n  orvane read OV0001:0 3 1.0x0002"));
+}
+
+TEST(OrvaneVersion, isThatOfTheProject) {
+    EXPECT_THAT(orvane({"--version"}).output, StartsWith("orvane 0."));
+}
+
+TEST(OrvaneManual, hasEveryVerbWithItsOptions) {
+    const Outcome outcome = orvane({"generate", "man"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, StartsWith(".TH ORVANE 1 "));
+    EXPECT_THAT(outcome.output, HasSubstr("\n.SS read\nRead registers.\n"));
+    EXPECT_THAT(outcome.output, HasSubstr("\\fB\\-\\-routed\\fR\n"));
+    EXPECT_EQ(outcome.output.find(".SS generate"), std::string::npos);
+}
+
+// What bash would offer behind these words.
+std::string completions(const std::string& words, int index) {
+    Folder folder;
+    const std::string script = folder.write("orvane", orvane({"generate", "bash"}).output);
+    return shell("bash -c 'source " + script + "; COMP_WORDS=(" + words +
+                 "); COMP_CWORD=" + std::to_string(index) + "; _orvane; echo \"${COMPREPLY[@]}\"'")
+        .first;
+}
+
+TEST(OrvaneCompletion, offersVerbsAndThenTheirOptions) {
+    EXPECT_EQ(completions("orvane re", 1), "read replay\n");
+    EXPECT_EQ(completions("orvane read OV0001:0 --r", 3), "--routed\n");
+    EXPECT_EQ(completions("orvane watch --i", 2), "--interval\n");
+}
+
+} // namespace
+} // namespace OrvaneTest

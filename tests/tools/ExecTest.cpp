@@ -1,0 +1,38 @@
+// orvane exec.
+#include "tests/tools/Program.h"
+
+#include <csignal>
+#include <gtest/gtest.h>
+
+namespace OrvaneTest {
+namespace {
+
+struct OrvaneExec : testing::Test, OneBoardLab {};
+
+TEST_F(OrvaneExec, passesOutputErrorOutputAndStatusThrough) {
+    board.setCommand("both --ways", {3, "out\nof here", "wrong\n", 0});
+    EXPECT_EQ(run({"exec", "OV0001:0", "--", "both", "--ways"}), fails(3, "wrong\n", "out\nof here"));
+}
+
+TEST_F(OrvaneExec, ofACommandThatSucceedsSucceeds) {
+    EXPECT_EQ(run({"exec", "OV0001:0", "hostname"}), prints("OV0001\n"));
+}
+
+TEST_F(OrvaneExec, endsWhenTheCommandOutlastsItsTime) {
+    board.setCommand("sleep", {0, "", "", 3600});
+    EXPECT_EQ(run({"exec", "OV0001:0", "--timeout", "1", "sleep"}),
+              fails(1, "orvane: OV0001:0: exec sleep: it did not end within 1 s\n"));
+    EXPECT_EQ(board.sessionCount(), 0U);
+}
+
+TEST_F(OrvaneExec, closesItsSessionAfterCtrlCWhileTheCommandRuns) {
+    board.setCommand("sleep", {0, "", "", 3600});
+    Program program({"exec", "OV0001:0", "sleep"}, environment());
+    board.waitFor([](const OrvaneSim::Request& request) { return request.procedure == "execute_command"; });
+    program.signal(SIGINT);
+    board.waitFor([](const OrvaneSim::Request& request) { return request.procedure == "close_connection"; });
+    EXPECT_EQ(program.finish(), fails(130, ""));
+}
+
+} // namespace
+} // namespace OrvaneTest

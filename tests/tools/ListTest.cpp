@@ -1,0 +1,121 @@
+// orvane list, info and ping.
+#include "tests/tools/Program.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace OrvaneTest {
+namespace {
+
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::StartsWith;
+
+TEST(OrvaneList, findsEveryBoardThatAnswersAMulticast) {
+    OrvaneSim::Lab lab;
+    lab.add({"10.83.0.1", "OV0001", {"OV0001:0", "OV0001:10"}, "host", 1, false});
+    lab.add({"10.83.0.2", "OV0002", {"OV0002:0"}, "host", 2, false});
+    EXPECT_EQ(orvane({"list"}), prints("NAME       ADAPTER  ADDRESS    PORT  KIND   BOARD'S PORTS\n"
+                                       "OV0001:0         0  10.83.0.1     0  mdio   0 10\n"
+                                       "OV0001:10        1  10.83.0.1    10  smbus  0 10\n"
+                                       "OV0002:0         2  10.83.0.2     0  mdio   0\n"));
+}
+
+TEST(OrvaneList, asksTheGivenAddressesAloneAndSendsNoMulticast) {
+    OrvaneSim::Lab lab;
+    lab.add({"10.83.0.1", "OV0001", {"OV0001:0"}, "host", 1, false});
+    OrvaneSim::Board& second = lab.add({"10.83.0.2", "OV0002", {"OV0002:0"}, "host", 2, false});
+    EXPECT_EQ(orvane({"list", "--address", "10.83.0.2", "--csv"}),
+              prints("name,adapter,address,port,kind,board_ports\nOV0002:0,0,10.83.0.2,0,mdio,0\n"));
+    EXPECT_EQ(second.discoveryCount(), 0U);
+    EXPECT_EQ(second.probeRequests().size(), 1U);
+}
+
+TEST(OrvaneList, asJsonIsAnArrayOfObjects) {
+    const OneBoardLab board;
+    const Outcome outcome = board.run({"list", "--json"});
+    EXPECT_EQ(outcome.status, 0);
+    const auto devices = nlohmann::json::parse(outcome.output);
+    EXPECT_EQ(devices.size(), 3U);
+    EXPECT_EQ(devices[2], (nlohmann::json{{"name", "OV0001:10"},
+                                          {"adapter", 2},
+                                          {"address", "10.83.0.1"},
+                                          {"port", 10},
+                                          {"kind", "smbus"},
+                                          {"board_ports", {0, 1, 10}}}));
+}
+
+TEST(OrvaneList, failsWhenNoBoardAnswers) {
+    EXPECT_EQ(
+        orvane({"list"}),
+        fails(1, "orvane: list: no board answers on the local networks (--address asks one directly)\n"));
+    EXPECT_EQ(orvane({"list", "--address", "10.83.100.1"}),
+              fails(1, "orvane: list: no board answers at 10.83.100.1\n"));
+}
+
+TEST(OrvaneList, turnsASpinnerOnATerminalAndClearsItsLine) {
+    const OneBoardLab board;
+    const Outcome outcome = orvaneOnTerminal({"list"}, {{"NO_COLOR", "1"}});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, StartsWith("\r\033[K| looking for boards\r\033[K/ looking for boards"));
+    EXPECT_THAT(outcome.output, HasSubstr("looking for boards\r\033[KNAME       ADAPTER"));
+}
+
+TEST(OrvaneInfo, showsTheDeviceItsSessionAndThePhysIdentifier) {
+    const OneBoardLab board;
+    EXPECT_EQ(board.run({"info", "OV0001:1", "--phy", "3"}),
+              prints("device      OV0001:1\n"
+                     "adapter     1\n"
+                     "address     10.83.0.1\n"
+                     "port        1 (MDIO)\n"
+                     "session     simple\n"
+                     "key         0\n"
+                     "services    setup mdio i2c gpio keep-alive jtag\n"
+                     "identifier  0x0A5C 0x1E83\n"));
+}
+
+TEST(OrvaneInfo, tellsTheModeThatTheEnvironmentAsksFor) {
+    const OneBoardLab board;
+    Environment environment = board.environment();
+    environment["EXCLUSIVE_KEY"] = "77";
+    const Outcome outcome = orvane({"info", "ov0001:10", "--json"}, environment);
+    EXPECT_EQ(outcome.status, 0) << outcome;
+    const auto facts = nlohmann::json::parse(outcome.output).at(0);
+    EXPECT_EQ(facts["session"], "exclusive (EXCLUSIVE_KEY=77)");
+    EXPECT_EQ(facts["key"], "77");
+    EXPECT_EQ(facts["port"], "10 (SMBus, I2C bus 0)");
+}
+
+TEST(OrvanePing, printsEachRoundTripAndASummary) {
+    const OneBoardLab board;
+    const Outcome outcome = board.run({"ping", "OV0001:0", "-c", "3", "-i", "0"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.error, "");
+    EXPECT_THAT(outcome.output,
+                MatchesRegex("OV0001:0 at 10\\.83\\.0\\.1: seq=1 time=[0-9.]+ ms\n"
+                             "OV0001:0 at 10\\.83\\.0\\.1: seq=2 time=[0-9.]+ ms\n"
+                             "OV0001:0 at 10\\.83\\.0\\.1: seq=3 time=[0-9.]+ ms\n"
+                             "--- OV0001:0 ---\n3 sent, 3 received, 0\\.0 % lost\n"
+                             "min [0-9.]+ ms, median [0-9.]+ ms, p99 [0-9.]+ ms, max [0-9.]+ ms\n"));
+}
+
+TEST(OrvanePing, countsWhatTheBoardDoesNotAnswer) {
+    using OrvaneSim::Fault;
+    const OneBoardLab board;
+    board.board.inject({"keepAlive", "", Fault::Kind::LoseRequest, -1, 0});
+    board.board.inject({"setup", "ping", Fault::Kind::LoseRequest, -1, 0});
+    EXPECT_EQ(
+        board.run({"ping", "OV0001:0", "-c", "1"}),
+        fails(1, "",
+              "OV0001:0 at 10.83.0.1: seq=1 lost\n--- OV0001:0 ---\n1 sent, 0 received, 100.0 % lost\n"));
+}
+
+TEST(OrvanePing, asCsvIsTheSummary) {
+    const OneBoardLab board;
+    EXPECT_THAT(board.run({"ping", "OV0001:0", "-c", "5", "-i", "0", "--csv"}).output,
+                MatchesRegex("device,sent,received,loss_percent,min_ms,median_ms,p99_ms,max_ms\n"
+                             "OV0001:0,5,5,0\\.0,[0-9.]+,[0-9.]+,[0-9.]+,[0-9.]+\n"));
+}
+
+} // namespace
+} // namespace OrvaneTest

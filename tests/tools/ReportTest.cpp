@@ -1,0 +1,79 @@
+// The page that orvane log --html writes, as a browser shows it.
+#include "tests/tools/Program.h"
+
+#include <cstdio>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace OrvaneTest {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+constexpr const char* kLog = "0,3,MW,1E,C010,CAFE\n0,3,MR,1E,C010,CAFE\n0,3,MR,1E,C010,CAFF\n"
+                             "0,4,MR,01,0002,0A5C\n0,3,MW,80004000,DEADBEEF\nlink <b>up</b> </script>\n";
+
+std::string outputOf(const std::string& command) {
+    FILE* pipe = ::popen(command.c_str(), "r");
+    std::string output;
+    for (int each = std::fgetc(pipe); each != EOF; each = std::fgetc(pipe))
+        output += static_cast<char>(each);
+    ::pclose(pipe);
+    return output;
+}
+
+struct OrvaneReport : testing::Test {
+    Folder folder;
+
+    void SetUp() override {
+        EXPECT_EQ(orvane({"log", folder.write("session.csv", kLog), "--html", folder.path("report.html")}),
+                  prints(""));
+    }
+
+    // Runs the browser, which is in the test's private network as well.
+    std::string browse(const std::string& what) const {
+        return outputOf("timeout 100 chromium --headless --no-sandbox --disable-gpu --no-first-run"
+                        " --disable-background-networking --disable-component-update --disable-sync"
+                        " --user-data-dir=" +
+                        folder.path("profile") + " " + what + " file://" + folder.path("report.html") +
+                        " 2>/dev/null");
+    }
+};
+
+#define NEEDS_CHROMIUM()                                                                                     \
+    if (outputOf("command -v chromium").empty())                                                             \
+    GTEST_SKIP() << "the Debian package chromium is not installed"
+
+TEST_F(OrvaneReport, referencesNothingOutsideItself) {
+    const std::string page = folder.content("report.html");
+    EXPECT_THAT(page, StartsWith("<!DOCTYPE html>"));
+    EXPECT_THAT(page, Not(HasSubstr("src=")));
+    EXPECT_THAT(page, Not(HasSubstr("href=")));
+    EXPECT_THAT(page, HasSubstr("link \\u003cb>up\\u003c/b>"));
+}
+
+TEST_F(OrvaneReport, showsTotalsRegistersAndTheHistoryThatChangedMost) {
+    NEEDS_CHROMIUM();
+    const std::string page = browse("--dump-dom");
+    EXPECT_THAT(page, HasSubstr("<title>session.csv</title>"));
+    EXPECT_THAT(page, HasSubstr("<b>5</b><span>accesses</span>"));
+    EXPECT_THAT(page, HasSubstr("<b>2</b><span>writes</span>"));
+    EXPECT_THAT(page, HasSubstr("<b>1</b><span>changed between reads</span>"));
+    EXPECT_THAT(page,
+                HasSubstr("<td class=\"v\">0x80004000</td><td class=\"n\">0</td><td class=\"n\">1</td>"));
+    EXPECT_THAT(page, HasSubstr("<b>30.0xC010</b> on PHY 3 of adapter 0"));
+    EXPECT_THAT(page, HasSubstr("<td class=\"v changed\">0xCAFF</td>"
+                                "<td class=\"bits\">1100 1010 1111 111<b>1</b></td>"));
+    EXPECT_THAT(page, HasSubstr("<pre>link &lt;b&gt;up&lt;/b&gt; &lt;/script&gt;</pre>"));
+}
+
+TEST_F(OrvaneReport, canBeDrawn) {
+    NEEDS_CHROMIUM();
+    browse("--window-size=800,600 --screenshot=" + folder.path("page.png"));
+    EXPECT_THAT(folder.content("page.png"), StartsWith("\x89PNG"));
+}
+
+} // namespace
+} // namespace OrvaneTest

@@ -1,0 +1,159 @@
+// orvane i2c, gpio, jtag, adc and thermal.
+#include "tests/tools/Program.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace OrvaneTest {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+// A row of commands on one board, each with what it prints.
+struct Step {
+    Arguments words; // behind which the device is put in at the third place
+    std::string output;
+};
+
+struct Story {
+    std::string name;
+    std::vector<Step> steps;
+};
+
+const Story kStories[] = {
+    {"I2cRegistersAreReadWrittenAndMasked",
+     {{{"i2c", "get", "0", "0x50", "0", "6"}, "0x4F 0x56 0x30 0x30 0x30 0x31\n"},
+      {{"i2c", "set", "0", "0x50", "0x40", "0xC0", "0xFF"}, ""},
+      {{"i2c", "mask", "0", "0x50", "0x40", "0x0F", "0x05"}, ""},
+      {{"i2c", "get", "0", "0x50", "0x40", "2", "1"}, "0xC5 0xFF\n"},
+      {{"i2c", "get", "0", "0x50", "0x40"}, "0xC5\n"},
+      {{"i2c", "gather", "0:0x50:0x40:2", "0:0x48:0:2"}, "0:0x50:0x40:2 0xC5 0xFF\n0:0x48:0:2 0x19 0x00\n"}}},
+    {"I2cBytesAreSentAsTheyAre",
+     {{{"i2c", "write", "0", "0x50", "0x41", "0x12", "0x34"}, ""},
+      {{"i2c", "read", "0", "0x50", "0x41", "2"}, "0x12 0x34\n"}}},
+    {"GpioLinesAreSetEnabledAndRead",
+     {{{"gpio", "enable", "0=1"}, ""},
+      {{"gpio", "set", "0=1", "3=0"}, ""},
+      {{"gpio", "get", "0", "16", "3"}, "1 1 0\n"},
+      {{"gpio", "outputs", "0", "1"}, "1 0\n"},
+      {{"gpio", "bitbang", "0=0", "16", "0=1", "16"}, "0 0 1 1\n"},
+      {{"gpio", "default", "0"}, ""},
+      {{"gpio", "outputs", "0"}, "0\n"},
+      {{"gpio", "reset"}, ""}}},
+    {"JtagChainIsIdentifiedAndShifted",
+     {{{"jtag", "ids"}, "0xA2F3EB85\n0x9D3BAD6F\n"},
+      {{"jtag", "max"}, "1024\n"},
+      {{"jtag", "shift", "", "111110100"}, "111111111\n"},
+      {{"jtag", "multi", ":111110100:", "0000:0001:10"}, "111111111\n1010\n"}}},
+    {"AdcIsDrivenStepByStep",
+     {{{"adc", "init"}, ""},
+      {{"adc", "mask", "3"}, ""},
+      {{"adc", "start"}, ""},
+      {{"adc", "event", "hello"}, ""},
+      {{"adc", "data", "4"}, "128\n128\n138\n138\n"},
+      {{"adc", "events"}, "0 hello\n"},
+      {{"adc", "max"}, "138\n138\n"},
+      {{"adc", "dump-file", "/tmp/x"}, ""},
+      {{"adc", "stop"}, ""}}},
+    {"ThermalUnitIsDrivenToASetPoint",
+     {{{"thermal", "connect"}, ""},
+      {{"thermal", "set", "0", "85", "1"}, ""},
+      {{"thermal", "watch", "0", "85", "--count", "3", "--interval", "0"}, "1 40.00\n2 51.25\n3 59.69\n"},
+      {{"thermal", "state"}, "2\n"},
+      {{"thermal", "settle", "0"}, "84.92\n"},
+      {{"thermal", "get", "0"}, "84.94\n"},
+      {{"thermal", "default", "0", "-5.5"}, ""},
+      {{"thermal", "start", "1"}, ""},
+      {{"thermal", "stop"}, ""},
+      {{"thermal", "disconnect"}, ""}}},
+};
+
+class OrvaneService : public testing::TestWithParam<Story>, protected OneBoardLab {};
+
+INSTANTIATE_TEST_SUITE_P(Board, OrvaneService, testing::ValuesIn(kStories),
+                         [](const auto& test) { return test.param.name; });
+
+TEST_P(OrvaneService, doesAndPrintsWhatItsOperationsAre) {
+    board.wireGpio(0, 16);
+    for (const Step& step : GetParam().steps) {
+        Arguments words = step.words;
+        words.insert(words.begin() + 2, "OV0001:0");
+        EXPECT_EQ(run(words), prints(step.output)) << testing::PrintToString(words);
+    }
+}
+
+struct OrvaneServices : testing::Test, OneBoardLab {};
+
+TEST_F(OrvaneServices, thatTheBoardRefusesAreNamedWithTheCause) {
+    EXPECT_EQ(run({"i2c", "get", "OV0001:0", "0", "0x33", "0"}),
+              fails(1, "orvane: OV0001:0: i2c get 0 0x33 0: the board answers: Remote I/O error (-121)\n"));
+    EXPECT_EQ(run({"thermal", "get", "OV0001:0", "0"}),
+              fails(1, "orvane: OV0001:0: thermal get 0: the board answers: Transport endpoint is not "
+                       "connected (-107)\n"));
+}
+
+TEST_F(OrvaneServices, withoutAnOperationAreMisused) {
+    EXPECT_EQ(run({"i2c"}), fails(2, "orvane: VERB is required\nTry 'orvane i2c --help'.\n"));
+    EXPECT_EQ(run({"gpio", "set", "OV0001:0", "3"}),
+              fails(2, "orvane: '3' has no level: it is LINE=0 or LINE=1\n"));
+    EXPECT_EQ(run({"jtag", "shift", "OV0001:0", "01x", "000"}),
+              fails(2, "orvane: '01x' is not a row of 0 and 1\n"));
+}
+
+TEST_F(OrvaneServices, showAWholeI2cDevice) {
+    const Outcome outcome = run({"i2c", "dump", "OV0001:0", "0", "0x50"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output,
+                StartsWith("     0  1  2  3  4  5  6  7  8  9  a  b  c  d  e  f    0123456789abcdef\n"
+                           "00: 4f 56 30 30 30 31 ff ff ff ff ff ff ff ff ff ff    OV0001..........\n"
+                           "10: ff "));
+    EXPECT_THAT(outcome.output, HasSubstr("\nf0: ff "));
+}
+
+TEST_F(OrvaneServices, showEveryGpioLine) {
+    board.driveGpio(2, true);
+    const Outcome outcome = run({"gpio", "info", "OV0001:0"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, StartsWith("line  0: input  0\nline  1: input  0\nline  2: input  1\n"));
+    EXPECT_THAT(outcome.output, HasSubstr("\nline 31: input  0\n"));
+}
+
+OrvaneSim::Waveform ramp(double offset) {
+    return {OrvaneSim::Waveform::Shape::Ramp, offset, 16, 16};
+}
+
+TEST_F(OrvaneServices, drawACaptureAndSaveItAsCsv) {
+    const Folder folder;
+    board.setWaveform(0, ramp(0));
+    board.setWaveform(2, ramp(100));
+    const Outcome outcome = run(
+        {"adc", "capture", "OV0001:0", "--channels", "5", "--samples", "3", "-o", folder.path("both.csv")});
+    EXPECT_EQ(outcome.status, 0) << outcome;
+    EXPECT_THAT(outcome.output, StartsWith("channel 0, 3 samples\n     255 |\n"));
+    EXPECT_THAT(outcome.output, HasSubstr("       0 |***\nchannel 2, 3 samples\n"));
+    EXPECT_EQ(folder.content("both.csv"), "sample,channel0,channel2\n0,0,100\n1,1,101\n2,2,102\n");
+}
+
+TEST_F(OrvaneServices, saveACaptureAsAPicture) {
+    const Folder folder;
+    board.setWaveform(0, ramp(0));
+    EXPECT_EQ(run({"adc", "capture", "OV0001:0", "--samples", "2", "-o", folder.path("curve.pgm")}).status,
+              0);
+    std::string pixels(2 * 256, '\xFF');
+    pixels[255 * 2] = pixels[254 * 2 + 1] = '\0'; // 0, then 1
+    EXPECT_EQ(folder.content("curve.pgm"), "P5\n2 256\n255\n" + pixels);
+}
+
+TEST_F(OrvaneServices, plotATemperatureAgainstItsSetPointOnATerminal) {
+    run({"thermal", "connect", "OV0001:0"});
+    run({"thermal", "set", "OV0001:0", "0", "85", "1"});
+    const Outcome outcome = orvaneOnTerminal(
+        {"thermal", "watch", "OV0001:0", "0", "85", "--count", "2", "--interval", "0"}, environment());
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, HasSubstr("40.00, set point 85.00\r\n    90.0 |\r\n    85.5 |-\r\n"));
+    EXPECT_THAT(outcome.output, HasSubstr("\033[13A\033[J51.25, set point 85.00\r\n"));
+}
+
+} // namespace
+} // namespace OrvaneTest

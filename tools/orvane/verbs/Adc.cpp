@@ -1,0 +1,77 @@
+// orvane adc: captures of a board's analogue inputs.
+#include "tools/orvane/shared/Numbers.h"
+#include "tools/orvane/shared/Service.h"
+#include "tools/orvane/verbs/Capture.h"
+#include "tools/orvane/verbs/Verbs.h"
+
+#include <array>
+#include <fmt/format.h>
+
+namespace OrvaneTool {
+namespace {
+
+Orvane::ADC::ADC& adc() {
+    static Orvane::ADC::ADC facade;
+    return facade;
+}
+
+// An operation without arguments or result.
+template <void (Orvane::ADC::ADC::*Method)(Orvane::SessionWrapper)>
+void plain(ServiceCall& call) {
+    call.attempt([&] { (adc().*Method)(call.session()); });
+}
+
+template <void (Orvane::ADC::ADC::*Method)(Orvane::SessionWrapper, std::string)>
+void named(ServiceCall& call) {
+    call.attempt([&] { (adc().*Method)(call.session(), call.word(0)); });
+}
+
+void mask(ServiceCall& call) {
+    const auto bits = numberAs<unsigned>(call.word(0), 0xFFFFFFFF, "the mask");
+    call.attempt([&] { adc().setChannelMask(call.session(), bits); });
+}
+
+void data(ServiceCall& call) {
+    const int count = numberAs<int>(call.word(0), 0x7FFFFFFF, "the count");
+    const auto bytes = call.attempt([&] { return adc().getData(call.session(), count); });
+    for (const unsigned char byte : bytes)
+        call.out().print("{}\n", byte);
+}
+
+void maxima(ServiceCall& call) {
+    for (const unsigned char byte : call.attempt([&] { return adc().maxADC(call.session()); }))
+        call.out().print("{}\n", byte);
+}
+
+void events(ServiceCall& call) {
+    const auto bytes = call.attempt([&] { return adc().getEvents(call.session()); });
+    call.out().write(std::string(bytes.begin(), bytes.end()));
+}
+
+constexpr std::array<Operation, 9> kOperations{{
+    {"init", "", 0, 0, "Put the converter into its first state", plain<&Orvane::ADC::ADC::initialize>},
+    {"mask", "MASK", 1, 1, "Choose the channels of a capture, one bit each", mask},
+    {"start", "", 0, 0, "Start a capture", plain<&Orvane::ADC::ADC::start>},
+    {"stop", "", 0, 0, "Stop the capture", plain<&Orvane::ADC::ADC::stop>},
+    {"data", "COUNT", 1, 1, "Print the next samples of the running capture", data},
+    {"max", "", 0, 0, "Print each channel's largest sample", maxima},
+    {"event", "NAME", 1, 1, "Mark the next sample with a name", named<&Orvane::ADC::ADC::setEventName>},
+    {"events", "", 0, 0, "Print the marks", events},
+    {"dump-file", "NAME", 1, 1, "Name the file on the board that samples go to",
+     named<&Orvane::ADC::ADC::setDumpFile>},
+}};
+
+} // namespace
+
+void addAdc(CLI::App& app, Context& context) {
+    CLI::App& service =
+        addService(app, {"adc", "Capture a board's analogue inputs",
+                         "  orvane adc capture OV0001:0\n"
+                         "  orvane adc capture OV0001:0 --channels 0x3 --samples 500 -o both.csv\n"
+                         "  orvane adc capture OV0001:0 -o curve.pgm && pnmtopng curve.pgm > curve.png\n"});
+    addCapture(service, context);
+    for (const Operation& operation : kOperations)
+        addOperation(service, context, operation);
+}
+
+} // namespace OrvaneTool

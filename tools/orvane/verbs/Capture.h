@@ -1,0 +1,10 @@
+// orvane adc capture: a whole capture, drawn and saved.
+#pragma once
+
+#include "tools/orvane/shared/Verb.h"
+
+namespace OrvaneTool {
+
+void addCapture(CLI::App& service, Context& context);
+
+} // namespace OrvaneTool

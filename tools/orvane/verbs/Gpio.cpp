@@ -1,0 +1,103 @@
+// orvane gpio: a board's general-purpose lines.
+#include "tools/orvane/shared/Numbers.h"
+#include "tools/orvane/shared/Service.h"
+#include "tools/orvane/verbs/Verbs.h"
+
+#include <array>
+#include <fmt/format.h>
+
+namespace OrvaneTool {
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+
+Bytes linesOf(const ServiceCall& call) {
+    return numbersAs<unsigned char>(call.words(), 255, "the line");
+}
+
+void printLevels(ServiceCall& call, const Bytes& levels) {
+    std::string text;
+    for (const unsigned char level : levels)
+        text += fmt::format("{}{}", text.empty() ? "" : " ", level);
+    call.out().print("{}\n", text);
+}
+
+Orvane::GPIO::GPIO& gpio() {
+    static Orvane::GPIO::GPIO facade;
+    return facade;
+}
+
+void get(ServiceCall& call) {
+    const Bytes lines = linesOf(call);
+    printLevels(call, call.attempt([&] { return gpio().read(call.session(), lines); }));
+}
+
+void outputs(ServiceCall& call) {
+    const Bytes lines = linesOf(call);
+    printLevels(call, call.attempt([&] { return gpio().readOutputEnable(call.session(), lines); }));
+}
+
+void set(ServiceCall& call) {
+    const Pairs pairs = pairsOf(call.words(), false);
+    call.attempt([&] { gpio().set(call.session(), pairs.names, pairs.levels); });
+}
+
+void enable(ServiceCall& call) {
+    const Pairs pairs = pairsOf(call.words(), false);
+    call.attempt([&] { gpio().enableOutput(call.session(), pairs.names, pairs.levels); });
+}
+
+void setDefault(ServiceCall& call) {
+    const Bytes lines = linesOf(call);
+    call.attempt([&] { gpio().setDefault(call.session(), lines); });
+}
+
+void reset(ServiceCall& call) {
+    call.attempt([&] { gpio().reset(call.session()); });
+}
+
+void bitBang(ServiceCall& call) {
+    const Pairs pairs = pairsOf(call.words(), true);
+    printLevels(call, call.attempt([&] {
+        return gpio().bitBang(call.session(), pairs.names, pairs.levels, pairs.lonely);
+    }));
+}
+
+void info(ServiceCall& call) {
+    constexpr unsigned char kLines = 32;
+    Bytes lines;
+    for (unsigned char line = 0; line < kLines; ++line)
+        lines.push_back(line);
+    const Bytes levels = call.attempt([&] { return gpio().read(call.session(), lines); });
+    Bytes enabled = call.attempt([&] { return gpio().readOutputEnable(call.session(), lines); });
+    enabled.resize(kLines);
+    for (const unsigned char line : lines)
+        call.out().print("line {:2}: {:6} {}\n", line, enabled[line] != 0 ? "output" : "input", levels[line]);
+}
+
+constexpr std::array<Operation, 8> kOperations{{
+    {"get", "LINE", 1, kAnyNumber, "Print the levels of lines", get},
+    {"set", "LINE=LEVEL", 1, kAnyNumber, "Set the levels that output lines show", set},
+    {"enable", "LINE=ENABLE", 1, kAnyNumber, "Make lines outputs (1) or inputs (0)", enable},
+    {"outputs", "LINE", 1, kAnyNumber, "Print which lines are outputs", outputs},
+    {"default", "LINE", 1, kAnyNumber, "Put lines back to their default", setDefault},
+    {"reset", "", 0, 0, "Put every line back to its default", reset},
+    {"bitbang", "LINE[=LEVEL]", 1, kAnyNumber, "Set and sample lines step by step, in one call", bitBang},
+    {"info", "", 0, 0, "Show every line", info},
+}};
+
+} // namespace
+
+void addGpio(CLI::App& app, Context& context) {
+    CLI::App& service =
+        addService(app, {"gpio", "Read and set a board's general-purpose lines",
+                         "  orvane gpio info OV0001:0\n"
+                         "  orvane gpio get OV0001:0 0 16\n"
+                         "  orvane gpio enable OV0001:0 0=1\n"
+                         "  orvane gpio set OV0001:0 0=1 3=0\n"
+                         "  orvane gpio bitbang OV0001:0 0=1 16 0=0 16   a line alone is sampled\n"});
+    for (const Operation& operation : kOperations)
+        addOperation(service, context, operation);
+}
+
+} // namespace OrvaneTool

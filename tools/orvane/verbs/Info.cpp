@@ -1,0 +1,106 @@
+// orvane info: what there is to know about one device.
+#include "ov_sys/Interface/connection/BoardConnection.h"
+#include "tools/orvane/shared/Bits.h"
+#include "tools/orvane/shared/RegisterOptions.h"
+#include "tools/orvane/verbs/Verbs.h"
+
+#include <array>
+#include <cstdlib>
+#include <fmt/format.h>
+
+namespace OrvaneTool {
+namespace {
+
+struct Options {
+    std::string device;
+    unsigned phy = 0;
+    bool withPhy = false;
+};
+
+// How the library opens its sessions, as its environment variables say.
+std::string sessionMode() {
+    for (const auto& [variable, mode] : std::array<std::pair<const char*, const char*>, 3>{
+             {{"EXCLUSIVE_KEY", "exclusive"}, {"CONCURRENT_KEY", "concurrent"}, {"SIMPLE_KEY", "simple"}}})
+        if (const char* key = std::getenv(variable)) // NOLINT(concurrency-mt-unsafe)
+            return fmt::format("{} ({}={})", mode, variable, key);
+    return "simple";
+}
+
+std::string portText(const Device& device) {
+    return device.isSmbus() ? fmt::format("{} (SMBus, I2C bus {})", device.port(), device.port() - 10)
+                            : fmt::format("{} (MDIO)", device.port());
+}
+
+std::string services(const Orvane::PhySession& session) {
+    using Board = Orvane::BoardConnection;
+    std::string names;
+    for (const auto& [id, name] :
+         std::array<std::pair<Board::clientId, const char*>, 6>{{{Board::SETUP, "setup"},
+                                                                 {Board::MDIO, "mdio"},
+                                                                 {Board::I2C, "i2c"},
+                                                                 {Board::GPIO, "gpio"},
+                                                                 {Board::KEEPALIVE, "keep-alive"},
+                                                                 {Board::JTAG, "jtag"}}})
+        if (session.connection->getClient(id)->client != nullptr)
+            names += (names.empty() ? "" : " ") + std::string(name);
+    return names;
+}
+
+// The identifier registers of the first MMD that has them.
+std::string identifier(Device& device, unsigned phy) {
+    const auto words = Registers(device, phy, Way::Queued).read({{Space::C45, 1, 2}, {Space::C45, 1, 3}});
+    return fmt::format("{} {}", hexText(words[0], Space::C45), hexText(words[1], Space::C45));
+}
+
+int run(Context& context, const Options& options) {
+    Device device(context, options.device);
+    const Orvane::PhySession& session = device.session(options.phy);
+    std::vector<std::pair<const char*, std::string>> facts{
+        {"device", device.name()},       {"adapter", std::to_string(device.adapter())},
+        {"address", device.address()},   {"port", portText(device)},
+        {"session", sessionMode()},      {"key", std::to_string(session.mdio.key)},
+        {"services", services(session)},
+    };
+    if (options.withPhy)
+        facts.emplace_back("identifier", identifier(device, options.phy));
+    Stream& out = context.console.out;
+    if (context.format() == Format::Text) {
+        for (const auto& [name, value] : facts)
+            out.print("{:<11} {}\n", name, value);
+        return kSuccess;
+    }
+    std::vector<Column> columns;
+    std::vector<Cell> row;
+    for (const auto& [name, value] : facts) {
+        columns.push_back({name, name});
+        row.emplace_back(value);
+    }
+    Table table(columns);
+    table.add(row);
+    table.print(out, context.format());
+    return kSuccess;
+}
+
+} // namespace
+
+void addInfo(CLI::App& app, Context& context) {
+    CLI::App& verb = addVerb(app, {"info", "Show one device: its address, port, session and services",
+                                   "  orvane info OV0001:0\n"
+                                   "  orvane info OV0001:0 --phy 3      its identifier as well\n"});
+    auto options = std::make_shared<Options>();
+    addDevice(verb, options->device);
+    verb.add_option_function<unsigned>(
+            "--phy",
+            [options](unsigned phy) {
+                options->phy = phy;
+                options->withPhy = true;
+            },
+            "Read the identifier of this PHY")
+        ->type_name("PHY")
+        ->check(CLI::Range(0U, 127U).description(""));
+    addFormatOptions(verb, context);
+    addBoardOptions(verb, context);
+    setAction(verb, context, options, run);
+}
+
+} // namespace OrvaneTool

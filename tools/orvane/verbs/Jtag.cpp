@@ -1,0 +1,99 @@
+// orvane jtag: a board's JTAG chain.
+#include "tools/orvane/shared/Service.h"
+#include "tools/orvane/verbs/Verbs.h"
+
+#include <array>
+#include <fmt/format.h>
+
+namespace OrvaneTool {
+namespace {
+
+Orvane::JTAG::JTAG& jtag() {
+    static Orvane::JTAG::JTAG facade;
+    return facade;
+}
+
+void requireLevels(const std::string& text) {
+    if (text.find_first_not_of("01") != std::string::npos)
+        throw UsageError(fmt::format("'{}' is not a row of 0 and 1", text));
+}
+
+void maxBytes(ServiceCall& call) {
+    call.out().print("{}\n", call.attempt([&] { return jtag().maxBytes(call.session()); }));
+}
+
+void shift(ServiceCall& call) {
+    for (const std::string& word : call.words())
+        requireLevels(word);
+    call.out().print("{}\n", call.attempt([&] {
+        return jtag().shift(call.session(), call.word(0), call.word(1), call.word(2));
+    }));
+}
+
+// TDI:TMS:TMS-AFTER for each shift.
+void shiftMulti(ServiceCall& call) {
+    std::array<std::vector<std::string>, 3> lists;
+    for (const std::string& word : call.words()) {
+        std::size_t begin = 0;
+        for (std::size_t i = 0; i < lists.size(); ++i) {
+            const std::size_t colon = word.find(':', begin);
+            if ((colon == std::string::npos) != (i + 1 == lists.size()))
+                throw UsageError(fmt::format("'{}' is not TDI:TMS:AFTER", word));
+            lists[i].push_back(word.substr(begin, colon - begin));
+            requireLevels(lists[i].back());
+            begin = colon + 1;
+        }
+    }
+    for (const std::string& result :
+         call.attempt([&] { return jtag().shiftMulti(call.session(), lists[0], lists[1], lists[2]); }))
+        call.out().print("{}\n", result);
+}
+
+// After a reset every device shifts out its identification, low bit first, which begins with a 1; ones follow
+// the last device, because they are shifted in.
+void idCodes(ServiceCall& call) {
+    constexpr std::size_t kBits = 32;
+    constexpr std::size_t kMostDevices = 16;
+    constexpr const char* kToShiftDr = "111110100";
+    const std::string ones(kBits * kMostDevices, '1');
+    const std::string stay = std::string(ones.size() - 1, '0') + "1";
+    const std::vector<std::string> results = call.attempt([&] {
+        return jtag().shiftMulti(call.session(), {"", ones}, {kToShiftDr, stay}, {"", "10"});
+    });
+    const std::string& bits = results.at(1);
+    for (std::size_t place = 0; place < bits.size();) {
+        if (bits[place] != '1') {
+            call.out().write("(a device without identification)\n");
+            ++place;
+            continue;
+        }
+        std::uint32_t code = 0;
+        for (std::size_t i = 0; i < kBits && place + i < bits.size(); ++i)
+            code |= (bits[place + i] == '1' ? 1U : 0U) << i;
+        if (code == 0xFFFFFFFF)
+            return;
+        call.out().print("0x{:08X}\n", code);
+        place += kBits;
+    }
+}
+
+constexpr std::array<Operation, 4> kOperations{{
+    {"ids", "", 0, 0, "Print the identifications of the chain's devices", idCodes},
+    {"max", "", 0, 0, "Print the bytes of the longest shift", maxBytes},
+    {"shift", "TDI TMS [TMS-AFTER]", 2, 3, "Shift levels and print those of TDO", shift},
+    {"multi", "TDI:TMS:AFTER", 1, kAnyNumber, "Make several shifts in one call", shiftMulti},
+}};
+
+} // namespace
+
+void addJtag(CLI::App& app, Context& context) {
+    CLI::App& service =
+        addService(app, {"jtag", "Shift through a board's JTAG chain",
+                         "  orvane jtag ids OV0001:0\n"
+                         "  orvane jtag shift OV0001:0 0000 1111 0      TDI and TMS, low bit first\n"
+                         "  orvane jtag multi OV0001:0 :111110100: 0000:0001:10\n"});
+    for (const Operation& operation : kOperations)
+        addOperation(service, context, operation);
+}
+
+} // namespace OrvaneTool

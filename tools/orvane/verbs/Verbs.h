@@ -1,0 +1,32 @@
+// The verbs of the command line, one function for each: it adds the verb with its arguments, options and
+// action.
+#pragma once
+
+#include "tools/orvane/shared/Verb.h"
+
+namespace OrvaneTool {
+
+using AddVerb = void (*)(CLI::App& app, Context& context);
+
+void addList(CLI::App& app, Context& context);
+void addInfo(CLI::App& app, Context& context);
+void addPing(CLI::App& app, Context& context);
+void addRead(CLI::App& app, Context& context);
+void addWrite(CLI::App& app, Context& context);
+void addModify(CLI::App& app, Context& context);
+void addDump(CLI::App& app, Context& context);
+void addDiff(CLI::App& app, Context& context);
+void addWatch(CLI::App& app, Context& context);
+void addI2c(CLI::App& app, Context& context);
+void addGpio(CLI::App& app, Context& context);
+void addJtag(CLI::App& app, Context& context);
+void addAdc(CLI::App& app, Context& context);
+void addThermal(CLI::App& app, Context& context);
+void addExec(CLI::App& app, Context& context);
+void addLog(CLI::App& app, Context& context);
+void addReplay(CLI::App& app, Context& context);
+
+// Hidden: prints the manual page and the shell completion from the same definitions.
+void addGenerate(CLI::App& app, Context& context);
+
+} // namespace OrvaneTool

@@ -1,0 +1,38 @@
+// The library's own instructions for each access.
+#include "tests/performance/Callgrind.h"
+#include "tests/support/OneBoard.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace OrvaneTest;
+
+// The most that one read may take, libtirpc, libc and kernel left out.
+constexpr unsigned long kReadLimit = 1200;
+constexpr unsigned long kRoutingAndLogging = 200;
+
+class OwnInstructions : public testing::Test {
+protected:
+    unsigned long of(const std::string& operation) { return instructionsOf(operation, lab.board.address()); }
+
+    OneBoard lab;
+};
+
+TEST_F(OwnInstructions, OfAReadThroughTheClassesStayBelowTheLimit) {
+    EXPECT_LE(of("class read"), kReadLimit);
+}
+
+TEST_F(OwnInstructions, OfAReadThroughTheFlatInterfaceStayBelowTheLimit) {
+    EXPECT_LE(of("flat read"), kReadLimit);
+}
+
+TEST_F(OwnInstructions, OfALoggedAndRoutedReadAreFewMore) {
+    EXPECT_LE(of("logged read"), kReadLimit + kRoutingAndLogging);
+}
+
+TEST_F(OwnInstructions, OfALogRecordWhileLoggingIsOffAreAFewAroundOneBranch) {
+    EXPECT_LE(of("log record, off"), 8U);
+}
+
+} // namespace

@@ -33,6 +33,13 @@ configure_file(${PROJECT_SOURCE_DIR}/cmake/orvane.pc.in ${PROJECT_BINARY_DIR}/or
 install(FILES ${PROJECT_BINARY_DIR}/orvane.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
   COMPONENT development)
 
+# What a user reads, and the examples to start from.
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT development
+  FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
+install(DIRECTORY examples/tasks/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT development
+  FILES_MATCHING PATTERN "*.c" PATTERN "*.cpp")
+
 # The simulated boards come along, for users who test against them: two commands, and the library orvane::lab
 # with <orvane/lab.h> and the headers that it includes.
 if(ORVANE_BUILD_SIMULATOR)

@@ -1,0 +1,39 @@
+#!/usr/bin/env python3
+"""Holds that docs/errors.md names every text that the library can throw or write as a diagnostic."""
+import pathlib
+import re
+import sys
+
+SOURCE = pathlib.Path(__file__).resolve().parents[2]
+LITERAL = re.compile(r'"((?:[^"\\]|\\.)*)"')
+# Where a literal is a text for people: these calls, and what runs on to the next lines of a statement.
+CALLS = re.compile(r"Diagnostics::(error|output)\(|Standard\(|failure\(|retrainFailed\(|fprintf\(stderr|fputs\(|require\("
+                   r"|refuseOnSmbus\(|record\(|length_error\(|const std::string failed|return \"|kBoardAdvice = ")
+TOO_SHORT = 6
+
+
+def texts(file):
+    """Literals of the statements that write or throw, cut at the first thing that is filled in."""
+    for statement in re.split(r"[;{}]\s*\n", file.read_text()):
+        if CALLS.search(statement):
+            joined = re.sub(r'"\s*\n\s*"', "", statement[CALLS.search(statement).start():])
+            for literal in LITERAL.findall(joined):
+                text = re.split(r"(?:0x)?%|\\n", literal.removeprefix("\\n"))[0]
+                if len(text.strip()) >= TOO_SHORT and not text.startswith(("ov_sys/", ",", ":")): # not in between
+                    yield text
+
+
+def main():
+    page = (SOURCE / "docs/errors.md").read_text()
+    found = {text: file for file in sorted((SOURCE / "ov_sys").rglob("*.cpp")) for text in texts(file)
+             if file.name != "Logging.cpp"}
+    missing = [f"{found[text].relative_to(SOURCE)}: {text}" for text in sorted(found) if text.strip() not in page]
+    if missing:
+        sys.exit("docs/errors.md does not name\n" + "\n".join(missing))
+    if len(found) < 50:
+        sys.exit(f"only {len(found)} texts found in the sources: this check has lost its way")
+    print(f"docs/errors.md names all {len(found)} texts")
+
+
+if __name__ == "__main__":
+    main()

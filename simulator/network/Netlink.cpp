@@ -3,15 +3,13 @@
 
 #include "simulator/engine/Sockets.h"
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <cstring>
 #include <linux/if_link.h>
 #include <linux/rtnetlink.h>
 #include <linux/veth.h>
 #include <net/if.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <system_error>
 #include <thread>
@@ -20,19 +18,14 @@
 namespace OrvaneSim {
 namespace {
 
+constexpr int kOperationallyUp = 6; // IF_OPER_UP of linux/if.h, which cannot stand beside net/if.h
+
 [[noreturn]] void fail(int error, const std::string& step) {
     throw std::system_error(error, std::generic_category(), step);
 }
 
 std::uint32_t rawAddress(const std::string& address) {
     return endPoint(address, 0).sin_addr.s_addr;
-}
-
-template <class Text>
-ifreq interfaceRequest(const Text& name) {
-    ifreq request{};
-    std::strncpy(request.ifr_name, name.c_str(), IFNAMSIZ - 1);
-    return request;
 }
 
 rtmsg routeTo(std::uint8_t prefixBits, std::uint8_t table, std::uint8_t scope, std::uint8_t type) {
@@ -113,17 +106,32 @@ Netlink::Netlink() : socket_(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLI
 }
 
 void Netlink::transact(const Message& message, const std::string& step) {
+    send(message, step);
+    expectAcknowledgement(step);
+}
+
+void Netlink::send(const Message& message, const std::string& step) {
     const auto& bytes = message.bytes();
     if (::send(socket_.get(), bytes.data(), bytes.size(), 0) < 0)
         fail(errno, step);
-    alignas(nlmsghdr) std::array<char, 8192> answer{};
-    const ssize_t count = ::recv(socket_.get(), answer.data(), answer.size(), 0);
-    const auto* header = reinterpret_cast<const nlmsghdr*>(answer.data());
-    if (count < static_cast<ssize_t>(NLMSG_LENGTH(sizeof(nlmsgerr))) || header->nlmsg_type != NLMSG_ERROR)
+}
+
+const nlmsghdr& Netlink::receive(const std::string& step) {
+    const ssize_t count = ::recv(socket_.get(), answer_.data(), answer_.size(), 0);
+    const auto* header = reinterpret_cast<const nlmsghdr*>(answer_.data());
+    if (count < 0 || !NLMSG_OK(header, static_cast<unsigned>(count)))
         fail(count < 0 ? errno : EPROTO, step);
-    const auto* outcome = reinterpret_cast<const nlmsgerr*>(answer.data() + NLMSG_HDRLEN);
-    if (outcome->error != 0)
-        fail(-outcome->error, step);
+    if (header->nlmsg_type != NLMSG_ERROR)
+        return *header;
+    const int error = reinterpret_cast<const nlmsgerr*>(answer_.data() + NLMSG_HDRLEN)->error;
+    if (error != 0)
+        fail(-error, step);
+    return *header;
+}
+
+void Netlink::expectAcknowledgement(const std::string& step) {
+    if (receive(step).nlmsg_type != NLMSG_ERROR)
+        fail(EPROTO, step);
 }
 
 void Netlink::addCable(const std::string& name, int index, const std::string& peerName, int peerIndex,
@@ -184,16 +192,33 @@ void Netlink::addLocalRoute(const std::string& network, std::uint8_t prefixBits)
     transact(message, "cannot make " + network + " local");
 }
 
+// The flag IFF_RUNNING would not do: the kernel shows it before it takes away the queue that drops every
+// packet. A state of "up" comes in the same step as the real queue.
 void Netlink::awaitRunning(const std::string& interface) {
-    const FileDescriptor socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    for (ifreq request = interfaceRequest(interface);;) {
-        if (::ioctl(socket.get(), SIOCGIFFLAGS, &request) == 0 && (request.ifr_flags & IFF_RUNNING) != 0)
-            return;
+    while (operationalState(interface) != kOperationallyUp) {
         if (std::chrono::steady_clock::now() > limit)
             fail(ETIMEDOUT, "the virtual cable " + interface + " does not come up");
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
+}
+
+int Netlink::operationalState(const std::string& interface) {
+    const std::string step = "cannot ask for the state of " + interface;
+    ifinfomsg link{};
+    link.ifi_index = indexOf(interface);
+    send(Message(RTM_GETLINK, 0).body(link), step);
+    const std::size_t end = receive(step).nlmsg_len;
+    int state = 0;
+    std::size_t at = NLMSG_HDRLEN + NLMSG_ALIGN(sizeof link);
+    while (at + sizeof(rtattr) < end) {
+        const auto* attribute = reinterpret_cast<const rtattr*>(answer_.data() + at);
+        if (attribute->rta_type == IFLA_OPERSTATE)
+            state = answer_.at(at + sizeof(rtattr));
+        at += RTA_ALIGN(std::max<std::size_t>(attribute->rta_len, sizeof(rtattr)));
+    }
+    expectAcknowledgement(step);
+    return state;
 }
 
 int Netlink::indexOf(const std::string& interface) {

@@ -3,8 +3,11 @@
 
 #include "simulator/engine/FileDescriptor.h"
 
+#include <array>
 #include <cstdint>
 #include <string>
+
+struct nlmsghdr;
 
 namespace OrvaneSim {
 
@@ -30,15 +33,22 @@ public:
     void addLocalRoute(const std::string& network, std::uint8_t prefixBits);
 
     /// Waits until the interface carries packets, at most ten seconds.
-    static void awaitRunning(const std::string& interface);
+    void awaitRunning(const std::string& interface);
     /// The kernel's number of an interface of the calling thread's namespace.
     static int indexOf(const std::string& interface);
 
 private:
     class Message;
     void transact(const Message& message, const std::string& step);
+    void send(const Message& message, const std::string& step);
+    /// The next message of the kernel, valid until the next call.
+    const nlmsghdr& receive(const std::string& step);
+    void expectAcknowledgement(const std::string& step);
+    /// As RFC 2863 numbers it.
+    int operationalState(const std::string& interface);
 
     FileDescriptor socket_;
+    alignas(4) std::array<char, 32768> answer_{};
 };
 
 } // namespace OrvaneSim

@@ -141,7 +141,7 @@ void plugBoardSideIn(int interfaces) {
     for (int i = 0; i < interfaces; ++i) {
         netlink.addAddress(boardInterface(i), boardSideAddress(i), 16);
         netlink.setUp(boardInterface(i));
-        Netlink::awaitRunning(boardInterface(i));
+        netlink.awaitRunning(boardInterface(i));
         state().boardInterfaces.push_back(Netlink::indexOf(boardInterface(i)));
     }
 }
@@ -152,8 +152,9 @@ void makeNetwork(const PrivateNetworkOptions& options) {
     const FileDescriptor hostSide = currentNetwork();
     plugBoardSideIn(options.hostInterfaces);
     check(::setns(hostSide.get(), CLONE_NEWNET), "cannot return to the host side");
+    Netlink netlink;
     for (int i = 0; i < options.hostInterfaces; ++i)
-        Netlink::awaitRunning(labInterface(i));
+        netlink.awaitRunning(labInterface(i));
     resolveNamesLocally();
     if (!options.hosts.empty())
         replaceFile("/etc/hosts", options.hosts);

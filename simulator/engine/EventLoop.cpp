@@ -1,6 +1,7 @@
 // The epoll loop: readiness, timers, and tasks handed over from other threads.
 #include "simulator/engine/EventLoop.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -195,13 +196,15 @@ void EventLoop::run() {
     for (;;) {
         const int count = ::epoll_wait(epoll_.get(), events.data(), static_cast<int>(events.size()),
                                        millisecondsToNextTimer());
-        for (int i = 0; i < count; ++i) {
-            const epoll_event& event = events[static_cast<std::size_t>(i)];
-            if (event.data.u64 == kWakeUpToken)
-                runTasks();
-            else
+        const auto end = events.begin() + std::max(count, 0);
+        const auto wakesUp = [](const epoll_event& event) { return event.data.u64 == kWakeUpToken; };
+        // Tasks go first: a board that is told to stop must not answer what came after that.
+        if (std::any_of(events.begin(), end, wakesUp))
+            runTasks();
+        std::for_each(events.begin(), end, [&](const epoll_event& event) {
+            if (!wakesUp(event))
                 dispatch(event.data.u64, event.events);
-        }
+        });
         if (!timers_.empty())
             runTimers();
         const std::lock_guard<std::mutex> lock(tasksMutex_);

@@ -96,7 +96,7 @@ private:
 
 const char* const kShowAndSleep =
     "sleep 1000 & readlink /proc/self/ns/net; echo control=$ORVANE_LAB_CONTROL.; "
-    "echo started; sleep 1000";
+    "echo started; exec sleep 1000";
 
 class InterruptedLab : public testing::Test {
 protected:

@@ -8,8 +8,12 @@
 #include "tests/support/WrittenText.h"
 
 #include <chrono>
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <thread>
+#include <vector>
 
 namespace Orvane {
 namespace {
@@ -26,6 +30,19 @@ auto pingOf(unsigned identity) {
     return [identity](const Request& request) {
         return request.procedure == "pingkeepalive" && request.arguments() == Json{{"handle", identity}};
     };
+}
+
+// Whether a thread of this process gets timers that may be this late, within ten seconds.
+bool awaitThreadWithSlack(long nanoseconds) {
+    const auto limit = steady_clock::now() + seconds(10);
+    while (steady_clock::now() < limit)
+        for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
+            std::ifstream file("/proc" / thread.path().filename() / "timerslack_ns");
+            long slack = 0;
+            if (file >> slack && slack == nanoseconds)
+                return true;
+        }
+    return false;
 }
 
 class KeepAliveThread : public testing::Test, public OpenSession {
@@ -97,6 +114,18 @@ TEST_F(KeepAliveThread, IsStartedOnce) {
     board.waitFor(pingOf(0x001));
     session.stopKeepAlive();
     EXPECT_EQ(count("pingkeepalive"), 1U);
+}
+
+TEST_F(KeepAliveThread, LeavesItsWaitsToTheKernelToBatchAndPingsWithUsualTimers) {
+    constexpr long kBatchedNs = 5'000'000;
+    const long usual = prctl(PR_GET_TIMERSLACK);
+    std::vector<long> slackOfPings;
+    letPing([&](int) { slackOfPings.push_back(prctl(PR_GET_TIMERSLACK)); });
+    session.startKeepAlive();
+    EXPECT_TRUE(awaitThreadWithSlack(kBatchedNs));
+    board.waitFor(pingOf(0x001));
+    session.stopKeepAlive();
+    EXPECT_EQ(slackOfPings, std::vector<long>{usual});
 }
 
 TEST_F(KeepAliveThread, StopsInTheMiddleOfItsWaitWithoutAPing) {

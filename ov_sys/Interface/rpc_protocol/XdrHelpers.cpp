@@ -1,6 +1,7 @@
 // The members that are not decoded or encoded element by element: opaque data, strings and lists of words.
 #include "ov_sys/Interface/rpc_protocol/XdrHelpers.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <climits>
 #include <memory>
@@ -113,11 +114,11 @@ bool_t encodeWords(XDR* stream, u_int count, u_int* values) {
     if (!xdr_u_int(stream, &count))
         return FALSE;
     int32_t* const words = wordsInPlace(stream, count);
+    if (words == nullptr)
+        return std::all_of(values, values + count,
+                           [stream](u_int& value) { return xdr_u_int(stream, &value); });
     for (u_int i = 0; i < count; ++i)
-        if (words != nullptr)
-            words[i] = static_cast<int32_t>(htonl(values[i]));
-        else if (!xdr_u_int(stream, values + i))
-            return FALSE;
+        words[i] = static_cast<int32_t>(htonl(values[i]));
     return TRUE;
 }
 

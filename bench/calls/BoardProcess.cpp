@@ -1,5 +1,7 @@
 #include "bench/calls/BoardProcess.h"
 
+#include "bench/Processors.h"
+
 #include "simulator/engine/Sockets.h"
 #include "simulator/lab/Lab.h"
 #include "simulator/network/PrivateNetwork.h"
@@ -20,6 +22,7 @@ std::string addressOf(unsigned board) {
 
 [[noreturn]] void serve(unsigned boards, int ready) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
+    keepToProcessorsOf(Side::Boards);
     OrvaneSim::raiseDescriptorLimit();
     OrvaneSim::Lab lab;
     for (unsigned board = 0; board < boards; ++board) {
@@ -60,6 +63,7 @@ BoardProcess::BoardProcess(unsigned boards) {
     close(ready[0]);
     if (!serving)
         throw std::runtime_error("the boards do not start");
+    keepToProcessorsOf(Side::Host);
 }
 
 BoardProcess::~BoardProcess() {

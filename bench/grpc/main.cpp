@@ -1,4 +1,5 @@
 // bench_grpc ROUNDS: times gRPC unary calls with a register read's payload, in a private network.
+#include "bench/Processors.h"
 #include "simulator/network/PrivateNetwork.h"
 
 #include <algorithm>
@@ -33,6 +34,7 @@ class RegisterService : public Registers::Service {
 // On the board side of the network, as the simulated boards are.
 [[noreturn]] void serve(int ready) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
+    OrvaneBench::keepToProcessorsOf(OrvaneBench::Side::Boards);
     OrvaneSim::PrivateNetwork::joinBoardSide();
     RegisterService service;
     grpc::ServerBuilder builder;
@@ -96,6 +98,7 @@ int main(int argc, char** argv) {
         const int rounds = argc > 1 ? std::max(1, std::stoi(argv[1])) : 201;
         OrvaneSim::PrivateNetwork::enter({});
         const pid_t server = startServer();
+        OrvaneBench::keepToProcessorsOf(OrvaneBench::Side::Host);
         const auto stub =
             Registers::NewStub(grpc::CreateChannel(kServer, grpc::InsecureChannelCredentials()));
         measure(*stub, "gRPC unary call, 1 word", 1, rounds);

@@ -50,7 +50,7 @@ TEST(OrvaneLab, letsTheCommandResolveTheNamesOfItsHostsFile) {
 TEST(OrvaneSim, servesUntilItIsTold) {
     const Outcome outcome =
         shell("timeout -s TERM 10 sh -c '" ORVANE_SIM " --address 127.0.0.9 --serial LAB7 > sim.out & "
-              "until grep -q ready sim.out; do :; done; kill -TERM $!; wait $!'; "
+              "until grep -sq ready sim.out; do :; done; kill -TERM $!; wait $!'; "
               "echo $?; cat sim.out; rm sim.out");
     EXPECT_EQ(outcome.output, "0\nboard LAB7 at 127.0.0.9: host LAB7:0 LAB7:1 LAB7:10\nready\n");
 }

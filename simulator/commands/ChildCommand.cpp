@@ -6,11 +6,9 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
-#include <memory>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <system_error>
@@ -37,9 +35,9 @@ Pipe makePipe() {
 /// Children of any thread of this process.
 std::vector<pid_t> children() {
     std::vector<pid_t> found;
-    const std::unique_ptr<DIR, int (*)(DIR*)> tasks(::opendir("/proc/self/task"), ::closedir);
-    while (const dirent* entry = tasks ? ::readdir(tasks.get()) : nullptr) {
-        std::ifstream list(std::string("/proc/self/task/") + entry->d_name + "/children");
+    std::error_code ignored;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task", ignored)) {
+        std::ifstream list(task.path() / "children");
         for (pid_t child = 0; list >> child;)
             found.push_back(child);
     }
@@ -58,7 +56,7 @@ ChildCommand::ChildCommand(std::vector<std::string> words, const StopSignals& si
     ::prctl(PR_SET_CHILD_SUBREAPER, 1);
     Pipe start = makePipe();
     Pipe error = makePipe();
-    child_ = ::fork();
+    child_ = ::fork(); // NOLINT(cppcoreguidelines-prefer-member-initializer): after the pipes
     if (child_ < 0)
         throw std::system_error(errno, std::generic_category(), "cannot make a process");
     if (child_ == 0) {
@@ -105,7 +103,8 @@ int ChildCommand::run() {
     // The pipe ends without a word when the command was run.
     const int flags = ::fcntl(errorPipe_.get(), F_SETFL, O_NONBLOCK);
     if (flags == 0 && ::read(errorPipe_.get(), &error, sizeof error) == sizeof error)
-        std::fprintf(stderr, "cannot run %s: %s\n", words_[0].c_str(), std::strerror(error));
+        std::fprintf(stderr, "cannot run %s: %s\n", words_[0].c_str(),
+                     std::generic_category().message(error).c_str());
     return shellStatus(status_);
 }
 

@@ -11,7 +11,7 @@ namespace OrvaneSim {
 class StopSignals {
 public:
     /// SIGINT, SIGTERM, SIGHUP and SIGQUIT, and `more`.
-    explicit StopSignals(std::initializer_list<int> more = {});
+    StopSignals(std::initializer_list<int> more = {});
     /// Restores what was blocked before.
     ~StopSignals();
     StopSignals(const StopSignals&) = delete;

@@ -58,7 +58,7 @@ std::string contentOf(const std::string& path) {
 }
 
 std::string usualShell() {
-    const char* shell = std::getenv("SHELL");
+    const char* shell = std::getenv("SHELL"); // NOLINT(concurrency-mt-unsafe): no other thread yet
     return shell && *shell ? shell : "/bin/sh";
 }
 
@@ -67,6 +67,7 @@ int runInLab(const Flags& flags) {
     const OrvaneSim::StopSignals signals{SIGCHLD};
     OrvaneSim::PrivateNetwork::enter(
         {flags.interfaces > 0 ? flags.interfaces : setup.interfaces, contentOf(flags.hostsFile)});
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread yet
     ::setenv(OrvaneSim::kControlVariable, OrvaneSim::controlPathOf(flags.lab).c_str(), 1);
     OrvaneSim::ChildCommand command(flags.command, signals);
     OrvaneSim::raiseDescriptorLimit(); // after the command's process was made: it keeps the usual limit
@@ -76,9 +77,7 @@ int runInLab(const Flags& flags) {
     return status;
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     CLI::App app{"Runs a command in a private network with simulated boards."};
     app.footer(kExamples);
     Flags flags;
@@ -92,6 +91,14 @@ int main(int argc, char** argv) {
         return runInLab(flags);
     } catch (const CLI::ParseError& problem) {
         return app.exit(problem) == 0 ? 0 : kFailed;
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
     } catch (const std::exception& problem) {
         std::fprintf(stderr, "orvane-lab: %s\n", problem.what());
         return kFailed;

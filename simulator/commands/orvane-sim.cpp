@@ -40,9 +40,7 @@ void serve(const OrvaneSim::LabFlags& flags, const OrvaneSim::StopSignals& signa
     running.finish();
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     CLI::App app{"Serves simulated boards at addresses of this machine."};
     app.footer(kExamples);
     OrvaneSim::LabFlags flags;
@@ -59,6 +57,14 @@ int main(int argc, char** argv) {
         return 0;
     } catch (const CLI::ParseError& problem) {
         return app.exit(problem) == 0 ? 0 : kWrongWords;
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
     } catch (const std::exception& problem) {
         std::fprintf(stderr, "orvane-sim: %s\n", problem.what());
         return 1;

@@ -13,7 +13,7 @@
 namespace OrvaneSim {
 
 std::vector<std::string> localFolders() {
-    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+    const char* runtime = std::getenv("XDG_RUNTIME_DIR"); // NOLINT(concurrency-mt-unsafe)
     std::error_code ignored;
     if (runtime && *runtime && std::filesystem::is_directory(runtime, ignored))
         return {runtime, "/tmp"};
@@ -39,7 +39,8 @@ FileDescriptor connectLocal(const std::string& path) {
 }
 
 std::string findControlPath() {
-    if (const char* own = std::getenv(kControlVariable); own && *own)
+    const char* own = std::getenv(kControlVariable); // NOLINT(concurrency-mt-unsafe)
+    if (own && *own)
         return own;
     std::vector<std::string> served;
     std::error_code ignored;
@@ -62,12 +63,12 @@ std::string findControlPath() {
 std::string askControl(const std::string& path, const std::string& line) {
     const FileDescriptor socket = connectLocal(path);
     if (!socket)
-        throw std::runtime_error("no lab answers at " + path + ": " + std::strerror(errno));
+        throw std::runtime_error("no lab answers at " + path + ": " + std::generic_category().message(errno));
     const std::string whole = line + "\n";
     if (::send(socket.get(), whole.data(), whole.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(whole.size()))
         throw std::runtime_error("the lab at " + path + " takes no request");
     std::string answer;
-    std::array<char, 65536> room;
+    std::array<char, 65536> room{};
     while (answer.empty() || answer.back() != '\n') {
         const ssize_t count = ::recv(socket.get(), room.data(), room.size(), 0);
         if (count <= 0)

@@ -25,7 +25,7 @@ public:
     /// the object. Throws std::system_error or std::runtime_error when `path` cannot be had.
     ControlServer(Lab& lab, std::string path);
     /// Removes the socket.
-    ~ControlServer();
+    ~ControlServer(); // NOLINT(bugprone-exception-escape)
     ControlServer(const ControlServer&) = delete;
     ControlServer& operator=(const ControlServer&) = delete;
 

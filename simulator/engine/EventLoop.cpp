@@ -196,7 +196,7 @@ void EventLoop::run() {
     for (;;) {
         const int count = ::epoll_wait(epoll_.get(), events.data(), static_cast<int>(events.size()),
                                        millisecondsToNextTimer());
-        const auto end = events.begin() + std::max(count, 0);
+        auto* const end = events.begin() + std::max(count, 0);
         const auto wakesUp = [](const epoll_event& event) { return event.data.u64 == kWakeUpToken; };
         // Tasks go first: a board that is told to stop must not answer what came after that.
         if (std::any_of(events.begin(), end, wakesUp))

@@ -64,6 +64,7 @@ void MdioPorts::poke(PhyAddress where, Space space, std::uint32_t address, std::
 std::vector<RegisterValue> MdioPorts::written() const {
     const std::map<std::uint64_t, std::uint32_t> sorted(registers_.begin(), registers_.end());
     std::vector<RegisterValue> values;
+    values.reserve(sorted.size());
     for (const auto& [key, value] : sorted)
         values.push_back(registerOf(key, value));
     return values;

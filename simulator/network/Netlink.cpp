@@ -214,7 +214,7 @@ int Netlink::operationalState(const std::string& interface) {
     while (at + sizeof(rtattr) < end) {
         const auto* attribute = reinterpret_cast<const rtattr*>(answer_.data() + at);
         if (attribute->rta_type == IFLA_OPERSTATE)
-            state = answer_.at(at + sizeof(rtattr));
+            state = static_cast<std::uint8_t>(answer_.at(at + sizeof(rtattr)));
         at += RTA_ALIGN(std::max<std::size_t>(attribute->rta_len, sizeof(rtattr)));
     }
     expectAcknowledgement(step);

@@ -31,7 +31,7 @@ constexpr std::array<const char*, 5> kStrayKinds{"wrong-id", "wrong-port", "shor
 Action readStrays(ObjectReader& object) {
     StrayDatagrams what;
     const std::string kind = object.text("kind", kStrayKinds.back());
-    const auto found = std::find(kStrayKinds.begin(), kStrayKinds.end(), kind);
+    const auto* const found = std::find(kStrayKinds.begin(), kStrayKinds.end(), kind);
     if (found == kStrayKinds.end())
         throw ScriptError(object.at("kind"),
                           "\"" + kind + "\" is none of wrong-id, wrong-port, short, random, mixed");
@@ -204,7 +204,7 @@ Json registerText(const RegisterValue& value) {
 RegisterValue readRegister(ObjectReader& object, bool withValue) {
     RegisterValue value;
     const std::string space = object.text("space", "c45");
-    const auto found = std::find(kSpaces.begin(), kSpaces.end(), space);
+    const auto* const found = std::find(kSpaces.begin(), kSpaces.end(), space);
     if (found == kSpaces.end())
         throw ScriptError(object.at("space"), "\"" + space + "\" is none of c45, c22, ext32");
     const auto index = static_cast<std::size_t>(found - kSpaces.begin());

@@ -19,8 +19,6 @@
 #include <unistd.h>
 #include <vector>
 
-extern char** environ;
-
 namespace {
 
 using Milliseconds = std::chrono::duration<double, std::milli>;
@@ -41,6 +39,7 @@ using Milliseconds = std::chrono::duration<double, std::milli>;
 // Time of a process from start to end; throws when it fails.
 double timeOf(std::vector<std::string> words) {
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);
@@ -87,7 +86,7 @@ int main(int argc, char** argv) {
     try {
         if (std::strcmp(argv[1], "--library") == 0)
             readByLibrary(argv[2], argv[3]);
-        const int runs = argc > 4 ? std::clamp(std::atoi(argv[4]), 1, 1000) : 21;
+        const int runs = argc > 4 ? std::clamp(std::stoi(argv[4]), 1, 1000) : 21;
         return compare(argv[0], argv[1], argv[2], argv[3], runs);
     } catch (const std::exception& problem) {
         std::fprintf(stderr, "orvane-read-overhead: %s\n", problem.what());

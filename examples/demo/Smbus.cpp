@@ -37,10 +37,12 @@ void smbus(Report& report, const Port& mdio, const Port& smbus) {
     auto& devices = HW_Interface_Object;
     devices.writeAdapter(mdio.adapter, kPhy, kMmd, kRegister, 0x5EB5);
     devices.write32Adapter(mdio.adapter, kPhy, kAddress, 0xB0A710AD);
-    const auto read16 = [&](const Port& port) {
-        return devices.readAdapter(port.adapter, kPhy, kMmd, kRegister);
+    const auto read16 = [](const Port& port) {
+        return HW_Interface_Object.readAdapter(port.adapter, kPhy, kMmd, kRegister);
     };
-    const auto read32 = [&](const Port& port) { return devices.read32Adapter(port.adapter, kPhy, kAddress); };
+    const auto read32 = [](const Port& port) {
+        return HW_Interface_Object.read32Adapter(port.adapter, kPhy, kAddress);
+    };
 
     const std::string reg = ": MMD 1 " + hex(kRegister, 4);
     readBack(report, "MDIO" + reg, 0x5EB5, 4, [&] { return read16(mdio); });

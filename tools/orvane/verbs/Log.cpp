@@ -76,6 +76,23 @@ void printSummary(Context& context, const Options& options, const LogFile& log,
         table.print(out, context.format());
 }
 
+// A row for each access to one register.
+void addAccesses(Table& table, const Stream& out, const LogFile& log, const RegisterHistory& history) {
+    std::optional<std::uint64_t> before; // what the register held as far as the log knows
+    for (const std::size_t place : history.accesses) {
+        const LoggedAccess& access = log.accesses[place];
+        const std::uint64_t changed = before && access.value ? *before ^ *access.value : 0;
+        const std::string bits = changed != 0 ? fmt::format("0x{:0{}X}", changed, access.digits) : "";
+        table.add({count(place + 1),
+                   count(history.adapter),
+                   count(history.phy),
+                   fmt::format("{}{}", access.queued ? "queued " : "", access.write ? "write" : "read"),
+                   access.valueText(),
+                   {bits, bits, out.painted(Colour::Yellow, bits)}});
+        before = access.value ? access.value : before;
+    }
+}
+
 void printHistory(Context& context, const Options& options, const LogFile& log,
                   const std::vector<RegisterHistory>& histories) {
     const bool wide = options.reg.find('.') == std::string::npos;
@@ -87,23 +104,9 @@ void printHistory(Context& context, const Options& options, const LogFile& log,
                  {"access", "ACCESS"},
                  {"value", "VALUE"},
                  {"changed", "CHANGED"}});
-    for (const RegisterHistory& history : histories) {
-        if (!(history.reg == reg))
-            continue;
-        std::optional<std::uint64_t> before; // what the register held as far as the log knows
-        for (const std::size_t place : history.accesses) {
-            const LoggedAccess& access = log.accesses[place];
-            const std::uint64_t changed = before && access.value ? *before ^ *access.value : 0;
-            const std::string bits = changed != 0 ? fmt::format("0x{:0{}X}", changed, access.digits) : "";
-            table.add({count(place + 1),
-                       count(history.adapter),
-                       count(history.phy),
-                       fmt::format("{}{}", access.queued ? "queued " : "", access.write ? "write" : "read"),
-                       access.valueText(),
-                       {bits, bits, out.painted(Colour::Yellow, bits)}});
-            before = access.value ? access.value : before;
-        }
-    }
+    for (const RegisterHistory& history : histories)
+        if (history.reg == reg)
+            addAccesses(table, out, log, history);
     if (table.size() == 0)
         throw Failure(fmt::format("{}: there is no access to {} in it", options.file, reg.text()));
     table.print(out, context.format());

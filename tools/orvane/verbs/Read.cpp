@@ -58,11 +58,10 @@ int run(Context& context, const Options& options) {
     Device device(context, options.device);
     const std::vector<std::uint32_t> values = Registers(device, options.phy, options.way()).read(list);
     Stream& out = context.console.out;
-    if (context.format() != Format::Text)
-        printRows(context, options, list, values);
-    else if (options.grid || list.size() > kMostRows)
+    const bool text = context.format() == Format::Text;
+    if (text && (options.grid || list.size() > kMostRows))
         printGrid(out, list, values, options.distance());
-    else if (list.size() == 1)
+    else if (text && list.size() == 1)
         out.print("{}\n", hexText(values[0], options.space()));
     else
         printRows(context, options, list, values);

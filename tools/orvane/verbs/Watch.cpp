@@ -87,6 +87,7 @@ void watchRegisters(Context& context, const Options& options, Device& device,
                     const std::vector<Register>& list) {
     Registers registers(device, options.phy, options.way());
     std::vector<Watched> watched;
+    watched.reserve(list.size());
     for (const Register& reg : list)
         watched.push_back({reg});
     Display display(context, options);

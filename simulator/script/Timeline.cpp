@@ -16,7 +16,7 @@ void readAfter(ObjectReader& after, TimelineEntry& entry) {
     const bool byRequests = after.find("request") != nullptr;
     const bool byTime = after.find("seconds") != nullptr;
     if (byRequests == byTime)
-        throw ScriptError(after.path(), "needs either \"request\" or \"seconds\"");
+        throw ScriptError(after.path(), R"(needs either "request" or "seconds")");
     if (byRequests) {
         entry.requests = static_cast<std::uint64_t>(after.number("request", 1, 1, kMostRequests));
         entry.procedure = after.text("procedure", "");

@@ -4,8 +4,8 @@
 #include <stdlib.h>
 
 static void printNames(char** names) {
-    size_t i;
-    for (i = 0; names != NULL && names[i] != NULL; ++i) {
+    size_t i = 0;
+    for (; names != NULL && names[i] != NULL; ++i) {
         printf("device %s\n", names[i]);
         free(names[i]);
     }
@@ -14,7 +14,7 @@ static void printNames(char** names) {
 
 int main(int argc, char** argv) {
     const unsigned int phy = 5;
-    unsigned int adapter;
+    unsigned int adapter = 0;
     if (argc != 2)
         return 2;
     if (HW_Initialize() != 1 || HW_Open(argv[1]) != 1)

@@ -16,7 +16,6 @@ using Orvane::HWInterface;
 using Orvane::KelSmbProto;
 using Orvane::Exceptions::Standard;
 using OrvaneSim::Space;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr unsigned kMdio = 0; // adapters

@@ -1,6 +1,7 @@
 // What a lab leaves behind when it is interrupted: nothing.
 #include "simulator/engine/FileDescriptor.h"
 #include "tests/simulator/Shell.h"
+#include "tests/support/EnvironmentVariable.h"
 
 #include <chrono>
 #include <csignal>
@@ -130,7 +131,7 @@ TEST_F(InterruptedLab, leavesNothingBehindWhenItsTerminalGoes) {
 }
 
 TEST(OrvaneLabShell, isTheUsersShellInTheLab) {
-    ::setenv("SHELL", "/bin/sh", 1);
+    const OrvaneTest::EnvironmentVariable shell("SHELL", "/bin/sh");
     Terminal terminal({ORVANE_LAB, "--interfaces", "2", "shell"});
     terminal.type("cat /proc/net/dev; echo control=$ORVANE_LAB_CONTROL.\n");
     terminal.await("(lab1):");

@@ -2,6 +2,7 @@
 #include "ov_sys/Interface/connection/DatagramTransport.h"
 #include "ov_sys/Interface/connection/HandleCreation.h"
 #include "ov_sys/Interface/connection/RPCClient.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "ov_sys/Interface/rpc_protocol/Codec.h"
 #include "ov_sys/Interface/rpc_protocol/Programs.h"
 #include "ov_sys/Interface/rpc_protocol/Stubs.h"
@@ -14,7 +15,6 @@
 #include <gtest/gtest.h>
 #include <ostream>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <rpc/pmap_prot.h> // needs rpc.h before it
 
@@ -140,13 +140,13 @@ TEST(RPCClientConnect, AsksAgainWithoutALongPauseForAPortWhoseDatagramWasLost) {
 
 // Tells the board's port mapper that the setup program is at another port.
 void moveSetupProgram(const OneBoard& lab, int protocol, u_int port) {
-    const int socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    const FileDescriptor socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     sockaddr_in mapper{};
     mapper.sin_family = AF_INET;
     mapper.sin_port = htons(PMAPPORT);
     inet_aton(lab.board.address().c_str(), &mapper.sin_addr);
-    ASSERT_EQ(connect(socket, reinterpret_cast<const sockaddr*>(&mapper), sizeof mapper), 0);
-    DatagramTransport transport(socket);
+    ASSERT_EQ(connect(socket.get(), reinterpret_cast<const sockaddr*>(&mapper), sizeof mapper), 0);
+    DatagramTransport transport(socket.get());
     pmap mapping{Programs::Setup, Programs::Version, static_cast<u_long>(protocol), port};
     for (const rpcproc_t procedure : {rpcproc_t{PMAPPROC_UNSET}, rpcproc_t{PMAPPROC_SET}}) {
         int done = 0;
@@ -156,7 +156,6 @@ void moveSetupProgram(const OneBoard& lab, int protocol, u_int port) {
         EXPECT_EQ(transport.call(message, Deadline::after(std::chrono::seconds(10)), error), RPC_SUCCESS);
         EXPECT_EQ(done, 1) << procedure;
     }
-    close(socket);
 }
 
 constexpr u_int kDeafPort = 9;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ov_sys/Interface/connection/CallMessage.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "ov_sys/Interface/rpc_protocol/Codec.h"
 #include "tests/rpc_protocol/WireBytes.h"
 
@@ -10,28 +11,22 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 namespace OrvaneTest {
 
 // Two connected sockets, one for the transport and one for the test.
 class SocketPair {
 public:
-    explicit SocketPair(int type) { EXPECT_EQ(socketpair(AF_UNIX, type | SOCK_CLOEXEC, 0, ends_.data()), 0); }
-    ~SocketPair() {
-        close(ends_[0]);
-        closePeer();
+    explicit SocketPair(int type) {
+        std::array<int, 2> ends{-1, -1};
+        EXPECT_EQ(socketpair(AF_UNIX, type | SOCK_CLOEXEC, 0, ends.data()), 0);
+        own_.reset(ends[0]);
+        peer_.reset(ends[1]);
     }
-    SocketPair(const SocketPair&) = delete;
-    SocketPair& operator=(const SocketPair&) = delete;
 
-    int own() const { return ends_[0]; }
-    int peer() const { return ends_[1]; }
-    void closePeer() {
-        if (ends_[1] >= 0)
-            close(ends_[1]);
-        ends_[1] = -1;
-    }
+    int own() const { return own_.get(); }
+    int peer() const { return peer_.get(); }
+    void closePeer() { peer_.reset(); }
 
     void sendFromPeer(const WireBytes& bytes) const {
         EXPECT_EQ(send(peer(), bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
@@ -47,7 +42,8 @@ public:
     }
 
 private:
-    std::array<int, 2> ends_{-1, -1};
+    Orvane::FileDescriptor own_;
+    Orvane::FileDescriptor peer_;
 };
 
 // Procedure 3 of version 2 of program 1: an integer there and an integer back.

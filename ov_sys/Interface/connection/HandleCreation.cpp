@@ -28,8 +28,8 @@ CLIENT* createOverStream(sockaddr_in board, unsigned long program, unsigned long
     const Deadline deadline = Deadline::after(std::chrono::seconds(2));
     if (!findByStream(program, version, deadline, board))
         return nullptr;
-    OwnedSocket stream(openStream(board, deadline));
-    if (stream.get() < 0)
+    FileDescriptor stream = openStream(board, deadline);
+    if (!stream)
         return nullptr;
     CLIENT* const handle = handleOver(stream.get(), board, program, version, "tcp");
     if (handle != nullptr) {

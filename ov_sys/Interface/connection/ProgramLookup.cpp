@@ -8,8 +8,6 @@
 #include <cstdarg>
 #include <poll.h>
 #include <sys/socket.h>
-#include <unistd.h>
-#include <utility>
 
 #include <rpc/pmap_prot.h> // needs rpc.h before it
 
@@ -70,30 +68,22 @@ int connectWithin(int fd, const sockaddr_in& address, const Deadline& deadline) 
 
 } // namespace
 
-OwnedSocket::~OwnedSocket() {
-    if (fd_ >= 0)
-        close(fd_);
-}
-
-int OwnedSocket::release() noexcept {
-    return std::exchange(fd_, -1);
-}
-
-int openStream(const sockaddr_in& board, const Deadline& deadline) noexcept {
-    OwnedSocket stream(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-    const int number = stream.get() < 0 ? errno : connectWithin(stream.get(), board, deadline);
-    if (number != 0)
+FileDescriptor openStream(const sockaddr_in& board, const Deadline& deadline) noexcept {
+    FileDescriptor stream(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    const int number = stream ? connectWithin(stream.get(), board, deadline) : errno;
+    if (number != 0) {
         fail(RPC_SYSTEMERROR, number);
-    return number == 0 ? stream.release() : -1;
+        stream.reset();
+    }
+    return stream;
 }
 
 bool findByDatagram(unsigned long program, unsigned long version, sockaddr_in& board) {
     constexpr int kSends = 4;
     constexpr std::chrono::milliseconds kEach{500};
     const sockaddr_in mapper = mapperOf(board);
-    const OwnedSocket socket(::socket(AF_INET, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-    if (socket.get() < 0 ||
-        connect(socket.get(), reinterpret_cast<const sockaddr*>(&mapper), sizeof mapper) != 0)
+    const FileDescriptor socket(::socket(AF_INET, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    if (!socket || connect(socket.get(), reinterpret_cast<const sockaddr*>(&mapper), sizeof mapper) != 0)
         return fail(RPC_SYSTEMERROR, errno);
     pmap wanted{program, version, IPPROTO_UDP, 0};
     u_int port = 0;
@@ -108,8 +98,8 @@ bool findByDatagram(unsigned long program, unsigned long version, sockaddr_in& b
 
 bool findByStream(unsigned long program, unsigned long version, const Deadline& deadline,
                   sockaddr_in& board) {
-    const OwnedSocket mapper(openStream(mapperOf(board), deadline));
-    if (mapper.get() < 0)
+    const FileDescriptor mapper = openStream(mapperOf(board), deadline);
+    if (!mapper)
         return false;
     pmap wanted{program, version, IPPROTO_TCP, 0};
     u_int port = 0;

@@ -2,26 +2,11 @@
 #pragma once
 
 #include "ov_sys/Interface/connection/Deadline.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 
 #include <netinet/in.h>
 
 namespace Orvane {
-
-// A descriptor that is closed at the end; -1 for none.
-class OwnedSocket {
-public:
-    explicit OwnedSocket(int fd) noexcept : fd_(fd) {}
-    ~OwnedSocket();
-    OwnedSocket(const OwnedSocket&) = delete;
-    OwnedSocket& operator=(const OwnedSocket&) = delete;
-
-    int get() const noexcept { return fd_; }
-    // Leaves closing to the caller.
-    int release() noexcept;
-
-private:
-    int fd_;
-};
 
 // Stores the port that the port mapper (port 111) at `board` names as the port of `board`. Otherwise false,
 // with the reason in this thread's rpc_createerr as clnt_create() would put it: RPC_PROGNOTREGISTERED,
@@ -31,7 +16,7 @@ private:
 bool findByDatagram(unsigned long program, unsigned long version, sockaddr_in& board);
 bool findByStream(unsigned long program, unsigned long version, const Deadline& deadline, sockaddr_in& board);
 
-// A stream to `board`, or -1 with the reason in rpc_createerr.
-int openStream(const sockaddr_in& board, const Deadline& deadline) noexcept;
+// A stream to `board`, or nothing with the reason in rpc_createerr.
+FileDescriptor openStream(const sockaddr_in& board, const Deadline& deadline) noexcept;
 
 } // namespace Orvane

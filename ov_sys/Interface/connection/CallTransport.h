@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ov_sys/Interface/connection/CallMessage.h"
-#include "ov_sys/Interface/connection/Deadline.h"
+#include "ov_sys/Interface/foundation/Deadline.h"
 
 namespace Orvane {
 

@@ -1,7 +1,7 @@
 // Asks a board's port mapper where a program is, within bounded time.
 #pragma once
 
-#include "ov_sys/Interface/connection/Deadline.h"
+#include "ov_sys/Interface/foundation/Deadline.h"
 #include "ov_sys/Interface/foundation/FileDescriptor.h"
 
 #include <netinet/in.h>

@@ -1,4 +1,4 @@
-#include "ov_sys/Interface/connection/Deadline.h"
+#include "ov_sys/Interface/foundation/Deadline.h"
 
 #include <algorithm>
 #include <cerrno>

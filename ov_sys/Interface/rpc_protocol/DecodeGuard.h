@@ -1,8 +1,6 @@
 // Tells the XDR routines how much room a caller's own buffer has, for the length of a call.
 #pragma once
 
-#include "ov_sys/Interface/foundation/Export.h"
-
 #include <cstddef>
 
 namespace Orvane {
@@ -15,7 +13,7 @@ namespace Orvane {
 // while its guards still live. Guards nest: each adds an announcement, the innermost counts where two name
 // one buffer, and the end of a guard, in any order but on its own thread, restores what held before it. A
 // null buffer announces nothing. Allocates nothing, throws nothing.
-class ORVANE_API DecodeGuard {
+class DecodeGuard {
 public:
     // `buffer` stays the caller's and must outlive the guard; `capacity` is in elements (bytes for opaque
     // data and, the terminating zero included, for strings).

@@ -1,5 +1,6 @@
 // bench_simulator: single register reads of a simulated board beside those of a bare rpcgen server that
-// answers a constant, in turns; and what many boards cost. All inside a private network of its own.
+// answers a constant, in turns; how many requests a board answers, and what many boards cost. All inside a
+// private network of its own.
 #include "bench/simulator/BareServer.h"
 #include "simulator/engine/Sockets.h"
 
@@ -7,15 +8,19 @@
 #include "setup.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <exception>
 #include <fstream>
 #include <orvane/lab.h>
 #include <rpc/rpc.h>
 #include <stdexcept>
 #include <string>
+#include <sys/socket.h>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -25,6 +30,8 @@ using Clock = std::chrono::steady_clock;
 constexpr int kRounds = 200;
 constexpr int kReadsInARound = 50;
 constexpr int kWarmUp = 500;
+constexpr int kWindow = 32; // requests under way at once
+constexpr int kWindows = 3000;
 constexpr const char* kBareAddress = "10.83.90.1";
 
 double microseconds(Clock::duration time) {
@@ -116,6 +123,50 @@ void compareReads(std::uint16_t barePort) {
                 kRounds * kReadsInARound, one, other, one / other);
 }
 
+/// CPU seconds of this process's other threads, of which the lab's is the only one at work.
+double otherThreadsSeconds() {
+    const auto seconds = [](clockid_t clock) {
+        timespec time{};
+        ::clock_gettime(clock, &time);
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+    };
+    return seconds(CLOCK_PROCESS_CPUTIME_ID) - seconds(CLOCK_THREAD_CPUTIME_ID);
+}
+
+/// A datagram that asks for one register.
+std::vector<std::uint32_t> readRequest(unsigned identity) {
+    std::vector<std::uint32_t> words{
+        1, CALL, RPC_MSG_VERSION, SIM_MDIO, SIM_MDIO_VERSION, SIM_MDIO_READ, 0, 0,
+        0, 0,    identity,        1,        0x1E0001};
+    std::transform(words.begin(), words.end(), words.begin(), htonl);
+    return words;
+}
+
+void countRequests() {
+    OrvaneSim::Lab lab;
+    OrvaneSim::Board& board = lab.add();
+    const sockaddr_in place = OrvaneSim::endPoint(board.address(), mdioPort(board.address()));
+    const auto request = readRequest(openSession(board.address()));
+    const int socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    if (::connect(socket, reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0)
+        throw std::runtime_error("cannot reach the board");
+    const double boardBefore = otherThreadsSeconds();
+    const auto begin = Clock::now();
+    std::array<char, 64> reply{};
+    for (int window = 0; window < kWindows; ++window) {
+        for (int i = 0; i < kWindow; ++i)
+            ::send(socket, request.data(), request.size() * sizeof request[0], 0);
+        for (int i = 0; i < kWindow; ++i)
+            if (::recv(socket, reply.data(), reply.size(), 0) <= 0)
+                throw std::runtime_error("a reply went wrong");
+    }
+    ::close(socket);
+    const double requests = double{kWindows} * kWindow;
+    std::printf("%d reads under way at once: %.0f a second, %.2f us of the board's processor each\n", kWindow,
+                requests / (microseconds(Clock::now() - begin) / 1e6),
+                (otherThreadsSeconds() - boardBefore) / requests * 1e6);
+}
+
 /// Resident memory of this process in MiB.
 double residentMemory() {
     std::ifstream file("/proc/self/status");
@@ -146,6 +197,7 @@ int main() {
         OrvaneSim::PrivateNetwork::enter({});
         const BareServer bare(kBareAddress);
         compareReads(bare.port());
+        countRequests();
         startMany(3000);
         return 0;
     } catch (const std::exception& problem) {

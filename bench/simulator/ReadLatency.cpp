@@ -89,13 +89,13 @@ unsigned openSession(const std::string& address) {
     if (!client)
         throw std::runtime_error("cannot reach the board");
     sim_Open_Param argument{};
-    argument.byte2 = 1; // simple
+    argument.simple = 1;
     sim_Open_Result result{};
     const clnt_stat status = sim_open_connection_1(&argument, &result, client);
     clnt_destroy(client);
     if (status != RPC_SUCCESS || result.error != 0)
         throw std::runtime_error("cannot open a session");
-    return (result.word3 << 8) | result.word1;
+    return (result.sequence << 8) | result.id;
 }
 
 void compareReads(std::uint16_t barePort) {

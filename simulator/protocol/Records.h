@@ -47,18 +47,18 @@ void members(V& visit, sim_Simple_Result& r) {
 // Setup.
 template <class V>
 void members(V& visit, sim_Open_Param& r) {
-    visit("sessionId", r.sessionId), visit("byte1", r.byte1), visit("byte2", r.byte2),
-        visit("byte3", r.byte3);
-    visit("byte4", r.byte4), visit("int1", r.int1), visit("int2", r.int2);
+    visit("sessionId", r.sessionId), visit("exclusive", r.exclusive), visit("simple", r.simple),
+        visit("notShared", r.notShared);
+    visit("reserved", r.reserved), visit("deviceIndex", r.deviceIndex), visit("phyAddress", r.phyAddress);
 }
 template <class V>
 void members(V& visit, sim_Open_Result& r) {
-    visit("word1", r.word1), visit("sessionId", r.sessionId), visit("word3", r.word3),
+    visit("id", r.id), visit("sessionId", r.sessionId), visit("sequence", r.sequence),
         visit("error", r.error);
 }
 template <class V>
 void members(V& visit, sim_Close_Param& r) {
-    visit("handle", r.handle), visit("int1", r.int1);
+    visit("handle", r.handle), visit("key", r.key);
 }
 template <class V>
 void members(V& visit, sim_Get_Error_Result& r) {
@@ -67,25 +67,26 @@ void members(V& visit, sim_Get_Error_Result& r) {
 template <class V>
 void members(V& visit, sim_Command_Param& r) {
     visit("handle", r.handle), visit.text("command", r.command.command_len, r.command.command_val);
-    visit("word1", r.word1);
+    visit("seconds", r.seconds);
 }
 template <class V>
 void members(V& visit, sim_Command_Result& r) {
     visit("error", r.error), visit("status", r.status);
-    visit.text("output1", r.output1.output1_len, r.output1.output1_val);
-    visit.text("output2", r.output2.output2_len, r.output2.output2_val);
+    visit.text("output", r.output.output_len, r.output.output_val);
+    visit.text("errors", r.errors.errors_len, r.errors.errors_val);
 }
 
 // I2C.
 template <class V>
 void members(V& visit, sim_I2C_Read_Param& r) {
-    visit("handle", r.handle), visit("byte1", r.byte1), visit("word1", r.word1), visit("byte2", r.byte2);
-    visit("byte3", r.byte3);
+    visit("handle", r.handle), visit("bus", r.bus), visit("address", r.address), visit("command", r.command);
+    visit("length", r.length);
 }
 template <class V>
 void members(V& visit, sim_I2C_Read_Reg_Param& r) {
-    visit("handle", r.handle), visit("byte1", r.byte1), visit("word1", r.word1), visit("word2", r.word2);
-    visit("byte2", r.byte2), visit("byte3", r.byte3);
+    visit("handle", r.handle), visit("bus", r.bus), visit("address", r.address),
+        visit("registerNumber", r.registerNumber);
+    visit("registerLength", r.registerLength), visit("length", r.length);
 }
 template <class V>
 void members(V& visit, sim_I2C_Read_Result& r) {
@@ -93,16 +94,17 @@ void members(V& visit, sim_I2C_Read_Result& r) {
 }
 template <class V>
 void members(V& visit, sim_I2C_Write_Param& r) {
-    visit("handle", r.handle), visit("byte1", r.byte1), visit("word1", r.word1);
+    visit("handle", r.handle), visit("bus", r.bus), visit("address", r.address);
     visit.list("data", r.data.data_len, r.data.data_val);
 }
 template <class V>
 void members(V& visit, sim_I2C_Block_Trans_Param& r) {
-    visit.list("bytes", r.bytes.bytes_len, r.bytes.bytes_val);
-    visit.list("words1", r.words1.words1_len, r.words1.words1_val);
-    visit.list("words2", r.words2.words2_len, r.words2.words2_val);
-    visit.list("words3", r.words3.words3_len, r.words3.words3_val);
-    visit.list("words4", r.words4.words4_len, r.words4.words4_val);
+    visit.list("buses", r.buses.buses_len, r.buses.buses_val);
+    visit.list("addresses", r.addresses.addresses_len, r.addresses.addresses_val);
+    visit.list("registers", r.registers.registers_len, r.registers.registers_val);
+    visit.list("lengths", r.lengths.lengths_len, r.lengths.lengths_val);
+    visit.list("registerLengths", r.registerLengths.registerLengths_len,
+               r.registerLengths.registerLengths_val);
 }
 template <class V>
 void members(V& visit, sim_I2C_Block_Reg_Read_Param& r) {
@@ -149,10 +151,10 @@ void members(V& visit, sim_MDIO_Write_Param_No_Addr& r) {
 }
 template <class V>
 void members(V& visit, sim_MDIO_Mixed_Param& r) {
-    visit("handle", r.handle), visit.list("words1", r.words1.words1_len, r.words1.words1_val);
-    visit.list("words2", r.words2.words2_len, r.words2.words2_val);
-    visit.list("words3", r.words3.words3_len, r.words3.words3_val);
-    visit.list("words4", r.words4.words4_len, r.words4.words4_val);
+    visit("handle", r.handle), visit.list("writeData", r.writeData.writeData_len, r.writeData.writeData_val);
+    visit.list("writeAddresses", r.writeAddresses.writeAddresses_len, r.writeAddresses.writeAddresses_val);
+    visit.list("readAddresses", r.readAddresses.readAddresses_len, r.readAddresses.readAddresses_val);
+    visit.list("runs", r.runs.runs_len, r.runs.runs_val);
 }
 template <class V>
 void members(V& visit, sim_MDIO_InterruptRequest_Param& r) {
@@ -165,7 +167,7 @@ void members(V& visit, sim_MDIO_InterruptProcessed_Param& r) {
 }
 template <class V>
 void members(V& visit, sim_MDIO_FlushPort_Param& r) {
-    visit("handle", r.handle), visit("byte1", r.byte1), visit("byte2", r.byte2);
+    visit("handle", r.handle), visit("deviceIndex", r.deviceIndex), visit("phyAddress", r.phyAddress);
 }
 template <class V>
 void members(V& visit, sim_MDIO_Result& r) {
@@ -179,9 +181,9 @@ void members(V& visit, sim_StringArrayEntry& r) {
 }
 template <class V>
 void members(V& visit, sim_JTAG_ShiftMulti_Param& r) {
-    visit("handle", r.handle), visit.list("list1", r.list1.list1_len, r.list1.list1_val);
-    visit.list("list2", r.list2.list2_len, r.list2.list2_val);
-    visit.list("list3", r.list3.list3_len, r.list3.list3_val);
+    visit("handle", r.handle), visit.list("data", r.data.data_len, r.data.data_val);
+    visit.list("tms", r.tms.tms_len, r.tms.tms_val);
+    visit.list("tmsAfter", r.tmsAfter.tmsAfter_len, r.tmsAfter.tmsAfter_val);
 }
 template <class V>
 void members(V& visit, sim_JTAG_ShiftMulti_Result& r) {
@@ -204,9 +206,9 @@ void members(V& visit, sim_GPIO_States_Param& r) {
 }
 template <class V>
 void members(V& visit, sim_GPIO_BitBang_Param& r) {
-    visit("handle", r.handle), visit.bytes("bytes1", r.bytes1.bytes1_len, r.bytes1.bytes1_val);
-    visit.bytes("bytes2", r.bytes2.bytes2_len, r.bytes2.bytes2_val);
-    visit.bytes("bytes3", r.bytes3.bytes3_len, r.bytes3.bytes3_val);
+    visit("handle", r.handle), visit.bytes("indexes", r.indexes.indexes_len, r.indexes.indexes_val);
+    visit.bytes("states", r.states.states_len, r.states.states_val);
+    visit.bytes("modes", r.modes.modes_len, r.modes.modes_val);
 }
 
 // ADC.
@@ -262,7 +264,7 @@ void members(V& visit, sim_THRM_Get_Temp_Arg& r) {
 }
 template <class V>
 void members(V& visit, sim_THRM_Set_Temp_Arg& r) {
-    visit("handle", r.handle), visit("temperature", r.temperature), visit("byte1", r.byte1);
+    visit("handle", r.handle), visit("temperature", r.temperature), visit("startControl", r.startControl);
     visit("channel", r.channel);
 }
 template <class V>

@@ -110,8 +110,8 @@ TEST_P(MdioPrefix, LeavesFlushTheLowBytesOfDeviceIndexAndPhyAddress) {
     SessionOnBoard open(simpleMode(GetParam().phyAddress, GetParam().deviceIndex));
     mdio.flush(&open.session);
     EXPECT_THAT(wireCalls(open.board), ElementsAre(mdioCall(7, {{"handle", identity()},
-                                                                {"byte1", GetParam().flushDevice},
-                                                                {"byte2", GetParam().flushPhy}})));
+                                                                {"deviceIndex", GetParam().flushDevice},
+                                                                {"phyAddress", GetParam().flushPhy}})));
 }
 
 TEST(MdioMixedBlockExecute, SendsTheAddressesAsTheyAre) {

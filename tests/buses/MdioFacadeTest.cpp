@@ -78,7 +78,7 @@ TEST_F(MdioFacade, PutsTheSequenceOfEachCallIntoItsIdentityWord) {
     EXPECT_THAT(wireCalls(board),
                 ElementsAre(mdioCall(1, readParam(identity(0), {0x25000001})),
                             mdioCall(12, writeParam(identity(1), {0x25000002}, {3})),
-                            mdioCall(7, {{"handle", identity(2)}, {"byte1", 1}, {"byte2", 5}})));
+                            mdioCall(7, {{"handle", identity(2)}, {"deviceIndex", 1}, {"phyAddress", 5}})));
 }
 
 TEST_F(MdioFacade, WritesWhatItThenReads) {

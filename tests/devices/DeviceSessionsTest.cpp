@@ -121,12 +121,12 @@ TEST_F(DeviceSessions, AskedForAsSimpleOpenWithTheGivenKeyWhateverTheEnvironment
     EXPECT_THAT(wireCalls(board, "setup"), ElementsAre(WireCall{kSetupProgram,
                                                                 1,
                                                                 {{"sessionId", 0x4321},
-                                                                 {"byte1", 0},
-                                                                 {"byte2", 1},
-                                                                 {"byte3", 0},
-                                                                 {"byte4", 0},
-                                                                 {"int1", 1},
-                                                                 {"int2", 6}}}));
+                                                                 {"exclusive", 0},
+                                                                 {"simple", 1},
+                                                                 {"notShared", 0},
+                                                                 {"reserved", 0},
+                                                                 {"deviceIndex", 1},
+                                                                 {"phyAddress", 6}}}));
 }
 
 TEST_F(DeviceSessions, AdoptedFromElsewhereKeepTheirOwnPhyAndPort) {
@@ -151,7 +151,7 @@ TEST_F(DeviceSessions, ClosedByPhyTellTheBoardTheirIdentityAndKey) {
     board.forgetRequests();
     EXPECT_TRUE(device.closePhyID(5));
     EXPECT_THAT(wireCalls(board, "setup"),
-                ElementsAre(WireCall{kSetupProgram, 2, {{"handle", identity()}, {"int1", 0x4321}}}));
+                ElementsAre(WireCall{kSetupProgram, 2, {{"handle", identity()}, {"key", 0x4321}}}));
     EXPECT_EQ(board.sessionCount(), 0U);
 }
 

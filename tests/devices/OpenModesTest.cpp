@@ -31,12 +31,12 @@ WireCall openCall(unsigned key, Mode mode, int device, int phy) {
     return {kSetupProgram,
             1,
             {{"sessionId", key},
-             {"byte1", mode.exclusive},
-             {"byte2", mode.simple},
-             {"byte3", mode.notShared},
-             {"byte4", 0},
-             {"int1", device},
-             {"int2", phy}}};
+             {"exclusive", mode.exclusive},
+             {"simple", mode.simple},
+             {"notShared", mode.notShared},
+             {"reserved", 0},
+             {"deviceIndex", device},
+             {"phyAddress", phy}}};
 }
 
 struct Variables {

@@ -62,7 +62,8 @@ std::map<unsigned, std::string> physOfSessions(const OrvaneSim::Board& board) {
     unsigned id = 0;
     for (const OrvaneSim::Request& opening : board.requestsOf("open_connection")) {
         const ordered_json arguments = opening.arguments();
-        phys[++id] = phyText(arguments.at("int1").get<unsigned>(), arguments.at("int2").get<unsigned>());
+        phys[++id] =
+            phyText(arguments.at("deviceIndex").get<unsigned>(), arguments.at("phyAddress").get<unsigned>());
     }
     return phys;
 }

@@ -27,7 +27,7 @@ protected:
     }
     Orvane::RPCClient& client() { return *session.connection->getClient(BoardConnection::SETUP); }
     WireCall commandCall(const std::string& text, unsigned seconds) {
-        return {kSetupProgram, 6, {{"handle", identity()}, {"command", text}, {"word1", seconds}}};
+        return {kSetupProgram, 6, {{"handle", identity()}, {"command", text}, {"seconds", seconds}}};
     }
 
     Orvane::Setup::Setup setup;

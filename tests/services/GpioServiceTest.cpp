@@ -173,7 +173,7 @@ TEST_F(GpioLists, OfNothingAreBitBangedAsThreeEmptyLists) {
         ElementsAre(WireCall{
             kGpioProgram,
             6,
-            {{"handle", identity(2)}, {"bytes1", Bytes{}}, {"bytes2", Bytes{}}, {"bytes3", Bytes{}}}}));
+            {{"handle", identity(2)}, {"indexes", Bytes{}}, {"states", Bytes{}}, {"modes", Bytes{}}}}));
 }
 
 } // namespace

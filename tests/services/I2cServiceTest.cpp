@@ -87,12 +87,12 @@ TEST_P(I2cLengthBeyondAByte, SendsItsLowByteAndReturnsItsFullLength) {
     Bytes expected{0xA0, 0xA1, 0xA2, 0xA3};
     expected.resize(0x104);
     EXPECT_EQ(GetParam().run(&session, 0x104), expected);
-    EXPECT_EQ(wireCalls(board).at(0).arguments["byte3"], 4);
+    EXPECT_EQ(wireCalls(board).at(0).arguments["length"], 4);
 }
 
 TEST_P(I2cLengthBeyondAByte, SendsZeroForAMultipleOf256) {
     EXPECT_EQ(GetParam().run(&session, 256), Bytes(256));
-    EXPECT_EQ(wireCalls(board).at(0).arguments["byte3"], 0);
+    EXPECT_EQ(wireCalls(board).at(0).arguments["length"], 0);
 }
 
 TEST_P(I2cLengthBeyondAByte, HasRoomForMoreThanTheLowByteSays) {
@@ -125,22 +125,22 @@ TEST_F(I2cBlock, ReadAddsItsLengthsIn32Bits) {
 
 TEST_F(I2cBlock, ReadOfNothingSendsEmptyLists) {
     EXPECT_THAT(i2c.blockReadRegister(&session, {}, {}, {}, {}, {}), IsEmpty());
-    const Json lists{{"bytes", Bytes{}},
-                     {"words1", Words{}},
-                     {"words2", Words{}},
-                     {"words3", Words{}},
-                     {"words4", Words{}}};
+    const Json lists{{"buses", Bytes{}},
+                     {"addresses", Words{}},
+                     {"registers", Words{}},
+                     {"lengths", Words{}},
+                     {"registerLengths", Words{}}};
     EXPECT_THAT(wireCalls(board),
                 ElementsAre(WireCall{kI2cProgram, 5, {{"handle", identity()}, {"trans", lists}}}));
 }
 
 // Lists of five different lengths, as they travel.
 Json unequalLists() {
-    return {{"bytes", Bytes{1}},
-            {"words1", Words{2, 3}},
-            {"words2", Words{4, 5, 0xFFFFFFFF}},
-            {"words3", Words{}},
-            {"words4", Words{9, 8, 7, 6}}};
+    return {{"buses", Bytes{1}},
+            {"addresses", Words{2, 3}},
+            {"registers", Words{4, 5, 0xFFFFFFFF}},
+            {"lengths", Words{}},
+            {"registerLengths", Words{9, 8, 7, 6}}};
 }
 
 TEST_F(I2cBlock, ReadSendsEachListWithItsLength) {

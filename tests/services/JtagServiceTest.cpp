@@ -133,9 +133,9 @@ WireCall shiftCall(Json first, Json second, Json third) {
     return {kJtagProgram,
             3,
             {{"handle", identity()},
-             {"list1", std::move(first)},
-             {"list2", std::move(second)},
-             {"list3", std::move(third)}}};
+             {"data", std::move(first)},
+             {"tms", std::move(second)},
+             {"tmsAfter", std::move(third)}}};
 }
 
 class JtagLists : public testing::Test, protected JtagOnBoard {};

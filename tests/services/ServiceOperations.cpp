@@ -45,30 +45,31 @@ Operations i2cOperations() {
          },
          "i2c",
          call(2,
-              {{"handle", kHandle}, {"byte1", kBus}, {"word1", kEeprom}, {"data", Bytes{0x10, 0xA1, 0xA2}}}),
+              {{"handle", kHandle}, {"bus", kBus}, {"address", kEeprom}, {"data", Bytes{0x10, 0xA1, 0xA2}}}),
          nullptr},
         {"I2cRead", [](SessionWrapper s) { return Json(i2c.read(s, kBus, kEeprom, 0x20, 3)); }, "i2c",
-         call(1, {{"handle", kHandle}, {"byte1", kBus}, {"word1", kEeprom}, {"byte2", 0x20}, {"byte3", 3}}),
+         call(1,
+              {{"handle", kHandle}, {"bus", kBus}, {"address", kEeprom}, {"command", 0x20}, {"length", 3}}),
          Bytes{0x20, 0x21, 0x22}},
         {"I2cReadReg", [](SessionWrapper s) { return Json(i2c.readReg(s, kBus, kEeprom, 0x21, 1, 2)); },
          "i2c",
          call(3, {{"handle", kHandle},
-                  {"byte1", kBus},
-                  {"word1", kEeprom},
-                  {"word2", 0x21},
-                  {"byte2", 1},
-                  {"byte3", 2}}),
+                  {"bus", kBus},
+                  {"address", kEeprom},
+                  {"registerNumber", 0x21},
+                  {"registerLength", 1},
+                  {"length", 2}}),
          Bytes{0x21, 0x22}},
     };
 }
 
 // The lists of a block of two accesses, as they travel.
 Json blockLists() {
-    return {{"bytes", Bytes{kBus, kBus + 1}},
-            {"words1", Words{kEeprom, kEeprom}},
-            {"words2", Words{0x30, 0x38}},
-            {"words3", Words{2, 3}},
-            {"words4", Words{1, 1}}};
+    return {{"buses", Bytes{kBus, kBus + 1}},
+            {"addresses", Words{kEeprom, kEeprom}},
+            {"registers", Words{0x30, 0x38}},
+            {"lengths", Words{2, 3}},
+            {"registerLengths", Words{1, 1}}};
 }
 
 Operations i2cBlockOperations() {
@@ -107,11 +108,11 @@ Operations i2cBlockOperations() {
           5,
           {{"handle", kHandle},
            {"trans",
-            {{"bytes", Bytes{kBus, kBus, kBus}},
-             {"words1", Words{kEeprom, kEeprom, kEeprom}},
-             {"words2", Words{0x20, 0x30, 0x40}},
-             {"words3", Words{2, 1, 4}},
-             {"words4", Words{1, 1, 1}}}}}},
+            {{"buses", Bytes{kBus, kBus, kBus}},
+             {"addresses", Words{kEeprom, kEeprom, kEeprom}},
+             {"registers", Words{0x20, 0x30, 0x40}},
+             {"lengths", Words{2, 1, 4}},
+             {"registerLengths", Words{1, 1, 1}}}}}},
          Bytes{0x20, 0x21, 0x30, 0x40, 0x41, 0x42, 0x43}},
     };
 }
@@ -157,9 +158,9 @@ Operations gpioOperations() {
          },
          "gpio",
          call(6, {{"handle", kHandle},
-                  {"bytes1", Bytes{4, 5}},
-                  {"bytes2", Bytes{0, 1}},
-                  {"bytes3", Bytes{1, 2}}}),
+                  {"indexes", Bytes{4, 5}},
+                  {"states", Bytes{0, 1}},
+                  {"modes", Bytes{1, 2}}}),
          Bytes{1, 0}},
     };
 }
@@ -172,9 +173,9 @@ Operations jtagOperations() {
     using Jtag = Orvane::JTAG::JTAG;
     const auto lists = [](Json first, Json second, Json third) {
         return Json{{"handle", kHandle},
-                    {"list1", std::move(first)},
-                    {"list2", std::move(second)},
-                    {"list3", std::move(third)}};
+                    {"data", std::move(first)},
+                    {"tms", std::move(second)},
+                    {"tmsAfter", std::move(third)}};
     };
     return {
         {"JtagMaxBytes",
@@ -237,7 +238,8 @@ Operations thermalOperations() {
     };
     const auto channel = [](unsigned number) { return Json{{"handle", kHandle}, {"channel", number}}; };
     const auto target = [](double celsius, unsigned flag, unsigned number) {
-        return Json{{"handle", kHandle}, {"temperature", celsius}, {"byte1", flag}, {"channel", number}};
+        return Json{
+            {"handle", kHandle}, {"temperature", celsius}, {"startControl", flag}, {"channel", number}};
     };
     return {
         {"ThermalConnect", [](SessionWrapper s) { return nothing([&] { Thermal().connect(s); }); }, "thermal",
@@ -282,7 +284,7 @@ Operations setupOperations() {
          "setup",
          {kSetupProgram,
           6,
-          {{"handle", kHandle}, {"command", std::string("hostname -x\0", 12)}, {"word1", 9}}},
+          {{"handle", kHandle}, {"command", std::string("hostname -x\0", 12)}, {"seconds", 9}}},
          {0, 3, "out\n", "err\n"}},
         {"KeepAlivePing",
          [](SessionWrapper s) { return Json(Orvane::KeepAlive::KeepAlive().ping(s) >= 0); },

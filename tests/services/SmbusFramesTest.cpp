@@ -28,22 +28,22 @@ constexpr unsigned kPhy = 5;
 
 // The I2C transfers of call number `call` to PHY 5 on bus 0.
 WireCall written(unsigned call, const Bytes& frame) {
-    return {kI2cProgram, 2, {{"handle", identity(call)}, {"byte1", 0}, {"word1", kPhy}, {"data", frame}}};
+    return {kI2cProgram, 2, {{"handle", identity(call)}, {"bus", 0}, {"address", kPhy}, {"data", frame}}};
 }
 WireCall readTwo(unsigned call, unsigned command) {
     return {kI2cProgram,
             1,
-            {{"handle", identity(call)}, {"byte1", 0}, {"word1", kPhy}, {"byte2", command}, {"byte3", 2}}};
+            {{"handle", identity(call)}, {"bus", 0}, {"address", kPhy}, {"command", command}, {"length", 2}}};
 }
 WireCall readFour(unsigned call, unsigned reg) {
     return {kI2cProgram,
             3,
             {{"handle", identity(call)},
-             {"byte1", 0},
-             {"word1", kPhy},
-             {"word2", reg},
-             {"byte2", 4},
-             {"byte3", 4}}};
+             {"bus", 0},
+             {"address", kPhy},
+             {"registerNumber", reg},
+             {"registerLength", 4},
+             {"length", 4}}};
 }
 
 // The frames of a Paged16 access to the address 0x12345678.
@@ -256,7 +256,7 @@ TEST_P(SmbusPortNumber, IsTheBusAndTenInItsLow8Bits) {
     }
     const WireCall first = wireCalls(board).at(0);
     EXPECT_EQ(first.program, kI2cProgram);
-    EXPECT_EQ(first.arguments["byte1"], GetParam().bus);
+    EXPECT_EQ(first.arguments["bus"], GetParam().bus);
 }
 
 class SmbusDevice : public testing::Test, protected SessionOnBoard {};
@@ -264,7 +264,7 @@ class SmbusDevice : public testing::Test, protected SessionOnBoard {};
 TEST_F(SmbusDevice, IsThePhysId) {
     Entry entry(owned.release(), -2, kFirstSmbusPort);
     EXPECT_THROW(entry.read_16bit_c45(0x10002), Standard);
-    EXPECT_EQ(wireCalls(board).at(0).arguments["word1"], 0xFFFFFFFEU);
+    EXPECT_EQ(wireCalls(board).at(0).arguments["address"], 0xFFFFFFFEU);
 }
 
 TEST_F(SmbusDevice, OnPortNineIsReachedOverMdio) {

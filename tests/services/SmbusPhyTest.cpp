@@ -107,12 +107,12 @@ TEST_F(SmbusPhy, IsNotThePhyOfAnotherAddress) {
 TEST_F(SmbusPhy, OpensItsSessionForItsPort) {
     devices.readAdapter(kSmbus, kPhy + 2, 1, 2);
     EXPECT_EQ(board.requestsOf("open_connection").at(0).arguments(), (Json{{"sessionId", 0},
-                                                                           {"byte1", 0},
-                                                                           {"byte2", 1},
-                                                                           {"byte3", 0},
-                                                                           {"byte4", 0},
-                                                                           {"int1", 10},
-                                                                           {"int2", kPhy + 2}}));
+                                                                           {"exclusive", 0},
+                                                                           {"simple", 1},
+                                                                           {"notShared", 0},
+                                                                           {"reserved", 0},
+                                                                           {"deviceIndex", 10},
+                                                                           {"phyAddress", kPhy + 2}}));
 }
 
 TEST_F(SmbusPhy, InAnUnknownProtocolReads0WithoutATransfer) {

@@ -71,7 +71,7 @@ TEST_F(RemoteCommand, SendsTheTextWithItsNulAndTheTimeout) {
     EXPECT_EQ(requests[0].procedureNumber, 6U);
     EXPECT_EQ(requests[0].procedure, "execute_command");
     EXPECT_EQ(requests[0].arguments(),
-              (Json{{"handle", 0x6501}, {"command", std::string("uname -a\0", 9)}, {"word1", 9}}));
+              (Json{{"handle", 0x6501}, {"command", std::string("uname -a\0", 9)}, {"seconds", 9}}));
 }
 
 TEST_F(RemoteCommand, ReturnsTheBoardsStatusAndOutputs) {

@@ -38,48 +38,48 @@ TEST(OpenConnection, SendsAnExclusiveModeWithItsKey) {
     ConnectedSession test(exclusiveOpenMode(0xBEEF));
     Setup::RPC::openConnection(test.session);
     EXPECT_EQ(openArguments(test), (Json{{"sessionId", 0xBEEF},
-                                         {"byte1", 1},
-                                         {"byte2", 0},
-                                         {"byte3", 1},
-                                         {"byte4", 0},
-                                         {"int1", 1},
-                                         {"int2", 3}}));
+                                         {"exclusive", 1},
+                                         {"simple", 0},
+                                         {"notShared", 1},
+                                         {"reserved", 0},
+                                         {"deviceIndex", 1},
+                                         {"phyAddress", 3}}));
 }
 
 TEST(OpenConnection, SendsAConcurrentMode) {
     ConnectedSession test(concurrentOpenMode(7));
     Setup::RPC::openConnection(test.session);
     EXPECT_EQ(openArguments(test), (Json{{"sessionId", 7},
-                                         {"byte1", 0},
-                                         {"byte2", 0},
-                                         {"byte3", 0},
-                                         {"byte4", 0},
-                                         {"int1", 1},
-                                         {"int2", 3}}));
+                                         {"exclusive", 0},
+                                         {"simple", 0},
+                                         {"notShared", 0},
+                                         {"reserved", 0},
+                                         {"deviceIndex", 1},
+                                         {"phyAddress", 3}}));
 }
 
 TEST(OpenConnection, SendsASimpleModeByItsOtherName) {
     ConnectedSession test(simpleOpenMode());
     Setup::openConnection(test.session);
     EXPECT_EQ(openArguments(test), (Json{{"sessionId", 0},
-                                         {"byte1", 0},
-                                         {"byte2", 1},
-                                         {"byte3", 0},
-                                         {"byte4", 0},
-                                         {"int1", 1},
-                                         {"int2", 3}}));
+                                         {"exclusive", 0},
+                                         {"simple", 1},
+                                         {"notShared", 0},
+                                         {"reserved", 0},
+                                         {"deviceIndex", 1},
+                                         {"phyAddress", 3}}));
 }
 
 TEST(OpenConnection, SendsTheReservedByteAndANegativePhy) {
     ConnectedSession test({-2, 9, 0, 0, 1, 0, 5});
     Setup::RPC::openConnection(test.session);
     EXPECT_EQ(openArguments(test), (Json{{"sessionId", 0},
-                                         {"byte1", 0},
-                                         {"byte2", 0},
-                                         {"byte3", 0},
-                                         {"byte4", 5},
-                                         {"int1", 9},
-                                         {"int2", -2}}));
+                                         {"exclusive", 0},
+                                         {"simple", 0},
+                                         {"notShared", 0},
+                                         {"reserved", 5},
+                                         {"deviceIndex", 9},
+                                         {"phyAddress", -2}}));
 }
 
 TEST(OpenConnection, StoresIdSequenceAndKey) {
@@ -215,7 +215,7 @@ TEST_F(CloseConnection, SendsIdentityAndKeyAndForgetsTheId) {
     EXPECT_EQ(request.programNumber, 0x2FFFFFF0U);
     EXPECT_EQ(request.procedureNumber, 2U);
     EXPECT_EQ(request.procedure, "close_connection");
-    EXPECT_EQ(request.arguments(), (Json{{"handle", 0x6501}, {"int1", 0x5000}}));
+    EXPECT_EQ(request.arguments(), (Json{{"handle", 0x6501}, {"key", 0x5000}}));
     EXPECT_EQ(session.sessionId, 0U);
     EXPECT_EQ(session.callSequence, 0);
     EXPECT_EQ(session.mdio.key, 0x5000);
@@ -224,7 +224,7 @@ TEST_F(CloseConnection, SendsIdentityAndKeyAndForgetsTheId) {
 
 TEST_F(CloseConnection, ByItsOtherNameDoesTheSame) {
     Setup::closeConnection(session);
-    EXPECT_EQ(onlyRequest(*this).arguments(), (Json{{"handle", 0x6501}, {"int1", 0x5000}}));
+    EXPECT_EQ(onlyRequest(*this).arguments(), (Json{{"handle", 0x6501}, {"key", 0x5000}}));
 }
 
 TEST_F(CloseConnection, ResetsTheTimeout) {

@@ -91,7 +91,7 @@ TEST_F(DisturbedBoard, refusesAtItsPortMapperUntilThatIsOpenAgain) {
 TEST_F(DisturbedBoard, refusesAsManyOpensAsAsked) {
     board.inject({"setup", "open_connection", Kind::ResultCode, 2, -EACCES});
     sim_Open_Param argument{};
-    argument.byte2 = 1;
+    argument.simple = 1;
     for (const int expected : {-EACCES, -EACCES, 0}) {
         sim_Open_Result result{};
         ASSERT_EQ(setup.call(sim_open_connection_1, argument, result), RPC_SUCCESS);

@@ -79,13 +79,13 @@ private:
 /// Opens a session on a port and returns its identity word.
 inline unsigned openSession(Client& setup, int device = 0, int phy = 0) {
     sim_Open_Param argument{};
-    argument.byte2 = 1; // simple
-    argument.int1 = device;
-    argument.int2 = phy;
+    argument.simple = 1;
+    argument.deviceIndex = device;
+    argument.phyAddress = phy;
     sim_Open_Result result{};
     EXPECT_EQ(setup.call(sim_open_connection_1, argument, result), RPC_SUCCESS);
     EXPECT_EQ(result.error, 0);
-    return (result.word3 << 8) | result.word1;
+    return (result.sequence << 8) | result.id;
 }
 
 /// A lab with one board, and a session on its port 0, PHY 0.

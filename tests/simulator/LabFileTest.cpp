@@ -65,8 +65,8 @@ TEST(LabFile, givesABoardItsTemperaturesAndCommands) {
     Decoded<sim_Command_Result> outcome(xdr_sim_Command_Result);
     ASSERT_EQ(sim_execute_command_1(&argument, &outcome.fresh(), setup.handle()), RPC_SUCCESS);
     EXPECT_EQ(outcome->status, 3);
-    EXPECT_EQ(std::string(outcome->output1.output1_val, outcome->output1.output1_len), "sim\n");
-    EXPECT_EQ(std::string(outcome->output2.output2_val, outcome->output2.output2_len), "oh\n");
+    EXPECT_EQ(std::string(outcome->output.output_val, outcome->output.output_len), "sim\n");
+    EXPECT_EQ(std::string(outcome->errors.errors_val, outcome->errors.errors_len), "oh\n");
 }
 
 TEST(LabFile, givesBoardsWithoutAddressThoseThatNoOtherNames) {

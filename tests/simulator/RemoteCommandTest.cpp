@@ -20,8 +20,8 @@ protected:
             identity, {static_cast<u_int>(command.size() + 1), command.data()}, seconds};
         return sim_execute_command_1(&argument, &answer.fresh(), setup.handle());
     }
-    std::string output() { return {answer->output1.output1_val, answer->output1.output1_len}; }
-    std::string errors() { return {answer->output2.output2_val, answer->output2.output2_len}; }
+    std::string output() { return {answer->output.output_val, answer->output.output_len}; }
+    std::string errors() { return {answer->errors.errors_val, answer->errors.errors_len}; }
 };
 
 TEST_F(RemoteCommand, isAnsweredFromTheTable) {

@@ -18,11 +18,11 @@ protected:
     sim_Open_Result open(Mode mode, unsigned key = 0, int device = 0, int phy = 0) {
         sim_Open_Param argument{};
         argument.sessionId = key;
-        argument.byte1 = mode == Mode::Exclusive;
-        argument.byte2 = mode == Mode::Simple;
-        argument.byte3 = mode == Mode::Exclusive;
-        argument.int1 = device;
-        argument.int2 = phy;
+        argument.exclusive = mode == Mode::Exclusive;
+        argument.simple = mode == Mode::Simple;
+        argument.notShared = mode == Mode::Exclusive;
+        argument.deviceIndex = device;
+        argument.phyAddress = phy;
         sim_Open_Result result{};
         EXPECT_EQ(setup.call(sim_open_connection_1, argument, result), RPC_SUCCESS);
         return result;
@@ -44,9 +44,9 @@ protected:
 TEST_F(Session, idsFitInTheLowByteOfTheIdentityWord) {
     for (int i = 0; i < 300; ++i) {
         const sim_Open_Result opened = open(Mode::Simple);
-        EXPECT_GE(opened.word1, 1U);
-        EXPECT_LE(opened.word1, 255U);
-        ASSERT_EQ(close(opened.word1), 0);
+        EXPECT_GE(opened.id, 1U);
+        EXPECT_LE(opened.id, 255U);
+        ASSERT_EQ(close(opened.id), 0);
     }
 }
 
@@ -58,13 +58,13 @@ TEST_F(Session, isRefusedWhen255AreOpen) {
 }
 
 TEST_F(Session, isFoundByTheLowByteWhateverTheSequence) {
-    const unsigned id = open(Mode::Simple).word1;
+    const unsigned id = open(Mode::Simple).id;
     EXPECT_EQ(ping(id), 0);
     EXPECT_EQ(ping((0xABCD << 8) | id), 0);
 }
 
 TEST_F(Session, isForgottenByItsClose) {
-    const unsigned id = open(Mode::Simple).word1;
+    const unsigned id = open(Mode::Simple).id;
     EXPECT_EQ(close(id), 0);
     EXPECT_EQ(ping(id), -EBADRQC);
     EXPECT_EQ(close(id), -EBADRQC);
@@ -72,7 +72,7 @@ TEST_F(Session, isForgottenByItsClose) {
 }
 
 TEST_F(Session, forgottenByTheBoardIsUnknownToItsClient) {
-    const unsigned id = open(Mode::Simple).word1;
+    const unsigned id = open(Mode::Simple).id;
     board.forgetSessions();
     EXPECT_EQ(ping(id), -EBADRQC);
 }
@@ -97,7 +97,7 @@ TEST_F(Session, exclusiveIsOfOnePortOnly) {
 }
 
 TEST_F(Session, exclusiveIsRefusedWhileOthersHoldThePort) {
-    const unsigned id = open(Mode::Concurrent, 5).word1;
+    const unsigned id = open(Mode::Concurrent, 5).id;
     EXPECT_EQ(open(Mode::Exclusive, 6).error, -EACCES);
     ASSERT_EQ(close(id), 0);
     EXPECT_EQ(open(Mode::Exclusive, 6).error, 0);
@@ -122,8 +122,8 @@ TEST_F(Session, withoutKeyIsGivenOneUnlessItIsSimple) {
 
 TEST_F(Session, exclusiveAndSimpleAtOnceIsRefused) {
     sim_Open_Param argument{};
-    argument.byte1 = 1;
-    argument.byte2 = 1;
+    argument.exclusive = 1;
+    argument.simple = 1;
     sim_Open_Result result{};
     ASSERT_EQ(setup.call(sim_open_connection_1, argument, result), RPC_SUCCESS);
     EXPECT_EQ(result.error, -EINVAL);
@@ -138,7 +138,7 @@ TEST_F(Session, pingOfTheBoardNeedsNoneAndEchoesItsNumber) {
 
 TEST_F(Session, isPingedOnTheSetupProgramToo) {
     sim_Simple_Result result{};
-    ASSERT_EQ(setup.call(sim_pingclient_1, sim_ID_Param{open(Mode::Simple).word1}, result), RPC_SUCCESS);
+    ASSERT_EQ(setup.call(sim_pingclient_1, sim_ID_Param{open(Mode::Simple).id}, result), RPC_SUCCESS);
     EXPECT_EQ(result.error, 0);
     ASSERT_EQ(setup.call(sim_pingclient_1, sim_ID_Param{200}, result), RPC_SUCCESS);
     EXPECT_EQ(result.error, -EBADRQC);

@@ -20,10 +20,10 @@ ordered_json writeParam(unsigned int handle, const Words& addresses, const Words
 ordered_json mixedParam(unsigned int handle, const Words& writeData, const Words& writeAddresses,
                         const Words& readAddresses, const Words& runs) {
     return {{"handle", handle},
-            {"words1", writeData},
-            {"words2", writeAddresses},
-            {"words3", readAddresses},
-            {"words4", runs}};
+            {"writeData", writeData},
+            {"writeAddresses", writeAddresses},
+            {"readAddresses", readAddresses},
+            {"runs", runs}};
 }
 
 void prepareRegisters(OrvaneSim::Board& board) {
@@ -116,7 +116,7 @@ const std::vector<MdioOperation>& mdioOperations() {
              return Words{};
          },
          7,
-         {{"handle", kHandle}, {"byte1", 1}, {"byte2", 5}},
+         {{"handle", kHandle}, {"deviceIndex", 1}, {"phyAddress", 5}},
          {}},
         {"setSingleWireOn",
          [](SessionWrapper s) {

@@ -5,7 +5,7 @@ using namespace OrvaneSim;
 
 namespace {
 
-constexpr std::uint8_t kSample = 1; // third list of a bit-bang: the step only samples
+constexpr std::uint8_t kSample = 1; // a mode of the bit-bang
 
 Bytes bytesOf(const char* first, u_int count) {
     return {first, first + count};
@@ -77,12 +77,12 @@ void reset(Service& service, const sim_Simple_Param&, sim_Simple_Result&) {
     service.board.gpio.reset();
 }
 
-/// Steps in order: each latches a state (second list) into a line (first list), unless the third list has 1
-/// for it, and then samples the line's level into the answer.
+/// Steps in order: each latches a state into a line, unless its mode is 1, and then samples the line's level
+/// into the answer.
 void bitBang(Service& service, const sim_GPIO_BitBang_Param& argument, sim_GPIO_Read_Result& result) {
-    const Bytes lines = bytesOf(argument.bytes1.bytes1_val, argument.bytes1.bytes1_len);
-    const Bytes states = bytesOf(argument.bytes2.bytes2_val, argument.bytes2.bytes2_len);
-    const Bytes modes = bytesOf(argument.bytes3.bytes3_val, argument.bytes3.bytes3_len);
+    const Bytes lines = bytesOf(argument.indexes.indexes_val, argument.indexes.indexes_len);
+    const Bytes states = bytesOf(argument.states.states_val, argument.states.states_len);
+    const Bytes modes = bytesOf(argument.modes.modes_val, argument.modes.modes_len);
     if (lines.size() != states.size() || lines.size() != modes.size() || !allExist(lines)) {
         result.error = -EINVAL;
         return;

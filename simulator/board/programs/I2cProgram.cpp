@@ -37,38 +37,39 @@ int write(Service& service, u_int bus, u_int address, const Bytes& bytes) {
 
 void write(Service& service, const sim_I2C_Write_Param& argument, sim_Simple_Result& result) {
     const Bytes bytes(argument.data.data_val, argument.data.data_val + argument.data.data_len);
-    result.error = write(service, argument.byte1, argument.word1, bytes);
+    result.error = write(service, argument.bus, argument.address, bytes);
 }
 
 void read(Service& service, const sim_I2C_Read_Param& argument, sim_I2C_Read_Result& result) {
     Bytes answer;
     result.error =
-        transfer(service, argument.byte1, argument.word1, {argument.byte2}, argument.byte3, answer);
+        transfer(service, argument.bus, argument.address, {argument.command}, argument.length, answer);
     service.fill(result.data.data_len, result.data.data_val, answer);
 }
 
 void readRegister(Service& service, const sim_I2C_Read_Reg_Param& argument, sim_I2C_Read_Result& result) {
-    if (argument.byte2 > kLongestRegister) {
+    if (argument.registerLength > kLongestRegister) {
         result.error = -EINVAL;
         return;
     }
     Bytes answer;
-    result.error = transfer(service, argument.byte1, argument.word1,
-                            registerBytes(argument.word2, argument.byte2), argument.byte3, answer);
+    result.error =
+        transfer(service, argument.bus, argument.address,
+                 registerBytes(argument.registerNumber, argument.registerLength), argument.length, answer);
     service.fill(result.data.data_len, result.data.data_val, answer);
 }
 
 /// Whether the lists of a block are of one length, its registers of a length that exists and its data (if it
 /// writes any) of the sum of its lengths.
 bool isConsistent(const sim_I2C_Block_Trans_Param& block, const u_int* dataLength) {
-    const u_int count = block.bytes.bytes_len;
-    if (block.words1.words1_len != count || block.words2.words2_len != count ||
-        block.words3.words3_len != count || block.words4.words4_len != count)
+    const u_int count = block.buses.buses_len;
+    if (block.addresses.addresses_len != count || block.registers.registers_len != count ||
+        block.lengths.lengths_len != count || block.registerLengths.registerLengths_len != count)
         return false;
     std::uint64_t total = 0;
     for (u_int i = 0; i < count; ++i) {
-        total += block.words3.words3_val[i];
-        if (block.words4.words4_val[i] > kLongestRegister)
+        total += block.lengths.lengths_val[i];
+        if (block.registerLengths.registerLengths_val[i] > kLongestRegister)
             return false;
     }
     return total <= SIM_LIST_LIMIT && (!dataLength || total == *dataLength);
@@ -79,10 +80,11 @@ bool isConsistent(const sim_I2C_Block_Trans_Param& block, const u_int* dataLengt
 template <class Access>
 int forEachAccess(const sim_I2C_Block_Trans_Param& block, Access access) {
     int error = 0;
-    for (u_int i = 0; i < block.bytes.bytes_len && error == 0; ++i)
-        error = access(block.bytes.bytes_val[i], block.words1.words1_val[i],
-                       registerBytes(block.words2.words2_val[i], block.words4.words4_val[i]),
-                       block.words3.words3_val[i]);
+    for (u_int i = 0; i < block.buses.buses_len && error == 0; ++i)
+        error = access(
+            block.buses.buses_val[i], block.addresses.addresses_val[i],
+            registerBytes(block.registers.registers_val[i], block.registerLengths.registerLengths_val[i]),
+            block.lengths.lengths_val[i]);
     return error;
 }
 

@@ -41,12 +41,11 @@ void maxBytes(Service&, const sim_Simple_Param&, sim_Simple_Result& result) {
 
 void shiftMulti(Service& service, const sim_JTAG_ShiftMulti_Param& argument,
                 sim_JTAG_ShiftMulti_Result& result) {
-    const u_int count = argument.list1.list1_len;
-    bool valid = argument.list2.list2_len == count && argument.list3.list3_len == count;
+    const u_int count = argument.data.data_len;
+    bool valid = argument.tms.tms_len == count && argument.tmsAfter.tmsAfter_len == count;
     for (u_int i = 0; valid && i < count; ++i)
-        valid = isLevels(textOf(argument.list1.list1_val[i])) &&
-                isLevels(textOf(argument.list2.list2_val[i])) &&
-                isLevels(textOf(argument.list3.list3_val[i]));
+        valid = isLevels(textOf(argument.data.data_val[i])) && isLevels(textOf(argument.tms.tms_val[i])) &&
+                isLevels(textOf(argument.tmsAfter.tmsAfter_val[i]));
     if (!valid) {
         result.error = -EINVAL;
         return;
@@ -55,8 +54,8 @@ void shiftMulti(Service& service, const sim_JTAG_ShiftMulti_Param& argument,
     result.entries.entries_val = service.room<sim_StringArrayEntry>(count);
     for (u_int i = 0; i < count; ++i)
         setEntry(service, result.entries.entries_val[i],
-                 shift(service.board.jtag, textOf(argument.list1.list1_val[i]),
-                       textOf(argument.list2.list2_val[i]), textOf(argument.list3.list3_val[i])));
+                 shift(service.board.jtag, textOf(argument.data.data_val[i]), textOf(argument.tms.tms_val[i]),
+                       textOf(argument.tmsAfter.tmsAfter_val[i])));
 }
 
 } // namespace

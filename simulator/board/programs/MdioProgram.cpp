@@ -60,26 +60,28 @@ void writeList(Service& service, const sim_MDIO_Write_Param& argument, sim_MDIO_
 /// reads are answered with 0.
 template <Space space>
 void mixedBlock(Service& service, const sim_MDIO_Mixed_Param& argument, sim_MDIO_Read_Result& result) {
-    const auto& data = argument.words1;
-    const auto& writeAddresses = argument.words2;
-    const auto& readAddresses = argument.words3;
-    const auto& runs = argument.words4;
-    if (data.words1_len != writeAddresses.words2_len) {
+    const auto& data = argument.writeData;
+    const auto& writeAddresses = argument.writeAddresses;
+    const auto& readAddresses = argument.readAddresses;
+    const auto& runs = argument.runs;
+    if (data.writeData_len != writeAddresses.writeAddresses_len) {
         result.error = -EINVAL;
         return;
     }
-    result.data.data_len = readAddresses.words3_len;
-    result.data.data_val = service.room<u_int>(readAddresses.words3_len);
+    result.data.data_len = readAddresses.readAddresses_len;
+    result.data.data_val = service.room<u_int>(readAddresses.readAddresses_len);
     u_int written = 0;
     u_int read = 0;
-    for (u_int run = 0; run < runs.words4_len; ++run) {
-        const u_int length = runs.words4_val[run];
+    for (u_int run = 0; run < runs.runs_len; ++run) {
+        const u_int length = runs.runs_val[run];
         if (run % 2 == 0) {
-            for (u_int i = 0; i < length && written < writeAddresses.words2_len; ++i, ++written)
-                Access<space>::write(service, writeAddresses.words2_val[written], data.words1_val[written]);
+            for (u_int i = 0; i < length && written < writeAddresses.writeAddresses_len; ++i, ++written)
+                Access<space>::write(service, writeAddresses.writeAddresses_val[written],
+                                     data.writeData_val[written]);
         } else {
-            for (u_int i = 0; i < length && read < readAddresses.words3_len; ++i, ++read)
-                result.data.data_val[read] = Access<space>::read(service, readAddresses.words3_val[read]);
+            for (u_int i = 0; i < length && read < readAddresses.readAddresses_len; ++i, ++read)
+                result.data.data_val[read] =
+                    Access<space>::read(service, readAddresses.readAddresses_val[read]);
         }
     }
 }

@@ -9,22 +9,22 @@ namespace {
 constexpr u_int kFirstSequence = 100;
 
 void openConnection(Service& service, const sim_Open_Param& argument, sim_Open_Result& result) {
-    if (argument.byte1 != 0 && argument.byte2 != 0) { // exclusive and simple at once
+    if (argument.exclusive != 0 && argument.simple != 0) {
         result.error = -EINVAL;
         return;
     }
     Session wanted;
     wanted.key = argument.sessionId;
-    wanted.mode = argument.byte1 != 0   ? OpenMode::Exclusive
-                  : argument.byte2 != 0 ? OpenMode::Simple
-                                        : OpenMode::Concurrent;
-    wanted.deviceIndex = static_cast<unsigned>(argument.int1);
-    wanted.phyAddress = static_cast<unsigned>(argument.int2);
+    wanted.mode = argument.exclusive != 0 ? OpenMode::Exclusive
+                  : argument.simple != 0  ? OpenMode::Simple
+                                          : OpenMode::Concurrent;
+    wanted.deviceIndex = static_cast<unsigned>(argument.deviceIndex);
+    wanted.phyAddress = static_cast<unsigned>(argument.phyAddress);
     const Sessions::Opening opening = service.board.sessions.open(wanted);
     result.error = opening.error;
-    result.word1 = opening.id;
+    result.id = opening.id;
     result.sessionId = opening.key;
-    result.word3 = opening.error == 0 ? kFirstSequence : 0;
+    result.sequence = opening.error == 0 ? kFirstSequence : 0;
 }
 
 void closeConnection(Service& service, const sim_Close_Param& argument, sim_Simple_Result&) {
@@ -53,8 +53,8 @@ std::string commandText(const sim_Command_Param& argument) {
 void fillOutcome(const Service& service, sim_Command_Result& result, int status, const std::string& output,
                  const std::string& errors) {
     result.status = status;
-    service.fill(result.output1.output1_len, result.output1.output1_val, output);
-    service.fill(result.output2.output2_len, result.output2.output2_val, errors);
+    service.fill(result.output.output_len, result.output.output_val, output);
+    service.fill(result.errors.errors_len, result.errors.errors_val, errors);
 }
 
 void answerFromShell(const std::shared_ptr<LaterReply>& reply, const ShellRunner::Outcome& outcome) {
@@ -63,8 +63,8 @@ void answerFromShell(const std::shared_ptr<LaterReply>& reply, const ShellRunner
     sim_Command_Result result{};
     result.error = outcome.timedOut ? -ETIMEDOUT : 0;
     result.status = outcome.status;
-    result.output1 = {static_cast<u_int>(output.size()), output.data()};
-    result.output2 = {static_cast<u_int>(errors.size()), errors.data()};
+    result.output = {static_cast<u_int>(output.size()), output.data()};
+    result.errors = {static_cast<u_int>(errors.size()), errors.data()};
     // libtirpc's routine type leaves the parameters open.
     reply->send(reinterpret_cast<xdrproc_t>(xdr_sim_Command_Result), &result);
 }
@@ -74,7 +74,7 @@ void answerFromShell(const std::shared_ptr<LaterReply>& reply, const ShellRunner
 void executeCommand(Service& service, const sim_Command_Param& argument, sim_Command_Result& result) {
     const std::string text = commandText(argument);
     if (service.board.shell) {
-        service.board.shell->run(text, std::chrono::seconds(argument.word1),
+        service.board.shell->run(text, std::chrono::seconds(argument.seconds),
                                  [reply = service.call.answerLater()](const ShellRunner::Outcome& outcome) {
                                      answerFromShell(reply, outcome);
                                  });
@@ -82,8 +82,8 @@ void executeCommand(Service& service, const sim_Command_Param& argument, sim_Com
     }
     const CommandOutcome outcome = service.board.commands.find(text);
     if (outcome.seconds > 0)
-        service.call.delivery.delay = std::chrono::seconds(std::min(outcome.seconds, argument.word1));
-    if (outcome.seconds > argument.word1)
+        service.call.delivery.delay = std::chrono::seconds(std::min(outcome.seconds, argument.seconds));
+    if (outcome.seconds > argument.seconds)
         result.error = -ETIMEDOUT;
     else
         fillOutcome(service, result, outcome.status, outcome.output, outcome.errors);

@@ -48,7 +48,7 @@ void setTemperature(Service& service, const sim_THRM_Set_Temp_Arg& argument, sim
     if (result.error != 0)
         return;
     service.board.thermal.setTarget(argument.channel, argument.temperature);
-    if (argument.byte1 != 0)
+    if (argument.startControl != 0)
         service.board.thermal.startControl(argument.channel);
 }
 

@@ -4,6 +4,8 @@
 #include "tests/discovery/Limits.h"
 #include "tests/discovery/LoopbackServer.h"
 #include "tests/discovery/OwnNetwork.h"
+#include "tests/discovery/WallClock.h"
+#include "tests/support/FrequentSignals.h"
 #include "tests/support/WrittenText.h"
 
 #include <atomic>
@@ -88,6 +90,14 @@ TEST(WaitSocketConnect, PausesAndIsTrueWithoutAnyConnection) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_TRUE(resolver.waitSocketConnect(30));
     EXPECT_GE(std::chrono::steady_clock::now() - start, 30ms);
+}
+
+TEST(WaitSocketConnect, PausesAsLongWhileSignalsArrive) {
+    TcpBoardResolver resolver(kAddress, 1, "");
+    const OrvaneTest::FrequentSignals signals;
+    const auto start = std::chrono::steady_clock::now();
+    resolver.waitSocketConnect(100);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 100ms);
 }
 
 TEST(WaitSocketConnect, IsTrueAtOnceForZeroAndNegativeTimes) {
@@ -228,6 +238,38 @@ TEST(Search, GivesUpABoardThatStaysSilent) {
     const Outcome outcome = probe(server.port());
     EXPECT_EQ(outcome.line, "recv failed with error: Connection timed out\n");
     EXPECT_EQ(outcome.reply, "");
+}
+
+TEST(Search, GivesUpABoardThatStaysSilentWhileSignalsArrive) {
+    LoopbackServer server([](int connection) {
+        receive(connection, kRequest.size());
+        const timeval patience = {30, 0};
+        setsockopt(connection, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+        receive(connection, 1);
+    });
+    const OrvaneTest::FrequentSignals signals;
+    const Outcome outcome = probe(server.port());
+    EXPECT_EQ(outcome.line, "recv failed with error: Connection timed out\n");
+    EXPECT_EQ(outcome.reply, "");
+}
+
+// Ten seconds are far more than the 80 ms after which a probe leaves a board that goes on sending.
+TEST(Search, EndsInTimeWhenTheClockIsSetBackMeanwhile) {
+    bool probeLeft = false;
+    LoopbackServer server([&probeLeft](int connection) {
+        receive(connection, kRequest.size());
+        std::this_thread::sleep_for(20ms);
+        const OrvaneTest::WallClockSetBack anHour;
+        const auto end = std::chrono::steady_clock::now() + 10s;
+        while (!probeLeft && std::chrono::steady_clock::now() < end) {
+            probeLeft = send(connection, "x", 1, MSG_NOSIGNAL) < 0;
+            std::this_thread::sleep_for(1ms);
+        }
+    });
+    const Outcome outcome = probe(server.port());
+    server.join();
+    EXPECT_TRUE(probeLeft);
+    EXPECT_EQ(outcome.reply.substr(0, 1), "x");
 }
 
 TEST(Search, GivesUpAnAddressThatStaysSilent) {

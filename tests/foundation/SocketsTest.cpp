@@ -70,6 +70,7 @@ TEST(CreateTcpSocket, GivesAnIPv4StreamSocket) {
     ASSERT_GE(created, 0);
     EXPECT_EQ(option(created, SO_DOMAIN), AF_INET);
     EXPECT_EQ(option(created, SO_TYPE), SOCK_STREAM);
+    EXPECT_EQ(fcntl(created, F_GETFD), FD_CLOEXEC);
     close(created);
 }
 

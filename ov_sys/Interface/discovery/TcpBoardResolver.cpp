@@ -1,17 +1,17 @@
 #include "ov_sys/Interface/discovery/TcpBoardResolver.h"
 
 #include "ov_sys/Interface/discovery/DiscoveryProtocol.h"
+#include "ov_sys/Interface/foundation/Deadline.h"
 #include "ov_sys/Interface/foundation/Diagnostics.h"
 #include "ov_sys/Interface/foundation/Sockets.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/time.h>
+#include <thread>
 #include <utility>
 
 namespace Orvane {
@@ -22,27 +22,22 @@ constexpr int kConnectPauseMs = 10;
 constexpr std::chrono::milliseconds kReadTime{80};
 
 // Long enough for the system to find out by itself that an address on the local network is not taken.
-constexpr timeval kSilenceLimit = {5, 0};
+constexpr std::chrono::seconds kSilenceLimit{5};
 
-void limitSilence(int socket) {
-    setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &kSilenceLimit, sizeof kSilenceLimit);
-    setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &kSilenceLimit, sizeof kSilenceLimit);
-}
-
-// Repeats a transfer that a signal handler cut short. False, with a line that tells the cause, when it
-// failed.
+// Makes one transfer that does not block as soon as `socket` is ready for `event`, however many signals are
+// handled until then. False, with a line that tells the cause, when it failed or the silence limit passed.
 template <class Transfer>
-bool transfer(const char* name, ssize_t& count, Transfer once) {
-    do
-        count = once();
-    while (count < 0 && errno == EINTR);
-    if (count >= 0)
-        return true;
-    // The silence limit ran out.
-    if (errno == EAGAIN)
-        errno = ETIMEDOUT;
-    Diagnostics::error(name, " failed with error: ", get_last_error());
-    return false;
+bool transfer(const char* name, int socket, short event, ssize_t& count, Transfer once) {
+    const Deadline deadline = Deadline::after(kSilenceLimit);
+    do {
+        const bool ready = deadline.waitFor(socket, event);
+        count = ready ? once() : -1;
+        if (!ready)
+            errno = ETIMEDOUT;
+    } while (count < 0 && (errno == EINTR || errno == EAGAIN) && !deadline.passed());
+    if (count < 0)
+        Diagnostics::error(name, " failed with error: ", get_last_error());
+    return count >= 0;
 }
 
 } // namespace
@@ -65,7 +60,7 @@ bool TcpBoardResolver::enableBlocking(bool blocking) {
 }
 
 bool TcpBoardResolver::waitSocketConnect(int milliseconds) {
-    poll(nullptr, 0, std::max(milliseconds, 0));
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
     return true;
 }
 
@@ -73,7 +68,6 @@ void TcpBoardResolver::Search() {
     socket = create_tcp_socket();
     if (socket < 0)
         return;
-    limitSilence(socket);
     enableBlocking(false);
     connect_socket(socket, address.c_str(), port);
     enableBlocking(true);
@@ -81,15 +75,18 @@ void TcpBoardResolver::Search() {
         return;
 
     ssize_t count = 0;
-    if (!transfer("send", count,
-                  [this] { return ::send(socket, request.data(), request.size(), MSG_NOSIGNAL); }))
+    const auto sendRequest = [this] {
+        return ::send(socket, request.data(), request.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+    };
+    if (!transfer("send", socket, POLLOUT, count, sendRequest))
         return;
 
     char text[DiscoveryProtocol::kReplyLimit + 1] = {};
-    const auto start = std::chrono::system_clock::now();
+    const auto receiveSome = [&] { return recv(socket, text, DiscoveryProtocol::kReplyLimit, MSG_DONTWAIT); };
+    const Deadline end = Deadline::after(kReadTime);
     do
-        transfer("recv", count, [&] { return recv(socket, text, DiscoveryProtocol::kReplyLimit, 0); });
-    while (count > 0 && std::chrono::system_clock::now() - start < kReadTime);
+        transfer("recv", socket, POLLIN, count, receiveSome);
+    while (count > 0 && !end.passed());
 
     reply = text;
     close_socket(socket);

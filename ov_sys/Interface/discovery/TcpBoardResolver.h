@@ -31,15 +31,15 @@ public:
     // Switches the socket to blocking or non-blocking; whether that succeeded.
     bool enableBlocking(bool blocking);
 
-    // Pauses for `milliseconds`, or until a signal handler ran, and returns true; the outcome of the
-    // connection shows at the following send. Below 1 it does not pause.
+    // Pauses for `milliseconds`, whatever signals arrive, and returns true; the outcome of the connection
+    // shows at the following send. Below 1 it does not pause.
     bool waitSocketConnect(int milliseconds);
 
     // Connects, sends the request and reads until the board closes the connection or 80 ms have passed, which
     // is looked at between receives only. Every receive of up to 255 bytes overwrites the text from its
     // start; a longer earlier one shows behind the newer bytes. Failures are lines on the standard error
     // stream and leave the reply as far as it was received. Blocks until the board answers or closes; an
-    // address or a board that stays silent counts as timed out after 5 s.
+    // address or a board that stays silent counts as timed out after 5 s, so at most some 15 s in all.
     void Search();
 
     // Search().

@@ -1,6 +1,7 @@
 #include "ov_sys/Interface/foundation/Sockets.h"
 
 #include "ov_sys/Interface/foundation/Diagnostics.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 
 #include <arpa/inet.h>
 #include <cerrno>
@@ -8,12 +9,11 @@
 #include <cstring>
 #include <netinet/in.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 namespace Orvane {
 
 int create_tcp_socket() {
-    const int created = ::socket(AF_INET, SOCK_STREAM, 0);
+    const int created = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (created < 0) {
         Diagnostics::error("socket failed with error: ", get_last_error());
         return -1;
@@ -30,8 +30,7 @@ int connect_socket(int socket, const char* ip, int port) {
 }
 
 void close_socket(int socket) {
-    if (socket != -1)
-        ::close(socket);
+    const FileDescriptor closing(socket);
 }
 
 const char* get_last_error() {

@@ -6,8 +6,9 @@
 // None of these throws; all are safe in any thread, given that each socket has one user at a time.
 namespace Orvane {
 
-// A new IPv4 stream socket, which the caller closes with close_socket(). On failure writes "socket failed
-// with error: " and the text of errno to the standard error stream and returns -1.
+// A new IPv4 stream socket, which the caller closes with close_socket() and programs that the process starts
+// do not inherit. On failure writes "socket failed with error: " and the text of errno to the standard error
+// stream and returns -1.
 ORVANE_API int create_tcp_socket();
 
 // Connects to the dotted IPv4 address `ip` (not null) and `port`, of which the low 16 bits count. Returns

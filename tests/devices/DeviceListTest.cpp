@@ -1,5 +1,6 @@
 // The device list: merging of found boards, look-ups, texts and readers beside it.
 #include "ov_sys/Interface/devices/HWInterface.h"
+#include "ov_sys/Interface/discovery/BoardFinder.h"
 #include "ov_sys/Interface/foundation/AddressResponse.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "tests/support/HeapText.h"
@@ -70,6 +71,25 @@ TEST_F(DeviceList, GetsNoDeviceTwice) {
 TEST_F(DeviceList, GetsADeviceOnceThatABoardNamesTwice) {
     found({{"host 01a2:0 01a2:0", "10.0.0.1"}});
     EXPECT_THAT(names(), ElementsAre("01A2:0"));
+}
+
+TEST_F(DeviceList, GetsNoLineAboutWordsThatAreNoDeviceNames) {
+    const std::string lines = textWritten([this] { found({{"host a:x b:0 c", "10.0.0.1"}}); }).error;
+    EXPECT_EQ(lines, "");
+    EXPECT_THAT(names(), ElementsAre("B:0"));
+}
+
+TEST_F(DeviceList, Gets1024DevicesOfOneSearchAndTheOthersOfTheNext) {
+    std::vector<AddressResponse> flood;
+    for (int i = 0; i < 1500; ++i)
+        flood.emplace_back("host a" + std::to_string(i) + ":0", "10.0.0.1");
+    const std::uint64_t before = Orvane::BoardFinder::dropped().excess;
+    found(flood);
+    EXPECT_EQ(names().size(), 1024U);
+    EXPECT_EQ(Orvane::BoardFinder::dropped().excess - before, 1500U - 1024U);
+    found(flood);
+    EXPECT_EQ(names().size(), 1500U);
+    EXPECT_EQ(Orvane::BoardFinder::dropped().excess - before, 1500U - 1024U);
 }
 
 TEST_F(DeviceList, NeverGetsTheFirstWord) {

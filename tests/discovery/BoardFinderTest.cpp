@@ -51,6 +51,27 @@ TEST(ParseResponce, KeepsTheAddressOfARefusedReply) {
     EXPECT_EQ(reply, AddressResponse("", "10.0.0.1"));
 }
 
+TEST(ParseResponce, RefusesAndCountsNamesBeyondPrintableAscii) {
+    const std::uint64_t before = BoardFinder::dropped().unprintable;
+    EXPECT_EQ(parsedName("evb", "evb|b\x1b[2J"), "");
+    EXPECT_EQ(parsedName("evb", "evb|host a:0\n"), "");
+    EXPECT_EQ(parsedName("evb", "evb|b\x7f"), "");
+    EXPECT_EQ(parsedName("evb", "evb|b\xc2\x9b"), "");
+    EXPECT_EQ(BoardFinder::dropped().unprintable, before + 4);
+}
+
+TEST(ParseResponce, TakesEveryPrintableByteAndAnyTypeWord) {
+    std::string every;
+    for (char each = ' '; each <= '~'; ++each)
+        if (each < 'A' || each > 'Z')
+            every += each;
+    const std::uint64_t before = BoardFinder::dropped().unprintable;
+    EXPECT_EQ(parsedName("", "|" + every), every);
+    EXPECT_EQ(parsedName("\xfc", "\xfc|b"), "b");
+    EXPECT_EQ(parsedName("evb", "other|\x1b"), "");
+    EXPECT_EQ(BoardFinder::dropped().unprintable, before);
+}
+
 TEST(HandleReceivedData, AppendsAcceptedRepliesInOrderAndEmptiesThem) {
     Found found;
     Records replies = {

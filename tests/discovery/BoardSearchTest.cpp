@@ -4,6 +4,7 @@
 #include "tests/discovery/BoardSide.h"
 #include "tests/discovery/Found.h"
 #include "tests/discovery/OwnNetwork.h"
+#include "tests/support/FrequentSignals.h"
 #include "tests/support/WrittenText.h"
 
 #include <chrono>
@@ -129,6 +130,30 @@ const Pace kPaces[] = {
     {4, 560, 10 + 20 + 40 + 80 + 160 + 250 + 250 + 250},
 };
 INSTANTIATE_TEST_SUITE_P(Find, FindPace, testing::ValuesIn(kPaces));
+
+TEST(Find, LastsAsLongWhileSignalsArrive) {
+    BoardSide boards(never());
+    Found found;
+    const OrvaneTest::FrequentSignals signals;
+    const auto start = std::chrono::steady_clock::now();
+    BoardFinder::find("", found.list, 150, 0);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 10ms + 20ms + 40ms + 80ms + 160ms + 250ms);
+}
+
+TEST(Find, Takes1024BoardsOfAFloodAndCountsTheOthers) {
+    constexpr int answers = 1500;
+    BoardSide boards([](int) {
+        Replies flood;
+        for (int i = 0; i < answers; ++i)
+            flood.push_back({"10.83.0.1", "|flood" + std::to_string(i)});
+        return flood;
+    });
+    Found found = {{"earlier", "10.83.0.9"}};
+    const std::uint64_t before = BoardFinder::dropped().excess;
+    BoardFinder::find("", found.list, 2000, 100'000);
+    EXPECT_EQ(found.list.size(), 1U + 1024U);
+    EXPECT_GT(BoardFinder::dropped().excess, before);
+}
 
 // The board answers the repeated request of the last round but one, so that count and time-out are reached in
 // the same round; a machine that was held up for that round's 250 ms gets another chance.

@@ -84,6 +84,12 @@ TEST(MulticastBoardResolver, SetsLoopOffAndTimeToLive31OnTheSendSocket) {
     EXPECT_EQ(option<int>(resolver.sendSocket, IPPROTO_IP, IP_MULTICAST_TTL), 31);
 }
 
+TEST(MulticastBoardResolver, KeepsItsSocketsFromProgramsThatTheProcessStarts) {
+    const MulticastBoardResolver resolver(kGroup, kPort);
+    EXPECT_EQ(fcntl(resolver.listenSocket, F_GETFD), FD_CLOEXEC);
+    EXPECT_EQ(fcntl(resolver.sendSocket, F_GETFD), FD_CLOEXEC);
+}
+
 TEST(MulticastBoardResolver, ClosesItsSocketsAtTheEnd) {
     int listenSocket = -1;
     int sendSocket = -1;

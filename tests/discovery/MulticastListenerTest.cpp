@@ -1,4 +1,5 @@
 // The multicast resolver's listener thread and its queue of replies.
+#include "ov_sys/Interface/discovery/BoardFinder.h"
 #include "ov_sys/Interface/discovery/MulticastBoardResolver.h"
 #include "simulator/engine/FileDescriptor.h"
 #include "tests/discovery/Limits.h"
@@ -70,6 +71,21 @@ TEST_F(MulticastListener, QueuesTheSameReplyAsOftenAsItCame) {
     sendReply("|b", 5);
     sendReply("|b", 5);
     EXPECT_EQ(awaitReplies(resolver, 2), (Records{{"|b", "127.0.0.5"}, {"|b", "127.0.0.5"}}));
+}
+
+TEST_F(MulticastListener, DropsAndCountsWhatComesWhile4096RepliesWait) {
+    const std::uint64_t before = BoardFinder::dropped().excess;
+    for (int i = 0; i < 4096; ++i)
+        resolver.PushReply("|b", "10.83.0.1");
+    sendReply("|late");
+    for (const auto end = std::chrono::steady_clock::now() + 10s;
+         BoardFinder::dropped().excess == before && std::chrono::steady_clock::now() < end;)
+        std::this_thread::sleep_for(1ms);
+    EXPECT_EQ(BoardFinder::dropped().excess, before + 1);
+    Records replies;
+    resolver.GetReplies(replies);
+    EXPECT_EQ(replies.size(), 4096U);
+    EXPECT_EQ(replies.back().name, "|b");
 }
 
 TEST_F(MulticastListener, KeepsThe255FirstBytesOfALongerDatagram) {

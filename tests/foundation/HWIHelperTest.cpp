@@ -2,6 +2,7 @@
 #include "ov_sys/Interface/foundation/HWIHelper.h"
 
 #include "ov_sys/Interface/foundation/Exceptions.h"
+#include "tests/support/FrequentSignals.h"
 
 #include <chrono>
 #include <gtest/gtest.h>
@@ -165,6 +166,15 @@ const Refused kRefused[] = {
 };
 INSTANTIATE_TEST_SUITE_P(SplitBoardSNPort, RefusedDeviceName, testing::ValuesIn(kRefused));
 
+TEST(IsDeviceName, SaysInSilenceWhatSplitBoardSNPortAccepts) {
+    testing::internal::CaptureStderr();
+    for (const Named& each : kAccepted)
+        EXPECT_TRUE(isDeviceName(each.name)) << testing::PrintToString(each.name);
+    for (const Refused& each : kRefused)
+        EXPECT_FALSE(isDeviceName(each.name)) << testing::PrintToString(each.name);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
 TEST(SplitBoardSNPort, SetsTheBoardBeforeItRefusesThePort) {
     std::string board;
     int port = 0;
@@ -185,6 +195,13 @@ TEST(MSleep, LastsAtLeastTheMilliseconds) {
     const auto start = std::chrono::steady_clock::now();
     mSleep(20);
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(20));
+}
+
+TEST(MSleep, LastsAsLongWhileSignalsArrive) {
+    const OrvaneTest::FrequentSignals signals;
+    const auto start = std::chrono::steady_clock::now();
+    mSleep(100);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(100));
 }
 
 TEST(MSleep, ReturnsAtOnceForZero) {

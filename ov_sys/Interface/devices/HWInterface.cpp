@@ -2,6 +2,7 @@
 
 #include "ov_sys/Interface/discovery/BoardFinder.h"
 #include "ov_sys/Interface/discovery/FoundBoards.h"
+#include "ov_sys/Interface/discovery/SearchLimits.h"
 #include "ov_sys/Interface/foundation/AddressResponse.h"
 #include "ov_sys/Interface/foundation/Diagnostics.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
@@ -33,6 +34,15 @@ void probe(const std::string& name, AddressResponse& board, FoundBoards& found) 
     }
     if (!board.name.empty())
         found.records.push_back(new AddressResponse(board));
+}
+
+bool isListed(HWInterface& devices, const std::string& name) {
+    try {
+        devices.deviceIndex(name);
+        return true;
+    } catch (const Exceptions::NoDevice&) {
+        return false;
+    }
 }
 
 } // namespace
@@ -71,13 +81,19 @@ void HWInterface::refreshDevices(const std::string& name, std::string address) {
 void HWInterface::updateSimpleDeviceList(std::vector<AddressResponse*>& found) {
     const std::string wholeBoard = typeWord();
     Candidates candidates;
+    const auto offer = [&](const std::string& name, const std::string& address) {
+        if (candidates.size() == SearchLimits::kNew)
+            ++SearchLimits::excess;
+        else if (!isListed(*this, name))
+            candidates.emplace_back(name, address);
+    };
     for (const AddressResponse* board : found) {
         if (board->name == wholeBoard)
-            candidates.emplace_back(wholeBoard + ":0", board->address);
+            offer(wholeBoard + ":0", board->address);
         const std::vector<std::string> words = HWIHelper::split(board->name, " ");
         for (std::size_t i = 1; i < words.size(); ++i)
-            if (isValidName(words[i]))
-                candidates.emplace_back(words[i], board->address);
+            if (HWIHelper::isDeviceName(words[i]))
+                offer(words[i], board->address);
     }
     std::sort(candidates.begin(), candidates.end());
     candidates.erase(std::unique(candidates.begin(), candidates.end()), candidates.end());

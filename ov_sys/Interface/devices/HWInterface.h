@@ -54,8 +54,9 @@ public:
     // of that host name or the first to answer to the name (5 s at most); else every board (1 s, or until
     // more than ten have answered). Throws what discovery throws.
     void refreshDevices(const std::string& name, std::string address);
-    // Adds the devices that the found boards name and that are not in the list yet, sorted by name. The
-    // records stay the caller's.
+    // Adds the devices that the found boards name and that are not in the list yet, sorted by name, 1,024 at
+    // most: BoardFinder::dropped() counts those beyond, the next search may add them. Words that are no
+    // device names are passed over in silence. The records stay the caller's.
     void updateSimpleDeviceList(std::vector<AddressResponse*>& found);
 
     // These two refresh the list first (1 s) and throw what discovery throws.

@@ -3,6 +3,7 @@
 #include "ov_sys/Interface/discovery/DiscoveryProtocol.h"
 #include "ov_sys/Interface/discovery/DottedAddress.h"
 #include "ov_sys/Interface/discovery/MulticastBoardResolver.h"
+#include "ov_sys/Interface/discovery/SearchLimits.h"
 #include "ov_sys/Interface/discovery/TcpBoardResolver.h"
 #include "ov_sys/Interface/foundation/HWIHelper.h"
 
@@ -11,8 +12,10 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
+#include <limits>
 #include <memory>
 #include <netdb.h>
+#include <utility>
 
 namespace Orvane {
 
@@ -52,6 +55,28 @@ bool holds(const std::vector<AddressResponse*>& found, const AddressResponse& bo
                        [&](const AddressResponse* each) { return *each == board; });
 }
 
+bool printable(const std::string& text) {
+    return std::all_of(text.begin(), text.end(), [](char each) { return each >= ' ' && each <= '~'; });
+}
+
+// handleReceivedData(), up to `most` records in `found`.
+void merge(const std::string& boardType, std::vector<AddressResponse>& replies,
+           std::vector<AddressResponse*>& found, std::size_t most) {
+    for (AddressResponse& each : replies) {
+        const AddressResponse& board = BoardFinder::parseResponce(boardType, each);
+        if (board.name.empty() || holds(found, board))
+            continue;
+        if (found.size() >= most) {
+            ++SearchLimits::excess;
+            continue;
+        }
+        auto record = std::make_unique<AddressResponse>(board);
+        found.push_back(record.get());
+        static_cast<void>(record.release());
+    }
+    replies.clear();
+}
+
 } // namespace
 
 int BoardFinder::find(std::string boardType, std::vector<AddressResponse*>& found, unsigned timeoutMs,
@@ -62,6 +87,7 @@ int BoardFinder::find(std::string boardType, std::vector<AddressResponse*>& foun
     const ListenerGuard guard(resolver);
     resolver.send(request);
 
+    const std::size_t most = found.size() + SearchLimits::kNew;
     std::vector<AddressResponse> replies;
     unsigned delayMs = kFirstDelayMs;
     unsigned elapsedMs = 0;
@@ -73,7 +99,7 @@ int BoardFinder::find(std::string boardType, std::vector<AddressResponse*>& foun
             lastRound = true;
         }
         resolver.GetReplies(replies);
-        handleReceivedData(boardType, replies, found);
+        merge(boardType, replies, found, most);
         if (found.size() > maxCount) {
             resolver.stopListener();
             break;
@@ -111,7 +137,13 @@ AddressResponse& BoardFinder::parseResponce(const std::string& boardType, Addres
     HWIHelper::str_to_lower(key);
     std::string text = reply.name;
     HWIHelper::str_to_lower(text);
-    reply.assign(HWIHelper::start_with(text, key) ? text.substr(key.size()) : "", reply.address);
+    std::string name = HWIHelper::start_with(text, key) ? text.substr(key.size()) : "";
+    // As it was sent: what a letter becomes in lower case is the locale's.
+    if (!name.empty() && !printable(reply.name.substr(key.size()))) {
+        ++SearchLimits::unprintable;
+        name.clear();
+    }
+    reply.assign(std::move(name), reply.address);
     return reply;
 }
 
@@ -124,15 +156,11 @@ void BoardFinder::find_ports(std::string boardType, AddressResponse& board) {
 
 void BoardFinder::handleReceivedData(const std::string& boardType, std::vector<AddressResponse>& replies,
                                      std::vector<AddressResponse*>& found) {
-    for (AddressResponse& each : replies) {
-        const AddressResponse& board = parseResponce(boardType, each);
-        if (board.name.empty() || holds(found, board))
-            continue;
-        auto record = std::make_unique<AddressResponse>(board);
-        found.push_back(record.get());
-        static_cast<void>(record.release());
-    }
-    replies.clear();
+    merge(boardType, replies, found, std::numeric_limits<std::size_t>::max());
+}
+
+DroppedAnswers BoardFinder::dropped() noexcept {
+    return {SearchLimits::unprintable, SearchLimits::excess};
 }
 
 } // namespace Orvane

@@ -4,12 +4,20 @@
 #include "ov_sys/Interface/foundation/AddressResponse.h"
 #include "ov_sys/Interface/foundation/Export.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace Orvane {
 
-// Keeps no state: every operation may run on several threads at once, each with its own arguments.
+// What the searches of this process left out, since it began.
+struct DroppedAnswers {
+    std::uint64_t unprintable; // answers of the type asked for with a name beyond printable ASCII
+    std::uint64_t excess;      // answers and devices beyond what one search takes in
+};
+
+// Keeps no state but the count of what was dropped: every operation may run on several threads at once, each
+// with its own arguments.
 class ORVANE_API BoardFinder {
 public:
     // Searches all local IPv4 networks for the boards that answer to `boardType` (a type word, serial number
@@ -18,7 +26,8 @@ public:
     //
     // Blocks in rounds of 10, 20, 40, 80, 160 and then always 250 ms, the request being repeated after each
     // round of 250 ms. Ends with the first round that leaves more than `maxCount` records in `found`, or with
-    // the one before which more than `timeoutMs` milliseconds were slept.
+    // the one before which more than `timeoutMs` milliseconds were slept. Appends 1,024 records at most;
+    // dropped() counts the others.
     //
     // Throws Exceptions::Standard when the host has no IPv4 address, and std::system_error when a thread
     // cannot be started or when count and time-out end the search in the same round; what was found stays in
@@ -33,7 +42,8 @@ public:
     static bool findByHostName(std::string host, AddressResponse& out);
 
     // Strips the type word and "|" from the reply text in `reply.name`, all in lower case, and returns
-    // `reply`. The name becomes empty when the reply is of another type or names no board; the address stays.
+    // `reply`. The name becomes empty when the reply is of another type or names no board, or when the name
+    // holds a byte that is not printable ASCII (0x20 to 0x7E), which dropped() counts; the address stays.
     static AddressResponse& parseResponce(const std::string& boardType, AddressResponse& reply);
 
     // Asks the board at `board.address` for its name over TCP. `board.name` becomes the parsed name, or empty
@@ -44,6 +54,9 @@ public:
     // address, and empties `replies`. The caller owns the appended records (delete).
     static void handleReceivedData(const std::string& boardType, std::vector<AddressResponse>& replies,
                                    std::vector<AddressResponse*>& found);
+
+    // What was left out up to now, by all searches together. Throws nothing.
+    static DroppedAnswers dropped() noexcept;
 };
 
 } // namespace Orvane

@@ -3,6 +3,7 @@
 #include "ov_sys/Interface/discovery/DiscoveryProtocol.h"
 #include "ov_sys/Interface/discovery/DottedAddress.h"
 #include "ov_sys/Interface/discovery/InterfaceLister.h"
+#include "ov_sys/Interface/discovery/SearchLimits.h"
 #include "ov_sys/Interface/foundation/Diagnostics.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "ov_sys/Interface/foundation/Sockets.h"
@@ -39,7 +40,7 @@ sockaddr_in socketAddress(in_addr_t address, unsigned port) {
 
 int openDatagramSocket(int& socket) {
     close_socket(socket);
-    socket = ::socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP);
+    socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP);
     return socket;
 }
 
@@ -56,6 +57,11 @@ Wait waitReadable(int socket) {
     if (socket < 0 || (ready < 0 && errno != EINTR) || (watched.revents & POLLNVAL) != 0)
         return Wait::failed;
     return ready > 0 ? Wait::readable : Wait::nothing;
+}
+
+bool full(MulticastBoardResolver& resolver) {
+    const std::lock_guard<std::mutex> guard(resolver.repliesLock);
+    return resolver.replies.size() >= SearchLimits::kWaiting;
 }
 
 } // namespace
@@ -165,7 +171,10 @@ void MulticastBoardResolver::listen(const std::atomic<bool>& flag) {
             Diagnostics::error("MulticastBoardResolver: recvfrom error");
             return;
         }
-        PushReply(text, dottedAddress(localAddress.sin_addr));
+        if (full(*this))
+            ++SearchLimits::excess;
+        else
+            PushReply(text, dottedAddress(localAddress.sin_addr));
     }
 }
 

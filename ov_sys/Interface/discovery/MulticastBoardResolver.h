@@ -65,7 +65,8 @@ public:
     // is none to wait for.
     void stopListener();
 
-    // The listener thread's body: queues replies until `flag` is false or the socket fails.
+    // The listener thread's body: queues replies until `flag` is false or the socket fails. While 4,096 wait
+    // to be fetched, those that come are dropped (BoardFinder::dropped()).
     void listen(const std::atomic<bool>& flag);
 
     // Queues one reply. Any thread.

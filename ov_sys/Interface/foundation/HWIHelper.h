@@ -23,8 +23,11 @@ ORVANE_API bool start_with(std::string text, std::string prefix);
 // error stream. `board` is set as soon as the ":" is accepted, `port` only on success.
 ORVANE_API void splitBoardSNPort(std::string name, std::string& board, int& port);
 
-// Blocks the calling thread for `ms` milliseconds, or until a signal handler ran. The microseconds are
-// counted in 32 unsigned bits and wrap beyond them.
+// Whether splitBoardSNPort() accepts `name`. Writes nothing.
+ORVANE_API bool isDeviceName(std::string name);
+
+// Blocks the calling thread for `ms` milliseconds, whatever signals arrive. The microseconds are counted in
+// 32 unsigned bits and wrap beyond them.
 ORVANE_API void mSleep(int ms);
 
 // The non-empty pieces of `text` between the delimiters. The search goes on one character behind the start of

@@ -25,11 +25,6 @@ struct ToldError {
 };
 thread_local ToldError told;
 
-// Writes the parts without joining them first: there may be no memory.
-void reportLostText(const char* text) noexcept {
-    std::fprintf(stderr, "\nError: Out of memory. Couldn't save interface error message:%s\n", text);
-}
-
 void record(const char* text) noexcept {
     errorFlag = 1;
     const std::size_t size = std::strlen(text) + 1;
@@ -37,7 +32,7 @@ void record(const char* text) noexcept {
     ++errorCount;
     char* grown = static_cast<char*>(std::realloc(errorText, size));
     if (grown == nullptr) {
-        reportLostText(text);
+        Orvane::Diagnostics::error("\nError: Out of memory. Couldn't save interface error message:", text);
         std::free(errorText);
         errorText = nullptr;
         return;
@@ -74,7 +69,7 @@ void HW_CallException(bool print) {
     } catch (const std::exception& problem) {
         record(problem.what());
         if (print)
-            std::fprintf(stderr, "\nError: %s\n", problem.what());
+            Orvane::Diagnostics::error("\nError: ", problem.what());
     } catch (...) {
         record("Unknown error.");
     }

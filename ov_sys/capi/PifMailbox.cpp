@@ -1,8 +1,11 @@
 // Register accesses that the PHY's firmware makes, asked for through its mailbox in MMD 30.
-#include <cstdio>
+#include "ov_sys/Interface/foundation/Diagnostics.h"
+
 #include <orvane/orvane.h>
 
 namespace {
+
+namespace Diagnostics = Orvane::Diagnostics;
 
 constexpr unsigned kMmd = 30;
 constexpr unsigned kAddress = 0xC47C;
@@ -32,7 +35,7 @@ struct Mailbox {
             ++furtherReads;
         }
         if (furtherReads == kMostFurtherReads)
-            std::fputs("Warning: PIF Mailbox commandStatus polling limit exceeded, retrying.\n", stderr);
+            Diagnostics::warning("Warning: PIF Mailbox commandStatus polling limit exceeded, retrying.");
         return status;
     }
 
@@ -43,8 +46,8 @@ struct Mailbox {
         if (status == kDone)
             return;
         if (status == kError)
-            std::fputs("Warning: PIF Mailbox reported an error, retrying.\n", stderr);
-        std::fputs("Error: PIF Mailbox retry limit exceeded, so giving up.\n", stderr);
+            Diagnostics::warning("Warning: PIF Mailbox reported an error, retrying.");
+        Diagnostics::error("Error: PIF Mailbox retry limit exceeded, so giving up.");
     }
 };
 

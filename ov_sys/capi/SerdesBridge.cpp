@@ -1,5 +1,6 @@
 // SerDes control registers (MMD 27), reached through a bridge in MMD 30.
-#include <cstdio>
+#include "ov_sys/Interface/foundation/Diagnostics.h"
+
 #include <orvane/orvane.h>
 
 namespace {
@@ -15,8 +16,9 @@ unsigned bridgeError(unsigned adapter, unsigned phy) {
 }
 
 void reportBridgeError(unsigned code, const char* action, unsigned address) {
-    std::fprintf(stderr, "Error: SERDES control register bridge error (code 0x%X) %s address 0x%X\n", code,
-                 action, address);
+    using Orvane::Diagnostics::Hex;
+    Orvane::Diagnostics::error("Error: SERDES control register bridge error (code 0x", Hex{code}, ") ",
+                               action, " address 0x", Hex{address});
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // TGE registers (MMD 11), reached through the GFE's registers in MMD 29.
-#include <cstdio>
+#include "ov_sys/Interface/foundation/Diagnostics.h"
+
 #include <orvane/orvane.h>
 
 namespace {
@@ -29,7 +30,7 @@ unsigned offsetOf(unsigned address) {
 }
 
 void reportUnsupported(unsigned block) {
-    std::fprintf(stderr, "Error: unsupported TGE register block ID: %u\n", block);
+    Orvane::Diagnostics::error("Error: unsupported TGE register block ID: ", block);
 }
 
 } // namespace

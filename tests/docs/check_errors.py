@@ -7,7 +7,7 @@ import sys
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 LITERAL = re.compile(r'"((?:[^"\\]|\\.)*)"')
 # Where a literal is a text for people: these calls, and what runs on to the next lines of a statement.
-CALLS = re.compile(r"Diagnostics::(error|output)\(|Standard\(|failure\(|retrainFailed\(|fprintf\(stderr|fputs\(|require\("
+CALLS = re.compile(r"Diagnostics::(error|warning|output)\(|Standard\(|failure\(|retrainFailed\(|fprintf\(stderr|fputs\(|require\("
                    r"|refuseOnSmbus\(|record\(|length_error\(|const std::string failed|return \"|kBoardAdvice = ")
 TOO_SHORT = 6
 
@@ -18,7 +18,7 @@ def texts(file):
         if CALLS.search(statement):
             joined = re.sub(r'"\s*\n\s*"', "", statement[CALLS.search(statement).start():])
             for literal in LITERAL.findall(joined):
-                text = re.split(r"(?:0x)?%|\\n", literal.removeprefix("\\n"))[0]
+                text = re.split(r"(?:0x)?%|0x$|\\n", literal.removeprefix("\\n"))[0]
                 if len(text.strip()) >= TOO_SHORT and not text.startswith(("ov_sys/", ",", ":")): # not in between
                     yield text
 

@@ -2,7 +2,10 @@
 #include "ov_sys/Interface/foundation/Diagnostics.h"
 
 #include <gtest/gtest.h>
+#include <locale>
 #include <set>
+#include <sstream>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -12,7 +15,7 @@ namespace {
 TEST(DiagnosticsError, JoinsItsPartsIntoOneLineOnStandardError) {
     testing::internal::CaptureStderr();
     testing::internal::CaptureStdout();
-    error("port ", 7, ' ', std::string("of board"));
+    error("port ", 7, std::string(" of board"));
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "port 7 of board\n");
 }
@@ -25,10 +28,31 @@ TEST(DiagnosticsOutput, JoinsItsPartsIntoOneLineOnStandardOutput) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST(DiagnosticsWrite, AddsNoLineEnd) {
+TEST(DiagnosticsWarning, GoesToStandardError) {
     testing::internal::CaptureStderr();
-    write(stderr, "first\nsecond");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "first\nsecond");
+    warning("no answer");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "no answer\n");
+}
+
+TEST(DiagnosticsPieces, ShowNumbersInPlainDigits) {
+    testing::internal::CaptureStderr();
+    error(-2147483647 - 1, " ", 18446744073709551615ULL, " ", Hex{0xBEEF}, " ", Hex{0});
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "-2147483648 18446744073709551615 BEEF 0\n");
+}
+
+// Groups the digits of every number, as many a language does.
+class Grouping : public std::numpunct<char> {
+    char do_thousands_sep() const override { return ','; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+TEST(DiagnosticsPieces, DoNotFollowTheLocaleOfTheApplication) {
+    const std::locale before = std::locale::global(std::locale(std::locale(), new Grouping));
+    testing::internal::CaptureStderr();
+    error("adapter ", 3001);
+    const std::string told = testing::internal::GetCapturedStderr();
+    std::locale::global(before);
+    EXPECT_EQ(told, "adapter 3001\n");
 }
 
 TEST(DiagnosticsError, KeepsTheLinesOfSeveralThreadsWhole) {

@@ -63,6 +63,7 @@ BoardConnection::~BoardConnection() {
 
 void BoardConnection::initialize() {
     HWIHelper::str_to_upper(name);
+    const Diagnostics::BoardScope scope(name);
     std::fill(std::begin(handles), std::end(handles), -1);
     for (const ServiceEntry& service : kServices)
         clients[service.id] = service.make(service.program, service.protocol, service.name, host);
@@ -113,6 +114,7 @@ AddressResponse BoardConnection::findBoard() {
 }
 
 void BoardConnection::updateAddress() {
+    const Diagnostics::BoardScope scope(name);
     const AddressResponse board = findBoard();
     const std::lock_guard<std::mutex> lock(addressMutex);
     if (board.address == host)
@@ -122,6 +124,7 @@ void BoardConnection::updateAddress() {
 }
 
 int BoardConnection::retrieveConnection() {
+    const Diagnostics::BoardScope scope(name);
     constexpr int kPauseMs = 250;
     constexpr std::int32_t kLimit = 60000;
     Diagnostics::error("Retrieve connection to RPC server");
@@ -144,6 +147,7 @@ int BoardConnection::retrieveConnection() {
 }
 
 int BoardConnection::problem() {
+    const Diagnostics::BoardScope scope(name);
     const std::lock_guard<std::mutex> lock(problemMutex);
     try {
         return testServer();
@@ -153,6 +157,7 @@ int BoardConnection::problem() {
 }
 
 int BoardConnection::testServer() {
+    const Diagnostics::BoardScope scope(name);
     return pingBoard(*getClient(SETUP));
 }
 
@@ -170,12 +175,14 @@ bool BoardConnection::onRPCCallError(clnt_stat status, std::string /*text*/) {
 }
 
 void BoardConnection::onRPCCallFatalError(clnt_stat status) {
+    const Diagnostics::BoardScope scope(name);
     Diagnostics::error("Remote Error:", static_cast<int>(status), "\n  \"",
                        clnt_sperrno(rpc_createerr.cf_stat), "\n\"");
     throw Exceptions::Standard("Remote error.");
 }
 
 bool BoardConnection::isLocal() {
+    const Diagnostics::BoardScope scope(name);
     std::ifstream file(kLocalBoardFile);
     if (!file) {
         Diagnostics::error("Couldn't read local board file: ", kLocalBoardFile);

@@ -82,6 +82,7 @@ PhySession* SimpleDeviceEntry::openSimple(std::string serial, int phyId, unsigne
 }
 
 PhySession* SimpleDeviceEntry::openSession(std::string serial, MdioExclusive const& mode) {
+    const Diagnostics::BoardScope board(serial);
     std::unique_ptr<PhySession, Abandon> session(new PhySession(AddressResponse(serial, address), mode));
     try {
         Setup::openConnection(*session);

@@ -128,6 +128,7 @@ PhySession::SessionState_t PhySession::errorHandlingState() {
 }
 
 bool PhySession::onRPCCallError(int clntStat, std::string clientName) {
+    const Diagnostics::BoardScope board(connection->name);
     const SessionState_t before = errorHandlingState();
     if (before == SESSION_ERROR_HANDLING || before == SESSION_RETRAINED)
         return waitForSessionValidation(kValidationWaitMs) == 0;
@@ -157,6 +158,7 @@ void PhySession::retrainFailed(const std::string& message) {
 }
 
 bool PhySession::onRPCResultError(RPCretCode_t code, std::string clientName) {
+    const Diagnostics::BoardScope board(connection->name);
     switch (code) {
     case 0:
         return false;
@@ -180,12 +182,14 @@ bool PhySession::onRPCResultError(RPCretCode_t code, std::string clientName) {
 }
 
 bool PhySession::onRPRetryWarning() {
+    const Diagnostics::BoardScope board(connection->name);
     Diagnostics::error("Warning level of attempts for RPC call was achieved. Resetting connection...");
     connection->retrieveConnection();
     return true;
 }
 
 void PhySession::onRPCCallFatalError(int clntStat) {
+    const Diagnostics::BoardScope board(connection->name);
     Diagnostics::error("Error level of attempts for RPC call was achieved.");
     connection->onRPCCallFatalError(static_cast<clnt_stat>(clntStat));
 }

@@ -6,7 +6,8 @@
  *
  * Errors. No function lets an exception out. A failure sets the flag that HW_Fail() returns, stores its text
  * for HW_Error(), and gives the neutral result that the function's comment names. Functions marked "reports"
- * also write an empty line and "Error: " with the text to the standard error stream.
+ * also write an empty line and "Error: " with the text to the standard error stream. Diagnostic lines can be
+ * taken over: see diagnostics.h.
  *
  * Threads. Any thread may call any function. Closing an adapter must not overlap with accesses to it.
  *
@@ -23,6 +24,7 @@
 
 #include <orvane/blocks.h>
 #include <orvane/core.h>
+#include <orvane/diagnostics.h>
 #include <orvane/logging.h>
 #include <orvane/registers.h>
 #include <orvane/widths.h>

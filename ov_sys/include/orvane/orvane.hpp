@@ -10,6 +10,7 @@
 #include "ov_sys/Interface/buses/Setup.h"
 #include "ov_sys/Interface/buses/Thermal.h"
 #include "ov_sys/Interface/devices/HWInterface.h"
+#include "ov_sys/Interface/foundation/DiagnosticsSink.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
 

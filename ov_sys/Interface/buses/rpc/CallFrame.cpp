@@ -56,6 +56,7 @@ void Frames::recover(PhySession& session, clnt_stat status, unsigned long attemp
 void DO_RPC_OPEN(Open_Param param, Open_Result* result, PhySession& session, BoardConnection::clientId id) {
     constexpr int kTries = 6;
     constexpr int kPauseMs = 1000;
+    const Diagnostics::BoardScope board(session.connection->name);
     RPCClient& client = *session.connection->getClient(id);
     connectForOpening(client);
     for (int tries = 1;; ++tries) {
@@ -74,6 +75,7 @@ void DO_RPC_OPEN(Open_Param param, Open_Result* result, PhySession& session, Boa
 
 void DO_RPC_CLOSE(Close_Param param, Simple_Result* result, PhySession& session,
                   BoardConnection::clientId id) {
+    const Diagnostics::BoardScope board(session.connection->name);
     const std::shared_ptr<RPCHandle> handle = session.connection->getClient(id)->pin();
     if (!handle) {
         Diagnostics::error("Closing connection terminated. Invalid Setup RPC client");

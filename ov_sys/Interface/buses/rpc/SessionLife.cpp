@@ -79,6 +79,7 @@ PhySession::PingFunction PhySession::selectPingFunction(PhySession* session) {
 
 void* PhySession::doKeepAlive(void* argument) {
     PhySession& session = *static_cast<PhySession*>(argument);
+    const Diagnostics::BoardScope board(session.connection->name);
     const PingFunction ping = selectPingFunction(&session);
     int failures = 0;
     while (pauseBetweenPings(session)) {

@@ -4,16 +4,16 @@
 namespace OrvaneSim {
 
 CallCounts CallCounters::of(std::string_view procedure) const {
-    for (const auto& [info, counts] : counts_)
-        if (procedure == info->procedure)
+    for (const auto& [known, counts] : counts_)
+        if (procedure == known->name)
             return counts;
     return {};
 }
 
 std::map<std::string, CallCounts> CallCounters::all() const {
     std::map<std::string, CallCounts> named;
-    for (const auto& [info, counts] : counts_)
-        named[info->procedure] = counts;
+    for (const auto& [known, counts] : counts_)
+        named[known->name] = counts;
     return named;
 }
 

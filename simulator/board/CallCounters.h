@@ -2,7 +2,7 @@
 #pragma once
 
 #include "simulator/board/CallCounts.h"
-#include "simulator/board/RequestLog.h"
+#include "simulator/board/Program.h"
 
 #include <map>
 #include <string>
@@ -15,7 +15,7 @@ namespace OrvaneSim {
 class CallCounters {
 public:
     /// The counts of a procedure, to be counted in. `procedure` must outlive the object.
-    CallCounts& of(const ProcedureInfo& procedure) { return counts_[&procedure]; }
+    CallCounts& of(const Procedure& procedure) { return counts_[&procedure]; }
 
     /// What was counted under a procedure's name; zeros when it was never called.
     CallCounts of(std::string_view procedure) const;
@@ -24,7 +24,7 @@ public:
     std::map<std::string, CallCounts> all() const;
 
 private:
-    std::unordered_map<const ProcedureInfo*, CallCounts> counts_;
+    std::unordered_map<const Procedure*, CallCounts> counts_;
 };
 
 } // namespace OrvaneSim

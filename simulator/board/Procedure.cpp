@@ -62,7 +62,7 @@ bool passesFault(const Fault& fault, RpcCall& call, Dice& dice) {
         call.delivery.closeConnection = true;
         return false;
     case Kind::RefuseProgram:
-        call.refuseProgram();
+        call.refuse(PROG_UNAVAIL);
         return false;
     default:
         setDelivery(fault, call.delivery);
@@ -71,18 +71,16 @@ bool passesFault(const Fault& fault, RpcCall& call, Dice& dice) {
     }
 }
 
-CallFate beginCall(Service& service, const ProcedureInfo& info) {
-    BoardParts& board = service.board;
-    const CallHeader& header = service.call.header();
-    const bool overTcp = service.call.transport() == Transport::Tcp;
-    RequestLog::Entry entry{&info,          header.program,
-                            header.version, header.procedure,
-                            overTcp,        std::string(service.call.arguments())};
-    CallFate fate{board.faults.take(info.program, info.procedure), board.counters.of(info)};
+CallFate beginCall(ProcedureCall& call) {
+    BoardParts& board = call.board;
+    RequestLog::Entry entry{&call.program, &call.procedure, call.rpc.transport() == Transport::Tcp,
+                            std::string(call.rpc.arguments())};
+    CallFate fate{board.faults.take(call.program.name, call.procedure.name),
+                  board.counters.of(call.procedure)};
     ++fate.counts.received;
     if (fate.fault) {
         count(fate.counts, *fate.fault);
-        fate.executed = passesFault(*fate.fault, service.call, board.faults.dice());
+        fate.executed = passesFault(*fate.fault, call.rpc, board.faults.dice());
     }
     if (!board.observers.empty()) {
         const Request request = RequestLog::expand(entry);

@@ -1,29 +1,19 @@
-// The frame around every procedure of a board: record, faults, session check, then the procedure itself.
+// The frame around every procedure of a board: decoding, record, faults, session check, then the procedure
+// itself and its reply.
 #pragma once
 
+#include "simulator/board/ProcedureCall.h"
 #include "simulator/board/ReplyBending.h"
-#include "simulator/board/Service.h"
-#include "simulator/engine/RpcCall.h"
+#include "simulator/protocol/Decoded.h"
 #include "simulator/protocol/RecordText.h"
 
 #include <cerrno>
 #include <optional>
+#include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace OrvaneSim {
-
-/// Decodes an encoded argument and shows it as JSON.
-template <class Argument>
-nlohmann::ordered_json describeArgument(std::string_view bytes, bool_t (*routine)(XDR*, Argument*)) {
-    XDR xdr{};
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): only read
-    xdrmem_create(&xdr, const_cast<char*>(bytes.data()), static_cast<u_int>(bytes.size()), XDR_DECODE);
-    Argument argument{};
-    auto json = routine(&xdr, &argument) ? toJson(argument) : nlohmann::ordered_json::object();
-    xdr.x_op = XDR_FREE;
-    routine(&xdr, &argument);
-    return json;
-}
 
 template <class Argument, class = void>
 struct HasIdentity : std::false_type {};
@@ -32,10 +22,10 @@ struct HasIdentity<Argument, std::void_t<decltype(std::declval<Argument&>().hand
 
 /// Finds the session of a call that carries an identity word; false when the board does not know it.
 template <class Argument>
-bool findSession(Service& service, const Argument& argument) {
+bool findSession(ProcedureCall& call, const Argument& argument) {
     if constexpr (HasIdentity<Argument>::value) {
-        service.session = service.board.sessions.find(static_cast<std::uint32_t>(argument.handle));
-        return service.session != nullptr;
+        call.session = call.board.sessions.find(static_cast<std::uint32_t>(argument.handle));
+        return call.session != nullptr;
     }
     return true;
 }
@@ -48,56 +38,60 @@ struct CallFate {
 };
 
 /// Records and counts a decoded call, lets it meet its fault and tells the board's observers.
-CallFate beginCall(Service& service, const ProcedureInfo& info);
+CallFate beginCall(ProcedureCall& call);
 
 /// Whether a call that meets `fault` is executed; sets how the call is answered.
 bool passesFault(const Fault& fault, RpcCall& call, Dice& dice);
 
-/// Serves a decoded call: its fate, the check of its session, `function`. Returns whether a reply is to be
-/// sent, as a dispatch function expects.
+/// Takes a decoded call to its result: its fate, the check of its session, `function`. Returns whether the
+/// result is to be sent.
 template <class Argument, class Result>
-bool_t runProcedure(svc_req* request, const ProcedureInfo& info, Argument& argument, Result& result,
-                    void (*function)(Service&, const Argument&, Result&)) {
-    RpcCall& call = RpcCall::of(request);
-    Service& service = *static_cast<Service*>(call.context());
-    result = Result{};
-    const CallFate fate = beginCall(service, info);
+bool perform(ProcedureCall& call, void (*function)(ProcedureCall&, const Argument&, Result&),
+             const Argument& argument, Result& result) {
+    const CallFate fate = beginCall(call);
     if (!fate.executed) {
         if (fate.fault->kind != Fault::Kind::ResultCode)
-            return FALSE;
+            return false;
         setStatus(result, fate.fault->value);
-        return TRUE;
+        return true;
     }
-    if (findSession(service, argument)) {
+    if (findSession(call, argument)) {
         ++fate.counts.executed;
-        function(service, argument, result);
+        function(call, argument, result);
     } else {
         setStatus(result, -EBADRQC);
     }
-    if (call.later())
-        return FALSE;
+    if (call.rpc.later())
+        return false;
     if (fate.fault && fate.fault->kind == Fault::Kind::OverrideWord)
         setFirstWord(result, fate.fault->value);
     if (fate.fault && fate.fault->kind == Fault::Kind::ReplyCount)
-        setCounts(service, result, fate.fault->value);
-    return TRUE;
+        setCounts(call, result, fate.fault->value);
+    return true;
 }
 
+/// Makes the handler of a function; argument and result are decoded and encoded as its parameters say.
+template <class Function, Function function>
+struct HandlerOf;
+template <class Argument, class Result, void (*function)(ProcedureCall&, const Argument&, Result&)>
+struct HandlerOf<void (*)(ProcedureCall&, const Argument&, Result&), function> {
+    static void serve(ProcedureCall& call) {
+        Decoded<Argument> argument(call.rpc.arguments());
+        Result result{};
+        if (!argument)
+            call.rpc.refuse(GARBAGE_ARGS);
+        else if (perform(call, function, *argument, result))
+            call.rpc.succeed(openRoutine<Result>(), &result);
+    }
+    static nlohmann::ordered_json describe(std::string_view arguments) {
+        Decoded<Argument> argument(arguments);
+        return argument ? toJson(*argument) : nlohmann::ordered_json::object();
+    }
+};
+
+/// The handler of a `void(ProcedureCall&, const Argument&, Result&)` that leaves its status in the result.
+template <auto function>
+inline constexpr Handler handler{HandlerOf<decltype(function), function>::serve,
+                                 HandlerOf<decltype(function), function>::describe};
+
 } // namespace OrvaneSim
-
-/// Defines what rpcgen's dispatch function calls for one procedure: `stub` is its name on the client's side,
-/// `version` its program's, `function` a `void(Service&, const Argument&, Result&)` that leaves its status in
-/// the result. `program` is the name under which the call is recorded.
-#define ORVANE_SIM_PROCEDURE(program, version, stub, Argument, routine, Result, function)                    \
-    extern "C" bool_t sim_##stub##_##version##_svc(Argument* argument, Result* result, svc_req* request) {   \
-        static constexpr OrvaneSim::ProcedureInfo info{                                                      \
-            program, #stub,                                                                                  \
-            [](std::string_view bytes) { return OrvaneSim::describeArgument<Argument>(bytes, routine); }};   \
-        return OrvaneSim::runProcedure<Argument, Result>(request, info, *argument, *result, function);       \
-    }
-
-/// Results are built in memory that goes with the request, so there is nothing to free.
-#define ORVANE_SIM_RESULTS(program, version)                                                                 \
-    extern "C" int sim_##program##_##version##_freeresult(SVCXPRT*, xdrproc_t, caddr_t) {                    \
-        return TRUE;                                                                                         \
-    }

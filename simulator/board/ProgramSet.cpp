@@ -1,10 +1,11 @@
-// From a request to its program's dispatch function.
+// From a request to its procedure.
 #include "simulator/board/ProgramSet.h"
 
 #include "simulator/board/Procedure.h"
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 
 namespace OrvaneSim {
 namespace {
@@ -24,20 +25,32 @@ void ProgramSet::answer(RpcCall& call) {
     if (board_.faults.hanging())
         return;
     const auto program = std::find_if(programs_.begin(), programs_.end(),
-                                      [&](const Program& p) { return p.number == call.header().program; });
+                                      [&](const Program* p) { return p->number == call.header().program; });
     if (program == programs_.end()) {
-        call.refuseProgram();
+        call.refuse(PROG_UNAVAIL);
         return;
     }
-    if (program->version != call.header().version) {
-        refuseVersion(call, *program);
+    if ((*program)->version == call.header().version)
+        serve(call, **program);
+    else
+        refuseVersion(call, **program);
+}
+
+void ProgramSet::serve(RpcCall& call, const Program& program) {
+    if (call.header().procedure == NULLPROC) {
+        call.succeed(openRoutine<Nothing>(), nullptr);
+        return;
+    }
+    const Procedure* const procedure = program.find(call.header().procedure);
+    if (!procedure) {
+        call.refuse(PROC_UNAVAIL);
         return;
     }
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): raw memory
     alignas(std::max_align_t) std::array<std::byte, kUsualReplyMemory> room;
     std::pmr::monotonic_buffer_resource memory(room.data(), room.size());
-    Service service{board_, call, memory};
-    call.serve(program->dispatch, &service);
+    ProcedureCall procedureCall{board_, call, program, *procedure, memory};
+    procedure->handler.serve(procedureCall);
 }
 
 } // namespace OrvaneSim

@@ -1,11 +1,9 @@
-// Picks the program that a request is for.
+// Picks the program and the procedure that a request is for.
 #pragma once
 
 #include "simulator/board/BoardParts.h"
-#include "simulator/board/Service.h"
+#include "simulator/board/Program.h"
 #include "simulator/engine/RpcServer.h"
-
-#include <vector>
 
 namespace OrvaneSim {
 
@@ -14,16 +12,16 @@ namespace OrvaneSim {
 class ProgramSet : public RpcHandler {
 public:
     /// Both must outlive the set.
-    ProgramSet(BoardParts& board, const std::vector<Program>& programs)
-        : board_(board), programs_(programs) {}
+    ProgramSet(BoardParts& board, const ProgramList& programs) : board_(board), programs_(programs) {}
 
     void answer(RpcCall& call) override;
 
 private:
+    void serve(RpcCall& call, const Program& program);
     void refuseVersion(RpcCall& call, const Program& program);
 
     BoardParts& board_;
-    const std::vector<Program>& programs_;
+    const ProgramList& programs_;
 };
 
 } // namespace OrvaneSim

@@ -1,7 +1,7 @@
 // Alters a finished reply in the way that a fault asks for.
 #pragma once
 
-#include "simulator/board/Service.h"
+#include "simulator/board/ProcedureCall.h"
 #include "simulator/protocol/Records.h"
 
 #include <algorithm>
@@ -55,12 +55,12 @@ private:
 /// Cuts every list to a length or fills it up with bytes 0xEE.
 class CountSetter {
 public:
-    CountSetter(const Service& service, std::size_t count) : service_(service), count_(count) {}
+    CountSetter(const ProcedureCall& call, std::size_t count) : call_(call), count_(count) {}
     template <class Number>
     void operator()(const char*, Number&) {}
     template <class Element>
     void list(const char*, u_int& count, Element*& elements) {
-        auto* resized = service_.room<Element>(count_);
+        auto* resized = call_.allocate<Element>(count_);
         for (std::size_t i = 0; i < count_; ++i)
             resized[i] = i < count ? elements[i] : filling<Element>();
         elements = resized;
@@ -74,7 +74,7 @@ private:
     Element filling() const {
         Element element{};
         if constexpr (std::is_same_v<Element, sim_StringArrayEntry>) {
-            element.text = service_.room<char>(2);
+            element.text = call_.allocate<char>(2);
             element.text[0] = static_cast<char>(0xEE);
             element.length = 1;
         } else {
@@ -83,7 +83,7 @@ private:
         return element;
     }
 
-    const Service& service_;
+    const ProcedureCall& call_;
     std::size_t count_;
 };
 
@@ -105,8 +105,8 @@ void setFirstWord(Result& result, std::int64_t word) {
 }
 
 template <class Result>
-void setCounts(const Service& service, Result& result, std::int64_t count) {
-    CountSetter setter(service, static_cast<std::size_t>(std::clamp<std::int64_t>(count, 0, SIM_LIST_LIMIT)));
+void setCounts(const ProcedureCall& call, Result& result, std::int64_t count) {
+    CountSetter setter(call, static_cast<std::size_t>(std::clamp<std::int64_t>(count, 0, SIM_LIST_LIMIT)));
     members(setter, result);
 }
 

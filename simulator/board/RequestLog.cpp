@@ -37,14 +37,14 @@ void RequestLog::keep(std::size_t entries) {
 
 Request RequestLog::expand(const Entry& entry) {
     Request request;
-    request.program = entry.procedure->program;
-    request.procedure = entry.procedure->procedure;
-    request.programNumber = entry.programNumber;
-    request.version = entry.version;
-    request.procedureNumber = entry.procedureNumber;
+    request.program = entry.program->name;
+    request.procedure = entry.procedure->name;
+    request.programNumber = entry.program->number;
+    request.version = entry.program->version;
+    request.procedureNumber = entry.procedure->number;
     request.transport = entry.overTcp ? "tcp" : "udp";
     request.bytes = entry.arguments;
-    request.describe = entry.procedure->describe;
+    request.describe = entry.procedure->handler.describe;
     return request;
 }
 
@@ -73,7 +73,7 @@ std::vector<Request> RequestLog::select(const std::function<bool(const Request&)
 std::string RequestLog::summary() const {
     std::map<std::string, std::size_t> counts;
     for (const Entry& entry : entries_)
-        ++counts[entry.procedure->procedure];
+        ++counts[entry.procedure->name];
     std::string text = counts.empty() ? " none came" : "";
     for (const auto& [procedure, count] : counts)
         text += " " + procedure + " x" + std::to_string(count);

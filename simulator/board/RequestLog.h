@@ -1,6 +1,7 @@
 // The requests that a board decoded, newest kept.
 #pragma once
 
+#include "simulator/board/Program.h"
 #include "simulator/board/Request.h"
 
 #include <chrono>
@@ -11,28 +12,18 @@
 #include <functional>
 #include <mutex>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace OrvaneSim {
-
-/// What is known of a procedure before any call of it.
-struct ProcedureInfo {
-    const char* program;
-    const char* procedure;
-    nlohmann::ordered_json (*describe)(std::string_view bytes);
-};
 
 /// A ring of requests. `add` is called on the loop's thread, everything else may be called on any thread but
 /// the loop's.
 class RequestLog {
 public:
-    /// A request before it is shown to anybody; its procedure must outlive it.
+    /// A request before it is shown to anybody; its program must outlive it.
     struct Entry {
-        const ProcedureInfo* procedure;
-        std::uint32_t programNumber;
-        std::uint32_t version;
-        std::uint32_t procedureNumber;
+        const Program* program;
+        const Procedure* procedure;
         bool overTcp;
         std::string arguments;
     };

@@ -1,8 +1,6 @@
 // Starting and stopping of a board.
 #include "simulator/board/SimulatedBoard.h"
 
-#include "simulator/board/programs/Programs.h"
-
 #include <netinet/in.h>
 #include <utility>
 
@@ -19,14 +17,15 @@ SimulatedBoard::Sockets::Sockets(EventLoop& loop, SimulatedBoard& board)
       probe(loop, board.address_, board.voice_, board.parts_.faults) {}
 
 SimulatedBoard::SimulatedBoard(EventLoop& loop, MulticastResponder& responder, std::string address,
-                               BoardName name, std::uint64_t seed)
+                               BoardName name, const BoardPrograms& programs, std::uint64_t seed)
     : loop_(loop),
       responder_(responder),
+      programs_(programs),
       address_(std::move(address)),
       parts_(name.serial, name.line(), seed),
       voice_(std::move(name)),
-      portMapperSet_(parts_, portMapperPrograms()),
-      serviceSet_(parts_, servicePrograms()) {}
+      portMapperSet_(parts_, programs.portMapper),
+      serviceSet_(parts_, programs.services) {}
 
 SimulatedBoard::~SimulatedBoard() {
     stop();
@@ -101,14 +100,14 @@ void SimulatedBoard::allowShell() {
 }
 
 void SimulatedBoard::registerPrograms() {
-    const auto both = [this](const Program& program, std::uint32_t tcpPort, std::uint32_t udpPort) {
-        parts_.ports.set({program.number, program.version, IPPROTO_TCP, tcpPort});
-        parts_.ports.set({program.number, program.version, IPPROTO_UDP, udpPort});
+    const auto both = [this](const Program* program, std::uint32_t tcpPort, std::uint32_t udpPort) {
+        parts_.ports.set({program->number, program->version, IPPROTO_TCP, tcpPort});
+        parts_.ports.set({program->number, program->version, IPPROTO_UDP, udpPort});
     };
     parts_.ports.clear();
-    for (const Program& program : portMapperPrograms())
+    for (const Program* program : programs_.portMapper)
         both(program, kPortMapperPort, kPortMapperPort);
-    for (const Program& program : servicePrograms())
+    for (const Program* program : programs_.services)
         both(program, sockets_->services.port(Transport::Tcp), sockets_->services.port(Transport::Udp));
 }
 

@@ -5,6 +5,7 @@
 #include "simulator/board/Discovery.h"
 #include "simulator/board/MulticastResponder.h"
 #include "simulator/board/ProbeServer.h"
+#include "simulator/board/Program.h"
 #include "simulator/board/ProgramSet.h"
 #include "simulator/board/StrayStream.h"
 #include "simulator/engine/RpcServer.h"
@@ -19,9 +20,9 @@ namespace OrvaneSim {
 /// thread.
 class SimulatedBoard {
 public:
-    /// A board that does not serve yet. `loop` and `responder` must outlive it.
+    /// A board that does not serve yet. `loop`, `responder` and `programs` must outlive it.
     SimulatedBoard(EventLoop& loop, MulticastResponder& responder, std::string address, BoardName name,
-                   std::uint64_t seed);
+                   const BoardPrograms& programs, std::uint64_t seed);
     ~SimulatedBoard();
     SimulatedBoard(const SimulatedBoard&) = delete;
     SimulatedBoard& operator=(const SimulatedBoard&) = delete;
@@ -66,6 +67,7 @@ private:
 
     EventLoop& loop_;
     MulticastResponder& responder_;
+    const BoardPrograms& programs_;
     std::string address_;
     BoardParts parts_;
     DiscoveryVoice voice_;

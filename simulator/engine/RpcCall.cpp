@@ -2,7 +2,6 @@
 #include "simulator/engine/RpcCall.h"
 
 #include <array>
-#include <type_traits>
 #include <vector>
 
 namespace OrvaneSim {
@@ -32,6 +31,14 @@ std::string_view encode(rpc_msg& message, std::uint32_t transaction) {
     }
 }
 
+rpc_msg accepted(accept_stat status) {
+    rpc_msg message{};
+    message.rm_direction = REPLY;
+    message.rm_reply.rp_stat = MSG_ACCEPTED;
+    message.acpted_rply.ar_stat = status;
+    return message;
+}
+
 // XDR in memory takes a mutable pointer for both directions; decoding only reads.
 XDR decoder(std::string_view bytes) {
     XDR xdr{};
@@ -50,47 +57,9 @@ bool skipAuthentication(XDR& xdr) {
 
 } // namespace
 
-struct RpcCall::Operations {
-    static RpcCall& call(SVCXPRT* handle) { return *static_cast<RpcCall*>(handle->xp_p1); }
-
-    static bool_t arguments(SVCXPRT* handle, xdrproc_t routine, void* record) {
-        XDR xdr = decoder(call(handle).arguments_);
-        if (routine(&xdr, record))
-            return TRUE;
-        // The dispatch function forgets a record that did not decode, together with what it holds so far.
-        xdr_free(routine, record);
-        return FALSE;
-    }
-
-    static bool_t freeArguments(SVCXPRT*, xdrproc_t routine, void* record) {
-        xdr_free(routine, record);
-        return TRUE;
-    }
-
-    static bool_t reply(SVCXPRT* handle, rpc_msg* message) {
-        return call(handle).encodeReply(*message) ? TRUE : FALSE;
-    }
-
-    using Table = std::remove_const_t<std::remove_pointer_t<decltype(SVCXPRT::xp_ops)>>;
-    static constexpr Table table() {
-        Table operations{};
-        operations.xp_getargs = arguments;
-        operations.xp_freeargs = freeArguments;
-        operations.xp_reply = reply;
-        return operations;
-    }
-};
-
 RpcCall::RpcCall(std::string_view message, Transport transport) : transport_(transport) {
-    static constexpr auto operations = Operations::table();
-    handle_.xp_ops = &operations;
-    handle_.xp_p1 = this;
     // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer): needs the other members
     isRequest_ = decodeHeader(message);
-}
-
-RpcCall& RpcCall::of(const svc_req* request) {
-    return Operations::call(request->rq_xprt);
 }
 
 bool RpcCall::decodeHeader(std::string_view message) {
@@ -127,31 +96,27 @@ std::shared_ptr<LaterReply> RpcCall::answerLater() {
 }
 
 void LaterReply::send(xdrproc_t routine, void* result) {
-    rpc_msg message{};
-    message.rm_direction = REPLY;
-    message.rm_reply.rp_stat = MSG_ACCEPTED;
-    message.acpted_rply.ar_stat = SUCCESS;
-    message.acpted_rply.ar_results.proc = routine;
-    message.acpted_rply.ar_results.where = static_cast<char*>(result);
+    rpc_msg message = accepted(SUCCESS);
+    message.acpted_rply.ar_results = {static_cast<char*>(result), routine};
     way_(encode(message, transaction_));
 }
 
-void RpcCall::serve(Dispatch dispatch, void* context) {
-    context_ = context;
-    svc_req request{};
-    request.rq_prog = header_.program;
-    request.rq_vers = header_.version;
-    request.rq_proc = header_.procedure;
-    request.rq_xprt = &handle_;
-    dispatch(&request, &handle_);
+void RpcCall::succeed(xdrproc_t routine, void* result) {
+    rpc_msg message = accepted(SUCCESS);
+    message.acpted_rply.ar_results = {static_cast<char*>(result), routine};
+    if (!encodeReply(message))
+        refuse(SYSTEM_ERR);
 }
 
-void RpcCall::refuseProgram() {
-    svcerr_noprog(&handle_);
+void RpcCall::refuse(accept_stat why) {
+    rpc_msg message = accepted(why);
+    encodeReply(message);
 }
 
 void RpcCall::refuseVersion(std::uint32_t low, std::uint32_t high) {
-    svcerr_progvers(&handle_, low, high);
+    rpc_msg message = accepted(PROG_MISMATCH);
+    message.acpted_rply.ar_vers = {low, high};
+    encodeReply(message);
 }
 
 } // namespace OrvaneSim

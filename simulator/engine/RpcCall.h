@@ -60,14 +60,10 @@ private:
     std::function<void(std::string_view)> way_;
 };
 
-/// The server's end of one request. It poses as a libtirpc transport, so that dispatch functions made by
-/// rpcgen decode from it and reply into it; nothing is sent from here. Lives on the stack of the loop's
-/// thread for the length of one request.
+/// The server's end of one request: its arguments are decoded and its reply is encoded in memory; nothing is
+/// sent from here. Lives on the stack of the loop's thread for the length of one request.
 class RpcCall {
 public:
-    /// A dispatch function as rpcgen writes it.
-    using Dispatch = void (*)(svc_req*, SVCXPRT*);
-
     /// `message` (one whole request) must outlive the call.
     RpcCall(std::string_view message, Transport transport);
     RpcCall(const RpcCall&) = delete;
@@ -81,11 +77,11 @@ public:
     /// The encoded arguments.
     std::string_view arguments() const { return arguments_; }
 
-    /// Lets `dispatch` decode the arguments, serve the procedure and reply. The procedure finds `context`,
-    /// which is the caller's own, in `context()`.
-    void serve(Dispatch dispatch, void* context);
-    void* context() const { return context_; }
-    void refuseProgram();
+    /// Encodes a successful reply with its result's routine, or a system error when that fails.
+    void succeed(xdrproc_t routine, void* result);
+    /// Refuses the request: PROG_UNAVAIL, PROC_UNAVAIL or GARBAGE_ARGS.
+    void refuse(accept_stat why);
+    /// Refuses the program's version; those between `low` and `high` are served.
     void refuseVersion(std::uint32_t low, std::uint32_t high);
 
     /// Promises a reply for later; the procedure then gives none now.
@@ -99,23 +95,16 @@ public:
     /// How the reply is to be sent.
     Delivery delivery;
 
-    /// The call that a dispatch function's request belongs to.
-    static RpcCall& of(const svc_req* request);
-
 private:
-    struct Operations;
-
     bool decodeHeader(std::string_view message);
     bool encodeReply(rpc_msg& message);
 
     CallHeader header_;
     Transport transport_;
-    void* context_ = nullptr;
     bool isRequest_ = false;
     std::string_view arguments_;
     std::string_view reply_;
     std::shared_ptr<LaterReply> later_;
-    SVCXPRT handle_{};
 };
 
 } // namespace OrvaneSim

@@ -3,6 +3,7 @@
 
 #include "simulator/lab/BoardInside.h"
 #include "simulator/network/PrivateNetwork.h"
+#include "simulator/programs/Programs.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -48,8 +49,8 @@ struct Lab::Inside {
 
     std::unique_ptr<SimulatedBoard> serve(const BoardOptions& options, const std::string& address) {
         return loop.call([&] {
-            auto board =
-                std::make_unique<SimulatedBoard>(loop, *responder, address, nameOf(options), options.seed);
+            auto board = std::make_unique<SimulatedBoard>(loop, *responder, address, nameOf(options),
+                                                          boardPrograms(), options.seed);
             board->parts().requests.keep(options.keptRequests);
             if (options.allowShell)
                 board->allowShell();

@@ -1,6 +1,8 @@
 // Datagrams, records and headers that no well-behaved client sends.
 #include "tests/simulator/RawBoard.h"
 
+#include <array>
+
 namespace OrvaneSim {
 namespace {
 
@@ -64,6 +66,14 @@ TEST_F(RpcTransport, refusesUnknownProgramsVersionsAndProcedures) {
     EXPECT_EQ(exchange(request(SIM_MDIO, 1, "", 2)), with({PROG_MISMATCH, 1, 1}));
     EXPECT_EQ(exchange(request(SIM_MDIO, 21, "")), with({PROC_UNAVAIL}));
     EXPECT_EQ(exchange(request(SIM_JTAG, 2, "")), with({PROC_UNAVAIL}));
+}
+
+TEST_F(RpcTransport, AnswersTheNullProcedureOfEveryProgramAndRecordsNone) {
+    board.forgetRequests();
+    for (const std::uint32_t program : std::array<std::uint32_t, 3>{SIM_SETUP, SIM_MDIO, SIM_JTAG})
+        EXPECT_EQ(exchange(request(program, NULLPROC, "")),
+                  (std::vector<std::uint32_t>{kTransaction, REPLY, MSG_ACCEPTED, 0, 0, SUCCESS}));
+    EXPECT_TRUE(board.requests().empty());
 }
 
 TEST_F(RpcTransport, refusesArgumentsThatDoNotDecodeAndRecordsNone) {

@@ -1,14 +1,14 @@
 // Sessions and pings.
 #include "simulator/board/Procedure.h"
+#include "simulator/programs/Programs.h"
 
-using namespace OrvaneSim;
-
+namespace OrvaneSim {
 namespace {
 
 /// The call sequence that a client starts from.
 constexpr u_int kFirstSequence = 100;
 
-void openConnection(Service& service, const sim_Open_Param& argument, sim_Open_Result& result) {
+void openConnection(ProcedureCall& call, const sim_Open_Param& argument, sim_Open_Result& result) {
     if (argument.exclusive != 0 && argument.simple != 0) {
         result.error = -EINVAL;
         return;
@@ -20,27 +20,27 @@ void openConnection(Service& service, const sim_Open_Param& argument, sim_Open_R
                                           : OpenMode::Concurrent;
     wanted.deviceIndex = static_cast<unsigned>(argument.deviceIndex);
     wanted.phyAddress = static_cast<unsigned>(argument.phyAddress);
-    const Sessions::Opening opening = service.board.sessions.open(wanted);
+    const Sessions::Opening opening = call.board.sessions.open(wanted);
     result.error = opening.error;
     result.id = opening.id;
     result.sessionId = opening.key;
     result.sequence = opening.error == 0 ? kFirstSequence : 0;
 }
 
-void closeConnection(Service& service, const sim_Close_Param& argument, sim_Simple_Result&) {
-    service.board.sessions.close(argument.handle);
-    service.session = nullptr;
+void closeConnection(ProcedureCall& call, const sim_Close_Param& argument, sim_Simple_Result&) {
+    call.board.sessions.close(argument.handle);
+    call.session = nullptr;
 }
 
-void getErrorMessage(Service&, const sim_Simple_Param&, sim_Get_Error_Result&) {
+void getErrorMessage(ProcedureCall&, const sim_Simple_Param&, sim_Get_Error_Result&) {
     // No error is ever left pending: each call carries its own status.
 }
 
-void ping(Service&, const int& argument, int& result) {
+void ping(ProcedureCall&, const int& argument, int& result) {
     result = argument;
 }
 
-void pingClient(Service&, const sim_ID_Param&, sim_Simple_Result&) {
+void pingClient(ProcedureCall&, const sim_ID_Param&, sim_Simple_Result&) {
     // That the session was found is the whole answer.
 }
 
@@ -50,11 +50,11 @@ std::string commandText(const sim_Command_Param& argument) {
     return text.substr(0, text.find('\0'));
 }
 
-void fillOutcome(const Service& service, sim_Command_Result& result, int status, const std::string& output,
+void fillOutcome(const ProcedureCall& call, sim_Command_Result& result, int status, const std::string& output,
                  const std::string& errors) {
     result.status = status;
-    service.fill(result.output.output_len, result.output.output_val, output);
-    service.fill(result.errors.errors_len, result.errors.errors_val, errors);
+    call.fill(result.output.output_len, result.output.output_val, output);
+    call.fill(result.errors.errors_len, result.errors.errors_val, errors);
 }
 
 void answerFromShell(const std::shared_ptr<LaterReply>& reply, const ShellRunner::Outcome& outcome) {
@@ -71,34 +71,35 @@ void answerFromShell(const std::shared_ptr<LaterReply>& reply, const ShellRunner
 
 /// A board without a shell answers from its table, after the time that the table says; with one, the shell's
 /// outcome is the answer. A command that outlasts its time-out (in seconds) ends as timed out.
-void executeCommand(Service& service, const sim_Command_Param& argument, sim_Command_Result& result) {
+void executeCommand(ProcedureCall& call, const sim_Command_Param& argument, sim_Command_Result& result) {
     const std::string text = commandText(argument);
-    if (service.board.shell) {
-        service.board.shell->run(text, std::chrono::seconds(argument.seconds),
-                                 [reply = service.call.answerLater()](const ShellRunner::Outcome& outcome) {
-                                     answerFromShell(reply, outcome);
-                                 });
+    if (call.board.shell) {
+        call.board.shell->run(text, std::chrono::seconds(argument.seconds),
+                              [reply = call.rpc.answerLater()](const ShellRunner::Outcome& outcome) {
+                                  answerFromShell(reply, outcome);
+                              });
         return;
     }
-    const CommandOutcome outcome = service.board.commands.find(text);
+    const CommandOutcome outcome = call.board.commands.find(text);
     if (outcome.seconds > 0)
-        service.call.delivery.delay = std::chrono::seconds(std::min(outcome.seconds, argument.seconds));
+        call.rpc.delivery.delay = std::chrono::seconds(std::min(outcome.seconds, argument.seconds));
     if (outcome.seconds > argument.seconds)
         result.error = -ETIMEDOUT;
     else
-        fillOutcome(service, result, outcome.status, outcome.output, outcome.errors);
+        fillOutcome(call, result, outcome.status, outcome.output, outcome.errors);
 }
+
+constexpr Procedure kProcedures[] = {
+    {SIM_OPEN_CONNECTION, "open_connection", handler<openConnection>},
+    {SIM_CLOSE_CONNECTION, "close_connection", handler<closeConnection>},
+    {SIM_GET_ERROR_MSG, "get_error_msg", handler<getErrorMessage>},
+    {SIM_PING, "ping", handler<ping>},
+    {SIM_PINGCLIENT, "pingclient", handler<pingClient>},
+    {SIM_EXECUTE_COMMAND, "execute_command", handler<executeCommand>},
+};
 
 } // namespace
 
-ORVANE_SIM_PROCEDURE("setup", 1, open_connection, sim_Open_Param, xdr_sim_Open_Param, sim_Open_Result,
-                     openConnection)
-ORVANE_SIM_PROCEDURE("setup", 1, close_connection, sim_Close_Param, xdr_sim_Close_Param, sim_Simple_Result,
-                     closeConnection)
-ORVANE_SIM_PROCEDURE("setup", 1, get_error_msg, sim_Simple_Param, xdr_sim_Simple_Param, sim_Get_Error_Result,
-                     getErrorMessage)
-ORVANE_SIM_PROCEDURE("setup", 1, ping, int, xdr_int, int, ping)
-ORVANE_SIM_PROCEDURE("setup", 1, pingclient, sim_ID_Param, xdr_sim_ID_Param, sim_Simple_Result, pingClient)
-ORVANE_SIM_PROCEDURE("setup", 1, execute_command, sim_Command_Param, xdr_sim_Command_Param,
-                     sim_Command_Result, executeCommand)
-ORVANE_SIM_RESULTS(setup, 1)
+const Program kSetupProgram{"setup", SIM_SETUP, SIM_SETUP_VERSION, kProcedures};
+
+} // namespace OrvaneSim

@@ -1,29 +1,32 @@
-// One procedure at work: the board, the session and the memory that a reply is built in.
+// One call of a procedure: the board, the session and the memory that a reply is built in.
 #pragma once
 
 #include "simulator/board/BoardParts.h"
+#include "simulator/board/Program.h"
 #include "simulator/engine/RpcCall.h"
 #include "simulator/protocol/Records.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <memory_resource>
-#include <rpc/rpc.h>
+#include <new>
 #include <type_traits>
 
 namespace OrvaneSim {
 
 /// What a procedure is given beside its argument. Lives for the length of one request.
-struct Service {
+struct ProcedureCall {
     BoardParts& board;
-    RpcCall& call;
+    RpcCall& rpc;
+    const Program& program;
+    const Procedure& procedure;
     std::pmr::memory_resource& memory;
     /// The caller's session; null only for procedures that need none.
     const Session* session = nullptr;
 
-    /// Room for `count` elements of a reply, all zero, gone with the request.
+    /// Allocates `count` elements of a reply, all zero, gone with the request.
     template <class Element>
-    Element* room(std::size_t count) const {
+    Element* allocate(std::size_t count) const {
         static_assert(std::is_trivially_destructible_v<Element>);
         auto* elements =
             static_cast<Element*>(memory.allocate(count * sizeof(Element) + 1, alignof(Element)));
@@ -36,18 +39,10 @@ struct Service {
     template <class Element, class Container>
     void fill(u_int& count, Element*& elements, const Container& bytes) const {
         count = static_cast<u_int>(std::min<std::size_t>(bytes.size(), SIM_LIST_LIMIT));
-        elements = room<Element>(count);
+        elements = allocate<Element>(count);
         for (std::size_t i = 0; i < count; ++i)
             elements[i] = static_cast<Element>(bytes[i]);
     }
-};
-
-/// A program of a board and the dispatch function that rpcgen made for it.
-struct Program {
-    const char* name;
-    std::uint32_t number;
-    std::uint32_t version;
-    void (*dispatch)(svc_req*, SVCXPRT*);
 };
 
 } // namespace OrvaneSim

@@ -1,8 +1,8 @@
 // I2C transfers: plain, by register, and in blocks.
 #include "simulator/board/Procedure.h"
+#include "simulator/programs/Programs.h"
 
-using namespace OrvaneSim;
-
+namespace OrvaneSim {
 namespace {
 
 constexpr u_int kLongestRegister = 4;
@@ -18,11 +18,11 @@ Bytes registerBytes(u_int number, u_int length) {
 
 /// Writes `bytes` and reads `count` bytes into `answer`; nothing of either kind is left out. Returns the
 /// status.
-int transfer(Service& service, u_int bus, u_int address, const Bytes& bytes, std::size_t count,
+int transfer(ProcedureCall& call, u_int bus, u_int address, const Bytes& bytes, std::size_t count,
              Bytes& answer) {
     if (bus >= I2cBuses::kBuses)
         return -ENODEV;
-    I2cDevice* device = service.board.i2c.find(bus, address);
+    I2cDevice* device = call.board.i2c.find(bus, address);
     if (!device || (!bytes.empty() && !device->write(bytes)))
         return -EREMOTEIO; // not acknowledged
     const Bytes read = device->read(count);
@@ -30,33 +30,33 @@ int transfer(Service& service, u_int bus, u_int address, const Bytes& bytes, std
     return 0;
 }
 
-int write(Service& service, u_int bus, u_int address, const Bytes& bytes) {
+int send(ProcedureCall& call, u_int bus, u_int address, const Bytes& bytes) {
     Bytes nothing;
-    return transfer(service, bus, address, bytes, 0, nothing);
+    return transfer(call, bus, address, bytes, 0, nothing);
 }
 
-void write(Service& service, const sim_I2C_Write_Param& argument, sim_Simple_Result& result) {
+void write(ProcedureCall& call, const sim_I2C_Write_Param& argument, sim_Simple_Result& result) {
     const Bytes bytes(argument.data.data_val, argument.data.data_val + argument.data.data_len);
-    result.error = write(service, argument.bus, argument.address, bytes);
+    result.error = send(call, argument.bus, argument.address, bytes);
 }
 
-void read(Service& service, const sim_I2C_Read_Param& argument, sim_I2C_Read_Result& result) {
+void read(ProcedureCall& call, const sim_I2C_Read_Param& argument, sim_I2C_Read_Result& result) {
     Bytes answer;
     result.error =
-        transfer(service, argument.bus, argument.address, {argument.command}, argument.length, answer);
-    service.fill(result.data.data_len, result.data.data_val, answer);
+        transfer(call, argument.bus, argument.address, {argument.command}, argument.length, answer);
+    call.fill(result.data.data_len, result.data.data_val, answer);
 }
 
-void readRegister(Service& service, const sim_I2C_Read_Reg_Param& argument, sim_I2C_Read_Result& result) {
+void readRegister(ProcedureCall& call, const sim_I2C_Read_Reg_Param& argument, sim_I2C_Read_Result& result) {
     if (argument.registerLength > kLongestRegister) {
         result.error = -EINVAL;
         return;
     }
     Bytes answer;
     result.error =
-        transfer(service, argument.bus, argument.address,
+        transfer(call, argument.bus, argument.address,
                  registerBytes(argument.registerNumber, argument.registerLength), argument.length, answer);
-    service.fill(result.data.data_len, result.data.data_val, answer);
+    call.fill(result.data.data_len, result.data.data_val, answer);
 }
 
 /// Whether the lists of a block are of one length, its registers of a length that exists and its data (if it
@@ -88,7 +88,8 @@ int forEachAccess(const sim_I2C_Block_Trans_Param& block, Access access) {
     return error;
 }
 
-void blockRead(Service& service, const sim_I2C_Block_Reg_Read_Param& argument, sim_I2C_Read_Result& result) {
+void blockRead(ProcedureCall& call, const sim_I2C_Block_Reg_Read_Param& argument,
+               sim_I2C_Read_Result& result) {
     if (!isConsistent(argument.trans, nullptr)) {
         result.error = -EINVAL;
         return;
@@ -96,18 +97,18 @@ void blockRead(Service& service, const sim_I2C_Block_Reg_Read_Param& argument, s
     Bytes answer;
     result.error =
         forEachAccess(argument.trans, [&](u_int bus, u_int address, const Bytes& number, u_int length) {
-            return transfer(service, bus, address, number, length, answer);
+            return transfer(call, bus, address, number, length, answer);
         });
-    service.fill(result.data.data_len, result.data.data_val, answer);
+    call.fill(result.data.data_len, result.data.data_val, answer);
 }
 
 /// Writes the data of a block; where a bit of `mask` is 0, the register's own bit stays.
-int writeMasked(Service& service, const sim_I2C_Block_Trans_Param& block, const u_char* data,
+int writeMasked(ProcedureCall& call, const sim_I2C_Block_Trans_Param& block, const u_char* data,
                 std::uint8_t mask) {
     return forEachAccess(block, [&](u_int bus, u_int address, const Bytes& number, u_int length) {
         Bytes old;
         if (mask != 0xFF) {
-            const int error = transfer(service, bus, address, number, length, old);
+            const int error = transfer(call, bus, address, number, length, old);
             if (error != 0)
                 return error;
         }
@@ -115,34 +116,34 @@ int writeMasked(Service& service, const sim_I2C_Block_Trans_Param& block, const 
         Bytes bytes = number;
         for (u_int i = 0; i < length; ++i, ++data)
             bytes.push_back(static_cast<std::uint8_t>((old[i] & ~mask) | (*data & mask)));
-        return write(service, bus, address, bytes);
+        return send(call, bus, address, bytes);
     });
 }
 
-void blockWrite(Service& service, const sim_I2C_Block_Reg_Write_Param& argument, sim_Simple_Result& result) {
+void blockWrite(ProcedureCall& call, const sim_I2C_Block_Reg_Write_Param& argument,
+                sim_Simple_Result& result) {
     const bool consistent = isConsistent(argument.trans, &argument.data.data_len);
-    result.error = consistent ? writeMasked(service, argument.trans, argument.data.data_val, 0xFF) : -EINVAL;
+    result.error = consistent ? writeMasked(call, argument.trans, argument.data.data_val, 0xFF) : -EINVAL;
 }
 
-void blockWriteMask(Service& service, const sim_I2C_Block_Mask_Write_Param& argument,
+void blockWriteMask(ProcedureCall& call, const sim_I2C_Block_Mask_Write_Param& argument,
                     sim_Simple_Result& result) {
     const bool consistent = isConsistent(argument.trans, &argument.data.data_len);
     result.error =
-        consistent ? writeMasked(service, argument.trans, argument.data.data_val, argument.mask) : -EINVAL;
+        consistent ? writeMasked(call, argument.trans, argument.data.data_val, argument.mask) : -EINVAL;
 }
+
+constexpr Procedure kProcedures[] = {
+    {SIM_I2C_READ, "i2c_read", handler<read>},
+    {SIM_I2C_WRITE, "i2c_write", handler<write>},
+    {SIM_I2C_READ_REG, "i2c_read_reg", handler<readRegister>},
+    {SIM_I2C_BLOCK_WRITE_REGISTER, "i2c_block_write_register", handler<blockWrite>},
+    {SIM_I2C_BLOCK_READ_REGISTER, "i2c_block_read_register", handler<blockRead>},
+    {SIM_I2C_BLOCK_WRITE_MASK, "i2c_block_write_mask", handler<blockWriteMask>},
+};
 
 } // namespace
 
-ORVANE_SIM_PROCEDURE("i2c", 1, i2c_read, sim_I2C_Read_Param, xdr_sim_I2C_Read_Param, sim_I2C_Read_Result,
-                     read)
-ORVANE_SIM_PROCEDURE("i2c", 1, i2c_write, sim_I2C_Write_Param, xdr_sim_I2C_Write_Param, sim_Simple_Result,
-                     write)
-ORVANE_SIM_PROCEDURE("i2c", 1, i2c_read_reg, sim_I2C_Read_Reg_Param, xdr_sim_I2C_Read_Reg_Param,
-                     sim_I2C_Read_Result, readRegister)
-ORVANE_SIM_PROCEDURE("i2c", 1, i2c_block_write_register, sim_I2C_Block_Reg_Write_Param,
-                     xdr_sim_I2C_Block_Reg_Write_Param, sim_Simple_Result, blockWrite)
-ORVANE_SIM_PROCEDURE("i2c", 1, i2c_block_read_register, sim_I2C_Block_Reg_Read_Param,
-                     xdr_sim_I2C_Block_Reg_Read_Param, sim_I2C_Read_Result, blockRead)
-ORVANE_SIM_PROCEDURE("i2c", 1, i2c_block_write_mask, sim_I2C_Block_Mask_Write_Param,
-                     xdr_sim_I2C_Block_Mask_Write_Param, sim_Simple_Result, blockWriteMask)
-ORVANE_SIM_RESULTS(i2c, 1)
+const Program kI2cProgram{"i2c", SIM_I2C, SIM_I2C_VERSION, kProcedures};
+
+} // namespace OrvaneSim

@@ -1,10 +1,10 @@
 // Shifts through the JTAG chain.
 #include "simulator/board/Procedure.h"
+#include "simulator/programs/Programs.h"
 
 #include <string>
 
-using namespace OrvaneSim;
-
+namespace OrvaneSim {
 namespace {
 
 constexpr int kMostBytes = 1024; // of one shift
@@ -29,17 +29,17 @@ std::string shift(JtagChain& chain, std::string_view data, std::string_view tms,
     return answer;
 }
 
-void setEntry(const Service& service, sim_StringArrayEntry& entry, const std::string& text) {
+void setEntry(const ProcedureCall& call, sim_StringArrayEntry& entry, const std::string& text) {
     entry.length = static_cast<u_int>(text.size());
-    entry.text = service.room<char>(text.size() + 1);
+    entry.text = call.allocate<char>(text.size() + 1);
     std::copy(text.begin(), text.end(), entry.text);
 }
 
-void maxBytes(Service&, const sim_Simple_Param&, sim_Simple_Result& result) {
+void maxBytes(ProcedureCall&, const sim_Simple_Param&, sim_Simple_Result& result) {
     result.value = kMostBytes;
 }
 
-void shiftMulti(Service& service, const sim_JTAG_ShiftMulti_Param& argument,
+void shiftMulti(ProcedureCall& call, const sim_JTAG_ShiftMulti_Param& argument,
                 sim_JTAG_ShiftMulti_Result& result) {
     const u_int count = argument.data.data_len;
     bool valid = argument.tms.tms_len == count && argument.tmsAfter.tmsAfter_len == count;
@@ -51,17 +51,20 @@ void shiftMulti(Service& service, const sim_JTAG_ShiftMulti_Param& argument,
         return;
     }
     result.entries.entries_len = count;
-    result.entries.entries_val = service.room<sim_StringArrayEntry>(count);
+    result.entries.entries_val = call.allocate<sim_StringArrayEntry>(count);
     for (u_int i = 0; i < count; ++i)
-        setEntry(service, result.entries.entries_val[i],
-                 shift(service.board.jtag, textOf(argument.data.data_val[i]), textOf(argument.tms.tms_val[i]),
+        setEntry(call, result.entries.entries_val[i],
+                 shift(call.board.jtag, textOf(argument.data.data_val[i]), textOf(argument.tms.tms_val[i]),
                        textOf(argument.tmsAfter.tmsAfter_val[i])));
 }
 
+constexpr Procedure kProcedures[] = {
+    {SIM_JTAG_MAXBYTES, "jtag_maxbytes", handler<maxBytes>},
+    {SIM_JTAG_SHIFTMULTI, "jtag_shiftmulti", handler<shiftMulti>},
+};
+
 } // namespace
 
-ORVANE_SIM_PROCEDURE("jtag", 1, jtag_maxbytes, sim_Simple_Param, xdr_sim_Simple_Param, sim_Simple_Result,
-                     maxBytes)
-ORVANE_SIM_PROCEDURE("jtag", 1, jtag_shiftmulti, sim_JTAG_ShiftMulti_Param, xdr_sim_JTAG_ShiftMulti_Param,
-                     sim_JTAG_ShiftMulti_Result, shiftMulti)
-ORVANE_SIM_RESULTS(jtag, 1)
+const Program kJtagProgram{"jtag", SIM_JTAG, SIM_JTAG_VERSION, kProcedures};
+
+} // namespace OrvaneSim

@@ -245,5 +245,25 @@ INSTANTIATE_TEST_SUITE_P(Statuses, OtherStatus,
                          testing::Values(RPC_SUCCESS, RPC_CANTENCODEARGS, RPC_VERSMISMATCH, RPC_AUTHERROR,
                                          RPC_PROGUNAVAIL, RPC_PROCUNAVAIL, RPC_SYSTEMERROR, RPC_FAILED));
 
+TEST_F(BoardRecovery, ThatWasGivenUpEndsBeforeItsSearch) {
+    losePings();
+    connection.giveUp(true);
+    textWritten([&] { EXPECT_THROW(connection.problem(), Exceptions::NoDevice); });
+    EXPECT_EQ(lab.board.discoveryCount(), 0U);
+    EXPECT_EQ(lab.count("ping"), 1U);
+}
+
+TEST_F(BoardRecovery, ThatIsGivenUpDuringItsSearchSendsNoPing) {
+    hideBoard();
+    std::thread closing([&] {
+        while (lab.board.discoveryCount() == 0)
+            std::this_thread::yield();
+        connection.giveUp(true);
+    });
+    textWritten([&] { EXPECT_THROW(connection.retrieveConnection(), Exceptions::NoDevice); });
+    closing.join();
+    EXPECT_EQ(lab.count("ping"), 0U);
+}
+
 } // namespace
 } // namespace Orvane

@@ -200,5 +200,13 @@ TEST(Find, RunsOnSeveralThreadsAtOnceEachWithItsOwnRequests) {
     EXPECT_EQ(boards.requests().size(), 2U * searches);
 }
 
+TEST(Find, ThatWasGivenUpEndsAfterItsFirstRound) {
+    BoardSide boards(never());
+    Found found;
+    BoardFinder::find("evb", found.list, kPatientMs, 0, std::atomic<bool>(true));
+    EXPECT_EQ(boards.requests().size(), 1U);
+    EXPECT_TRUE(found.records().empty());
+}
+
 } // namespace
 } // namespace Orvane

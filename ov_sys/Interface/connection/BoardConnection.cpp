@@ -82,9 +82,16 @@ RPCClient* BoardConnection::getClient(clientId id) {
     return clients.at(id).get();
 }
 
+void BoardConnection::unlessGivenUp() const {
+    if (givenUp_)
+        throw Exceptions::NoDevice();
+}
+
 void BoardConnection::updateClients() {
-    for (const auto& [id, client] : clients)
+    for (const auto& [id, client] : clients) {
+        unlessGivenUp();
         client->update(host);
+    }
 }
 
 void BoardConnection::resetClients() {
@@ -105,7 +112,7 @@ AddressResponse BoardConnection::findBoard() {
     }
     if (board.name.empty()) {
         FoundBoards found;
-        BoardFinder::find(name, found.records, kSearchMs, 0);
+        BoardFinder::find(name, found.records, kSearchMs, 0, givenUp_);
         if (found.records.empty())
             throw Exceptions::NoDevice();
         board.assign(found.records.front()->name, found.records.front()->address);
@@ -130,11 +137,13 @@ int BoardConnection::retrieveConnection() {
     Diagnostics::error("Retrieve connection to RPC server");
     const Stopwatch stopwatch;
     for (;;) {
+        unlessGivenUp();
         try {
             updateAddress();
         } catch (const Exceptions::NoDevice&) { // the board may still answer at its old address
         } catch (const Exceptions::DeviceConnection&) {
         }
+        unlessGivenUp();
         HWIHelper::mSleep(kPauseMs);
         Diagnostics::output("Sending ping to RPC");
         try {

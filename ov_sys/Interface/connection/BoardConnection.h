@@ -80,6 +80,11 @@ public:
     // wait. Returns the ping's milliseconds and throws as retrieveConnection().
     int problem();
 
+    // Whether searches for the board are in vain, as its session is being closed: one that is under way
+    // throws Exceptions::NoDevice after its present step, 2 s at most (a look-up of the name takes what the
+    // system's resolver takes), later ones before their first. Does not block.
+    void giveUp(bool inVain) { givenUp_ = inVain; }
+
     // Pings the board through the setup client and returns the milliseconds. Throws
     // Exceptions::DeviceConnection when it does not answer and Exceptions::InvalidRPCClient when the setup
     // client is not connected.
@@ -100,6 +105,9 @@ public:
 
 private:
     AddressResponse findBoard();
+    void unlessGivenUp() const;
+
+    std::atomic<bool> givenUp_{false};
 };
 
 } // namespace Orvane

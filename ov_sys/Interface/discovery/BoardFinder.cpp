@@ -81,6 +81,11 @@ void merge(const std::string& boardType, std::vector<AddressResponse>& replies,
 
 int BoardFinder::find(std::string boardType, std::vector<AddressResponse*>& found, unsigned timeoutMs,
                       unsigned maxCount) {
+    return find(std::move(boardType), found, timeoutMs, maxCount, std::atomic<bool>(false));
+}
+
+int BoardFinder::find(std::string boardType, std::vector<AddressResponse*>& found, unsigned timeoutMs,
+                      unsigned maxCount, const std::atomic<bool>& givenUp) {
     const std::string request = DiscoveryProtocol::request(boardType);
     MulticastBoardResolver resolver(DiscoveryProtocol::kGroup, DiscoveryProtocol::kPort);
     resolver.startListener();
@@ -94,6 +99,8 @@ int BoardFinder::find(std::string boardType, std::vector<AddressResponse*>& foun
     bool lastRound = false;
     while (!lastRound) {
         HWIHelper::mSleep(static_cast<int>(delayMs));
+        if (givenUp)
+            break;
         if (timeoutMs < elapsedMs) {
             resolver.stopListener();
             lastRound = true;

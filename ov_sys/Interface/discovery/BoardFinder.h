@@ -4,6 +4,7 @@
 #include "ov_sys/Interface/foundation/AddressResponse.h"
 #include "ov_sys/Interface/foundation/Export.h"
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -34,6 +35,9 @@ public:
     // `found`.
     static int find(std::string boardType, std::vector<AddressResponse*>& found, unsigned timeoutMs,
                     unsigned maxCount);
+    // The same; ends with the first round at whose end `givenUp` is set, what came in that round not counting.
+    static int find(std::string boardType, std::vector<AddressResponse*>& found, unsigned timeoutMs,
+                    unsigned maxCount, const std::atomic<bool>& givenUp);
 
     // Resolves the part of `host` before the first ":" to IPv4 addresses. For each, `out` becomes the whole
     // `host` and the address, so the last one stays. True exactly when there is one address; false for

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <exception>
+#include <unistd.h>
 #include <utility>
 
 namespace Orvane {
@@ -41,7 +42,8 @@ PhySession::PhySession(std::unique_ptr<BoardConnection> board, MdioExclusive con
       callSequence(0xFFFF),
       busySince(system_clock::now()),
       busyTimeoutMs(0),
-      connection(std::move(board)) {}
+      connection(std::move(board)),
+      process_(getpid()) {}
 
 PhySession::PhySession(std::string deviceName, MdioExclusive const& mode)
     : PhySession(std::make_unique<BoardConnection>(std::move(deviceName)), mode) {}
@@ -50,12 +52,28 @@ PhySession::PhySession(AddressResponse const& board, MdioExclusive const& mode)
     : PhySession(std::make_unique<BoardConnection>(board), mode) {}
 
 PhySession::~PhySession() {
-    if (!abandoned_)
+    if (abandoned_)
+        stopKeepAlive();
+    else
         close();
+    if (!inOwnProcess()) // a thread that stayed in the parent may have held its locks
+        static_cast<void>(connection.release());
 }
 
 void PhySession::abandon() {
     abandoned_ = true;
+}
+
+bool PhySession::adopt() {
+    return !adopted_.exchange(true);
+}
+
+void PhySession::disown() {
+    adopted_ = false;
+}
+
+bool PhySession::inOwnProcess() const {
+    return getpid() == process_;
 }
 
 std::string PhySession::name() {
@@ -108,7 +126,7 @@ int PhySession::waitForSessionNotBusy() {
     using std::chrono::milliseconds;
     while (getSessionState() == SESSION_BUSY) {
         const auto elapsed = std::chrono::duration_cast<milliseconds>(system_clock::now() - busySince.load());
-        if (busyTimeoutMs < elapsed.count())
+        if (busyTimeoutMs < elapsed.count() || keepAliveEnds())
             return 2;
         HWIHelper::mSleep(kPollMs);
     }
@@ -159,6 +177,8 @@ void PhySession::retrainFailed(const std::string& message) {
 
 bool PhySession::onRPCResultError(RPCretCode_t code, std::string clientName) {
     const Diagnostics::BoardScope board(connection->name);
+    if (code != 0)
+        setLastResult(code);
     switch (code) {
     case 0:
         return false;

@@ -5,12 +5,14 @@
 #include "ov_sys/Interface/foundation/Export.h"
 #include "ov_sys/Interface/foundation/Threads.h"
 #include "ov_sys/Interface/sessions/MdioExclusive.h"
+#include "ov_sys/Interface/sessions/Pause.h"
 
 #include <atomic>
 #include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace Orvane {
@@ -23,6 +25,12 @@ using RPCretCode_t = int;
 // Owns the connection to its board and, once started, a keep-alive thread that pings the board every 2 s. Any
 // number of threads may call through one session; when a call fails in transport, the first thread to see it
 // retrains the connection and the others wait for the outcome.
+//
+// The state and the recovery stand in sessions/PhySession.cpp; what makes calls of its own, the keep-alive
+// thread and close(), in buses/rpc/PhySessionLife.cpp.
+//
+// A session belongs to the process that made it. In a forked child nothing is sent for it: close() and the
+// destructor leave the board, the connection and the parent's thread alone.
 //
 // Lock order: keepAliveMutex or errorHandlingMutex, then stateMutex. None is held across a call to the board,
 // but keepAliveMutex while the keep-alive thread is joined.
@@ -61,16 +69,26 @@ public:
     // The board's session service is not contacted: Setup::openConnection() opens the session.
     PhySession(std::string deviceName, MdioExclusive const& mode);
     PhySession(AddressResponse const& board, MdioExclusive const& mode);
-    // Closes the session, unless it was abandoned, and drops the connection.
+    // Closes the session, or only stops its keep-alive thread when it was abandoned, and drops the
+    // connection.
     ~PhySession();
     PhySession(const PhySession&) = delete;
     PhySession& operator=(const PhySession&) = delete;
 
-    // Stops the keep-alive thread (within some 200 ms, or the 2 s of a ping that gets no answer) and tells
-    // the board; failures of that call are ignored.
+    // Stops the keep-alive thread and tells the board; failures of that call are ignored. Blocks for what is
+    // under way, 2 s at most for a ping or one step of a search for the board (a look-up of its name takes
+    // what the system's resolver takes), and then 2 s for the board's answer. A call that another thread has
+    // under way on the setup client is waited for.
     void close();
-    // The destructor of a session that never opened is not to send a close request.
+    // Lets what close() waits for end early: the keep-alive thread and a search for the board. Does not
+    // block, so that many sessions can be asked before the first is closed; close() is to follow.
+    void askToClose();
+    // The destructor is not to send a close request: the session never opened, or was closed already.
     void abandon();
+    // Make a device the owner that deletes the session: true for the first that asks, and again after
+    // disown().
+    bool adopt();
+    void disown();
 
     std::string name();   // the board's name, in upper case
     bool isRemote();      // whether the connection was made
@@ -96,9 +114,12 @@ public:
     // Starts the keep-alive thread unless it runs. A thread that cannot be made is reported, and the session
     // still counts as kept alive.
     void startKeepAlive();
-    // Stops and joins the keep-alive thread.
+    // Stops and joins the keep-alive thread. Blocks for a ping that is under way, 2 s at most, and for a
+    // recovery that this ping has begun.
     void stopKeepAlive();
     bool isKeepAliveRunning() const;
+    // Whether this is called by the session's keep-alive thread after that was asked to end.
+    bool keepAliveEnds() const;
     using PingFunction = int (*)(PhySession&);
     // The ping of the keep-alive service when its client is connected, otherwise that of the setup service.
     static PingFunction selectPingFunction(PhySession* session);
@@ -123,6 +144,13 @@ public:
     [[noreturn]] void onSessionFatalError();
     bool canRetryRPCCall() const; // whether the session is not invalid
 
+    // The board's code in its last answer to a call of this session, whichever thread made it: 0, or a
+    // negative Linux errno value; 0 before the first. A ping counts when its code is not 0, the close request
+    // never does. A call without an answer changes nothing. Any thread.
+    RPCretCode_t lastResult() const { return lastResult_.load(std::memory_order_relaxed); }
+    // For the call frames.
+    void setLastResult(RPCretCode_t code) { lastResult_.store(code, std::memory_order_relaxed); }
+
     // Poll every 50 ms for the end of error handling: 0 reached, 1 session invalid, 2 limit met. The limit is
     // met when the elapsed milliseconds times 100000 (32-bit, wrapping) reach `timeoutMs`: after the first
     // pause for every value below 5,000,000; a limit of 0 does not wait at all.
@@ -135,7 +163,14 @@ private:
     template <class Reached>
     int waitForState(unsigned int timeoutMs, Reached reached);
 
+    bool inOwnProcess() const;
+
     bool abandoned_ = false;
+    std::atomic<bool> adopted_{false};
+    std::atomic<bool> closing_{false}; // askToClose() was called
+    std::atomic<RPCretCode_t> lastResult_{0};
+    const pid_t process_; // that made the session
+    Pause pause_;         // the keep-alive thread's, between two pings
 };
 
 } // namespace Orvane

@@ -65,6 +65,7 @@ void DO_RPC_OPEN(Open_Param param, Open_Result* result, PhySession& session, Boa
             Diagnostics::error("Open session RPC failed with error: ", static_cast<int>(status));
             throw Exceptions::DeviceConnection();
         }
+        session.setLastResult(result->error);
         if (result->error == 0)
             return;
         if (tries == kTries)
@@ -100,7 +101,7 @@ void DO_RPC_REMOTE_EXEC(Command_Param param, Command_Result* result, PhySession&
         if (status != RPC_SUCCESS) {
             Frames::recover(session, status, attempt, client.name);
             ++attempt;
-        } else if (result->error != -ETIMEDOUT) {
+        } else if (session.setLastResult(result->error); result->error != -ETIMEDOUT) {
             if (!session.onRPCResultError(result->error, client.name)) {
                 ++session.callSequence;
                 return;

@@ -55,9 +55,12 @@ void DO_RPC(clnt_stat (*stub)(Param, Result, CLIENT*), Param param, Result resul
         const clnt_stat status = callStub(stub, param, result, client);
         if (status != RPC_SUCCESS) {
             Frames::recover(session, status, attempt, client.name);
-        } else if (result->error == 0 || !session.onRPCResultError(result->error, client.name)) {
-            ++session.callSequence;
-            return;
+        } else {
+            session.setLastResult(result->error);
+            if (result->error == 0 || !session.onRPCResultError(result->error, client.name)) {
+                ++session.callSequence;
+                return;
+            }
         }
         Frames::restore(*result, initial);
     }
@@ -65,7 +68,8 @@ void DO_RPC(clnt_stat (*stub)(Param, Result, CLIENT*), Param param, Result resul
 
 // The frame of pings: waits while the session is busy, repeats an answer that came during the busy time, and
 // returns silently when recovery fails; pingSequence has grown by one after a good ping. Throws what
-// PhySession::onRPCResultError() throws. There is no limit to the attempts.
+// PhySession::onRPCResultError() throws. There is no limit to the attempts, but the keep-alive thread's end
+// when it was asked to.
 template <class Param, class Result>
 void DO_RPC_VALIDATION(clnt_stat (*stub)(Param, Result, CLIENT*), Param id, Result result,
                        PhySession& session, BoardConnection::clientId clientId) {
@@ -74,6 +78,8 @@ void DO_RPC_VALIDATION(clnt_stat (*stub)(Param, Result, CLIENT*), Param id, Resu
     for (;;) {
         clnt_stat status = RPC_SUCCESS;
         session.waitForSessionNotBusy();
+        if (session.keepAliveEnds())
+            return;
         do
             status = callStub(stub, id, result, client);
         while (session.getSessionState() == PhySession::SESSION_BUSY && session.waitForSessionNotBusy() == 0);
@@ -82,7 +88,7 @@ void DO_RPC_VALIDATION(clnt_stat (*stub)(Param, Result, CLIENT*), Param id, Resu
                 ++session.pingSequence;
                 return;
             }
-        } else if (!session.onRPCCallError(status, client.name) ||
+        } else if (session.keepAliveEnds() || !session.onRPCCallError(status, client.name) ||
                    session.waitForErrorHandling(kWaitMs) != 0) {
             return;
         }

@@ -4,7 +4,6 @@
 #include "ov_sys/Interface/connection/BoardConnection.h"
 #include "ov_sys/Interface/foundation/Diagnostics.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
-#include "ov_sys/Interface/foundation/HWIHelper.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
 
 #include <sys/prctl.h>
@@ -26,17 +25,21 @@ private:
     static constexpr unsigned long kDefault = 0; // what the thread was created with
 };
 
-// The wait between two pings, false as soon as the thread is to end.
-bool pauseBetweenPings(const PhySession& session) {
+// The session whose keep-alive thread this thread is.
+thread_local const PhySession* keptAlive = nullptr;
+
+// The wait between two pings, false as soon as the thread is to end. In steps, for `keepAliveRunning` may be
+// cleared without a word.
+bool pauseBetweenPings(const PhySession& session, Pause& pause) {
     constexpr int kStepMs = 200;
     constexpr int kSteps = 10;
     const LooseTimers loose;
     for (int step = 0; step < kSteps; ++step) {
-        if (!session.keepAliveRunning)
+        if (session.keepAliveEnds())
             return false;
-        HWIHelper::mSleep(kStepMs);
+        pause.sleep(kStepMs);
     }
-    return session.keepAliveRunning;
+    return !session.keepAliveEnds();
 }
 
 bool endSession(PhySession& session) {
@@ -80,9 +83,10 @@ PhySession::PingFunction PhySession::selectPingFunction(PhySession* session) {
 void* PhySession::doKeepAlive(void* argument) {
     PhySession& session = *static_cast<PhySession*>(argument);
     const Diagnostics::BoardScope board(session.connection->name);
+    keptAlive = &session;
     const PingFunction ping = selectPingFunction(&session);
     int failures = 0;
-    while (pauseBetweenPings(session)) {
+    while (pauseBetweenPings(session, session.pause_)) {
         if (!session.isValid()) {
             Diagnostics::error("Keep alive: session was marked as INVALID.");
             break;
@@ -90,7 +94,12 @@ void* PhySession::doKeepAlive(void* argument) {
         if (!pingOnce(session, ping, failures))
             break;
     }
+    keptAlive = nullptr;
     return nullptr;
+}
+
+bool PhySession::keepAliveEnds() const {
+    return keptAlive == this && (!keepAliveRunning || closing_);
 }
 
 void PhySession::startKeepAlive() {
@@ -98,26 +107,43 @@ void PhySession::startKeepAlive() {
     if (keepAliveRunning)
         return;
     keepAliveRunning = true;
+    pause_.reset();
     keepAliveThread = create_thread(doKeepAlive, this);
     if (!is_thread_valid(keepAliveThread))
         Diagnostics::error("Keep alive cannot be started");
 }
 
 void PhySession::stopKeepAlive() {
+    if (!inOwnProcess()) // the thread is the parent's
+        return;
     const std::lock_guard<std::mutex> lock(keepAliveMutex);
     if (!keepAliveRunning)
         return;
     keepAliveRunning = false;
+    pause_.end();
     if (keepAliveThread.status == 0)
         thread_join(keepAliveThread);
 }
 
+void PhySession::askToClose() {
+    if (!inOwnProcess())
+        return;
+    closing_ = true;
+    connection->giveUp(true);
+    pause_.end();
+}
+
 void PhySession::close() {
+    if (!inOwnProcess())
+        return;
+    askToClose();
     stopKeepAlive();
     try {
         Setup::closeConnection(*this);
     } catch (...) { // the session ends whatever the board says
     }
+    closing_ = false;
+    connection->giveUp(false);
 }
 
 } // namespace Orvane

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Holds that docs/errors.md names every text that the library can throw or write as a diagnostic."""
+"""Holds that docs/errors.md names every text of the class and flat interfaces that is thrown or a diagnostic."""
 import pathlib
 import re
 import sys
@@ -26,7 +26,7 @@ def texts(file):
 def main():
     page = (SOURCE / "docs/errors.md").read_text()
     found = {text: file for file in sorted((SOURCE / "ov_sys").rglob("*.cpp")) for text in texts(file)
-             if file.name != "Logging.cpp"}
+             if file.name != "Logging.cpp" and file.parent.name != "maps"} # whose problems name a line of the user's
     missing = [f"{found[text].relative_to(SOURCE)}: {text}" for text in sorted(found) if text.strip() not in page]
     if missing:
         sys.exit("docs/errors.md does not name\n" + "\n".join(missing))

@@ -1,0 +1,71 @@
+// Files that others wrote, read whole.
+#include "ov_sys/maps/Loader.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Orvane::Maps {
+
+namespace {
+
+class Descriptor {
+public:
+    explicit Descriptor(int number) : number_(number) {}
+    ~Descriptor() {
+        if (number_ >= 0)
+            ::close(number_);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    operator int() const { return number_; } // NOLINT(google-explicit-constructor): it is one
+
+private:
+    int number_;
+};
+
+std::string errorText() {
+    char buffer[128];
+    return ::strerror_r(errno, buffer, sizeof buffer);
+}
+
+} // namespace
+
+std::optional<std::string> readFile(const std::string& path, std::size_t most, Problems& problems) {
+    const Position place{path, 0, {}};
+    // A pipe without a writer must not hold the load up: only regular files count.
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    struct stat status {};
+    if (file < 0 || ::fstat(file, &status) != 0) {
+        problems.add(place, "cannot be read: " + errorText());
+        return std::nullopt;
+    }
+    if (!S_ISREG(status.st_mode)) {
+        problems.add(place, "is no file");
+        return std::nullopt;
+    }
+    if (static_cast<std::size_t>(status.st_size) > most) {
+        problems.add(place, "is larger than 8 MiB, with the files that include it");
+        return std::nullopt;
+    }
+    std::string text(static_cast<std::size_t>(status.st_size), '\0');
+    std::size_t filled = 0;
+    while (filled < text.size()) {
+        const ssize_t count = ::read(file, text.data() + filled, text.size() - filled);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0) {
+            problems.add(place, "cannot be read: " + errorText());
+            return std::nullopt;
+        }
+        if (count == 0)
+            break;
+        filled += static_cast<std::size_t>(count);
+    }
+    text.resize(filled);
+    return text;
+}
+
+} // namespace Orvane::Maps

@@ -1,0 +1,133 @@
+// The reader of JSON: what it takes and refuses, beside another reader, and where it says that things stand.
+#include "ov_sys/maps/Json.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace OrvaneTest {
+namespace {
+
+using namespace Orvane;
+using namespace Orvane::Maps;
+
+std::string failureOf(const std::string& text, JsonBudget budget = {}) {
+    Problems problems;
+    const JsonDocument document("f", text, budget, problems);
+    try {
+        problems.throwIfAny();
+    } catch (const MapError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+TEST(Json, TakesAndRefusesWhatAnotherReaderDoes) {
+    for (const char* text : {"{}",
+                             "[]",
+                             "null",
+                             "true",
+                             "false",
+                             "0",
+                             "-0",
+                             "1.5e-3",
+                             "1E5",
+                             "\"\"",
+                             "[1, 2]",
+                             "{\"a\": [{}]}",
+                             " 1 ",
+                             "01",
+                             "1.",
+                             ".5",
+                             "+1",
+                             "-",
+                             "1e",
+                             "--1",
+                             "[1,]",
+                             "{\"a\":1,}",
+                             "{a:1}",
+                             "{\"a\" 1}",
+                             "[1 2]",
+                             "\"a",
+                             "\"\t\"",
+                             "\"\\x\"",
+                             "\"\\u12\"",
+                             "\"\\ud800\"",
+                             "\"\\udc00\"",
+                             "\"\\ud83d\\ude00\"",
+                             "\"\\u00e9\"",
+                             "nul",
+                             "tru",
+                             "truefalse",
+                             "",
+                             " ",
+                             "1 1",
+                             "[",
+                             "{",
+                             "]",
+                             "[]]",
+                             "/* */ 1",
+                             "// \n1",
+                             "NaN",
+                             "Infinity",
+                             "'a'",
+                             "\"\xC3\xA9\"",
+                             "\"\xC3\"",
+                             "\"\xC0\x80\"",
+                             "\"\xED\xA0\x80\"",
+                             "\"\xF4\x90\x80\x80\"",
+                             "\"\xF0\x9F\x98\x80\"",
+                             "\"\x7F\"",
+                             "\"\\/\"",
+                             "\xEF\xBB\xBF"
+                             "1x"})
+        EXPECT_EQ(failureOf(text).empty(), nlohmann::json::accept(text)) << text;
+}
+
+TEST(Json, ReadsStringsWithoutTheirEscapes) {
+    JsonBudget budget;
+    Problems problems;
+    const std::string text = R"(["a\"\\\/\b\f\n\r\t\u0041\u00e9\u20ac\ud83d\ude00z"])";
+    const JsonDocument document("f", text, budget, problems);
+    ASSERT_NE(document.root(), nullptr);
+    EXPECT_EQ(document.root()->first->text, nlohmann::json::parse(text)[0].get<std::string>());
+}
+
+TEST(Json, KnowsTheLineAndPathOfEachValue) {
+    JsonBudget budget;
+    Problems problems;
+    const JsonDocument document("file.json", "{\n\"a\": [1,\n {\"b\": 2}]}", budget, problems);
+    const JsonValue& b = *document.root()->member("a")->first->next->member("b");
+    EXPECT_EQ(b.text, "2");
+    EXPECT_EQ(b.position().file, "file.json");
+    EXPECT_EQ(b.position().line, 3U);
+    EXPECT_EQ(b.position().path, "a[1].b");
+}
+
+TEST(Json, SaysWhereItGaveUp) {
+    EXPECT_EQ(failureOf("{\"a\": [1,\n 2,, 3]}"), "f:2: a[2]: a value is missing");
+    EXPECT_EQ(failureOf("{\"a\": {\n\"b\": \"x\n\"}}"),
+              "f:2: a.b: a line or a control character within a string");
+    EXPECT_EQ(failureOf("{} {}"), "f:1: something follows the value");
+}
+
+TEST(Json, RefusesTwoMembersOfOneName) {
+    EXPECT_EQ(failureOf("{\"a\": {\"b\": 1,\n\"c\": 2, \"b\": 3}}"), "f:2: a.b: is there twice");
+}
+
+TEST(Json, RefusesValuesDeeperThan32) {
+    EXPECT_EQ(failureOf(std::string(32, '[') + std::string(32, ']')), "");
+    EXPECT_NE(failureOf(std::string(34, '[') + std::string(34, ']')).find("deeper within each other than 32"),
+              std::string::npos);
+}
+
+TEST(Json, RefusesMoreThanItsBudget) {
+    JsonBudget budget;
+    budget.values = 3;
+    EXPECT_EQ(failureOf("[1, 2]", budget), "");
+    EXPECT_NE(failureOf("[1, 2, 3]", budget).find("more values than"), std::string::npos);
+    budget.bytes = 5;
+    EXPECT_NE(failureOf("[1, 2]", budget).find("is larger than"), std::string::npos);
+}
+
+} // namespace
+} // namespace OrvaneTest

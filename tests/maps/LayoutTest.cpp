@@ -1,0 +1,122 @@
+// Blocks, arrays and pages, laid out; what overlaps or is missing.
+#include "tests/maps/MapTexts.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace OrvaneTest {
+namespace {
+
+using namespace Orvane;
+using testing::ElementsAre;
+
+std::vector<std::string> lines(const RegisterMap& map) {
+    std::vector<std::string> all;
+    for (const MapRegister& each : map.registers())
+        all.push_back(each.name() + " " + each.address().text());
+    return all;
+}
+
+TEST(Layout, CountsDistancesFromTheBlocksAround) {
+    const RegisterMap map = mapOf(R"("blocks": {"A": {"at": "30.0x100", "registers": {"R": {"at": 2}},
+        "blocks": {"B": {"at": "0x10", "registers": {"S": {"at": 3}, "T": {"at": "7.5"}}}}}})");
+    EXPECT_THAT(lines(map), ElementsAre("A.R 30.0x0102", "A.B.S 30.0x0113", "A.B.T 7.0x0005"));
+}
+
+TEST(Layout, RepeatsRegistersAndBlocks) {
+    const RegisterMap map = mapOf(R"("blocks": {"L": {"at": "30.0", "count": 2, "stride": "0x20",
+        "registers": {"R": {"at": 1, "count": 2}, "S": {"at": 8, "count": 2, "stride": 4}}}})");
+    EXPECT_THAT(lines(map), ElementsAre("L[0].R[0] 30.0x0001", "L[0].R[1] 30.0x0002", "L[0].S[0] 30.0x0008",
+                                        "L[0].S[1] 30.0x000C", "L[1].R[0] 30.0x0021", "L[1].R[1] 30.0x0022",
+                                        "L[1].S[0] 30.0x0028", "L[1].S[1] 30.0x002C"));
+}
+
+TEST(Layout, StepsByBytesInThe32BitSpace) {
+    const RegisterMap map = mapOf(R"("registers": {"R": {"at": "ext32:0x80000000", "count": 2}})");
+    EXPECT_THAT(lines(map), ElementsAre("R[0] ext32:0x80000000", "R[1] ext32:0x80000004"));
+}
+
+TEST(Layout, GivesEachElementOfAPagedBlockItsPage) {
+    const RegisterMap map = mapOf(R"("registers": {"PAGE": {"at": "c22:31", "fields": {"NR": "7:0"}}},
+        "blocks": {"P": {"at": "c22:0", "count": 2, "page": {"select": "PAGE.NR", "value": 3, "step": 2},
+                         "registers": {"R": {"at": 16}}}})");
+    EXPECT_THAT(lines(map), ElementsAre("PAGE c22:0x1F", "P[0].R c22:0x10@3", "P[1].R c22:0x10@5"));
+    const MapPage page = map.find("P[1].R")->page().value();
+    EXPECT_EQ(page.select, map.find("PAGE"));
+    EXPECT_EQ(page.field, map.at("PAGE.NR").field);
+    EXPECT_EQ(page.value, 5U);
+    EXPECT_FALSE(map.find("PAGE")->page().has_value());
+}
+
+TEST(Layout, FindsByAddressWithItsPage) {
+    const RegisterMap map = mapOf(R"("registers": {"PAGE": {"at": "c22:31"}},
+        "blocks": {"P": {"at": "c22:0", "page": {"select": "PAGE", "value": 3}, "registers": {"R": {"at": 16}}}})");
+    EXPECT_EQ(map.find(MapAddress::parse("c22:16@3")), map.find("P.R"));
+    EXPECT_EQ(map.find(MapAddress::parse("c22:16")), nullptr);
+    EXPECT_EQ(map.find(MapAddress::parse("c22:31")), map.find("PAGE"));
+}
+
+TEST(Layout, IteratesInFileOrderAndInAddressOrder) {
+    const RegisterMap map = mapOf(R"("registers": {"B": {"at": "7.2"}, "A": {"at": "7.1"}})");
+    EXPECT_THAT(lines(map), ElementsAre("B 7.0x0002", "A 7.0x0001"));
+    EXPECT_THAT(map.inAddressOrder(), ElementsAre(map.find("A"), map.find("B")));
+}
+
+TEST(Layout, OfTwoRegistersAtOneAddressIsRefused) {
+    EXPECT_EQ(problemsOf(R"("registers": {"A": {"at": "7.1"}, "B": {"at": "7.1"}})"),
+              "map:1: registers.B: B at 7.0x0001 overlaps with A at 7.0x0001");
+}
+
+TEST(Layout, OfBytesThatOverlapIsRefused) {
+    EXPECT_EQ(problemsOf(R"("registers": {"A": {"at": "ext32:0", "width": 64}, "B": {"at": "ext32:4"}})"),
+              "map:1: registers.B: B at ext32:0x00000004 overlaps with A at ext32:0x00000000");
+    EXPECT_EQ(problemsOf(R"("registers": {"A": {"at": "ext32:0"}, "B": {"at": "ext32:4"}})"), "");
+}
+
+TEST(Layout, OfAPagedRegisterOverOneOfAllPagesIsRefused) {
+    EXPECT_EQ(problemsOf(R"("registers": {"PAGE": {"at": "c22:31"}},
+        "blocks": {"P": {"at": "c22:0", "page": {"select": "PAGE", "value": 3}, "registers": {"R": {"at": 31}}}})"),
+              "map:2: blocks.P.registers.R: P.R at c22:0x1F@3 overlaps with PAGE at c22:0x1F");
+}
+
+TEST(Layout, OfAnArrayWhoseElementsOverlapIsRefused) {
+    EXPECT_EQ(problemsOf(R"("blocks": {"L": {"at": "30.0", "count": 2, "stride": 1,
+        "registers": {"R": {"at": 0}, "S": {"at": 1}}}})"),
+              "map:2: blocks.L.registers.R: L[1].R at 30.0x0001 overlaps with L[0].S at 30.0x0001");
+}
+
+TEST(Layout, OfAnArrayWithAGapIsRefused) {
+    EXPECT_EQ(problemsOf(R"("registers": {"L[0]": {"at": "7.1"}, "L[2]": {"at": "7.2"}})"),
+              "map:1: registers.L[2]: the array has a gap: 'L[1]' is missing");
+    EXPECT_EQ(problemsOf(R"("registers": {"L[0]": {"at": "7.1"}, "L[1]": {"at": "7.2"}})"), "");
+}
+
+TEST(Layout, OfARegisterAndABlockOfOneNameIsRefused) {
+    EXPECT_EQ(problemsOf(R"("registers": {"A": {"at": "7.1"}}, "blocks": {"A": {"at": "7.2"}})"),
+              "map:1: blocks.A: is the name of a register and of a block");
+}
+
+TEST(Layout, OfADistanceFromNowhereIsRefused) {
+    EXPECT_EQ(problemsOf(R"("registers": {"A": {"at": 1}})"),
+              "map:1: registers.A: 'at' is a distance, but no block around has an address");
+}
+
+TEST(Layout, BeyondTheSpaceIsRefused) {
+    EXPECT_EQ(problemsOf(R"("registers": {"A": {"at": "7.0xFFFF", "count": 2}})"),
+              "map:1: registers.A: A[1] lies beyond the last address of its space");
+}
+
+TEST(Layout, OfAPageThatNobodySelectsIsRefused) {
+    EXPECT_EQ(problemsOf(R"("blocks": {"P": {"at": "c22:0", "page": {"select": "PAGE", "value": 3},
+        "registers": {"R": {"at": 16}}}})"),
+              "map:2: blocks.P.registers.R: the page's select register 'PAGE' is not there");
+}
+
+TEST(Layout, OfAPageThatDoesNotFitItsSelectorIsRefused) {
+    EXPECT_EQ(problemsOf(R"("registers": {"PAGE": {"at": "c22:31", "fields": {"NR": "1:0"}}},
+        "blocks": {"P": {"at": "c22:0", "page": {"select": "PAGE.NR", "value": 4}, "registers": {"R": {"at": 16}}}})"),
+              "map:2: blocks.P.registers.R: its page does not fit into PAGE.NR");
+}
+
+} // namespace
+} // namespace OrvaneTest

@@ -1,0 +1,123 @@
+// Files of maps: what a file must have, and how everything that is wrong is told at once.
+#include "tests/maps/MapTexts.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace OrvaneTest {
+namespace {
+
+using namespace Orvane;
+
+TEST(Loader, TellsEverythingThatIsWrongAtOnceWithItsLineAndPath) {
+    EXPECT_EQ(problemsOf(R"("registers": {
+  "A": {"at": "7.1", "reset": "0x12345"},
+  "9B": {"at": "7.2"},
+  "C": {"at": "7.3", "fields": {
+    "X": "16",
+    "Y": "3 sometimes"
+  }},
+  "D": {"text": 5}
+})"),
+              "map:2: registers.A.reset: 0x12345 is wider than the register's 16 bits\n"
+              "map:3: registers.9B: is no name: letters, digits and '_', a letter first, 64 at most, then an "
+              "index as "
+              "[0]\n"
+              "map:6: registers.C.fields.Y: 'sometimes' is no access\n"
+              "map:5: registers.C.fields.X: 'X' has bits beyond the register's 16\n"
+              "map:8: registers.D: 'at' is missing\n"
+              "map:8: registers.D.text: has to be a string");
+}
+
+TEST(Loader, KeepsTwoHundredProblemsAndCountsTheRest) {
+    std::string registers;
+    for (int i = 0; i < 250; ++i)
+        registers += (i > 0 ? ", \"R" : "\"R") + std::to_string(i) + "\": {}";
+    try {
+        mapOf("\"registers\": {" + registers + "}");
+        FAIL() << "loaded";
+    } catch (const MapError& error) {
+        EXPECT_EQ(error.problems().size(), 201U);
+        EXPECT_EQ(error.problems().back().message, "and 50 more");
+    }
+}
+
+TEST(Loader, NeedsFormatAndName) {
+    try {
+        RegisterMap::parse("{}");
+        FAIL() << "loaded";
+    } catch (const MapError& error) {
+        EXPECT_STREQ(error.what(), "map:1: 'format' is missing\nmap:1: 'name' is missing");
+    }
+}
+
+TEST(Loader, RefusesAFileThatIsNotThere) {
+    try {
+        RegisterMap::load("/nowhere/map.json");
+        FAIL() << "loaded";
+    } catch (const MapError& error) {
+        EXPECT_STREQ(error.what(), "/nowhere/map.json: cannot be read: No such file or directory");
+    }
+}
+
+TEST(Loader, RefusesADeviceAsAFile) {
+    try {
+        RegisterMap::load("/dev/zero");
+        FAIL() << "loaded";
+    } catch (const MapError& error) {
+        EXPECT_STREQ(error.what(), "/dev/zero: is no file");
+    }
+}
+
+TEST(Loader, KeepsWhatTheMapSaysOfItself) {
+    const RegisterMap map =
+        mapOf(R"("text": "About", "identifiers": ["0x00112230/0xFFFFFFF0", "0x00445566"])");
+    EXPECT_EQ(map.name(), "test");
+    EXPECT_EQ(map.text(), "About");
+    EXPECT_TRUE(map.describes(0x0011223F));
+    EXPECT_TRUE(map.describes(0x00445566));
+    EXPECT_FALSE(map.describes(0x00445567));
+    EXPECT_TRUE(map.empty());
+}
+
+TEST(Loader, RefusesAnIdentifierWithOnesOutsideItsMask) {
+    EXPECT_NE(problemsOf(R"("identifiers": ["0x00112231/0xFFFFFFF0"])")
+                  .find("identifiers[0]: has to be a PHY identifier"),
+              std::string::npos);
+}
+
+TEST(Loader, SharesEnumerationsByName) {
+    const RegisterMap map = mapOf(R"("enumerations": {"onoff": {"0": "off", "1": "on"}},
+        "registers": {"R": {"at": "7.1", "fields": {"A": {"bits": 0, "values": "onoff"}, "B": {"bits": 1, "values": "onoff"}}}})");
+    EXPECT_EQ(map.at("R.B").field->choice(1)->name, "on");
+    EXPECT_EQ(problemsOfRegister(R"("fields": {"A": {"bits": 0, "values": "offon"}})"),
+              ".fields.A.values: names no enumeration of this file");
+}
+
+TEST(Loader, GivesCopiesThatShareTheMap) {
+    const RegisterMap map = registerOf(R"("reset": 1)");
+    const RegisterMap copy =
+        map; // NOLINT(performance-unnecessary-copy-initialization): the copy is what is tested
+    EXPECT_EQ(copy.find("R"), map.find("R"));
+}
+
+TEST(Loader, GivesAMapThatThreadsReadAtOnce) {
+    const RegisterMap map = registerOf(R"("fields": {"A": "3:0"})");
+    std::vector<std::thread> readers;
+    std::atomic<int> right{0};
+    for (int i = 0; i < 4; ++i)
+        readers.emplace_back([&, copy = map] {
+            for (int turn = 0; turn < 1000; ++turn)
+                right +=
+                    copy.resolve("R.A").field == map.find("R")->field("A") && copy.match("R.*").size() == 1
+                        ? 1
+                        : 0;
+        });
+    for (std::thread& each : readers)
+        each.join();
+    EXPECT_EQ(right, 4000);
+}
+
+} // namespace
+} // namespace OrvaneTest

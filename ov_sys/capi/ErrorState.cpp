@@ -2,43 +2,63 @@
 
 #include "ov_sys/Interface/foundation/Diagnostics.h"
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <mutex>
-#include <new>
-#include <string>
+#include <utility>
 
 namespace {
 
 std::atomic<unsigned char> errorFlag{0};
-std::mutex textMutex;                // guards the two below
-char* errorText = nullptr;           // heap; null when there is none or no memory for it
-std::atomic<unsigned> errorCount{0}; // written under textMutex
+std::atomic<const char*> lastText{nullptr}; // one of the texts below, or null
 
-// What HW_Error() last told this thread, so that the text stays while other threads record theirs.
-struct ToldError {
-    unsigned count = 0;
-    bool present = false;
-    std::string text;
-};
-thread_local ToldError told;
+// The texts of the errors recorded last, the latest first, each of them once. A text never changes: who has
+// fetched one may go on reading while other threads record theirs. Nothing here has a destructor, so that
+// texts can be read until the library is unloaded.
+constexpr std::size_t kTexts = 256;
+std::mutex textsMutex; // guards the array, and changes of lastText
+std::array<char*, kTexts> texts{};
+
+// The text's place, at the front from now on; null when there is no memory for it.
+const char* kept(const char* text) noexcept {
+    const auto isText = [text](const char* known) {
+        return known == nullptr || std::strcmp(known, text) == 0;
+    };
+    auto place = std::find_if(texts.begin(), texts.end(), isText);
+    if (place == texts.end() || *place == nullptr) {
+        char* const copy = strdup(text);
+        if (copy == nullptr)
+            return nullptr;
+        if (place == texts.end())
+            std::free(*--place);
+        *place = copy;
+    }
+    std::rotate(texts.begin(), place, place + 1);
+    return texts.front();
+}
+
+// Whether there was memory for the text.
+bool remember(const char* text) noexcept {
+    const std::lock_guard<std::mutex> lock(textsMutex);
+    return (lastText = kept(text)) != nullptr;
+}
 
 void record(const char* text) noexcept {
     errorFlag = 1;
-    const std::size_t size = std::strlen(text) + 1;
-    const std::lock_guard<std::mutex> lock(textMutex);
-    ++errorCount;
-    char* grown = static_cast<char*>(std::realloc(errorText, size));
-    if (grown == nullptr) {
+    if (!remember(text))
         Orvane::Diagnostics::error("\nError: Out of memory. Couldn't save interface error message:", text);
-        std::free(errorText);
-        errorText = nullptr;
-        return;
-    }
-    errorText = grown;
-    std::memcpy(errorText, text, size);
+}
+
+// When the library is unloaded or the process ends, behind atexit functions and the destructors of objects.
+[[gnu::destructor(101)]] void dropTexts() {
+    const std::lock_guard<std::mutex> lock(textsMutex);
+    lastText = nullptr;
+    for (char*& text : texts)
+        std::free(std::exchange(text, nullptr));
 }
 
 } // namespace
@@ -50,17 +70,7 @@ unsigned char HW_Fail(void) {
 }
 
 const char* HW_Error(void) {
-    const std::lock_guard<std::mutex> lock(textMutex);
-    if (told.count != errorCount) {
-        try {
-            told.text = errorText != nullptr ? errorText : "";
-            told.present = errorText != nullptr;
-        } catch (const std::bad_alloc&) {
-            told.present = false;
-        }
-        told.count = errorCount;
-    }
-    return told.present ? told.text.c_str() : nullptr;
+    return lastText;
 }
 
 void HW_CallException(bool print) {

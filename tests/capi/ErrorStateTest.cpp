@@ -3,9 +3,11 @@
 #include "tests/support/WrittenText.h"
 
 #include <atomic>
+#include <cstdio>
 #include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <new>
 #include <orvane/orvane.h>
 #include <stdexcept>
@@ -91,6 +93,74 @@ TEST(ErrorState, TellsOneTextAtTheSamePlaceUntilThereIsANewOne) {
     recordText("first");
     const char* told = HW_Error();
     EXPECT_EQ(HW_Error(), told);
+}
+
+TEST(ErrorState, KeepsTheTextThatAThreadFetchedWhenTheThreadHasEnded) {
+    recordText("told to a thread");
+    const char* told = nullptr;
+    std::thread([&] { told = HW_Error(); }).join();
+    EXPECT_STREQ(told, "told to a thread");
+}
+
+const char* toldBeforeTheEnd = nullptr;
+
+void comparedAtTheEnd() {
+    std::fprintf(stderr, "%s, %s", toldBeforeTheEnd, HW_Error());
+}
+
+// Tells the text at the very end: objects are destroyed behind the functions that were registered later.
+struct LastWord {
+    LastWord() = default;
+    LastWord(const LastWord&) = delete;
+    LastWord& operator=(const LastWord&) = delete;
+    ~LastWord() {
+        if (toldBeforeTheEnd != nullptr)
+            std::fprintf(stderr, ", %s", toldBeforeTheEnd);
+    }
+};
+const LastWord lastWord;
+
+TEST(ErrorStateDeathTest, KeepsTheTextForAtexitFunctionsAndDestructorsOfStaticObjects) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto end = [] {
+        recordText("recorded just before the end");
+        toldBeforeTheEnd = HW_Error();
+        std::atexit(comparedAtTheEnd);
+        std::exit(0); // NOLINT(concurrency-mt-unsafe): there is one thread here
+    };
+    EXPECT_EXIT(
+        end(), testing::ExitedWithCode(0),
+        testing::Eq(
+            "recorded just before the end, recorded just before the end, recorded just before the end"));
+}
+
+TEST(ErrorState, KeepsATextWhile255OthersAreRecorded) {
+    recordText("the first");
+    const char* told = HW_Error();
+    for (int other = 0; other < 255; ++other)
+        recordText("other " + std::to_string(other));
+    EXPECT_STREQ(told, "the first");
+    EXPECT_STREQ(HW_Error(), "other 254");
+}
+
+TEST(ErrorState, TellsOneTextThatIsRecordedAgainAtTheSamePlace) {
+    recordText("again");
+    const char* told = HW_Error();
+    recordText("another");
+    recordText("again");
+    EXPECT_EQ(HW_Error(), told);
+}
+
+TEST(ErrorState, HoldsNoMoreThan256Texts) {
+    constexpr std::size_t kBytes = 4096;
+    const auto recordMany = [](int first) {
+        for (int number = first; number < first + 1000; ++number)
+            recordText(std::to_string(number) + std::string(kBytes, 'x'));
+    };
+    recordMany(0);
+    const auto before = mallinfo2().uordblks;
+    recordMany(1000);
+    EXPECT_LT(mallinfo2().uordblks, before + 100 * kBytes);
 }
 
 TEST(ErrorState, IsSharedByAllThreads) {

@@ -1,31 +1,11 @@
 // A C99 program beside a board.
 #include "tests/capi/FlatBoard.h"
+#include "tests/support/RunProgram.h"
 
-#include <array>
-#include <cstdio>
 #include <gtest/gtest.h>
-#include <string>
-#include <sys/wait.h>
 
 namespace OrvaneTest {
 namespace {
-
-struct Outcome {
-    std::string output;
-    int status;
-};
-
-Outcome runProgram(const std::string& command) {
-    std::FILE* pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr)
-        return {"cannot run " + command, -1};
-    std::string output;
-    std::array<char, 256> piece;
-    while (std::fgets(piece.data(), piece.size(), pipe) != nullptr)
-        output += piece.data();
-    const int status = pclose(pipe);
-    return {output, WIFEXITED(status) ? WEXITSTATUS(status) : -1};
-}
 
 class MainJob : public testing::Test, protected FlatBoard {};
 

@@ -83,7 +83,8 @@ ORVANE_C_API unsigned int HW_GetDefault_PHY_ID(void);
 ORVANE_C_API unsigned char HW_Fail(void);
 
 /* Text of the last error recorded by any thread; null when there is none or it could not be stored. The text
- * is the library's; it stays valid until the calling thread asks again after a newer error, or ends. */
+ * is the library's and never changes: it stays valid until 256 errors with other texts have been recorded, or
+ * the library is unloaded, whatever thread fetched it and whether that has ended. */
 ORVANE_C_API const char *HW_Error(void);
 
 /* Records the exception that is being handled, and with `print` reports it when it is a standard exception.

@@ -1,5 +1,7 @@
 #include "ov_sys/Interface/foundation/Diagnostics.h"
 
+#include "ov_sys/Interface/foundation/Uncancelled.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
@@ -124,6 +126,7 @@ void setSink(Sink sink) {
 }
 
 void report(Level level, std::initializer_list<Piece> pieces) noexcept {
+    const Uncancelled uncancelled; // writing is a cancellation point, which noexcept does not survive
     try {
         deliver(level, joined(pieces));
     } catch (const std::bad_alloc&) {

@@ -2,6 +2,7 @@
 #include "ov_sys/capi/ErrorState.h"
 
 #include "ov_sys/Interface/devices/HWInterface.h"
+#include "ov_sys/Interface/foundation/Exceptions.h"
 
 #include <atomic>
 #include <orvane/orvane.hpp>
@@ -17,8 +18,11 @@ using Orvane::kReported;
 
 std::atomic<bool> initialized{false};
 
-std::string textOf(const char* text) {
-    return text != nullptr ? text : "";
+// A caller's name or address; null is that of no device.
+std::string given(const char* text) {
+    if (text == nullptr)
+        throw Orvane::Exceptions::NoDevice();
+    return text;
 }
 
 } // namespace
@@ -84,11 +88,11 @@ unsigned int HW_Device_Revision(void) {
 }
 
 int HW_DeviceNumber(const char* name) {
-    return guarded(kReported, [name] { return HW_Interface_Object.deviceNumber(textOf(name), ""); });
+    return guarded(kReported, [name] { return HW_Interface_Object.deviceNumber(given(name), ""); });
 }
 
 char* HW_DeviceByIp(const char* ip) {
-    return guarded(kQuiet, [ip] { return HW_Interface_Object.device(textOf(ip)); });
+    return guarded(kQuiet, [ip] { return HW_Interface_Object.device(given(ip)); });
 }
 
 void HW_SetDeviceParameters(unsigned int adapter, unsigned int parameter, unsigned int value) {

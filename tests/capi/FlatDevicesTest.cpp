@@ -90,8 +90,18 @@ TEST_F(FlatDevices, AreNotFoundByAnAddressWithoutABoard) {
     EXPECT_EQ(HW_DeviceByIp("10.83.100.1"), nullptr);
 }
 
-TEST_F(FlatDevices, AreNotFoundByNoAddress) {
-    EXPECT_EQ(HW_DeviceByIp(nullptr), nullptr);
+TEST_F(FlatDevices, AreNotFoundByNoAddressWithoutASearch) {
+    const WrittenText written = textWritten([] { EXPECT_EQ(HW_DeviceByIp(nullptr), nullptr); });
+    EXPECT_EQ(written.error, "");
+    EXPECT_STREQ(HW_Error(), "Device not found.");
+    EXPECT_EQ(board.discoveryCount(), 0U);
+}
+
+TEST_F(FlatDevices, HaveNumber0WithoutANameAndWithoutASearch) {
+    const WrittenText written = textWritten([] { EXPECT_EQ(HW_DeviceNumber(nullptr), 0); });
+    EXPECT_EQ(written.error, "\nError: Device not found.\n");
+    EXPECT_STREQ(HW_Error(), "Device not found.");
+    EXPECT_EQ(board.discoveryCount(), 0U);
 }
 
 TEST_F(FlatDevices, KeepTheirSmbusProtocol) {

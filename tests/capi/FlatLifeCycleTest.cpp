@@ -96,11 +96,12 @@ TEST_F(FlatLifeCycle, LooksTwiceForAnUnknownDeviceAndFallsBackToAdapter0) {
                 testing::AllOf(SizeIs(2 * kRequestsOfOneBoard), Each("NoSuch:3")));
 }
 
-TEST_F(FlatLifeCycle, OpensNothingForTheNullName) {
+TEST_F(FlatLifeCycle, OpensNothingForTheNullNameAndSearchesForNothing) {
     int opened = 1;
     const WrittenText written = textWritten([&] { opened = HW_Open(nullptr); });
     EXPECT_EQ(opened, 0);
     EXPECT_EQ(written.error, "\nError: Device not found.\n");
+    EXPECT_EQ(board.discoveryCount(), 0U);
 }
 
 TEST_F(FlatLifeCycle, ClosesEverySessionAndKeepsTheDevices) {

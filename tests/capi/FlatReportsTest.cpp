@@ -29,7 +29,7 @@ std::string reported(const std::string& text) {
 const Failure kFailures[] = {
     {"HW_NumberOfDevices", [] { return HW_NumberOfDevices() == 0; }, kNoInterfaces, ""},
     {"HW_DeviceList", [] { return HW_DeviceList() == nullptr; }, kNoInterfaces, ""},
-    {"HW_DeviceByIp", [] { return HW_DeviceByIp(nullptr) == nullptr; }, kNoInterfaces, ""},
+    {"HW_DeviceByIp", [] { return HW_DeviceByIp("") == nullptr; }, kNoInterfaces, ""},
     {"HW_DeviceNumber", [] { return HW_DeviceNumber("NoSuch:3") == 0; }, "Device not found.",
      std::string(kNoInterfaces) + "\nDeviceNumber: Device not found\n" + reported("Device not found.")},
     // The opening keeps quiet; its second part, the look-up of the number, reports.

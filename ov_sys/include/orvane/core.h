@@ -22,7 +22,8 @@ ORVANE_C_API int HW_Initialize(void);
 
 /* Finds the device of that name (board serial number, colon, port, in any letter case), discovering boards
  * when it is not known yet, opens its adapter and makes it the default adapter. Returns 1 when the adapter
- * was opened; 0 otherwise, after a second discovery, with adapter 0 as the default, and reports. */
+ * was opened; 0 otherwise, after a second discovery, with adapter 0 as the default, and reports. A null name
+ * is that of no device, without a discovery; so it is for the functions below. */
 ORVANE_C_API int HW_Open(const char *name);
 
 /* Closes every open adapter and its sessions; blocks for their keep-alive threads (200 ms each) and close

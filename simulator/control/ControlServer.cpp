@@ -16,12 +16,21 @@ namespace {
 
 constexpr std::size_t kLongestLine = std::size_t{1} << 20;
 
+// Removes the socket at `path`; false when something else is there, which stays.
+bool removeSocket(const std::string& path) {
+    struct stat found {};
+    if (::lstat(path.c_str(), &found) != 0)
+        return true;
+    return S_ISSOCK(found.st_mode) && ::unlink(path.c_str()) == 0;
+}
+
 FileDescriptor listenAt(const std::string& path) {
     if (connectLocal(path))
         throw std::runtime_error("another lab is controlled through " + path);
     const sockaddr_un place = localPlace(path);
     FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-    ::unlink(path.c_str()); // left over: nobody serves it
+    if (!removeSocket(path)) // left over: nobody serves it
+        throw std::runtime_error("cannot make the control socket " + path + ": there is a file of that name");
     const mode_t mask = ::umask(0077);
     const int bound = ::bind(socket.get(), reinterpret_cast<const sockaddr*>(&place), sizeof place);
     const int error = errno;
@@ -51,7 +60,7 @@ ControlServer::~ControlServer() {
         connections_.clear();
     });
     loop_.stop();
-    ::unlink(path_.c_str());
+    removeSocket(path_);
 }
 
 void ControlServer::accept() {

@@ -21,8 +21,9 @@ std::string defaultControlPath();
 /// of its own.
 class ControlServer {
 public:
-    /// Makes the socket, for this user only, in place of one that nobody serves any more. `lab` must outlive
-    /// the object. Throws std::system_error or std::runtime_error when `path` cannot be had.
+    /// Makes the socket, for this user only, in place of one that nobody serves any more; what is no socket
+    /// is never removed. `lab` must outlive the object. Throws std::system_error or std::runtime_error when
+    /// `path` cannot be had.
     ControlServer(Lab& lab, std::string path);
     /// Removes the socket.
     ~ControlServer(); // NOLINT(bugprone-exception-escape)

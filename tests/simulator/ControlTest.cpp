@@ -1,9 +1,12 @@
 // The control protocol, request by request, and its socket.
 #include "simulator/control/ControlSocket.h"
+#include "simulator/control/LocalSocket.h"
 #include "simulator/script/ActionText.h"
 #include "simulator/script/FaultTable.h"
 #include "tests/simulator/Client.h"
 #include "tests/simulator/Shell.h"
+
+#include <sys/socket.h>
 
 namespace OrvaneSim {
 namespace {
@@ -190,7 +193,11 @@ TEST_F(ControlSocket, answersEachLineAndGoesWithItsServer) {
 }
 
 TEST_F(ControlSocket, takesThePlaceOfOneThatNobodyServesAndOfNoOther) {
-    folder.write("lab.sock", "left over");
+    {
+        const sockaddr_un place = localPlace(path);
+        const FileDescriptor leftOver(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        ASSERT_EQ(::bind(leftOver.get(), reinterpret_cast<const sockaddr*>(&place), sizeof place), 0);
+    }
     ControlServer server(lab, path);
     EXPECT_EQ(askControl(path, R"({"board": "all", "action": "clear"})"), R"({"ok":true})");
     try {
@@ -199,6 +206,27 @@ TEST_F(ControlSocket, takesThePlaceOfOneThatNobodyServesAndOfNoOther) {
     } catch (const std::runtime_error& refused) {
         EXPECT_EQ(std::string(refused.what()), "another lab is controlled through " + path);
     }
+}
+
+TEST_F(ControlSocket, leavesAFileAloneThatIsNoSocket) {
+    folder.write("lab.sock", "results");
+    try {
+        const ControlServer server(lab, path);
+        ADD_FAILURE() << "a server in a file's place";
+    } catch (const std::runtime_error& refused) {
+        EXPECT_EQ(std::string(refused.what()),
+                  "cannot make the control socket " + path + ": there is a file of that name");
+    }
+    EXPECT_EQ(folder.read("lab.sock"), "results");
+}
+
+TEST_F(ControlSocket, leavesAFileAloneThatTookItsPlaceMeanwhile) {
+    {
+        const ControlServer server(lab, path);
+        std::filesystem::remove(path);
+        folder.write("lab.sock", "results");
+    }
+    EXPECT_EQ(folder.read("lab.sock"), "results");
 }
 
 } // namespace

@@ -105,5 +105,14 @@ TEST_F(OrvaneDump, thatIsNoneIsToldByFileAndLine) {
               fails(1, "orvane: " + folder.path("none") + ": cannot read: No such file or directory\n"));
 }
 
+TEST_F(OrvaneDump, withControlCharactersIsToldWithoutThem) {
+    const std::string bad = folder.write("bad", "# orvane dump 1\n1.0x0002 \x1b[2J\n");
+    const Outcome outcome = orvane({"diff", bad, bad});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.error, HasSubstr(bad + ":2: "));
+    EXPECT_THAT(outcome.error, HasSubstr("\\x1b[2J"));
+    EXPECT_THAT(outcome.error, testing::Not(HasSubstr("\x1b")));
+}
+
 } // namespace
 } // namespace OrvaneTest

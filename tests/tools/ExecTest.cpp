@@ -2,6 +2,7 @@
 #include "tests/tools/Program.h"
 
 #include <csignal>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace OrvaneTest {
@@ -12,6 +13,14 @@ struct OrvaneExec : testing::Test, OneBoardLab {};
 TEST_F(OrvaneExec, passesOutputErrorOutputAndStatusThrough) {
     board.setCommand("both --ways", {3, "out\nof here", "wrong\n", 0});
     EXPECT_EQ(run({"exec", "OV0001:0", "--", "both", "--ways"}), fails(3, "wrong\n", "out\nof here"));
+}
+
+TEST_F(OrvaneExec, showsControlCharactersOnATerminalAndPassesThemElsewhere) {
+    board.setCommand("ls", {0, "\x1b[31mred\x1b[0m\ta\r\n", "", 0});
+    EXPECT_EQ(run({"exec", "OV0001:0", "ls"}), prints("\x1b[31mred\x1b[0m\ta\r\n"));
+    const Outcome shown = orvaneOnTerminal({"exec", "OV0001:0", "ls"}, environment());
+    EXPECT_THAT(shown.output, testing::HasSubstr("\\x1b[31mred\\x1b[0m\ta\\x0d\r\n"));
+    EXPECT_THAT(shown.output, testing::Not(testing::HasSubstr("\x1b[31m")));
 }
 
 TEST_F(OrvaneExec, ofACommandThatSucceedsSucceeds) {

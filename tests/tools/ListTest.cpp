@@ -31,6 +31,13 @@ TEST(OrvaneList, asksTheGivenAddressesAloneAndSendsNoMulticast) {
     EXPECT_EQ(second.probeRequests().size(), 1U);
 }
 
+TEST(OrvaneList, asCsvHasNoFormulasFromBoards) {
+    OrvaneSim::Lab lab;
+    lab.add({"10.83.0.2", "OV0002", {"=1+cmd:-3"}, "host", 2, false});
+    EXPECT_EQ(orvane({"list", "--address", "10.83.0.2", "--csv"}),
+              prints("name,adapter,address,port,kind,board_ports\n'=1+CMD:-3,0,10.83.0.2,-3,mdio,-3\n"));
+}
+
 TEST(OrvaneList, asJsonIsAnArrayOfObjects) {
     const OneBoardLab board;
     const Outcome outcome = board.run({"list", "--json"});

@@ -103,6 +103,15 @@ TEST_F(OrvaneLog, withoutTheRegisterOrTheFileFails) {
               fails(1, "orvane: " + folder.path("none") + ": cannot read: No such file or directory\n"));
 }
 
+TEST(OrvaneLogOfAnything, showsTheControlCharactersOfNotes) {
+    const Folder folder;
+    const std::string log =
+        folder.write("odd", "a\x1b]0;t\x07 gr\xc3\xbc\xc3\x9f\xc2\x9b e\xe2\x80\xae \xff\r\n");
+    EXPECT_EQ(orvane({"log", log}),
+              prints("0 accesses: 0 reads, 0 writes, 0 registers\n"
+                     "note: a\\x1b]0;t\\x07 gr\xc3\xbc\xc3\x9f\\xc2\\x9b e\\xe2\\x80\\xae \\xff\\x0d\n"));
+}
+
 TEST(OrvaneLogOfAnything, isNotesWhereItIsNoRecord) {
     const Folder folder;
     const std::string log =

@@ -34,7 +34,7 @@ void addVerbs(CLI::App& app, Context& context) {
 }
 
 int complain(Context& context, const std::string& text, int status) {
-    context.console.err.print("orvane: {}\n", text);
+    context.console.err.write("orvane: " + text + "\n");
     context.console.err.flushIfPossible();
     return status;
 }

@@ -6,7 +6,7 @@ namespace OrvaneTool {
 namespace {
 
 // Colours those characters of a text of digits, each of `bitsEach` bits, that have changed bits.
-std::string painted(const Stream& stream, const std::string& text, unsigned bitsEach, std::uint32_t changed) {
+Painted painted(const Stream& stream, const std::string& text, unsigned bitsEach, std::uint32_t changed) {
     if (!stream.hasColour() || changed == 0)
         return {};
     std::string result;
@@ -15,10 +15,11 @@ std::string painted(const Stream& stream, const std::string& text, unsigned bits
         const bool digit = text[i] != ' ' && text[i] != 'x';
         const std::uint32_t mask = (1U << bitsEach) - 1;
         const bool differs = digit && position < 32 && ((changed >> position) & mask) != 0;
-        result.insert(0, differs ? stream.painted(Colour::Red, text.substr(i, 1)) : text.substr(i, 1));
+        const std::string character = text.substr(i, 1);
+        result.insert(0, differs ? stream.painted(Colour::Red, character).text : character);
         position += digit ? bitsEach : 0;
     }
-    return result;
+    return {result};
 }
 
 } // namespace

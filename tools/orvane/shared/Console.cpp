@@ -7,6 +7,7 @@
 #include <exception>
 #include <sys/ioctl.h>
 #include <unistd.h>
+#include <utility>
 
 namespace OrvaneTool {
 namespace {
@@ -77,10 +78,10 @@ void Stream::flushIfPossible() noexcept {
     }
 }
 
-std::string Stream::painted(Colour colour, std::string_view text) const {
+Painted Stream::painted(Colour colour, std::string_view text) const {
     if (!colour_ || colour == Colour::None)
-        return std::string(text);
-    return fmt::format("\033[{}m{}\033[0m", code(colour), text);
+        return {visible(text)};
+    return {fmt::format("\033[{}m{}\033[0m", code(colour), visible(text))};
 }
 
 } // namespace OrvaneTool

@@ -1,5 +1,7 @@
 #include "tools/orvane/shared/LibraryMessages.h"
 
+#include "tools/orvane/shared/VisibleText.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -74,7 +76,7 @@ std::string LibraryMessages::take() {
 
 void LibraryMessages::explainAborts(int err, const std::string& activity) {
     const std::string text =
-        fmt::format("orvane: {}: the board's answer does not fit the question\n", activity);
+        fmt::format("orvane: {}: the board's answer does not fit the question\n", visible(activity));
     const std::size_t length = std::min(text.size(), abortText.size());
     abortLength = 0;
     std::copy_n(text.begin(), length, abortText.begin());

@@ -11,13 +11,13 @@ constexpr std::string_view kClearLine = "\r\033[K";
 
 // A terminal that has gone away must not end what is being shown.
 void showOn(Stream& stream, const std::string& text) {
-    stream.write(text);
+    stream.writeAsIs(text);
     stream.flushIfPossible();
 }
 
 } // namespace
 
-Spinner::Spinner(Stream& stream, std::string text) : stream_(stream), text_(std::move(text)) {
+Spinner::Spinner(Stream& stream, const std::string& text) : stream_(stream), text_(visible(text)) {
     if (stream_.isTerminal())
         thread_ = std::thread([this] { turn(); });
 }
@@ -44,8 +44,8 @@ void Spinner::turn() {
     while (!ended_.wait_for(lock, kPace, [this] { return done_; }));
 }
 
-ProgressBar::ProgressBar(Stream& stream, std::string text, std::size_t total)
-    : stream_(stream), text_(std::move(text)), total_(std::max<std::size_t>(total, 1)) {}
+ProgressBar::ProgressBar(Stream& stream, const std::string& text, std::size_t total)
+    : stream_(stream), text_(visible(text)), total_(std::max<std::size_t>(total, 1)) {}
 
 ProgressBar::~ProgressBar() {
     if (stream_.isTerminal())

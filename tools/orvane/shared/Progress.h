@@ -14,7 +14,7 @@ namespace OrvaneTool {
 // Nobody else may write to the stream meanwhile.
 class Spinner {
 public:
-    Spinner(Stream& stream, std::string text);
+    Spinner(Stream& stream, const std::string& text);
     ~Spinner();
     Spinner(const Spinner&) = delete;
     Spinner& operator=(const Spinner&) = delete;
@@ -33,7 +33,7 @@ private:
 // A bar of `total` steps; does nothing when the stream is no terminal. Leaves the line empty in the end.
 class ProgressBar {
 public:
-    ProgressBar(Stream& stream, std::string text, std::size_t total);
+    ProgressBar(Stream& stream, const std::string& text, std::size_t total);
     ~ProgressBar();
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;

@@ -1,6 +1,7 @@
 #include "tools/orvane/shared/Table.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace OrvaneTool {
 namespace {
@@ -12,6 +13,19 @@ std::string quoted(const std::string& text) {
     for (const char each : text)
         result += each == '"' ? std::string("\"\"") : std::string(1, each);
     return result + '"';
+}
+
+// Whether it reads as a negative number, such as -40 or -0.5.
+bool isNegativeNumber(std::string_view text) {
+    const bool digitsOnly = text.find_first_not_of("0123456789.", 1) == std::string_view::npos;
+    return text.size() > 1 && text.front() == '-' && digitsOnly;
+}
+
+// A spreadsheet calculates what begins with these. Numbers stay numbers, and a single dash no value.
+std::string asText(const std::string& text) {
+    const bool formula =
+        !text.empty() && std::string_view("=+-@").find(text.front()) != std::string_view::npos;
+    return formula && text != "-" && !isNegativeNumber(text) ? "'" + text : text;
 }
 
 std::string trimmed(const std::string& line) {
@@ -46,13 +60,13 @@ void Table::printText(Stream& stream) const {
             text += text.empty() ? "" : "  ";
             text += columns_[i].right ? gap + paintedOf(i) : paintedOf(i) + gap;
         }
-        stream.write(trimmed(text) + '\n');
+        stream.writeAsIs(trimmed(text) + '\n');
     };
     const auto title = [&](std::size_t i) { return columns_[i].title; };
-    line(title, [&](std::size_t i) { return stream.painted(Colour::Bold, columns_[i].title); });
+    line(title, [&](std::size_t i) { return stream.painted(Colour::Bold, columns_[i].title).text; });
     for (const auto& row : rows_)
         line([&](std::size_t i) { return row[i].text; },
-             [&](std::size_t i) { return row[i].painted.empty() ? row[i].text : row[i].painted; });
+             [&](std::size_t i) { return row[i].painted.text.empty() ? row[i].text : row[i].painted.text; });
 }
 
 void Table::printJson(Stream& stream) const {
@@ -65,7 +79,8 @@ void Table::printJson(Stream& stream) const {
         array.push_back(object);
     }
     // Names come from boards: what is not UTF-8 is replaced, not thrown about.
-    stream.write(array.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + '\n');
+    stream.writeAsIs(
+        visibleJson(array.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)) + '\n');
 }
 
 void Table::printCsv(Stream& stream) const {
@@ -74,11 +89,11 @@ void Table::printCsv(Stream& stream) const {
         for (std::size_t i = 0; i < columns_.size(); ++i)
             if (!columns_[i].key.empty())
                 text += "," + quoted(textOf(i));
-        stream.write(text.substr(text.empty() ? 0 : 1) + '\n');
+        stream.writeAsIs(text.substr(text.empty() ? 0 : 1) + '\n');
     };
     line([&](std::size_t i) { return columns_[i].key; });
     for (const auto& row : rows_)
-        line([&](std::size_t i) { return row[i].text; });
+        line([&](std::size_t i) { return asText(row[i].text); });
 }
 
 } // namespace OrvaneTool

@@ -11,18 +11,18 @@ namespace OrvaneTool {
 
 enum class Format { Text, Json, Csv };
 
-// One result: as text, and as what it is in JSON (the text, when nothing else is given).
+// One result: as text, made visible, and as what it is in JSON (the text, when nothing else is given).
 struct Cell {
     // NOLINTBEGIN(google-explicit-constructor): rows are written as lists of texts and cells
-    Cell(std::string shown) : text(std::move(shown)), value(text) {}
+    Cell(const std::string& shown) : text(visible(shown)), value(shown) {}
     Cell(const char* shown) : Cell(std::string(shown)) {}
     // NOLINTEND(google-explicit-constructor)
-    Cell(std::string shown, nlohmann::ordered_json meant, std::string inColour = {})
-        : text(std::move(shown)), value(std::move(meant)), painted(std::move(inColour)) {}
+    Cell(const std::string& shown, nlohmann::ordered_json meant, Painted inColour = {})
+        : text(visible(shown)), value(std::move(meant)), painted(std::move(inColour)) {}
 
     std::string text;
     nlohmann::ordered_json value;
-    std::string painted; // the text with escape sequences, where it is not to be plain
+    Painted painted; // the text with escape sequences, where it is not to be plain
 };
 
 struct Column {
@@ -40,7 +40,7 @@ public:
     std::size_t size() const { return rows_.size(); }
 
     // Text columns are two blanks apart, under their titles in bold; JSON is one array of objects; CSV begins
-    // with the keys.
+    // with the keys, and text that a spreadsheet would take for a formula has an apostrophe before it.
     void print(Stream& stream, Format format) const;
 
 private:

@@ -45,7 +45,7 @@ void maxima(ServiceCall& call) {
 
 void events(ServiceCall& call) {
     const auto bytes = call.attempt([&] { return adc().getEvents(call.session()); });
-    call.out().write(std::string(bytes.begin(), bytes.end()));
+    call.out().relay(std::string(bytes.begin(), bytes.end()));
 }
 
 constexpr std::array<Operation, 9> kOperations{{

@@ -50,11 +50,11 @@ Samples capture(ServiceCall& call, unsigned mask, unsigned count) {
 void draw(ServiceCall& call, const Samples& samples) {
     constexpr unsigned kBesideCurve = 12;
     const unsigned width = call.out().width();
-    for (std::size_t i = 0; i < samples.channels.size(); ++i)
-        call.out().print("channel {}, {} samples\n{}", samples.channels[i], samples.values[i].size(),
-                         plot(samples.values[i],
-                              {0, 255, width > kBesideCurve ? width - kBesideCurve : 1, 16, 0},
-                              std::nan("")));
+    const Axis axis{0, 255, width > kBesideCurve ? width - kBesideCurve : 1, 16, 0};
+    for (std::size_t i = 0; i < samples.channels.size(); ++i) {
+        call.out().print("channel {}, {} samples\n", samples.channels[i], samples.values[i].size());
+        call.out().write(plot(samples.values[i], axis, std::nan("")));
+    }
 }
 
 std::string csvOf(const Samples& samples) {

@@ -59,14 +59,14 @@ int run(Context& context, const Options& options) {
         const Deadline deadline(std::chrono::milliseconds(options.timeout * 1000 + 500),
                                 context.messages.err(),
                                 fmt::format("orvane: {}: exec {}: it did not end within {} s\n",
-                                            call.device().name(), command, options.timeout));
+                                            call.device().name(), visible(command), options.timeout));
         call.attempt([&] {
             return Orvane::Setup::Setup().runCommand(call.session(), command, options.timeout, result);
         });
     }
-    call.out().write(result.output);
+    call.out().relay(result.output);
     call.out().flush();
-    context.console.err.write(result.errorOutput);
+    context.console.err.relay(result.errorOutput);
     context.console.err.flushIfPossible();
     return result.exitCode & 0xFF;
 }

@@ -24,7 +24,8 @@ void printGrid(Stream& out, const std::vector<Register>& list, const std::vector
         const bool follows =
             i > 0 && list[i].mmd == list[i - 1].mmd && list[i].address == list[i - 1].address + distance;
         if (!follows || inLine == kInLine) {
-            out.print("{}{}:", i > 0 ? "\n" : "", out.painted(Colour::Dim, list[i].text()));
+            out.write(i > 0 ? "\n" : "");
+            out.print("{}:", out.painted(Colour::Dim, list[i].text()));
             inLine = 0;
         }
         out.print(" {:0{}X}", values[i], valueDigits(list[i].space));

@@ -32,8 +32,8 @@ void redraw(Stream& out, const std::vector<double>& all, double target, bool fir
     const double high = std::floor((known ? std::max(*highest, target) : *highest) / kGrid + 1) * kGrid;
     if (!first)
         out.print("\033[{}A\033[J", kRows + 1);
-    out.print("{:.2f}{}\n{}", all.back(), known ? fmt::format(", set point {:.2f}", target) : "",
-              plot(shown, {low, high, static_cast<unsigned>(columns), kRows, 1}, target));
+    out.print("{:.2f}{}\n", all.back(), known ? fmt::format(", set point {:.2f}", target) : "");
+    out.write(plot(shown, {low, high, static_cast<unsigned>(columns), kRows, 1}, target));
 }
 
 void watch(ServiceCall& call, const Options& options, unsigned channel, double target) {

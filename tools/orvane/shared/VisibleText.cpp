@@ -1,0 +1,100 @@
+#include "tools/orvane/shared/VisibleText.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <fmt/format.h>
+
+namespace OrvaneTool {
+namespace {
+
+// A character at the beginning of a text.
+struct Character {
+    char32_t code = 0;
+    std::size_t bytes = 0; // 0: this is no UTF-8
+};
+
+Character firstOf(std::string_view text) {
+    struct Form {
+        unsigned mask;
+        unsigned lead;
+        char32_t least; // what fewer bytes cannot say
+    };
+    constexpr std::array<Form, 4> kForms{
+        {{0x80, 0x00, 0}, {0xE0, 0xC0, 0x80}, {0xF0, 0xE0, 0x800}, {0xF8, 0xF0, 0x10000}}};
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    for (std::size_t bytes = 1; bytes <= kForms.size() && bytes <= text.size(); ++bytes) {
+        const Form& form = kForms[bytes - 1];
+        if ((byte(0) & form.mask) != form.lead)
+            continue;
+        char32_t code = byte(0) & ~form.mask;
+        for (std::size_t i = 1; i < bytes; ++i) {
+            if ((byte(i) & 0xC0U) != 0x80U)
+                return {};
+            code = code << 6U | (byte(i) & 0x3FU);
+        }
+        const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
+        return code < form.least || code > 0x10FFFF || surrogate ? Character{} : Character{code, bytes};
+    }
+    return {};
+}
+
+bool isControl(char32_t code) {
+    return code < 0x20 || (code >= 0x7F && code < 0xA0);
+}
+
+// Ends of lines and paragraphs, marks and overrides of direction, the byte order mark.
+bool isLayout(char32_t code) {
+    return code == 0x061C || code == 0x200E || code == 0x200F || (code >= 0x2028 && code <= 0x202E) ||
+           (code >= 0x2066 && code <= 0x2069) || code == 0xFEFF;
+}
+
+// Replaces each character that `shows` refuses, and each byte that is none, by what `escape` makes of them.
+template <class Shows, class Escape>
+std::string escaped(std::string_view text, Shows shows, Escape escape) {
+    const auto plain = [](char each) { return each >= ' ' && each <= '~'; };
+    if (std::all_of(text.begin(), text.end(), plain)) // nearly always
+        return std::string(text);
+    std::string result;
+    result.reserve(text.size());
+    while (!text.empty()) {
+        const Character next = firstOf(text);
+        const std::string_view bytes = text.substr(0, std::max<std::size_t>(next.bytes, 1));
+        if (next.bytes > 0 && shows(next.code))
+            result += bytes;
+        else
+            result += escape(next.code, bytes);
+        text.remove_prefix(bytes.size());
+    }
+    return result;
+}
+
+std::string hexadecimal(char32_t, std::string_view bytes) {
+    std::string text;
+    for (const char each : bytes)
+        text += fmt::format("\\x{:02x}", static_cast<unsigned char>(each));
+    return text;
+}
+
+} // namespace
+
+std::string visible(std::string_view text) {
+    return escaped(
+        text, [](char32_t code) { return !isControl(code) && !isLayout(code); }, hexadecimal);
+}
+
+std::string visibleLines(std::string_view text) {
+    const auto shows = [](char32_t code) {
+        return code == U'\n' || code == U'\t' || (!isControl(code) && !isLayout(code));
+    };
+    return escaped(text, shows, hexadecimal);
+}
+
+std::string visibleJson(std::string_view json) {
+    const auto shows = [](char32_t code) { return code == U'\n' || (!isControl(code) && !isLayout(code)); };
+    return escaped(json, shows, [](char32_t code, std::string_view) {
+        return fmt::format("\\u{:04x}", static_cast<std::uint32_t>(code));
+    });
+}
+
+} // namespace OrvaneTool

@@ -1,0 +1,30 @@
+// How a port is shared with other programs.
+#pragma once
+
+#include <cstdint>
+
+namespace Orvane {
+
+// The three kinds of session that boards grant, each with an optional key.
+struct Access {
+    enum class Mode : std::uint8_t {
+        Exclusive, // keeps everybody out who does not bring the key
+        Shared,    // beside other shared and simple sessions
+        Simple,    // as shared, but the board makes up no key
+    };
+
+    Mode mode = Mode::Simple;
+    std::uint16_t key = 0; // 0: none; the board makes one up for exclusive and shared sessions
+    bool queues = false;   // a refused open is tried again up to the call's deadline
+
+    static constexpr Access exclusive(std::uint16_t key = 0) noexcept {
+        return {Mode::Exclusive, key, false};
+    }
+    static constexpr Access shared(std::uint16_t key = 0) noexcept { return {Mode::Shared, key, false}; }
+    static constexpr Access simple(std::uint16_t key = 0) noexcept { return {Mode::Simple, key, false}; }
+
+    // The same, but waiting for the holder to close.
+    constexpr Access queueing() const noexcept { return {mode, key, true}; }
+};
+
+} // namespace Orvane

@@ -1,0 +1,106 @@
+#include "ov_sys/rack/Phy.h"
+
+#include "ov_sys/rack/core/OpenSession.h"
+
+#include <utility>
+
+namespace Orvane {
+
+using RackLink::Limits;
+using RackLink::Trouble;
+
+Phy::Phy(std::shared_ptr<RackCore::OpenSession> session) noexcept : session_(std::move(session)) {}
+
+unsigned Phy::id() const noexcept {
+    return session_->state().phy;
+}
+
+std::uint32_t Phy::read(RegisterAddress address, const Within& within) const {
+    Limits limits(within);
+    session_->object("read", address, 0, limits);
+    std::uint32_t value = 0;
+    if (const Trouble trouble = RackAccess::read(session_->target(), address, value, limits))
+        throw session_->failure(trouble, "read", toText(address), limits);
+    return value;
+}
+
+void Phy::write(RegisterAddress address, std::uint32_t value, const Within& within) const {
+    Limits limits(within);
+    session_->object("write", address, value, limits);
+    if (const Trouble trouble = RackAccess::write(session_->target(), address, value, limits))
+        throw session_->failure(trouble, "write", toText(address), limits);
+}
+
+std::uint32_t Phy::modify(RegisterAddress address, std::uint32_t mask, std::uint32_t value,
+                          const Within& within) const {
+    Limits limits(within);
+    session_->object("modify", address, mask | value, limits);
+    const RackAccess::Target target = session_->target();
+    std::uint32_t word = 0;
+    Trouble trouble = takeTurn(target.link, limits);
+    if (!trouble) {
+        const RackLink::TurnGuard turn(target.link.turn);
+        trouble = RackAccess::read(target, address, word, limits);
+        word = (word & ~mask) | (value & mask);
+        if (!trouble)
+            trouble = RackAccess::write(target, address, word, limits);
+    }
+    if (trouble)
+        throw session_->failure(trouble, "modify", toText(address), limits);
+    return word;
+}
+
+std::vector<std::uint32_t> Phy::read(RegisterAddress first, std::size_t count, const Within& within) const {
+    Batch batch;
+    const Batch::Readings all = batch.read(first, count);
+    return run(batch, within)[all];
+}
+
+std::vector<std::uint32_t> Phy::read(const std::vector<RegisterAddress>& addresses,
+                                     const Within& within) const {
+    Batch batch;
+    const Batch::Readings all = batch.read(addresses);
+    return run(batch, within)[all];
+}
+
+BatchResult Phy::run(const Batch& batch, const Within& within) const {
+    Limits limits(within);
+    for (const Batch::Operation& one : batch.operations())
+        session_->object(one.writes ? "write" : "read", one.address, one.value, limits);
+    std::vector<OperationOutcome> outcomes;
+    std::size_t failed = 0;
+    const Trouble trouble = RackAccess::run(session_->target(), batch.operations(), outcomes, failed, limits);
+    if (!trouble)
+        return {std::move(outcomes), std::nullopt};
+    return {
+        std::move(outcomes),
+        session_->failure(trouble, "batch", "from " + toText(batch.operations()[failed].address), limits)};
+}
+
+void Phy::open(const Within& within) const {
+    Limits limits(within);
+    session_->open(limits);
+}
+
+void Phy::close(const Within& within) const {
+    Limits limits(within);
+    session_->close(limits);
+}
+
+bool Phy::isOpen() const {
+    return session_->isOpen();
+}
+
+std::uint16_t Phy::key() const {
+    return session_->key();
+}
+
+void Phy::onReopen(std::function<void()> hook) const {
+    session_->setHook(std::move(hook));
+}
+
+void Phy::setSmbusProtocol(SmbusProtocol protocol) const noexcept {
+    session_->setSmbus(protocol);
+}
+
+} // namespace Orvane

@@ -1,0 +1,70 @@
+// One PHY of a port: its registers, and the session through which they are reached.
+#pragma once
+
+#include "ov_sys/Interface/foundation/Export.h"
+#include "ov_sys/rack/Batch.h"
+#include "ov_sys/rack/Failure.h"
+#include "ov_sys/rack/RegisterAddress.h"
+#include "ov_sys/rack/SmbusProtocol.h"
+#include "ov_sys/rack/Within.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace Orvane {
+
+namespace RackCore {
+class OpenSession;
+}
+
+// A handle; copies name the same session, which is closed when the last of them and its Port have ended.
+// Every member function blocks up to the limits that it is given, may be called from any thread (calls on one
+// board take turns), checks its arguments before anything is sent, and throws Failure. What was not read is
+// not returned.
+class ORVANE_API Phy {
+public:
+    explicit Phy(std::shared_ptr<RackCore::OpenSession> session) noexcept;
+
+    // PHY id, or the SMBus device's address.
+    unsigned id() const noexcept;
+
+    // The value of a register: 16 bits, of the 32-bit extension 32.
+    std::uint32_t read(RegisterAddress address, const Within& within = {}) const;
+    void write(RegisterAddress address, std::uint32_t value, const Within& within = {}) const;
+    // Replaces the bits of `mask` by those of `value` and returns what was written. No other call of this
+    // process comes between the read and the write.
+    std::uint32_t modify(RegisterAddress address, std::uint32_t mask, std::uint32_t value,
+                         const Within& within = {}) const;
+
+    // Lists of any length.
+    std::vector<std::uint32_t> read(RegisterAddress first, std::size_t count,
+                                    const Within& within = {}) const;
+    std::vector<std::uint32_t> read(const std::vector<RegisterAddress>& addresses,
+                                    const Within& within = {}) const;
+    // Throws Failure for arguments that cannot be sent; what went wrong with the board is in the result.
+    BatchResult run(const Batch& batch, const Within& within = {}) const;
+
+    // Opens the session now; otherwise its first use does.
+    void open(const Within& within = {}) const;
+    // The next use opens it again.
+    void close(const Within& within = {}) const;
+    bool isOpen() const;
+    // The session's key as the board gave it; 0 when there is none, or the session is not open.
+    std::uint16_t key() const;
+
+    // Called after the board lost the session and it was opened again, before the call that noticed goes on:
+    // to restore what the board forgot. It may use this PHY, on the thread that calls it; what it throws
+    // leaves the call that noticed. Runs on that call's thread, or on the rack's own when a ping noticed.
+    void onReopen(std::function<void()> hook) const;
+
+    // Paged16 at first. For 32-bit registers on SMBus ports.
+    void setSmbusProtocol(SmbusProtocol protocol) const noexcept;
+
+private:
+    std::shared_ptr<RackCore::OpenSession> session_;
+};
+
+} // namespace Orvane

@@ -1,0 +1,57 @@
+#include "ov_sys/rack/Rack.h"
+
+#include "ov_sys/rack/core/PortName.h"
+#include "ov_sys/rack/core/PortState.h"
+#include "ov_sys/rack/core/RackState.h"
+#include "ov_sys/rack/link/Endpoint.h"
+
+#include <utility>
+
+namespace Orvane {
+
+using RackCore::Board;
+
+Rack::Rack() : state_(std::make_shared<RackCore::RackState>()) {}
+
+Rack::~Rack() {
+    state_->end();
+}
+
+Port Rack::open(const std::string& name, Access access) {
+    const RackCore::PortName parsed = RackCore::PortName::parse(name, "open");
+    std::shared_ptr<Board> board = state_->find(parsed.board);
+    if (!board) {
+        FailureDetails details;
+        details.kind = FailureKind::NoSuchPort;
+        details.board = parsed.board;
+        details.port = static_cast<int>(parsed.port);
+        details.operation = "open";
+        throw Failure(std::move(details));
+    }
+    return Port(std::make_shared<RackCore::PortState>(std::move(board), parsed.port, access));
+}
+
+void Rack::know(const std::string& board, const std::string& address) {
+    const std::optional<in_addr_t> parsed = RackLink::parseDotted(address);
+    if (!parsed) {
+        FailureDetails details;
+        details.board = board;
+        details.operation = "know";
+        details.advice = "An address is four numbers with dots between them.";
+        throw Failure(std::move(details));
+    }
+    state_->add(RackCore::PortName::upper(board), *parsed);
+}
+
+void Rack::onEvent(EventCallback callback) {
+    state_->onEvent(std::move(callback));
+}
+
+std::map<std::string, BoardCounters> Rack::counters() const {
+    std::map<std::string, BoardCounters> all;
+    for (const std::shared_ptr<Board>& board : state_->all())
+        all.emplace(board->link.board(), board->link.tally().read());
+    return all;
+}
+
+} // namespace Orvane

@@ -1,0 +1,11 @@
+// How 32-bit registers are reached over SMBus.
+#pragma once
+
+namespace Orvane {
+
+enum class SmbusProtocol {
+    Paged16,  // by 16-bit page commands
+    Direct32, // address and data in one transfer
+};
+
+} // namespace Orvane

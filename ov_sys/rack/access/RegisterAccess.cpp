@@ -1,0 +1,81 @@
+#include "ov_sys/rack/access/RegisterAccess.h"
+
+#include "ov_sys/rack/access/Blocks.h"
+#include "ov_sys/rack/access/SmbusAccess.h"
+#include "ov_sys/rack/link/MdioCalls.h"
+
+namespace Orvane::RackAccess {
+
+using namespace RackLink;
+
+std::string objection(const Target& target, const RegisterAddress& address, std::uint32_t value) {
+    if (!address.valid())
+        return address.space == RegisterAddress::Space::Clause22
+                   ? "Clause 22 registers are 0 to 31."
+                   : "MMDs are 0 to 31, their registers 0 to 65535.";
+    if (value > address.limit())
+        return "The register holds 16 bits.";
+    if (target.overSmbus() && address.space == RegisterAddress::Space::Clause22)
+        return "An SMBus port has no Clause 22 registers.";
+    return {};
+}
+
+Trouble read(const Target& target, const RegisterAddress& address, std::uint32_t& value, Limits& limits) {
+    if (target.overSmbus())
+        return readOverSmbus(target, address, value, limits);
+    u_int word = addressWord(target.session, address);
+    const Effect effect = limits.within.repeat.reads == 0 ? Effect::Alone : Effect::Reads;
+    ReadCall call(proceduresOf(address.space).read, effect, target.session, &value, 1);
+    call.argument.addresses = {1, &word};
+    return drive(target.link, call, limits);
+}
+
+Trouble write(const Target& target, const RegisterAddress& address, std::uint32_t value, Limits& limits) {
+    if (target.overSmbus())
+        return writeOverSmbus(target, address, value, limits);
+    u_int word = addressWord(target.session, address);
+    const Effect effect = limits.within.repeat.writes == 0 ? Effect::Alone : Effect::Writes;
+    WriteCall call(Program::Mdio, static_cast<std::uint32_t>(proceduresOf(address.space).write), effect);
+    call.session = &target.session;
+    call.argument.addresses = {1, &word};
+    call.argument.values = {1, &value};
+    return drive(target.link, call, limits);
+}
+
+namespace {
+
+using State = OperationOutcome::State;
+
+// One after the other, for buses without blocks.
+Trouble runSingly(const Target& target, const std::vector<Batch::Operation>& operations,
+                  std::vector<OperationOutcome>& outcomes, std::size_t& failed, Limits& limits) {
+    for (failed = 0; failed < operations.size(); ++failed) {
+        const Batch::Operation& one = operations[failed];
+        OperationOutcome& outcome = outcomes[failed];
+        const unsigned before = limits.attempts;
+        outcome.value = one.value;
+        const Trouble trouble = one.writes ? write(target, one.address, one.value, limits)
+                                           : read(target, one.address, outcome.value, limits);
+        if (trouble) {
+            outcome.value = 0;
+            outcome.code = trouble.code();
+            outcome.state = trouble.kind() == FailureKind::BoardError ? State::Refused
+                            : limits.attempts == before               ? State::NotSent
+                                                                      : State::Unknown;
+            return trouble;
+        }
+        outcome.state = State::Done;
+    }
+    return {};
+}
+
+} // namespace
+
+Trouble run(const Target& target, const std::vector<Batch::Operation>& operations,
+            std::vector<OperationOutcome>& outcomes, std::size_t& failed, Limits& limits) {
+    outcomes.assign(operations.size(), {});
+    return target.overSmbus() ? runSingly(target, operations, outcomes, failed, limits)
+                              : runBlocks(target, operations, outcomes, failed, limits);
+}
+
+} // namespace Orvane::RackAccess

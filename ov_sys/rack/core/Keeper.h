@@ -1,0 +1,57 @@
+// The one thread of a rack: keeps sessions alive, delivers events, looks for boards that are missing.
+#pragma once
+
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
+#include "ov_sys/rack/core/Board.h"
+#include "ov_sys/rack/core/EventQueue.h"
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace Orvane::RackCore {
+
+// Pings every session each two seconds. The thread exists from the first wake() on.
+class Keeper {
+public:
+    using Boards = std::function<std::vector<std::shared_ptr<Board>>()>;
+    // Answers with a board's address, 0 when it was not found. Blocks as long as a search takes.
+    using Search = std::function<in_addr_t(const std::string& board)>;
+
+    // All of them must outlive the keeper.
+    Keeper(Boards boards, Search search, EventQueue& events, RackLink::Surroundings& around);
+    ~Keeper();
+    Keeper(const Keeper&) = delete;
+    Keeper& operator=(const Keeper&) = delete;
+
+    // Begins the thread, or tells it that there are events. Throws std::system_error.
+    void wake();
+    void lookFor(const std::string& board);
+    // Ends the thread; it does not begin again.
+    void stop();
+
+private:
+    class Round;
+
+    void run();
+    void sleep(RackLink::TimePoint until) const;
+    void searchOne();
+
+    const Boards boards_;
+    const Search search_;
+    EventQueue& events_;
+    RackLink::Surroundings& around_;
+    FileDescriptor event_;
+    std::atomic<bool> running_{false};
+    std::atomic<bool> stopping_{false};
+    std::mutex mutex_; // guards everything below
+    std::thread thread_;
+    std::set<std::string> missing_;
+};
+
+} // namespace Orvane::RackCore

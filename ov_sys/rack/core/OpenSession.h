@@ -1,0 +1,51 @@
+// A session that somebody holds; it is closed on its board when nobody does any more.
+#pragma once
+
+#include "ov_sys/rack/access/RegisterAccess.h"
+#include "ov_sys/rack/SmbusProtocol.h"
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace Orvane::RackCore {
+
+class Board;
+
+// Any thread; calls on one board take turns.
+class OpenSession {
+public:
+    OpenSession(std::shared_ptr<Board> board, unsigned port, unsigned phy, Access access);
+    ~OpenSession();
+    OpenSession(const OpenSession&) = delete;
+    OpenSession& operator=(const OpenSession&) = delete;
+
+    // Throws a Failure of `operation` at `location` when there is trouble.
+    void check(RackLink::Trouble trouble, const char* operation, const std::string& location,
+               const RackLink::Limits& limits) const;
+    Failure failure(RackLink::Trouble trouble, const char* operation, const std::string& location,
+                    const RackLink::Limits& limits, std::string advice = {}) const;
+    // Throws what RackAccess::objection() has to say.
+    void object(const char* operation, const RegisterAddress& address, std::uint32_t value,
+                const RackLink::Limits& limits) const;
+
+    void open(RackLink::Limits& limits);
+    // Does nothing when it is not open.
+    void close(RackLink::Limits& limits);
+    void setHook(std::function<void()> hook);
+    bool isOpen();
+    std::uint16_t key();
+
+    RackAccess::Target target() noexcept;
+    RackLink::BoardLink& link() noexcept;
+    RackLink::Session& state() noexcept { return state_; }
+    void setSmbus(SmbusProtocol protocol) noexcept { smbus_.store(protocol, std::memory_order_relaxed); }
+
+private:
+    const std::shared_ptr<Board> board_;
+    std::atomic<SmbusProtocol> smbus_{SmbusProtocol::Paged16};
+    RackLink::Session state_;
+};
+
+} // namespace Orvane::RackCore

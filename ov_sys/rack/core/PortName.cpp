@@ -1,0 +1,44 @@
+#include "ov_sys/rack/core/PortName.h"
+
+#include "ov_sys/rack/Failure.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace Orvane::RackCore {
+namespace {
+
+constexpr unsigned kMostPorts = 20;
+
+bool isSerial(const std::string& text) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c < 0x7F; });
+}
+
+} // namespace
+
+std::string PortName::upper(std::string text) {
+    for (char& c : text)
+        if (c >= 'a' && c <= 'z')
+            c = static_cast<char>(c - 'a' + 'A');
+    return text;
+}
+
+PortName PortName::parse(const std::string& name, const char* operation) {
+    PortName parsed;
+    const std::size_t colon = name.find(':');
+    if (colon != std::string::npos) {
+        parsed.board = upper(name.substr(0, colon));
+        const char* const end = name.data() + name.size();
+        const auto [stop, error] = std::from_chars(name.data() + colon + 1, end, parsed.port);
+        if (error == std::errc{} && stop == end && parsed.port < kMostPorts && isSerial(parsed.board))
+            return parsed;
+    }
+    FailureDetails details;
+    details.operation = operation;
+    details.location = '"' + name + '"';
+    details.advice =
+        "A port is a board's serial number, a colon and a number from 0 to 19, such as OV0001:0.";
+    throw Failure(std::move(details));
+}
+
+} // namespace Orvane::RackCore

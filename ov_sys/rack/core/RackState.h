@@ -1,0 +1,41 @@
+// What a rack consists of: its boards, its thread, its events.
+#pragma once
+
+#include "ov_sys/rack/core/Board.h"
+#include "ov_sys/rack/core/EventQueue.h"
+#include "ov_sys/rack/core/Keeper.h"
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace Orvane::RackCore {
+
+// Any thread. Owned by the rack and by its boards, so that those who hold a session may outlive the rack.
+class RackState : public RackLink::Surroundings, public std::enable_shared_from_this<RackState> {
+public:
+    RackState();
+
+    void report(const RackLink::BoardLink& link, const RackLink::Session* session, Event::Kind kind,
+                Event::Level level, std::string text) override;
+    void missing(RackLink::BoardLink& link) override { keeper_.lookFor(link.board()); }
+
+    std::vector<std::shared_ptr<Board>> all() const;
+    // Null when the rack does not know it.
+    std::shared_ptr<Board> find(const std::string& name) const;
+    // The board of that name, which is told of its address.
+    std::shared_ptr<Board> add(const std::string& name, in_addr_t address);
+    void onEvent(EventCallback callback) { events_.setCallback(std::move(callback)); }
+    // Ends the thread and lets the boards go.
+    void end();
+
+private:
+    mutable std::mutex mutex_; // guards boards_
+    std::map<std::string, std::shared_ptr<Board>> boards_;
+    EventQueue events_;
+    Keeper keeper_;
+};
+
+} // namespace Orvane::RackCore

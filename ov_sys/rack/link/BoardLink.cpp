@@ -1,0 +1,173 @@
+#include "ov_sys/rack/link/BoardLink.h"
+
+#include <algorithm>
+#include <cstring>
+#include <random>
+#include <utility>
+#include <vector>
+
+namespace Orvane::RackLink {
+namespace {
+
+// Ids of two runs must not meet: an answer to the former program would fit the latter's call.
+std::uint32_t firstId() {
+    std::random_device source;
+    return static_cast<std::uint32_t>(source());
+}
+
+} // namespace
+
+BoardLink::BoardLink(std::string board, in_addr_t address, Surroundings& around)
+    : board_(std::move(board)), around_(around), address_(address), nextId_(firstId()) {
+    ports_[indexOf(Program::PortMapper)] = PMAPPORT;
+}
+
+void BoardLink::start(Call& call, TimePoint now) {
+    call.stage = Call::Stage::Waiting;
+    nextDeadline_ = std::min(nextDeadline_, call.deadline);
+    if (call.isHook)
+        waiting_.pushFront(call);
+    else
+        waiting_.pushBack(call);
+    advance(now);
+}
+
+void BoardLink::step(TimePoint now) {
+    if (const in_addr_t address = found_.exchange(0, std::memory_order_acquire))
+        moveTo(address, now);
+    receive(now);
+    stepStreams(now);
+    checkPatience(now);
+    if (now >= nextDeadline_)
+        checkDeadlines(now);
+    advance(now);
+}
+
+void BoardLink::advance(TimePoint now) {
+    while (Call* const call = waiting_.front()) {
+        if (now < call->notBefore || !mayFly(*call))
+            return;
+        if (prepared(*call, now)) {
+            waiting_.remove(*call);
+            launch(*call, now);
+        } else if (!call->done()) {
+            return;
+        }
+    }
+}
+
+bool BoardLink::mayFly(const Call& call) const noexcept {
+    const Call* const last = flying_.back();
+    if (last == nullptr)
+        return true;
+    const auto alone = [](const Call& one) { return one.effect == Effect::Alone || overStream(one.program); };
+    if (alone(call) || alone(*last))
+        return false;
+    // Nothing could put a read right whose answer got lost when a write has passed it.
+    if (call.effect == Effect::Writes && last->effect == Effect::Reads)
+        return false;
+    return inFlight_ < window_ && bytesInFlight_ + kLargestDatagram <= kWindowBytes;
+}
+
+void BoardLink::launch(Call& call, TimePoint now) {
+    call.id = nextId_++;
+    if (call.session != nullptr)
+        call.identity = call.isPing ? call.session->nextPing() : call.session->nextIdentity();
+    call.stage = Call::Stage::Flying;
+    flying_.pushBack(call);
+    ++inFlight_;
+    transmit(call, now);
+    bytesInFlight_ += call.size;
+}
+
+void BoardLink::transmit(Call& call, TimePoint now) {
+    call.sentAt = now;
+    ++call.sends;
+    if (overStream(call.program)) {
+        transmitOverStream(call);
+    } else {
+        alignas(std::uint32_t) char request[kLargestDatagram];
+        call.size = static_cast<std::uint32_t>(call.encode(request, sizeof request));
+        const in_addr_t to = address_.load(std::memory_order_relaxed);
+        if (call.size != 0)
+            // A datagram that the system does not take is one that got lost.
+            datagrams_.send(request, call.size, endpoint(to, ports_[indexOf(call.program)]));
+    }
+    if (call.size == 0)
+        return drop(call, FailureKind::InvalidArgument, now);
+    call.everSent = true;
+    tally_.sent(call);
+}
+
+void BoardLink::transmitOverStream(Call& call) {
+    constexpr std::size_t kLargestRequest = std::size_t{1} << 20U;
+    thread_local std::vector<std::uint32_t> buffer;
+    buffer.resize(kLargestRequest / sizeof(std::uint32_t));
+    auto* const request = reinterpret_cast<char*>(buffer.data());
+    call.size = static_cast<std::uint32_t>(call.encode(request, kLargestRequest));
+    Stream& stream = streamOf(call.program).stream;
+    if (!stream.isOpen())
+        stream.open(endpoint(address(), ports_[indexOf(call.program)]));
+    if (stream.isOpen() && call.size != 0)
+        stream.send(request, call.size);
+}
+
+void BoardLink::finish(Call& call, Trouble trouble, TimePoint now) {
+    using Stage = Call::Stage;
+    if (call.stage == Stage::Flying || call.stage == Stage::Answered) {
+        flying_.remove(call);
+        --inFlight_;
+        bytesInFlight_ -= std::min<std::size_t>(bytesInFlight_, call.size);
+    } else if (call.stage == Stage::Waiting) {
+        waiting_.remove(call);
+    }
+    call.trouble = trouble;
+    call.stage = Stage::Done;
+    tally_.ended(call, now);
+}
+
+void BoardLink::drop(Call& call, Trouble why, TimePoint now) {
+    if (&call == errand_.get())
+        return;
+    if (!call.done())
+        finish(call, why, now);
+    deliver(now);
+}
+
+void BoardLink::withdraw(Call& call) noexcept {
+    waiting_.remove(call);
+    call.stage = Call::Stage::New;
+}
+
+TimePoint BoardLink::wake(TimePoint now) const noexcept {
+    constexpr std::chrono::milliseconds kLook{20}; // between two looks at where the board was found
+    TimePoint next = nextDeadline_;
+    if (missing_)
+        next = std::min(next, now + kLook);
+    if (errand_)
+        next = std::min(next, patienceEnd(*errand_));
+    else if (!flying_.empty())
+        next = std::min(next, patienceEnd(*flying_.front()));
+    if (const Call* const call = waiting_.front(); call != nullptr && call->notBefore > now)
+        next = std::min(next, call->notBefore);
+    return next;
+}
+
+std::size_t BoardLink::watch(pollfd* entries) const noexcept {
+    std::size_t count = 0;
+    if (datagrams_.descriptor() >= 0)
+        entries[count++] = {datagrams_.descriptor(), POLLIN, 0};
+    for (const StreamOf* one : {&setup_, &adc_})
+        if (one->stream.isOpen())
+            entries[count++] = {one->stream.descriptor(), one->stream.events(), 0};
+    return count;
+}
+
+Session* BoardLink::awaitingHook() const noexcept {
+    const Call* const call = waiting_.front();
+    const bool held = call != nullptr && !call->isHook && call->session != nullptr && call->session->open &&
+                      call->session->hookDue;
+    return held ? call->session : nullptr;
+}
+
+} // namespace Orvane::RackLink

@@ -1,0 +1,44 @@
+// How long a board takes to answer, and so when a missing answer counts as lost.
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+
+namespace Orvane::RackLink {
+
+// Smoothed round-trip time and its variation, by the usual rule of TCP. One thread at a time.
+class RoundTrip {
+public:
+    using Duration = std::chrono::steady_clock::duration;
+
+    // An answer to a request that was sent only once.
+    void measured(Duration time) noexcept {
+        if (!known_) {
+            known_ = true;
+            mean_ = time;
+            deviation_ = time / 2;
+            return;
+        }
+        deviation_ += ((mean_ < time ? time - mean_ : mean_ - time) - deviation_) / 4;
+        mean_ += (time - mean_) / 8;
+    }
+
+    // The wait before a request goes out again, `losses` of it having remained without answer.
+    Duration patience(unsigned losses) const noexcept {
+        const Duration first =
+            known_ ? std::clamp<Duration>(mean_ + 4 * deviation_, kShortest, kLongest) : kFirst;
+        return std::min<Duration>(first * (1U << std::min(losses, kDoublings)), kLongest);
+    }
+
+private:
+    static constexpr std::chrono::milliseconds kShortest{50};
+    static constexpr std::chrono::milliseconds kFirst{100};
+    static constexpr std::chrono::milliseconds kLongest{1000};
+    static constexpr unsigned kDoublings = 5;
+
+    bool known_ = false;
+    Duration mean_{};
+    Duration deviation_{};
+};
+
+} // namespace Orvane::RackLink

@@ -1,0 +1,139 @@
+// What a rack does about boards that restart, forget, move or fall silent.
+#include "tests/rack/RackOnBoard.h"
+
+namespace OrvaneTest {
+namespace {
+
+using namespace Orvane;
+
+class HealingTest : public testing::Test, protected RackOnBoard {
+protected:
+    HealingTest() : RackOnBoard(Access::exclusive(0x4711)) {
+        board.setRegister(Space::C45, 1, 3, 0x10002, 0x42);
+        phy.read({1, 0});
+    }
+};
+
+TEST_F(HealingTest, SessionThatTheBoardForgotIsOpenedAgainWithItsKey) {
+    board.forgetSessions();
+    EXPECT_EQ(phy.read({1, 2}), 0x42U);
+    const std::vector<Request> opens = board.requestsOf("open_connection");
+    ASSERT_EQ(opens.size(), 2U);
+    EXPECT_EQ(opens[1].arguments(), opens[0].arguments());
+    EXPECT_EQ(phy.key(), 0x4711U);
+}
+
+TEST_F(HealingTest, KeyThatTheBoardMadeUpIsBroughtAgain) {
+    const Phy other = rack.open("BOARD7:2", Access::shared()).phy(4);
+    other.open();
+    const std::uint16_t key = other.key();
+    board.forgetSessions();
+    other.read({1, 0});
+    EXPECT_NE(key, 0U);
+    EXPECT_EQ(board.requestsOf("open_connection").back().arguments().front(), key);
+}
+
+TEST_F(HealingTest, BoardThatRestartsInPlaceIsReachedAgain) {
+    board.restart(true);
+    EXPECT_EQ(phy.read({1, 2}), 0x42U);
+    EXPECT_TRUE(phy.isOpen());
+}
+
+TEST_F(HealingTest, BoardThatRestartsWithItsSessionsIsReachedWithoutOpening) {
+    board.restart(false);
+    EXPECT_EQ(phy.read({1, 2}), 0x42U);
+    EXPECT_EQ(count("open_connection"), 1U);
+}
+
+TEST_F(HealingTest, BoardThatIsOffForAWhileIsReachedWhenItIsBack) {
+    board.stop();
+    lab.after(700ms, [this] {
+        board.forgetSessions();
+        board.start();
+    });
+    EXPECT_EQ(phy.read({1, 2}, within(20s)), 0x42U);
+}
+
+TEST_F(HealingTest, BoardThatIsOffIsUnreachableForNewCalls) {
+    board.stop();
+    failureOf([&] { phy.read({1, 2}, within(500ms)); });
+    EXPECT_EQ(failureOf([&] { phy.read({1, 2}, within(500ms)); }).kind(), FailureKind::Unreachable);
+}
+
+TEST_F(HealingTest, WriteOfAForgottenSessionIsExecutedOnceEvenWithoutRepeats) {
+    board.forgetSessions();
+    phy.write({1, 5}, 9, Within{}.once());
+    EXPECT_EQ(board.executions("mdio_write"), 1U);
+    EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10005), 9U);
+}
+
+TEST_F(HealingTest, WithoutHealingALostSessionIsAClearFailure) {
+    board.forgetSessions();
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(failureOf([&] {
+                      phy.read({1, 2}, Within{}.withoutHealing());
+                  }).kind(),
+                  FailureKind::LostSession);
+    EXPECT_EQ(count("open_connection"), 1U);
+}
+
+TEST_F(HealingTest, HookRestoresWhatTheBoardForgotBeforeTheCallGoesOn) {
+    phy.onReopen([this] { phy.write({1, 7}, 0x77); });
+    board.forgetSessions();
+    board.forgetRequests();
+    phy.read({1, 2});
+    EXPECT_EQ(procedures(),
+              (std::vector<std::string>{"mdio_read", "open_connection", "mdio_write", "mdio_read"}));
+    EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10007), 0x77U);
+}
+
+TEST_F(HealingTest, WhatTheHookThrowsLeavesTheCall) {
+    phy.onReopen([] { throw std::runtime_error("no"); });
+    board.forgetSessions();
+    EXPECT_THROW(phy.read({1, 2}), std::runtime_error);
+    phy.onReopen({});
+    EXPECT_EQ(phy.read({1, 2}), 0x42U);
+}
+
+TEST_F(HealingTest, PortMapperThatIsGoneDoesNotDisturbAnOpenSession) {
+    board.closePortMapper();
+    inject(Fault::Kind::LoseReply, "mdio", "mdio_read");
+    EXPECT_EQ(phy.read({1, 2}), 0x42U);
+}
+
+TEST_F(HealingTest, LostLookUpIsAskedForAgain) {
+    inject(Fault::Kind::LoseReply, "portmap", "portmap_getport", 2);
+    board.restart(true);
+    EXPECT_EQ(phy.read({1, 2}), 0x42U);
+}
+
+TEST_F(HealingTest, PingNoticesALostSessionAndRunsItsHook) {
+    Events events(rack);
+    phy.onReopen([this] { phy.write({1, 7}, 0x78); });
+    board.forgetSessions();
+    board.waitFor([](const Request& one) { return one.procedure == "mdio_write"; });
+    EXPECT_TRUE(events.waitFor(Event::Kind::Lost));
+    EXPECT_TRUE(events.waitFor(Event::Kind::Reopened));
+}
+
+TEST_F(HealingTest, SessionsArePingedWhileNobodyUsesThem) {
+    const Request ping = board.waitFor([](const Request& one) { return one.procedure == "pingkeepalive"; });
+    EXPECT_EQ(ping.transport, "udp");
+    EXPECT_EQ(ping.arguments()["handle"], 1U); // ping 0 of session 1
+}
+
+TEST_F(HealingTest, LossOfOneInTwentyEachWayCostsNoValue) {
+    for (const Fault::Kind kind : {Fault::Kind::LoseReply, Fault::Kind::LoseRequest}) {
+        Fault loss{"mdio", "", kind, -1};
+        loss.probability = 0.05;
+        board.inject(loss);
+    }
+    for (std::uint32_t i = 0; i < 300; ++i) {
+        phy.write({1, 2}, i);
+        ASSERT_EQ(phy.read({1, 2}), i);
+    }
+    EXPECT_EQ(board.sessionCount(), 1U);
+}
+
+} // namespace
+} // namespace OrvaneTest

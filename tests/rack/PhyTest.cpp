@@ -1,0 +1,195 @@
+// Register accesses of a PHY, as its board hears them.
+#include "ov_sys/rack/Phy.h"
+
+#include "tests/rack/RackOnBoard.h"
+
+namespace OrvaneTest {
+namespace {
+
+using namespace Orvane;
+using Json = nlohmann::ordered_json;
+
+class PhyTest : public testing::Test, protected RackOnBoard {};
+
+TEST_F(PhyTest, ReadOfAClause45RegisterReturnsItsValue) {
+    board.setRegister(Space::C45, 1, 3, 0x1EC010, 0xBEEF);
+    EXPECT_EQ(phy.read({30, 0xC010}), 0xBEEFU);
+    const Request request = board.requestsOf("mdio_read").at(0);
+    EXPECT_EQ(request.transport, "udp");
+    EXPECT_EQ(request.arguments()["addresses"], (Json{0x231EC010U}));
+}
+
+TEST_F(PhyTest, ReadOfAClause22RegisterUsesItsProcedure) {
+    board.setRegister(Space::C22, 1, 3, 5, 0x1234);
+    EXPECT_EQ(phy.read(clause22(5)), 0x1234U);
+    EXPECT_EQ(count("mdio_read_c22"), 1U);
+}
+
+TEST_F(PhyTest, ReadOfAnExtendedWordSendsItsAddressWhole) {
+    board.setRegister(Space::Ext32, 1, 3, 0x80004000, 0x12345678);
+    EXPECT_EQ(phy.read(ext32(0x80004000)), 0x12345678U);
+    EXPECT_EQ(board.requestsOf("mdio_read_c22_zrext32").at(0).arguments()["addresses"], (Json{0x80004000U}));
+}
+
+TEST_F(PhyTest, WritesReachTheRegistersOfEachSpace) {
+    phy.write({1, 2}, 0xABCD);
+    phy.write(clause22(4), 0x1111);
+    phy.write(ext32(0x10), 0xFFFFFFFF);
+    EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10002), 0xABCDU);
+    EXPECT_EQ(board.registerValue(Space::C22, 1, 3, 4), 0x1111U);
+    EXPECT_EQ(board.registerValue(Space::Ext32, 1, 3, 0x10), 0xFFFFFFFFU);
+}
+
+TEST_F(PhyTest, ModifyChangesTheMaskedBitsOnly) {
+    board.setRegister(Space::C45, 1, 3, 0x1EC010, 0xF0F0);
+    EXPECT_EQ(phy.modify({30, 0xC010}, 0x00F0, 0x0040), 0xF040U);
+    EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x1EC010), 0xF040U);
+}
+
+TEST_F(PhyTest, FirstUseOpensTheSessionAndLaterOnesUseIt) {
+    phy.read({1, 0});
+    phy.read({1, 1});
+    EXPECT_EQ(procedures(), (std::vector<std::string>{"open_connection", "mdio_read", "mdio_read"}));
+    const Json handles{board.requestsOf("mdio_read").at(0).arguments()["handle"],
+                       board.requestsOf("mdio_read").at(1).arguments()["handle"]};
+    EXPECT_EQ(handles, (Json{101U << 8U | 1U, 102U << 8U | 1U}));
+}
+
+TEST_F(PhyTest, ArgumentsThatDoNotExistAreRefusedUnsent) {
+    for (const auto& wrong : std::vector<std::function<void()>>{[&] {
+                                                                    phy.read({32, 0});
+                                                                },
+                                                                [&] {
+                                                                    phy.read({1, 0x10000});
+                                                                },
+                                                                [&] { phy.read(clause22(32)); },
+                                                                [&] {
+                                                                    phy.write({1, 0}, 0x10000);
+                                                                },
+                                                                [&] { phy.modify(clause22(0), 0x1FFFF, 0); }})
+        EXPECT_EQ(failureOf(wrong).kind(), FailureKind::InvalidArgument);
+    EXPECT_EQ(procedures(), std::vector<std::string>{});
+}
+
+TEST_F(PhyTest, FailureSaysWhereWhatAndTheBoardsCode) {
+    phy.read({1, 0});
+    inject(Fault::Kind::ResultCode, "mdio", "mdio_read", 1, -121);
+    const Failure failure = failureOf([&] { phy.read({30, 0xC010}); });
+    EXPECT_EQ(failure.kind(), FailureKind::BoardError);
+    EXPECT_EQ(failure.code(), -121);
+    EXPECT_EQ(failure.codeName(), "EREMOTEIO");
+    EXPECT_EQ(failure.board(), "BOARD7");
+    EXPECT_EQ(failure.port(), 1);
+    EXPECT_EQ(failure.phy(), 3);
+    EXPECT_EQ(failure.attempts(), 1U);
+    EXPECT_EQ(
+        std::string(failure.what())
+            .find("BOARD7:1 PHY 3: read 30.0xC010: board error, EREMOTEIO (-121) after 1 attempt in 0."),
+        0U)
+        << failure.what();
+}
+
+TEST_F(PhyTest, ReplyWithAnotherNumberOfValuesIsAFailure) {
+    phy.read({1, 0});
+    for (const int values : {0, 2, 1000}) {
+        inject(Fault::Kind::ReplyCount, "mdio", "mdio_read", 1, values);
+        EXPECT_EQ(failureOf([&] { phy.read({1, 0}); }).kind(), FailureKind::BadReply) << values;
+    }
+}
+
+TEST_F(PhyTest, ReplyThatCannotBeDecodedIsAFailure) {
+    phy.read({1, 0});
+    inject(Fault::Kind::TruncateReply, "mdio", "mdio_read", 1, 26);
+    EXPECT_EQ(failureOf([&] { phy.read({1, 0}); }).kind(), FailureKind::BadReply);
+}
+
+TEST_F(PhyTest, LostReplyIsAskedForAgainWithinAFractionOfASecond) {
+    board.setRegister(Space::C45, 1, 3, 0x10002, 0x42);
+    phy.read({1, 0});
+    inject(Fault::Kind::LoseReply, "mdio", "mdio_read");
+    const auto begun = std::chrono::steady_clock::now();
+    EXPECT_EQ(phy.read({1, 2}), 0x42U);
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, 1s);
+    EXPECT_EQ(count("mdio_read"), 3U);
+}
+
+TEST_F(PhyTest, OnceSendsNothingTwice) {
+    phy.read({1, 0});
+    inject(Fault::Kind::LoseReply, "mdio", "mdio_read");
+    const Failure failure = failureOf([&] { phy.read({1, 2}, within(600ms).once()); });
+    EXPECT_EQ(failure.kind(), FailureKind::TimedOut);
+    EXPECT_EQ(failure.attempts(), 1U);
+    EXPECT_EQ(count("mdio_read"), 2U);
+}
+
+TEST_F(PhyTest, WritesAreRepeatedAsOftenAsTold) {
+    phy.read({1, 0});
+    inject(Fault::Kind::LoseReply, "mdio", "mdio_write", -1);
+    const Failure failure = failureOf([&] {
+        phy.write({1, 2}, 7, within(1500ms).repeating(Repeat::writesAtMost(2)));
+    });
+    EXPECT_EQ(failure.kind(), FailureKind::TimedOut);
+    EXPECT_EQ(count("mdio_write"), 3U);
+}
+
+TEST_F(PhyTest, CallEndsAtItsDeadlineWhenTheBoardIsSilent) {
+    phy.read({1, 0});
+    board.hang();
+    const auto begun = std::chrono::steady_clock::now();
+    const Failure failure = failureOf([&] { phy.read({1, 0}, within(300ms)); });
+    const auto spent = std::chrono::steady_clock::now() - begun;
+    EXPECT_EQ(failure.kind(), FailureKind::TimedOut);
+    EXPECT_GE(spent, 300ms);
+    EXPECT_LT(spent, 1s);
+}
+
+TEST_F(PhyTest, BusyBoardIsAskedAgainUntilItIsFree) {
+    phy.read({1, 0});
+    inject(Fault::Kind::ResultCode, "mdio", "mdio_write", 3, -16);
+    phy.write({1, 2}, 9, Within{}.once());
+    EXPECT_EQ(board.executions("mdio_write"), 1U);
+    EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10002), 9U);
+}
+
+TEST_F(PhyTest, BoardThatStaysBusyIsReportedAsBusy) {
+    phy.read({1, 0});
+    inject(Fault::Kind::ResultCode, "mdio", "mdio_read", -1, -16);
+    const Failure failure = failureOf([&] { phy.read({1, 0}, within(200ms)); });
+    EXPECT_EQ(failure.kind(), FailureKind::Busy);
+    EXPECT_EQ(failure.code(), -16);
+}
+
+TEST_F(PhyTest, CancelledWaitReturnsAtOnce) {
+    phy.read({1, 0});
+    inject(Fault::Kind::LoseRequest, "mdio", "mdio_read", -1);
+    Cancellation cancellation;
+    std::chrono::steady_clock::time_point cancelledAt;
+    std::thread canceller([&] {
+        board.waitFor([](const Request& one) {
+            return one.procedure == "mdio_read" && one.arguments()["addresses"][0] == 0x23010009U;
+        });
+        cancelledAt = std::chrono::steady_clock::now();
+        cancellation.cancel();
+    });
+    const Failure failure = failureOf([&] { phy.read({1, 9}, within(60s).cancelledBy(cancellation)); });
+    const auto ended = std::chrono::steady_clock::now();
+    canceller.join();
+    EXPECT_EQ(failure.kind(), FailureKind::Cancelled);
+    EXPECT_LT(ended - cancelledAt, 500ms);
+}
+
+TEST_F(PhyTest, OtherThreadsWaitForTheirTurnUpToTheirDeadline) {
+    phy.read({1, 0});
+    inject(Fault::Kind::LoseRequest, "mdio", "mdio_read", -1);
+    std::thread holder([&] { phy.read({1, 1}); });
+    board.waitFor([](const Request& one) {
+        return one.procedure == "mdio_read" && one.arguments()["addresses"][0] == 0x23010001U;
+    });
+    EXPECT_EQ(failureOf([&] { phy.write({1, 2}, 1, within(100ms)); }).kind(), FailureKind::Busy);
+    board.clearFaults();
+    holder.join();
+    EXPECT_EQ(count("mdio_write"), 0U);
+}
+
+} // namespace
+} // namespace OrvaneTest

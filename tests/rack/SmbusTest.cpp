@@ -1,0 +1,99 @@
+// PHYs behind an I2C bus of the board.
+#include "tests/rack/RackOnBoard.h"
+
+namespace OrvaneTest {
+namespace {
+
+using namespace Orvane;
+using Json = nlohmann::ordered_json;
+
+class SmbusTest : public testing::Test, protected RackOnBoard {
+protected:
+    Phy device = rack.open("BOARD7:10").phy(3);
+
+    // What the I2C program was asked for: procedure, then the bytes written or the command read.
+    std::vector<Json> transfers() const {
+        std::vector<Json> list;
+        for (const Request& request : board.requests("i2c")) {
+            Json arguments = request.arguments();
+            arguments.erase("handle");
+            Json one{request.procedure};
+            for (const auto& member : arguments)
+                one.push_back(member);
+            list.push_back(one);
+        }
+        return list;
+    }
+};
+
+TEST_F(SmbusTest, Clause45ReadSelectsTheRegisterAndReadsTwoBytes) {
+    device.write({1, 2}, 0xBEEF);
+    board.forgetRequests();
+    EXPECT_EQ(device.read({1, 2}), 0xBEEFU);
+    EXPECT_EQ(transfers(),
+              (std::vector<Json>{{"i2c_write", 0, 3, Json{1, 2, 0}}, {"i2c_read", 0, 3, 0x41, 2}}));
+}
+
+TEST_F(SmbusTest, Clause45WriteSelectsTheRegisterAndWritesTwoBytes) {
+    device.write({1, 2}, 0xBEEF);
+    EXPECT_EQ(transfers(), (std::vector<Json>{{"i2c_write", 0, 3, Json{1, 2, 0}},
+                                              {"i2c_write", 0, 3, Json{0x21, 0xEF, 0xBE}}}));
+}
+
+TEST_F(SmbusTest, PagedWordGoesByHalves) {
+    device.write(ext32(0x80004000), 0x12345678);
+    EXPECT_EQ(device.read(ext32(0x80004000)), 0x12345678U);
+    EXPECT_EQ(transfers(), (std::vector<Json>{{"i2c_write", 0, 3, Json{0x81, 0x00, 0x80}},
+                                              {"i2c_write", 0, 3, Json{0x80, 0x00, 0x40}},
+                                              {"i2c_write", 0, 3, Json{0xA1, 0x34, 0x12}},
+                                              {"i2c_write", 0, 3, Json{0xA0, 0x78, 0x56}},
+                                              {"i2c_write", 0, 3, Json{0x81, 0x00, 0x80}},
+                                              {"i2c_write", 0, 3, Json{0x80, 0x00, 0x40}},
+                                              {"i2c_read", 0, 3, 0xC0, 2},
+                                              {"i2c_read", 0, 3, 0xC1, 2}}));
+}
+
+TEST_F(SmbusTest, DirectWordGoesInOneTransfer) {
+    device.setSmbusProtocol(SmbusProtocol::Direct32);
+    device.write(ext32(0x80004001), 0x12345678);
+    EXPECT_EQ(device.read(ext32(0x80004001)), 0x12345678U);
+    EXPECT_EQ(transfers(),
+              (std::vector<Json>{{"i2c_write", 0, 3, Json{0x80, 0x00, 0x40, 0x01, 0x78, 0x56, 0x34, 0x12}},
+                                 {"i2c_read_reg", 0, 3, 0x01400080, 4, 4}}));
+}
+
+TEST_F(SmbusTest, BatchRunsOneOperationAfterTheOther) {
+    Batch batch;
+    batch.write({1, 2}, 0x1234);
+    const auto value = batch.read({1, 2});
+    EXPECT_EQ(device.run(batch)[value], 0x1234U);
+}
+
+TEST_F(SmbusTest, LostTransferIsRepeated) {
+    device.write({1, 2}, 0x1234);
+    inject(Fault::Kind::LoseReply, "i2c", "i2c_write");
+    inject(Fault::Kind::LoseRequest, "i2c", "i2c_read");
+    EXPECT_EQ(device.read({1, 2}), 0x1234U);
+}
+
+TEST_F(SmbusTest, ShortAnswerIsAFailure) {
+    device.open();
+    inject(Fault::Kind::ReplyCount, "i2c", "i2c_read", 1, 1);
+    EXPECT_EQ(failureOf([&] { device.read({1, 2}); }).kind(), FailureKind::BadReply);
+}
+
+TEST_F(SmbusTest, Clause22IsRefusedUnsent) {
+    EXPECT_EQ(failureOf([&] { device.read(clause22(1)); }).kind(), FailureKind::InvalidArgument);
+    EXPECT_EQ(failureOf([&] {
+                  device.run([] {
+                      Batch b;
+                      b.write(clause22(1), 1);
+                      return b;
+                  }());
+              }).kind(),
+              FailureKind::InvalidArgument);
+    EXPECT_EQ(procedures(), std::vector<std::string>{});
+}
+
+} // namespace
+} // namespace OrvaneTest

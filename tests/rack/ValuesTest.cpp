@@ -1,0 +1,98 @@
+// Addresses, failures and events as texts; the limits of calls.
+#include "ov_sys/rack/Event.h"
+#include "ov_sys/rack/Failure.h"
+#include "ov_sys/rack/RegisterAddress.h"
+#include "ov_sys/rack/Within.h"
+
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sstream>
+
+namespace Orvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(RegisterAddressTest, TextNamesTheSpace) {
+    EXPECT_EQ(toText({30, 0xC010}), "30.0xC010");
+    EXPECT_EQ(toText(clause22(2)), "c22.2");
+    EXPECT_EQ(toText(ext32(0x80004000)), "ext32.0x80004000");
+}
+
+TEST(RegisterAddressTest, ValidityIsThatOfTheSpace) {
+    EXPECT_TRUE(RegisterAddress(31, 0xFFFF).valid());
+    EXPECT_FALSE(RegisterAddress(32, 0).valid());
+    EXPECT_FALSE(RegisterAddress(1, 0x10000).valid());
+    EXPECT_TRUE(clause22(31).valid());
+    EXPECT_FALSE(clause22(32).valid());
+    EXPECT_TRUE(ext32(0xFFFFFFFF).valid());
+}
+
+TEST(FailureTest, TextOfAnEmptyOneIsItsKindAndWhatToDo) {
+    EXPECT_STREQ(Failure({}).what(), "invalid argument. Correct the argument; nothing was sent.");
+}
+
+TEST(FailureTest, TextHasEverythingThatIsKnown) {
+    FailureDetails details;
+    details.kind = FailureKind::BoardError;
+    details.board = "OV0001";
+    details.port = 0;
+    details.phy = 3;
+    details.operation = "write";
+    details.location = "1.0x0002";
+    details.code = -5;
+    details.attempts = 2;
+    details.spent = 1500ms;
+    details.advice = "Ask.";
+    EXPECT_STREQ(Failure(details).what(),
+                 "OV0001:0 PHY 3: write 1.0x0002: board error, EIO (-5) after 2 attempts in 1.500 s. Ask.");
+}
+
+TEST(FailureTest, CodeWithoutNameIsANumber) {
+    FailureDetails details;
+    details.code = -9999;
+    EXPECT_EQ(Failure(details).codeName(), "-9999");
+}
+
+TEST(EventTest, LineNamesThePhyAndWhatHappened) {
+    Event event;
+    event.board = "OV0001";
+    event.kind = Event::Kind::Moved;
+    event.text = "10.0.0.7";
+    std::ostringstream board;
+    board << event;
+    event.port = 0;
+    event.phy = 3;
+    event.text.clear();
+    std::ostringstream phy;
+    phy << event;
+    EXPECT_EQ(board.str(), "OV0001: moved, 10.0.0.7");
+    EXPECT_EQ(phy.str(), "OV0001:0 PHY 3: moved");
+}
+
+TEST(CancellationTest, DescriptorIsReadableWhileCancelled) {
+    Cancellation cancellation;
+    const auto readable = [&] {
+        pollfd entry{cancellation.descriptor(), POLLIN, 0};
+        return poll(&entry, 1, 0) == 1;
+    };
+    EXPECT_FALSE(readable());
+    cancellation.cancel();
+    cancellation.cancel();
+    EXPECT_TRUE(readable());
+    EXPECT_TRUE(cancellation.cancelled());
+    cancellation.reset();
+    EXPECT_FALSE(readable());
+    EXPECT_FALSE(cancellation.cancelled());
+}
+
+TEST(WithinTest, PoliciesLeaveTheTimeAlone) {
+    const Within limits = within(2s).once().withoutHealing();
+    EXPECT_EQ(limits.time, 2s);
+    EXPECT_EQ(limits.repeat.reads, 0U);
+    EXPECT_EQ(limits.repeat.writes, 0U);
+    EXPECT_FALSE(limits.heal);
+}
+
+} // namespace
+} // namespace Orvane

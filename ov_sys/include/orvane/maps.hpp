@@ -1,6 +1,6 @@
 /* Register maps: names, fields and meanings of a PHY's registers, for C++17.
  *
- * A map is loaded from a JSON file (docs/maps.md), or given as a text. It knows
+ * A map is loaded from a JSON file (docs/maps.md), or built in (RegisterMap::ieee8023()). It knows
  * nothing of boards: it turns names into addresses and values into text.
  *
  * Names. A register is named by the blocks that it lies in and itself, "AN.STATUS"; an element of an array
@@ -248,6 +248,9 @@ public:
     // Reads the text of a file; `name` stands for it in problems. It may include built-in maps only.
     static RegisterMap parse(std::string_view json, const std::string &name = "map",
                              const MapOptions &options = {});
+    // The registers of IEEE 802.3: Clause 22 registers 0 to 15 and those of the MMDs of Clause 45. Read once,
+    // at the first call.
+    static const RegisterMap &ieee8023();
     const std::string &name() const noexcept;
     const std::string &text() const noexcept;
     const std::vector<MapIdentifier> &identifiers() const noexcept;

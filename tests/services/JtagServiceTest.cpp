@@ -67,11 +67,13 @@ const ResultText kResults[] = {
     {"OfNothingIsATerminatorAndFilling", 3, "", std::string("\0XX", 3)},
     {"ForAnEntryOfOneIsOneCharacter", 1, "01", "0"},
     {"ForAnEmptyEntryIsEmpty", 0, "1010", ""},
-    {"WithANulInsideEndsThere", 6,
+    {"WithANulInsideKeepsWhatIsBehindIt", 6,
      std::string("10\0"
                  "11",
                  5),
-     std::string("10\0XXX", 6)},
+     std::string("10\0"
+                 "11\0",
+                 6)},
 };
 
 class JtagResult : public testing::TestWithParam<ResultText>, protected JtagOnBoard {};

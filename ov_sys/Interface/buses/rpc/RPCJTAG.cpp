@@ -3,9 +3,11 @@
 #include "ov_sys/Interface/buses/rpc/CallFrame.h"
 #include "ov_sys/Interface/buses/rpc/WireLists.h"
 #include "ov_sys/Interface/buses/rpc/WireResult.h"
+#include "ov_sys/Interface/rpc_protocol/DecodeGuard.h"
 #include "ov_sys/Interface/rpc_protocol/Stubs.h"
 
 #include <cstring>
+#include <deque>
 #include <utility>
 
 namespace Orvane::JTAG {
@@ -22,11 +24,44 @@ std::vector<StringArrayEntry> entriesOf(Texts& texts) {
     return entries;
 }
 
-// The board's text with its terminator at the front of a result of `length` characters.
-std::string resultText(const char* text, std::size_t length) {
-    std::string result(text, std::strlen(text) + 1);
-    result.resize(length, 'X');
-    return result;
+// Lets a result's texts be decoded into strings of the caller's, which the decoder must know the room of: a
+// text may have zeros inside, and only its buffer tells what lies behind them.
+class ShiftedTexts {
+public:
+    explicit ShiftedTexts(const Texts& lengths) {
+        for (const std::string& each : lengths)
+            texts_.emplace_back(each.size() + 1, 'X'); // with room for the terminator
+        entries_ = entriesOf(texts_);
+        for (std::string& text : texts_)
+            guards_.emplace_back(text.data(), text.size());
+        guards_.emplace_back(entries_.data(), entries_.size());
+    }
+
+    void presetIn(JTAG_ShiftMulti_Result& result) {
+        result.entries = {wireLength(entries_), wirePointer(entries_)};
+    }
+
+    // Each as long as the string that it was made for: cut, or with filling behind the terminator.
+    Texts take() {
+        for (std::string& text : texts_)
+            text.pop_back();
+        return std::move(texts_);
+    }
+
+private:
+    Texts texts_;
+    std::vector<StringArrayEntry> entries_;
+    std::deque<DecodeGuard> guards_;
+};
+
+// One attempt: fills the buffers anew, for the reply to an earlier one may have been put there.
+clnt_stat shiftOnce(JTAG_ShiftMulti_Param param, JTAG_ShiftMulti_Result* result, CLIENT* client) {
+    const auto& [count, entries] = result->entries;
+    std::size_t room = 0;
+    for (u_int i = 0; i < count; ++i)
+        if (DecodeGuard::announced(entries[i].text, room))
+            std::memset(entries[i].text, 'X', room);
+    return jtag_shiftmulti_1(param, result, client);
 }
 
 } // namespace
@@ -46,17 +81,11 @@ Texts RPC::shiftMulti(PhySession& session, Texts first, Texts second, Texts thir
                                       {wireLength(lists[0]), wirePointer(lists[0])},
                                       {wireLength(lists[1]), wirePointer(lists[1])},
                                       {wireLength(lists[2]), wirePointer(lists[2])}};
+    ShiftedTexts texts(second);
     WireResult<JTAG_ShiftMulti_Result> result;
-    DO_RPC(jtag_shiftmulti_1, param, result.get(), session, kClient);
-
-    Texts texts;
-    for (std::size_t i = 0; i < second.size(); ++i) {
-        const bool sent = i < result->entries.entries_len && result->entries.entries_val[i].text != nullptr;
-        const std::size_t length = second[i].size();
-        texts.push_back(sent ? resultText(result->entries.entries_val[i].text, length)
-                             : std::string(length, 'X'));
-    }
-    return texts;
+    texts.presetIn(*result.get());
+    DO_RPC(shiftOnce, param, result.get(), session, kClient);
+    return texts.take();
 }
 
 std::string RPC::shift(PhySession& session, std::string first, std::string second, std::string third) {

@@ -19,8 +19,9 @@ ORVANE_API int maxBytes(PhySession& session);
 
 // Shifts several sequences: the data and the two TMS lists. Throws Exceptions::Standard before any call
 // unless the lists are equally long. Texts are sent up to their first NUL character, with their full length
-// beside them. Each result has the length of the second list's entry: the board's text cut to it, or, when
-// that is shorter, the text, a NUL character and 'X' to the end; 'X' alone where the board sent none.
+// beside them. Each result has the length of the second list's entry: the board's text, NUL characters inside
+// it included, cut to that, or, when it is shorter, the text, a NUL character and 'X' to the end; 'X' alone
+// where the board sent none.
 ORVANE_API std::vector<std::string> shiftMulti(PhySession& session, std::vector<std::string> first,
                                                std::vector<std::string> second,
                                                std::vector<std::string> third);

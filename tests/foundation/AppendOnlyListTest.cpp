@@ -1,7 +1,10 @@
 // The sequence whose elements never move.
 #include "ov_sys/Interface/foundation/AppendOnlyList.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <numeric>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -54,6 +57,57 @@ TEST(AppendOnlyList, EndCoversWhatWasThereWhenItWasAskedFor) {
     for (auto each = list.begin(); each != end; ++each)
         ++seen;
     EXPECT_EQ(seen, 1);
+}
+
+// Code as it is written for vectors.
+template <class List>
+struct VectorReader {
+    using Value = typename List::value_type;
+    using Position = typename List::const_iterator;
+
+    static Value sum(const List& list) { return std::accumulate(list.begin(), list.end(), Value{}); }
+    static std::vector<Value> reversed(const List& list) { return {list.rbegin(), list.rend()}; }
+    static typename List::size_type placeOf(const List& list, const Value& wanted) {
+        const Position found = std::lower_bound(list.cbegin(), list.cend(), wanted);
+        return static_cast<typename List::size_type>(found - list.cbegin());
+    }
+};
+
+template <class List>
+class ListOfHundred : public testing::Test {
+protected:
+    ListOfHundred() {
+        for (int i = 0; i < 100; ++i)
+            list.push_back(i);
+    }
+    List list;
+};
+
+using Lists = testing::Types<std::vector<int>, AppendOnlyList<int>>;
+TYPED_TEST_SUITE(ListOfHundred, Lists);
+
+TYPED_TEST(ListOfHundred, IsReadByCodeForVectors) {
+    using Reader = VectorReader<TypeParam>;
+    EXPECT_EQ(Reader::sum(this->list), 4950);
+    EXPECT_EQ(Reader::reversed(this->list).front(), 99);
+    EXPECT_EQ(Reader::placeOf(this->list, 70), 70U);
+}
+
+TYPED_TEST(ListOfHundred, HasItsElementsAtTheirPlaces) {
+    EXPECT_EQ(this->list.front(), 0);
+    EXPECT_EQ(this->list.back(), 99);
+    EXPECT_EQ(this->list.at(99), 99);
+    EXPECT_THROW(this->list.at(100), std::out_of_range);
+}
+
+TYPED_TEST(ListOfHundred, HasIteratorsThatGoAnywhere) {
+    auto position = this->list.begin();
+    position += 70;
+    EXPECT_EQ(*position--, 70);
+    EXPECT_EQ(position[-60], 9);
+    EXPECT_EQ(*(2 + position), 71);
+    EXPECT_EQ(this->list.end() - position, 31);
+    EXPECT_TRUE(position - 1 < position && position <= position && this->list.end() > position);
 }
 
 TEST(AppendOnlyList, ShowsWholeElementsToReadersWhileItGrows) {

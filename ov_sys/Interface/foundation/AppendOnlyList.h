@@ -1,10 +1,14 @@
-// A sequence that only grows and whose elements never move, so that readers need no lock.
+// A sequence that only grows and whose elements never move, so that readers need no lock. It is read as a
+// vector is.
 #pragma once
 
 #include <array>
 #include <atomic>
 #include <cstddef>
+#include <iterator>
 #include <memory>
+#include <stdexcept>
+#include <utility>
 
 namespace Orvane {
 
@@ -36,24 +40,84 @@ public:
         size_.store(index + 1, std::memory_order_release);
     }
 
+    // The same for any index; throws std::out_of_range from size() on.
+    T& at(std::size_t index) const {
+        if (index >= size())
+            throw std::out_of_range("AppendOnlyList::at");
+        return (*this)[index];
+    }
+
+    // Of a list that is not empty.
+    T& front() const noexcept { return (*this)[0]; }
+    T& back() const noexcept { return (*this)[size() - 1]; }
+
+    // Stays valid while the list grows.
     class iterator {
     public:
+        using iterator_category = std::random_access_iterator_tag;
+        using value_type = T;
+        using difference_type = std::ptrdiff_t;
+        using pointer = T*;
+        using reference = T&;
+
+        iterator() = default;
         iterator(const AppendOnlyList* list, std::size_t index) : list_(list), index_(index) {}
+
         T& operator*() const { return (*list_)[index_]; }
-        iterator& operator++() {
-            ++index_;
+        T* operator->() const { return &**this; }
+        T& operator[](difference_type distance) const { return *(*this + distance); }
+
+        iterator& operator+=(difference_type distance) {
+            index_ += static_cast<std::size_t>(distance);
             return *this;
         }
-        bool operator!=(const iterator& other) const { return index_ != other.index_; }
+        iterator& operator-=(difference_type distance) { return *this += -distance; }
+        iterator& operator++() { return *this += 1; }
+        iterator& operator--() { return *this -= 1; }
+        iterator operator++(int) { return std::exchange(*this, *this + 1); }
+        iterator operator--(int) { return std::exchange(*this, *this - 1); }
+
+        friend iterator operator+(iterator from, difference_type distance) { return from += distance; }
+        friend iterator operator+(difference_type distance, iterator from) { return from += distance; }
+        friend iterator operator-(iterator from, difference_type distance) { return from -= distance; }
+        friend difference_type operator-(const iterator& to, const iterator& from) {
+            return static_cast<difference_type>(to.index_ - from.index_);
+        }
+
+        friend bool operator==(const iterator& one, const iterator& other) {
+            return one.index_ == other.index_;
+        }
+        friend bool operator!=(const iterator& one, const iterator& other) { return !(one == other); }
+        friend bool operator<(const iterator& one, const iterator& other) {
+            return one.index_ < other.index_;
+        }
+        friend bool operator>(const iterator& one, const iterator& other) { return other < one; }
+        friend bool operator<=(const iterator& one, const iterator& other) { return !(other < one); }
+        friend bool operator>=(const iterator& one, const iterator& other) { return !(one < other); }
 
     private:
-        const AppendOnlyList* list_;
-        std::size_t index_;
+        const AppendOnlyList* list_ = nullptr;
+        std::size_t index_ = 0;
     };
+
+    using value_type = T;
+    using size_type = std::size_t;
+    using difference_type = std::ptrdiff_t;
+    using reference = T&;
+    using const_reference = T&; // a list never makes its elements constant
+    using const_iterator = iterator;
+    using reverse_iterator = std::reverse_iterator<iterator>;
+    using const_reverse_iterator = reverse_iterator;
 
     // Cover the elements that were there when end() was asked for.
     iterator begin() const { return {this, 0}; }
     iterator end() const { return {this, size()}; }
+    iterator cbegin() const { return begin(); }
+    iterator cend() const { return end(); }
+    reverse_iterator rbegin() const { return reverse_iterator(end()); }
+    reverse_iterator rend() const { return reverse_iterator(begin()); }
+    reverse_iterator crbegin() const { return rbegin(); }
+    reverse_iterator crend() const { return rend(); }
 
 private:
     static constexpr std::size_t kFirstChunk = 64;

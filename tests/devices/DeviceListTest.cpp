@@ -7,8 +7,11 @@
 #include "tests/support/NamedParam.h"
 #include "tests/support/WrittenText.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
+#include <stdexcept>
 #include <thread>
 
 namespace OrvaneTest {
@@ -44,6 +47,27 @@ protected:
 
 TEST_F(DeviceList, IsEmptyAtFirst) {
     EXPECT_THAT(names(), IsEmpty());
+}
+
+TEST_F(DeviceList, IsReadAsAVectorIs) {
+    found({{"host OV0001:0 OV0001:1", "10.0.0.1"}, {"host OV0002:0", "10.0.0.2"}});
+    const auto& list = devices.devices;
+    EXPECT_EQ(list.front()->name, "OV0001:0");
+    EXPECT_EQ(list.back()->name, "OV0002:0");
+    EXPECT_EQ(list.at(1)->name, "OV0001:1");
+    EXPECT_THROW(list.at(3), std::out_of_range);
+    const auto onOtherBoard = std::find_if(list.cbegin(), list.cend(),
+                                           [](const auto& entry) { return entry->address == "10.0.0.2"; });
+    EXPECT_EQ(std::distance(list.begin(), onOtherBoard), 2);
+    EXPECT_EQ((*list.rbegin())->name, "OV0002:0");
+}
+
+TEST_F(DeviceList, FindsADeviceByTheNameThatItsEntryHasNow) {
+    found({{"host OV0001:0 OV0001:1", "10.0.0.1"}});
+    EXPECT_EQ(devices.deviceIndex("OV0001:1"), 1);
+    devices.devices[1]->name = "A LONGER NAME THAN THE FORMER ONE:1";
+    EXPECT_EQ(devices.deviceIndex("a longer name than the former one:1"), 1);
+    EXPECT_THROW(devices.deviceIndex("OV0001:1"), NoDevice);
 }
 
 TEST_F(DeviceList, StaysAsItIsWhenNothingWasFound) {

@@ -163,12 +163,11 @@ char* HWInterface::device(std::string address) {
 int HWInterface::deviceIndex(std::string name) {
     HWIHelper::str_to_upper(name);
     const Lock guard(lock);
-    for (; indexed_ < devices.size(); ++indexed_) // of twins the first is found
-        indexOf_.emplace(devices[indexed_]->name, static_cast<int>(indexed_));
-    const auto found = indexOf_.find(name);
-    if (found == indexOf_.end())
+    const auto found = std::find_if(devices.begin(), devices.end(),
+                                    [&name](const auto& entry) { return entry->name == name; });
+    if (found == devices.end()) // of twins the first is found
         throw Exceptions::NoDevice();
-    return found->second;
+    return static_cast<int>(found - devices.begin());
 }
 
 int HWInterface::deviceNumber(std::string name, std::string address) {

@@ -11,8 +11,6 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace Orvane {
@@ -212,9 +210,6 @@ private:
     SimpleDeviceEntry& deviceAt(unsigned adapter) const;
     SimpleSessionEntry& resolve(unsigned adapter, unsigned phyId);
     void addDevice(const AddressResponse& candidate);
-
-    std::unordered_map<std::string_view, int> indexOf_; // of the devices' own names; guarded by `lock`
-    std::size_t indexed_ = 0;                           // devices that `indexOf_` knows
 };
 
 } // namespace Orvane

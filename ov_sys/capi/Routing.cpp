@@ -158,7 +158,8 @@ unsigned int HW_Read_Default_PHY_ID(unsigned int mmd, unsigned int address) {
 
 void ZR_API_MDIO_Write_Multi(const unsigned int* phys, int count, unsigned int mmd, unsigned int address,
                              unsigned int value) {
-    for (int i = 0; i < count; ++i) { // the first two PHYs are on adapters 0 and 1, the others from 4 on
+    // The first two PHYs are on adapters 0 and 1, the others from 4 on: docs/limits.md, "Odd on purpose".
+    for (int i = 0; i < count; ++i) {
         HW_SetDefaultAdapter(static_cast<unsigned>(i < 2 ? i : i + 2));
         ZR_API_MDIO_Write(phys[i], mmd, address, value);
     }

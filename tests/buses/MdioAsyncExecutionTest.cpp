@@ -147,6 +147,29 @@ TEST_P(MdioQueueExecution, ThatFailedCanBeRepeated) {
     EXPECT_THAT(wireCalls(board), ElementsAre(block(0, {1}, {word(0x10)}, {word(0x11)}, {1, 1})));
 }
 
+TEST_P(MdioQueueExecution, ThatFailedCountsWhatIsQueuedNextInARunOfTheOtherKind) {
+    queue.write(0x10, 1);
+    queue.read(0x11);
+    EXPECT_THROW((queue.*GetParam().execute)(nullptr), InvalidSession);
+    queue.read(0x12);
+    queue.finalize();
+    EXPECT_EQ(queue.runs, (Words{1, 1, 1})); // the third run is one of writes
+    queue.write(0x13, 2);
+    queue.finalize();
+    EXPECT_EQ(queue.runs,
+              (Words{1, 1, 1, 0, 1})); // the fifth as well, the write behind an empty run of reads
+}
+
+TEST_P(MdioQueueExecution, ThatFailedIsForgottenByClearing) {
+    queue.write(0x10, 1);
+    queue.read(0x11);
+    EXPECT_THROW((queue.*GetParam().execute)(nullptr), InvalidSession);
+    queue.clear();
+    queue.read(0x12);
+    execute();
+    EXPECT_THAT(wireCalls(board), ElementsAre(block(0, {}, {}, {word(0x12)}, {0, 1})));
+}
+
 TEST_P(MdioQueueExecution, HoldsTheQueueUntilTheBoardHasAnswered) {
     constexpr int kAnswerAfterMs = 1500;
     board.inject({"mdio", "", Fault::Kind::DelayReply, 1, kAnswerAfterMs});

@@ -53,6 +53,7 @@ void MdioAsync::blockRead(Words addresses) {
 
 void MdioAsync::blockWrite(Words addresses, Words datas) {
     const Lock lock(queueMutex);
+    // The condition is the text's opposite, and data are never taken: docs/limits.md, "Odd on purpose".
     require(addresses.size() != datas.size(), "Addresses list length must equal datas list length",
             "ov_sys/Interface/buses/MDIO");
     switchTo(true);

@@ -14,7 +14,8 @@ public:
     }
 
     // The elapsed milliseconds times 100000 in unsigned 32-bit arithmetic, wrapping. The waits hold this
-    // against their limit, so that a limit below 100000 is reached within a millisecond.
+    // against their limit, so that a limit below 100000 is reached within a millisecond (docs/limits.md, "Odd
+    // on purpose").
     std::uint32_t scaledElapsed() const { return static_cast<std::uint32_t>(elapsedMs()) * 100000U; }
 
 private:

@@ -1,5 +1,5 @@
 // Writes the seeds of every fuzz target, made from the record samples, below the folder that it is given.
-#include "tests/rpc_protocol/RecordSamples.h"
+#include "tests/support/RecordSamples.h"
 
 #include <cstdio>
 #include <filesystem>

@@ -1,7 +1,7 @@
 // The XDR routine of every wire record, decoding to fresh memory and into announced buffers.
 #include "fuzz/Input.h"
 #include "ov_sys/Interface/rpc_protocol/DecodeGuard.h"
-#include "tests/rpc_protocol/RecordSamples.h"
+#include "tests/support/RecordSamples.h"
 
 #include <cstring>
 #include <memory>

@@ -1,5 +1,5 @@
 // Threads that are cancelled while they are in a flat function.
-#include "tests/capi/FlatBoard.h"
+#include "tests/support/capi/FlatBoard.h"
 
 #include <gtest/gtest.h>
 #include <orvane/orvane.h>

@@ -1,5 +1,5 @@
 // The sink for diagnostic lines as a C program sets it: what it is told of the flat functions' lines.
-#include "tests/capi/FlatBoard.h"
+#include "tests/support/capi/FlatBoard.h"
 #include "tests/support/WrittenText.h"
 
 #include <chrono>

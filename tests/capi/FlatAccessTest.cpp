@@ -1,6 +1,6 @@
 // The unrouted 16-bit accesses of the flat interface on the wire, and their failures.
 #include "ov_sys/Interface/devices/HWInterface.h"
-#include "tests/capi/FlatBoard.h"
+#include "tests/support/capi/FlatBoard.h"
 #include "tests/support/MdioOperations.h"
 #include "tests/support/NamedParam.h"
 #include "tests/support/SessionOnBoard.h"

@@ -1,6 +1,6 @@
 // Devices of the flat interface: numbers, names, addresses and parameters.
 #include "ov_sys/Interface/devices/HWInterface.h"
-#include "tests/capi/FlatBoard.h"
+#include "tests/support/capi/FlatBoard.h"
 #include "tests/support/Discoveries.h"
 #include "tests/support/HeapText.h"
 #include "tests/support/WrittenText.h"

@@ -1,7 +1,7 @@
 // Life cycle of the flat interface: initializing, opening by name, closing, defaults.
 #include "ov_sys/Interface/devices/HWInterface.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
-#include "tests/capi/FlatBoard.h"
+#include "tests/support/capi/FlatBoard.h"
 #include "tests/support/Discoveries.h"
 #include "tests/support/WrittenText.h"
 

@@ -1,6 +1,6 @@
 // Which functions of the flat interface write their failures to the standard error stream, and which keep
 // quiet.
-#include "tests/capi/FlatBoard.h"
+#include "tests/support/capi/FlatBoard.h"
 #include "tests/support/NamedParam.h"
 #include "tests/support/WithoutInterfaces.h"
 #include "tests/support/WrittenText.h"

@@ -1,7 +1,7 @@
 // The flat interface's sessions for callers that use the classes; these functions let exceptions out.
 #include "ov_sys/Interface/buses/rpc/RPCSetup.h"
 #include "ov_sys/Interface/foundation/AddressResponse.h"
-#include "tests/capi/FlatBoard.h"
+#include "tests/support/capi/FlatBoard.h"
 #include "tests/support/SessionOnBoard.h"
 #include "tests/support/WrittenText.h"
 

@@ -1,5 +1,5 @@
 // A C99 program beside a board.
-#include "tests/capi/FlatBoard.h"
+#include "tests/support/capi/FlatBoard.h"
 #include "tests/support/RunProgram.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // A program that unloads the library.
-#include "tests/capi/FlatBoard.h"
+#include "tests/support/capi/FlatBoard.h"
 #include "tests/support/RunProgram.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // Calls by datagram against a peer that the test plays itself.
 #include "ov_sys/Interface/connection/DatagramTransport.h"
-#include "tests/connection/TransportPeer.h"
+#include "tests/support/connection/TransportPeer.h"
 #include "tests/support/NamedParam.h"
 
 #include <cerrno>

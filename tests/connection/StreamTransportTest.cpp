@@ -1,6 +1,6 @@
 // Calls on a stream against a peer that the test plays itself.
 #include "ov_sys/Interface/connection/StreamTransport.h"
-#include "tests/connection/TransportPeer.h"
+#include "tests/support/connection/TransportPeer.h"
 
 #include <atomic>
 #include <cerrno>

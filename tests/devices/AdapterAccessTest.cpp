@@ -1,7 +1,7 @@
 // Register access by adapter, and by default adapter: every operation on the wire.
 #include "ov_sys/Interface/devices/HWInterface.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
-#include "tests/devices/AdaptersOnBoard.h"
+#include "tests/support/devices/AdaptersOnBoard.h"
 #include "tests/support/MdioOperations.h"
 #include "tests/support/NamedParam.h"
 #include "tests/support/SessionOnBoard.h"

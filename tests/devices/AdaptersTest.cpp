@@ -2,7 +2,7 @@
 #include "ov_sys/Interface/devices/HWInterface.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
-#include "tests/devices/AdaptersOnBoard.h"
+#include "tests/support/devices/AdaptersOnBoard.h"
 #include "tests/support/HeapText.h"
 #include "tests/support/SessionOnBoard.h"
 #include "tests/support/WireCall.h"

@@ -2,8 +2,8 @@
 #include "ov_sys/Interface/discovery/BoardFinder.h"
 
 #include "simulator/network/PrivateFiles.h"
-#include "tests/discovery/Found.h"
-#include "tests/discovery/LoopbackServer.h"
+#include "tests/support/discovery/Found.h"
+#include "tests/support/discovery/LoopbackServer.h"
 #include "tests/support/HostsFile.h"
 #include "tests/support/WrittenText.h"
 

@@ -1,9 +1,9 @@
 // The paced multicast search.
 #include "ov_sys/Interface/discovery/BoardFinder.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
-#include "tests/discovery/BoardSide.h"
-#include "tests/discovery/Found.h"
-#include "tests/discovery/OwnNetwork.h"
+#include "tests/support/discovery/BoardSide.h"
+#include "tests/support/discovery/Found.h"
+#include "tests/support/discovery/OwnNetwork.h"
 #include "tests/support/FrequentSignals.h"
 #include "tests/support/WrittenText.h"
 

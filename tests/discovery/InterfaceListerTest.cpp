@@ -3,8 +3,8 @@
 
 #include "simulator/engine/FileDescriptor.h"
 #include "simulator/network/Netlink.h"
-#include "tests/discovery/Limits.h"
-#include "tests/discovery/OwnNetwork.h"
+#include "tests/support/discovery/Limits.h"
+#include "tests/support/discovery/OwnNetwork.h"
 #include "tests/support/WrittenText.h"
 
 #include <cstring>

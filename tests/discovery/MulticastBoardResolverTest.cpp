@@ -3,10 +3,10 @@
 
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "simulator/network/Netlink.h"
-#include "tests/discovery/FailingAllocation.h"
-#include "tests/discovery/Limits.h"
-#include "tests/discovery/OwnNetwork.h"
-#include "tests/discovery/RequestTap.h"
+#include "tests/support/discovery/FailingAllocation.h"
+#include "tests/support/discovery/Limits.h"
+#include "tests/support/discovery/OwnNetwork.h"
+#include "tests/support/discovery/RequestTap.h"
 #include "tests/support/WrittenText.h"
 
 #include <arpa/inet.h>

@@ -2,7 +2,7 @@
 #include "ov_sys/Interface/discovery/BoardFinder.h"
 #include "ov_sys/Interface/discovery/MulticastBoardResolver.h"
 #include "simulator/engine/FileDescriptor.h"
-#include "tests/discovery/Limits.h"
+#include "tests/support/discovery/Limits.h"
 #include "tests/support/WrittenText.h"
 
 #include <arpa/inet.h>

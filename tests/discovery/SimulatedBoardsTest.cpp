@@ -2,7 +2,7 @@
 #include "ov_sys/Interface/discovery/BoardFinder.h"
 #include "ov_sys/Interface/discovery/TcpBoardResolver.h"
 #include "simulator/lab/Lab.h"
-#include "tests/discovery/Found.h"
+#include "tests/support/discovery/Found.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,10 +1,10 @@
 // The TCP probe of one address.
 #include "ov_sys/Interface/discovery/TcpBoardResolver.h"
 
-#include "tests/discovery/Limits.h"
-#include "tests/discovery/LoopbackServer.h"
-#include "tests/discovery/OwnNetwork.h"
-#include "tests/discovery/WallClock.h"
+#include "tests/support/discovery/Limits.h"
+#include "tests/support/discovery/LoopbackServer.h"
+#include "tests/support/discovery/OwnNetwork.h"
+#include "tests/support/discovery/WallClock.h"
 #include "tests/support/FrequentSignals.h"
 #include "tests/support/WrittenText.h"
 

@@ -1,7 +1,7 @@
 // Results that are cut, too long, or whose counts lie, record by record.
 #include "ov_sys/Interface/rpc_protocol/DecodeGuard.h"
 #include "ov_sys/Interface/rpc_protocol/XdrHelpers.h"
-#include "tests/rpc_protocol/RecordSamples.h"
+#include "tests/support/RecordSamples.h"
 
 #include <algorithm>
 #include <array>

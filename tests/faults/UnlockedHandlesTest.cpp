@@ -3,7 +3,7 @@
 #include "ov_sys/Interface/buses/rpc/RPCSetup.h"
 #include "ov_sys/Interface/connection/BoardConnection.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
-#include "tests/faults/ClientWithoutLocks.h"
+#include "tests/support/faults_unlocked/ClientWithoutLocks.h"
 #include "tests/support/OpenSession.h"
 #include "tests/support/WrittenText.h"
 

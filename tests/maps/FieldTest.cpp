@@ -1,5 +1,5 @@
 // Fields within a register's value: taking out, putting in, meaning.
-#include "tests/maps/MapTexts.h"
+#include "tests/support/maps/MapTexts.h"
 
 #include <gtest/gtest.h>
 

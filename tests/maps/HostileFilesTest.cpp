@@ -1,5 +1,5 @@
 // Files made to hurt: each ends in an error within a second and 64 MiB.
-#include "tests/maps/MapTexts.h"
+#include "tests/support/maps/MapTexts.h"
 
 #include <chrono>
 #include <fstream>

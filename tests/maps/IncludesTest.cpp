@@ -1,5 +1,5 @@
 // Maps of several files, and includes that lead where they must not.
-#include "tests/maps/MapTexts.h"
+#include "tests/support/maps/MapTexts.h"
 
 #include <filesystem>
 #include <fstream>

@@ -1,5 +1,5 @@
 // Blocks, arrays and pages, laid out; what overlaps or is missing.
-#include "tests/maps/MapTexts.h"
+#include "tests/support/maps/MapTexts.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // The map of IEEE 802.3 beside the constants of <linux/mii.h> and <linux/mdio.h>, which others wrote: each
 // has to agree with the register, mask or value that linux-constants.txt names for it, or stands there with
 // the reason why not.
-#include "tests/maps/LinuxConstants.h"
+#include "tests/support/maps/LinuxConstants.h"
 
 #include <fstream>
 #include <gtest/gtest.h>

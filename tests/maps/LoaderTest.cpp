@@ -1,5 +1,5 @@
 // Files of maps: what a file must have, and how everything that is wrong is told at once.
-#include "tests/maps/MapTexts.h"
+#include "tests/support/maps/MapTexts.h"
 
 #include <fstream>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // What a map changes for one PHY or revision.
-#include "tests/maps/MapTexts.h"
+#include "tests/support/maps/MapTexts.h"
 
 #include <gtest/gtest.h>
 

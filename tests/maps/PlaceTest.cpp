@@ -1,5 +1,5 @@
 // Addresses: their texts and their order.
-#include "tests/maps/MapTexts.h"
+#include "tests/support/maps/MapTexts.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // What a register tells of itself: access, safety, masks.
-#include "tests/maps/MapTexts.h"
+#include "tests/support/maps/MapTexts.h"
 
 #include <gtest/gtest.h>
 

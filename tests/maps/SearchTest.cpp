@@ -1,5 +1,5 @@
 // Names by pattern, word, beginning and likeness.
-#include "tests/maps/MapTexts.h"
+#include "tests/support/maps/MapTexts.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // Accesses that allocate nothing.
 #include "ov_sys/Interface/buses/MDIO.h"
-#include "tests/performance/AllocationCount.h"
 #include "tests/support/OpenSession.h"
+#include "tests/support/performance/AllocationCount.h"
 
 #include <gtest/gtest.h>
 #include <memory>

@@ -1,6 +1,6 @@
 // The library's own instructions for each access.
-#include "tests/performance/Callgrind.h"
 #include "tests/support/OneBoard.h"
+#include "tests/support/performance/Callgrind.h"
 
 #include <gtest/gtest.h>
 

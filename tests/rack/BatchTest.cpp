@@ -1,7 +1,7 @@
 // Batches: how they are cut, and what is told of each operation.
 #include "ov_sys/rack/Batch.h"
 
-#include "tests/rack/RackOnBoard.h"
+#include "tests/support/rack/RackOnBoard.h"
 
 namespace OrvaneTest {
 namespace {

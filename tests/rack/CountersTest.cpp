@@ -1,7 +1,7 @@
 // Counters and latencies.
 #include "ov_sys/rack/Counters.h"
 
-#include "tests/rack/RackOnBoard.h"
+#include "tests/support/rack/RackOnBoard.h"
 
 namespace OrvaneTest {
 namespace {

@@ -1,5 +1,5 @@
 // What a rack does about boards that restart, forget, move or fall silent.
-#include "tests/rack/RackOnBoard.h"
+#include "tests/support/rack/RackOnBoard.h"
 
 namespace OrvaneTest {
 namespace {

@@ -1,7 +1,7 @@
 // Register accesses of a PHY, as its board hears them.
 #include "ov_sys/rack/Phy.h"
 
-#include "tests/rack/RackOnBoard.h"
+#include "tests/support/rack/RackOnBoard.h"
 
 namespace OrvaneTest {
 namespace {

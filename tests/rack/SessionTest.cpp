@@ -1,5 +1,5 @@
 // Opening and closing of sessions.
-#include "tests/rack/RackOnBoard.h"
+#include "tests/support/rack/RackOnBoard.h"
 
 namespace OrvaneTest {
 namespace {

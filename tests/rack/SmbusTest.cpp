@@ -1,5 +1,5 @@
 // PHYs behind an I2C bus of the board.
-#include "tests/rack/RackOnBoard.h"
+#include "tests/support/rack/RackOnBoard.h"
 
 namespace OrvaneTest {
 namespace {

@@ -1,7 +1,7 @@
 // Finding a type's XDR routine, and freeing through it.
 #include "ov_sys/Interface/rpc_protocol/Codec.h"
 
-#include "tests/rpc_protocol/WireBytes.h"
+#include "tests/support/rpc_protocol/WireBytes.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 #include "ov_sys/Interface/rpc_protocol/DecodeGuard.h"
 
 #include "ov_sys/Interface/rpc_protocol/Codec.h"
-#include "tests/rpc_protocol/WireBytes.h"
+#include "tests/support/rpc_protocol/WireBytes.h"
 
 #include <array>
 #include <gtest/gtest.h>

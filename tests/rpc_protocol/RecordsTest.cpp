@@ -1,7 +1,7 @@
 // The wire form of every record, and what a stream that ends early leaves behind.
 #include "ov_sys/Interface/rpc_protocol/Records.h"
 
-#include "tests/rpc_protocol/RecordSamples.h"
+#include "tests/support/RecordSamples.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>

@@ -2,8 +2,8 @@
 #include "ov_sys/Interface/rpc_protocol/Stubs.h"
 
 #include "ov_sys/Interface/rpc_protocol/Programs.h"
-#include "tests/rpc_protocol/LoopbackServer.h"
-#include "tests/rpc_protocol/RecordSamples.h"
+#include "tests/support/RecordSamples.h"
+#include "tests/support/rpc_protocol/LoopbackServer.h"
 
 #include <chrono>
 #include <gtest/gtest.h>

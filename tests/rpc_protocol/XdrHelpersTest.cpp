@@ -1,7 +1,7 @@
 // Memory that a decode allocates: it grows with what arrives, and a failed decode leaves nothing unfreed.
 #include "ov_sys/Interface/rpc_protocol/XdrHelpers.h"
 
-#include "tests/rpc_protocol/WireBytes.h"
+#include "tests/support/rpc_protocol/WireBytes.h"
 
 #include <gtest/gtest.h>
 #include <malloc.h>

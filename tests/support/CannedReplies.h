@@ -3,7 +3,7 @@
 
 #include "ov_sys/Interface/connection/RPCClient.h"
 #include "ov_sys/Interface/connection/RPCHandle.h"
-#include "tests/rpc_protocol/WireBytes.h"
+#include "tests/support/rpc_protocol/WireBytes.h"
 
 #include <cstddef>
 #include <memory>

@@ -1,5 +1,5 @@
 // How the program ends when somebody else wants it to: signals and closed pipes; and what help says.
-#include "tests/tools/Program.h"
+#include "tests/support/tools/Program.h"
 
 #include <csignal>
 #include <cstdio>

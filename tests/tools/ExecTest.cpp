@@ -1,5 +1,5 @@
 // orvane exec.
-#include "tests/tools/Program.h"
+#include "tests/support/tools/Program.h"
 
 #include <csignal>
 #include <gmock/gmock.h>

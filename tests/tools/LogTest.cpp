@@ -1,5 +1,5 @@
 // orvane log.
-#include "tests/tools/Program.h"
+#include "tests/support/tools/Program.h"
 
 #include <cstdio>
 #include <gtest/gtest.h>

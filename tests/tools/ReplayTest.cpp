@@ -1,5 +1,5 @@
 // orvane replay.
-#include "tests/tools/Program.h"
+#include "tests/support/tools/Program.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The page that orvane log --html writes, as a browser shows it.
-#include "tests/tools/Program.h"
+#include "tests/support/tools/Program.h"
 
 #include <cstdio>
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
 // orvane i2c, gpio, jtag, adc and thermal.
-#include "tests/tools/Program.h"
+#include "tests/support/tools/Program.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

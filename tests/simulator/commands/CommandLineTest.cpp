@@ -1,0 +1,108 @@
+// orvane-lab and orvane-sim as their users run them.
+#include "tests/support/simulator/Shell.h"
+
+#include <cerrno>
+#include <csignal>
+
+namespace OrvaneSim {
+namespace {
+
+TEST(OrvaneLab, runsACommandAndEndsWithItsStatus) {
+    EXPECT_EQ(shell(ORVANE_LAB " --boards 0 -- sh -c 'exit 7'").status, 7);
+    EXPECT_EQ(shell(ORVANE_LAB " -- sh -c 'kill -TERM $$'").status, 128 + SIGTERM);
+}
+
+TEST(OrvaneLab, tellsWhenTheCommandCannotBeRun) {
+    const Outcome missing = shell(ORVANE_LAB " -- /no/such/command");
+    EXPECT_EQ(missing.status, 127);
+    EXPECT_EQ(missing.output, "cannot run /no/such/command: No such file or directory\n");
+    EXPECT_EQ(shell(ORVANE_LAB " -- /").status, 126);
+}
+
+TEST(OrvaneLab, leavesNoProcessBehind) {
+    const Outcome outcome = shell(ORVANE_LAB " -- sh -c 'sleep 1000 >/dev/null 2>&1 & echo $!'");
+    EXPECT_EQ(outcome.status, 0);
+    const int left = std::atoi(outcome.output.c_str());
+    ASSERT_GT(left, 1);
+    EXPECT_EQ(::kill(left, 0), -1);
+    EXPECT_EQ(errno, ESRCH);
+}
+
+TEST(OrvaneLab, refusesFlagsThatDoNotGoTogether) {
+    const Outcome outcome = shell(ORVANE_LAB " --boards 2 --device X:0 -- true");
+    EXPECT_EQ(outcome.status, 125);
+    EXPECT_EQ(outcome.output, "orvane-lab: --device is for a single board\n");
+    EXPECT_NE(shell(ORVANE_LAB " --boards 2").status, 0);
+}
+
+TEST(OrvaneLab, showsTheCommandOneInterfaceForEachAskedFor) {
+    const Outcome outcome =
+        shell(ORVANE_LAB " --interfaces 3 -- sed -n 's/^ *\\(lab[0-9]\\):.*/\\1/p' /proc/net/dev");
+    EXPECT_EQ(outcome.output, "lab0\nlab1\nlab2\n");
+}
+
+TEST(OrvaneLab, letsTheCommandResolveTheNamesOfItsHostsFile) {
+    const Outcome outcome = shell("printf '10.83.0.1 mylab\\n' > hosts.test; " ORVANE_LAB
+                                  " --hosts hosts.test -- getent hosts mylab; rm hosts.test");
+    EXPECT_NE(outcome.output.find("10.83.0.1"), std::string::npos) << outcome.output;
+}
+
+TEST(OrvaneSim, servesUntilItIsTold) {
+    const Outcome outcome =
+        shell("timeout -s TERM 10 sh -c '" ORVANE_SIM " --address 127.0.0.9 --serial LAB7 > sim.out & "
+              "until grep -sq ready sim.out; do :; done; kill -TERM $!; wait $!'; "
+              "echo $?; cat sim.out; rm sim.out");
+    EXPECT_EQ(outcome.output, "0\nboard LAB7 at 127.0.0.9: host LAB7:0 LAB7:1 LAB7:10\nready\n");
+}
+
+TEST(OrvaneSim, tellsWhichBoardCannotBeServed) {
+    const Outcome outcome = shell(ORVANE_SIM " --address 192.0.2.9 --serial LAB7");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output.substr(0, 30), "orvane-sim: board LAB7: cannot");
+}
+
+/// Runs a script in a lab with two boards, with orvane-sim on its path.
+Outcome inLab(const std::string& script) {
+    const ScratchFolder folder;
+    folder.write("script", script);
+    return shell("PATH=$(dirname " ORVANE_SIM "):$PATH " ORVANE_LAB " --boards 2 -- sh " +
+                 folder.file("script"));
+}
+
+TEST(OrvaneSimCtl, findsTheLabThatItRunsIn) {
+    EXPECT_EQ(inLab("orvane-sim ctl OV0002 set 0x10010 0xBEEF && orvane-sim ctl 10.83.0.2 get register=65552")
+                  .output,
+              "0xBEEF\n");
+}
+
+TEST(OrvaneSimCtl, printsATable) {
+    EXPECT_EQ(inLab("orvane-sim ctl all list").output,
+              "board   address    name                              sessions  faults\n"
+              "OV0001  10.83.0.1  host OV0001:0 OV0001:1 OV0001:10  0         0\n"
+              "OV0002  10.83.0.2  host OV0002:0 OV0002:1 OV0002:10  0         0\n");
+}
+
+TEST(OrvaneSimCtl, tellsARefusalFromWrongWordsByItsStatus) {
+    const Outcome done = inLab("orvane-sim ctl all delay 5 3");
+    EXPECT_EQ(done.status, 0);
+    EXPECT_EQ(done.output, "");
+    const Outcome refused = inLab("orvane-sim ctl all explode");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.output, "orvane-sim: action: there is no action \"explode\"\n");
+    const Outcome wrong = inLab("orvane-sim ctl all delay 5 3 1");
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_EQ(wrong.output, "orvane-sim: \"1\" has no place in delay\n");
+    EXPECT_EQ(inLab("orvane-sim ctl all").status, 2);
+    EXPECT_EQ(inLab("orvane-sim ctl all list --control /no/such/socket").output,
+              "orvane-sim: no lab answers at /no/such/socket: No such file or directory\n");
+}
+
+TEST(OrvaneSimCtl, explainsItself) {
+    const Outcome help = shell(ORVANE_SIM " ctl --help");
+    EXPECT_EQ(help.status, 0);
+    for (const char* part : {"lose-reply", "restart forgetSessions=false", "Examples:", "Exit status:"})
+        EXPECT_NE(help.output.find(part), std::string::npos) << part;
+}
+
+} // namespace
+} // namespace OrvaneSim

@@ -1,0 +1,106 @@
+// Datagrams, records and headers that no well-behaved client sends.
+#include "tests/support/simulator/RawBoard.h"
+
+#include <array>
+
+namespace OrvaneSim {
+namespace {
+
+constexpr std::uint32_t kLast = 0x80000000;
+using RpcTransport = RawBoard;
+
+TEST_F(RpcTransport, joinsARecordOutOfFragmentsThatComeByteByByte) {
+    RawSocket socket = stream();
+    const std::string ping = request(SIM_SETUP, SIM_PING, words({55}));
+    const std::string record = words({10}) + ping.substr(0, 10) + words({0}) +
+                               words({kLast | static_cast<std::uint32_t>(ping.size() - 10)}) +
+                               ping.substr(10);
+    for (const char byte : record)
+        socket.send(std::string(1, byte));
+    EXPECT_EQ(wordsOf(socket.receive()),
+              (std::vector<std::uint32_t>{kLast | 28, kTransaction, REPLY, MSG_ACCEPTED, 0, 0, SUCCESS, 55}));
+}
+
+TEST_F(RpcTransport, answersEveryRecordOfOneSegmentInOrder) {
+    RawSocket socket = stream();
+    std::string segment;
+    for (std::uint32_t value = 0; value < 3; ++value) {
+        const std::string ping = request(SIM_SETUP, SIM_PING, words({value}));
+        segment += words({kLast | static_cast<std::uint32_t>(ping.size())}) + ping;
+    }
+    socket.send(segment);
+    std::string answers;
+    while (answers.size() < 3U * 32)
+        answers += socket.receive();
+    const auto values = wordsOf(answers);
+    EXPECT_EQ(values[7], 0U);
+    EXPECT_EQ(values[15], 1U);
+    EXPECT_EQ(values[23], 2U);
+}
+
+TEST_F(RpcTransport, closesAConnectionWhoseRecordIsTooLong) {
+    RawSocket socket = stream();
+    socket.send(words({kLast | 0x7FFFFFFF}));
+    EXPECT_EQ(socket.receiveAll(), "");
+}
+
+TEST_F(RpcTransport, closesAConnectionThatCarriesNoRequest) {
+    RawSocket socket = stream();
+    socket.send(words({kLast | 8, kTransaction, REPLY}));
+    EXPECT_EQ(socket.receiveAll(), "");
+}
+
+TEST_F(RpcTransport, refusesAnotherRpcVersion) {
+    EXPECT_EQ(exchange(request(SIM_SETUP, SIM_PING, words({1}), 1, 3)),
+              (std::vector<std::uint32_t>{kTransaction, REPLY, MSG_DENIED, RPC_MISMATCH, 2, 2}));
+}
+
+TEST_F(RpcTransport, refusesUnknownProgramsVersionsAndProcedures) {
+    const std::vector<std::uint32_t> accepted{kTransaction, REPLY, MSG_ACCEPTED, 0, 0};
+    const auto with = [&](std::vector<std::uint32_t> tail) {
+        auto all = accepted;
+        all.insert(all.end(), tail.begin(), tail.end());
+        return all;
+    };
+    EXPECT_EQ(exchange(request(0x2FFFFFF8, 1, "")), with({PROG_UNAVAIL}));
+    EXPECT_EQ(exchange(request(SIM_MDIO, 1, "", 2)), with({PROG_MISMATCH, 1, 1}));
+    EXPECT_EQ(exchange(request(SIM_MDIO, 21, "")), with({PROC_UNAVAIL}));
+    EXPECT_EQ(exchange(request(SIM_JTAG, 2, "")), with({PROC_UNAVAIL}));
+}
+
+TEST_F(RpcTransport, AnswersTheNullProcedureOfEveryProgramAndRecordsNone) {
+    board.forgetRequests();
+    for (const std::uint32_t program : std::array<std::uint32_t, 3>{SIM_SETUP, SIM_MDIO, SIM_JTAG})
+        EXPECT_EQ(exchange(request(program, NULLPROC, "")),
+                  (std::vector<std::uint32_t>{kTransaction, REPLY, MSG_ACCEPTED, 0, 0, SUCCESS}));
+    EXPECT_TRUE(board.requests().empty());
+}
+
+TEST_F(RpcTransport, refusesArgumentsThatDoNotDecodeAndRecordsNone) {
+    board.forgetRequests();
+    EXPECT_EQ(exchange(request(SIM_MDIO, SIM_MDIO_READ, words({1, 5, 0}))).back(),
+              static_cast<std::uint32_t>(GARBAGE_ARGS));
+    EXPECT_TRUE(board.requests().empty());
+}
+
+TEST_F(RpcTransport, refusesAListThatClaimsMoreThanItsLimitWithoutMakingRoomForIt) {
+    EXPECT_EQ(exchange(request(SIM_MDIO, SIM_MDIO_READ, words({1, 0xFFFFFFFF}))).back(),
+              static_cast<std::uint32_t>(GARBAGE_ARGS));
+}
+
+TEST_F(RpcTransport, leavesDatagramsThatAreNoRequestsUnanswered) {
+    RawSocket socket = RawSocket::datagram(0);
+    const std::uint16_t udp = port(IPPROTO_UDP);
+    socket.sendTo("x", board.address(), udp);
+    socket.sendTo(words({kTransaction, REPLY, 2}), board.address(), udp);
+    socket.sendTo(request(SIM_SETUP, SIM_PING, words({9})), board.address(), udp);
+    EXPECT_EQ(wordsOf(socket.receive()).back(), 9U) << "the first answer is that of the last datagram";
+}
+
+TEST_F(RpcTransport, acceptsCredentialsOfAnyFlavour) {
+    const std::string call = words({kTransaction, CALL, 2, SIM_SETUP, 1, SIM_PING, 77, 8, 1, 2, 0, 0, 42});
+    EXPECT_EQ(exchange(call).back(), 42U);
+}
+
+} // namespace
+} // namespace OrvaneSim

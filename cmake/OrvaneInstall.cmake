@@ -15,7 +15,7 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/ov_sys/include/orvane/ DESTINATION ${ORV
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/ov_sys/Interface DESTINATION ${ORVANE_HEADERS}/ov_sys
   COMPONENT development FILES_MATCHING PATTERN "*.h" REGEX "/(${ORVANE_PRIVATE_HEADERS})\\.h$" EXCLUDE)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/ov_sys/rack DESTINATION ${ORVANE_HEADERS}/ov_sys
-  COMPONENT development FILES_MATCHING PATTERN "*.h" REGEX "/(access|core|link)$" EXCLUDE)
+  COMPONENT development FILES_MATCHING PATTERN "*.h" REGEX "/(access|core|link|search)$" EXCLUDE)
 
 install(TARGETS orvane EXPORT orvane-targets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development)

@@ -23,16 +23,22 @@ std::string PortName::upper(std::string text) {
     return text;
 }
 
-PortName PortName::parse(const std::string& name, const char* operation) {
+std::optional<PortName> PortName::read(const std::string& name) {
     PortName parsed;
     const std::size_t colon = name.find(':');
-    if (colon != std::string::npos) {
-        parsed.board = upper(name.substr(0, colon));
-        const char* const end = name.data() + name.size();
-        const auto [stop, error] = std::from_chars(name.data() + colon + 1, end, parsed.port);
-        if (error == std::errc{} && stop == end && parsed.port < kMostPorts && isSerial(parsed.board))
-            return parsed;
-    }
+    if (colon == std::string::npos)
+        return std::nullopt;
+    parsed.board = upper(name.substr(0, colon));
+    const char* const end = name.data() + name.size();
+    const auto [stop, error] = std::from_chars(name.data() + colon + 1, end, parsed.port);
+    if (error != std::errc{} || stop != end || parsed.port >= kMostPorts || !isSerial(parsed.board))
+        return std::nullopt;
+    return parsed;
+}
+
+PortName PortName::parse(const std::string& name, const char* operation) {
+    if (std::optional<PortName> parsed = read(name))
+        return *std::move(parsed);
     FailureDetails details;
     details.operation = operation;
     details.location = '"' + name + '"';

@@ -1,6 +1,7 @@
 // The name of a port: board serial number, colon, port number.
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace Orvane::RackCore {
@@ -9,6 +10,8 @@ struct PortName {
     std::string board; // upper case
     unsigned port = 0; // 0 to 19: ten MDIO ports, ten I2C buses
 
+    // Nothing for a text that is no port's name.
+    static std::optional<PortName> read(const std::string& name);
     // Throws Failure (InvalidArgument) of `operation` for anything else.
     static PortName parse(const std::string& name, const char* operation);
     // ASCII letters only.

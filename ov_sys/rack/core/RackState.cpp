@@ -1,11 +1,16 @@
 #include "ov_sys/rack/core/RackState.h"
 
+#include "ov_sys/rack/link/Endpoint.h"
+#include "ov_sys/rack/search/Search.h"
+
+#include <algorithm>
 #include <utility>
 
 namespace Orvane::RackCore {
 
 RackState::RackState()
-    : keeper_([this] { return all(); }, [](const std::string&) { return in_addr_t{0}; }, events_, *this) {}
+    : keeper_([this] { return all(); }, [this](const std::string& name) { return searchBriefly(name); },
+              events_, *this) {}
 
 void RackState::report(const RackLink::BoardLink& link, const RackLink::Session* session, Event::Kind kind,
                        Event::Level level, std::string text) {
@@ -31,20 +36,61 @@ std::vector<std::shared_ptr<Board>> RackState::all() const {
     return list;
 }
 
-std::shared_ptr<Board> RackState::find(const std::string& name) const {
+std::shared_ptr<Board> RackState::find(const std::string& name) {
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        const auto found = boards_.find(name);
+        if (found != boards_.end())
+            return found->second;
+    }
+    const in_addr_t address = addressOf(name);
+    return address != 0 ? add(name, address) : nullptr;
+}
+
+in_addr_t RackState::addressOf(const std::string& name) const {
     const std::lock_guard<std::mutex> lock(mutex_);
-    const auto found = boards_.find(name);
-    return found == boards_.end() ? nullptr : found->second;
+    const auto found = addresses_.find(name);
+    return found == addresses_.end() ? 0 : found->second;
 }
 
 std::shared_ptr<Board> RackState::add(const std::string& name, in_addr_t address) {
     const std::lock_guard<std::mutex> lock(mutex_);
+    addresses_[name] = address;
     std::shared_ptr<Board>& place = boards_[name];
     if (!place)
         place = std::make_shared<Board>(name, address, shared_from_this());
     else
         place->link.found(address);
     return place;
+}
+
+void RackState::learn(const std::vector<FoundBoard>& boards) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    for (const FoundBoard& one : boards)
+        addresses_[one.serial] = RackLink::parseDotted(one.address).value_or(0);
+}
+
+RackLink::Trouble RackState::search(const std::string& name, RackLink::Limits& limits) {
+    RackSearch::Search search([&](const RackSearch::Answer& answer) {
+        const std::vector<FoundBoard> boards = RackSearch::boardsOf(answer);
+        return std::any_of(boards.begin(), boards.end(),
+                           [&](const FoundBoard& one) { return one.serial == name; });
+    });
+    const RackLink::Trouble trouble = search.run(limits);
+    learn(search.result().boards);
+    return trouble;
+}
+
+// For the thread of the rack, which has other things to do.
+in_addr_t RackState::searchBriefly(const std::string& name) {
+    const Within within = Orvane::within(std::chrono::seconds(1));
+    RackLink::Limits limits(within);
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        addresses_.erase(name); // where it was
+    }
+    search(name, limits);
+    return addressOf(name);
 }
 
 void RackState::end() {

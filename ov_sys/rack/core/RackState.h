@@ -4,6 +4,8 @@
 #include "ov_sys/rack/core/Board.h"
 #include "ov_sys/rack/core/EventQueue.h"
 #include "ov_sys/rack/core/Keeper.h"
+#include "ov_sys/rack/Discovery.h"
+#include "ov_sys/rack/link/Limits.h"
 
 #include <map>
 #include <memory>
@@ -23,16 +25,24 @@ public:
     void missing(RackLink::BoardLink& link) override { keeper_.lookFor(link.board()); }
 
     std::vector<std::shared_ptr<Board>> all() const;
-    // Null when the rack does not know it.
-    std::shared_ptr<Board> find(const std::string& name) const;
+    // Null when no address of it is known.
+    std::shared_ptr<Board> find(const std::string& name);
     // The board of that name, which is told of its address.
     std::shared_ptr<Board> add(const std::string& name, in_addr_t address);
+    // Remembers where boards are that are not in use yet.
+    void learn(const std::vector<FoundBoard>& boards);
+    // Looks for a board and learns where it is, if it answers.
+    RackLink::Trouble search(const std::string& name, RackLink::Limits& limits);
     void onEvent(EventCallback callback) { events_.setCallback(std::move(callback)); }
     // Ends the thread and lets the boards go.
     void end();
 
 private:
-    mutable std::mutex mutex_; // guards boards_
+    in_addr_t addressOf(const std::string& name) const;
+    in_addr_t searchBriefly(const std::string& name);
+
+    mutable std::mutex mutex_; // guards boards_ and addresses_
+    std::map<std::string, in_addr_t> addresses_;
     std::map<std::string, std::shared_ptr<Board>> boards_;
     EventQueue events_;
     Keeper keeper_;

@@ -161,7 +161,7 @@ void BoardLink::loseErrand(TimePoint now) {
             call->notBefore = now + kBetweenConnections;
         return;
     }
-    if (errand_->losses >= kDoubtAfter && !missing_) {
+    if (errand_->losses >= kDoubtAfter) {
         missing_ = true;
         around_.missing(*this);
     }

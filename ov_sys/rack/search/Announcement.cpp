@@ -1,0 +1,55 @@
+#include "ov_sys/rack/search/Announcement.h"
+
+#include "ov_sys/rack/core/PortName.h"
+#include "ov_sys/rack/Failure.h"
+#include "ov_sys/rack/link/Endpoint.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <sstream>
+
+namespace Orvane::RackSearch {
+namespace {
+
+using RackCore::PortName;
+
+// A board that gives its type only has one port, of that name.
+constexpr const char* kTypeWord = "ORVANE";
+
+bool isPrintable(const std::string& text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+}
+
+using Ports = std::map<std::string, std::set<unsigned>>;
+
+bool readPorts(const std::string& name, Ports& ports) {
+    std::istringstream words(name);
+    std::string word;
+    words >> word; // what the board is; its devices follow
+    if (PortName::upper(name) == kTypeWord)
+        ports[kTypeWord].insert(0);
+    while (words >> word) {
+        const std::optional<PortName> port = PortName::read(word);
+        if (!port)
+            return false;
+        ports[port->board].insert(port->port);
+    }
+    return !ports.empty();
+}
+
+} // namespace
+
+std::vector<FoundBoard> boardsOf(const Answer& answer) {
+    const std::size_t bar = answer.text.find('|');
+    Ports ports;
+    if (bar == std::string::npos || !isPrintable(answer.text) ||
+        !readPorts(answer.text.substr(bar + 1), ports))
+        return {};
+    std::vector<FoundBoard> boards;
+    for (const auto& [serial, numbers] : ports)
+        boards.push_back({serial, RackLink::dotted(answer.from), {numbers.begin(), numbers.end()}});
+    return boards;
+}
+
+} // namespace Orvane::RackSearch

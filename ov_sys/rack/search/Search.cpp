@@ -1,0 +1,137 @@
+#include "ov_sys/rack/search/Search.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <poll.h>
+#include <tuple>
+
+namespace Orvane::RackSearch {
+namespace {
+
+using namespace RackLink;
+using Milliseconds = std::chrono::milliseconds;
+
+constexpr Milliseconds kBetweenQuestions{150};
+constexpr Milliseconds kLastQuestion{200}; // before the end: what is asked later is not answered in time
+constexpr Milliseconds kSilence{400}; // of a program that is listened to, which speaks with each question
+
+} // namespace
+
+bool Search::listenHere(TimePoint now) {
+    nextQuestion_ = now;
+    return network_.open();
+}
+
+// Finds somebody to listen to, or listens itself. False when it cannot.
+bool Search::join(Limits& limits) {
+    if (network_.descriptor() >= 0 || listener_.isOpen())
+        return true;
+    if (!trusts_ || speaker_.open()) {
+        for (const Answer& answer : answers_) // of whom it listened to before
+            speaker_.tell(answer);
+        return listenHere(limits.now);
+    }
+    listener_.open(); // otherwise its holder has just ended, or is overrun: once more in a moment
+    if (lastHeard_ == TimePoint{} || listener_.isOpen())
+        lastHeard_ = limits.now;
+    return true;
+}
+
+void Search::wait(const Limits& limits) const {
+    constexpr Milliseconds kMoment{10};
+    pollfd entries[3];
+    nfds_t count = 0;
+    for (const int fd :
+         {network_.descriptor(), speaker_.descriptor(), listener_.descriptor(),
+          limits.within.cancellation != nullptr ? limits.within.cancellation->descriptor() : -1})
+        if (fd >= 0 && count < 3)
+            entries[count++] = {fd, POLLIN, 0};
+    TimePoint wake = std::min(limits.end, network_.descriptor() >= 0 ? nextQuestion_ : lastHeard_ + kSilence);
+    if (behind_ || (network_.descriptor() < 0 && !listener_.isOpen()))
+        wake = std::min(wake, limits.now + kMoment);
+    const auto left = std::chrono::ceil<Milliseconds>(wake - limits.now).count();
+    poll(entries, count, static_cast<int>(std::clamp<decltype(left)>(left, 0, 1000)));
+}
+
+// True when that is enough.
+bool Search::take(const Answer& answer) {
+    if (!answers_.insert(answer).second)
+        return false;
+    speaker_.tell(answer);
+    behind_ = speaker_.isOpen();
+    return enough_ && enough_(answer);
+}
+
+bool Search::receive(TimePoint now) {
+    constexpr std::size_t kMost = 65536; // different answers: beyond it somebody makes them up
+    while (network_.descriptor() >= 0) {
+        const std::optional<Answer> answer = network_.receive();
+        if (!answer)
+            break;
+        if (answers_.size() < kMost && take(*answer))
+            return true;
+    }
+    while (listener_.isOpen()) {
+        Answer answer{};
+        const Listener::Heard heard = listener_.hear(answer);
+        if (heard == Listener::Heard::Nothing)
+            break;
+        if (heard == Listener::Heard::End) {
+            listener_.close();
+            lastHeard_ = now;
+            break;
+        }
+        lastHeard_ = now;
+        if (heard == Listener::Heard::Answer && answers_.size() < kMost && take(answer))
+            return true;
+    }
+    return false;
+}
+
+void Search::askWhenDue(const Limits& limits) {
+    if (network_.descriptor() < 0 || limits.now < nextQuestion_)
+        return;
+    speaker_.beat();
+    if (nextQuestion_ + kLastQuestion < limits.end || answers_.empty())
+        network_.ask();
+    nextQuestion_ = limits.now + kBetweenQuestions;
+}
+
+Trouble Search::run(Limits& limits) {
+    while (limits.now < limits.end) {
+        if (limits.within.cancellation != nullptr && limits.within.cancellation->cancelled())
+            return FailureKind::Cancelled;
+        if (!join(limits))
+            return {FailureKind::Unreachable, -errno};
+        askWhenDue(limits);
+        wait(limits);
+        limits.now = Clock::now();
+        if (receive(limits.now))
+            return {};
+        behind_ = !speaker_.step();
+        if (network_.descriptor() < 0 && limits.now - lastHeard_ >= kSilence) {
+            trusts_ = false; // stopped, or not one of us
+            listener_.close();
+        }
+    }
+    return {};
+}
+
+Discovery Search::result() const {
+    Discovery found;
+    for (const Answer& answer : answers_) {
+        const std::vector<FoundBoard> boards = boardsOf(answer);
+        found.malformed += boards.empty() ? 1U : 0U;
+        found.boards.insert(found.boards.end(), boards.begin(), boards.end());
+    }
+    const auto place = [](const FoundBoard& one) { return std::tie(one.serial, one.address); };
+    std::sort(found.boards.begin(), found.boards.end(),
+              [&](const FoundBoard& a, const FoundBoard& b) { return place(a) < place(b); });
+    found.boards.erase(
+        std::unique(found.boards.begin(), found.boards.end(),
+                    [&](const FoundBoard& a, const FoundBoard& b) { return place(a) == place(b); }),
+        found.boards.end());
+    return found;
+}
+
+} // namespace Orvane::RackSearch

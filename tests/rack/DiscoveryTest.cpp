@@ -1,0 +1,186 @@
+// Searches for boards, alone and beside others.
+#include "ov_sys/rack/Discovery.h"
+
+#include "ov_sys/rack/search/Search.h"
+#include "tests/support/rack/RackOnBoard.h"
+
+#include <netinet/in.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace OrvaneTest {
+namespace {
+
+using namespace Orvane;
+
+// Runs `job` in a child process; its result is the exit status.
+template <class Job>
+pid_t inChild(Job job) {
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(job());
+    return child;
+}
+
+int exitOf(pid_t child) {
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+class DiscoveryTest : public testing::Test {
+protected:
+    OrvaneSim::Lab lab;
+
+    OrvaneSim::Board& addBoard(const std::string& serial) {
+        OrvaneSim::BoardOptions options;
+        options.serial = serial;
+        return lab.add(options);
+    }
+    void addBoards(int count) {
+        for (int i = 0; i < count; ++i)
+            addBoard("B" + std::to_string(1000 + i));
+    }
+    // The number of boards that a search finds, to be called in a child: the lab's thread is not there.
+    static int search() {
+        Rack rack;
+        return static_cast<int>(rack.discover().boards.size());
+    }
+};
+
+TEST_F(DiscoveryTest, FindsEveryBoardWithItsPortsAndAddress) {
+    OrvaneSim::BoardOptions options;
+    options.serial = "zz9";
+    options.devices = {"zz9:3", "zz9:0", "zz9:10"};
+    const std::string address = lab.add(options).address();
+    const std::string first = addBoard("aa1").address();
+    const Discovery found = Rack().discover();
+    ASSERT_EQ(found.boards.size(), 2U);
+    EXPECT_EQ(found.boards[0].serial, "AA1");
+    EXPECT_EQ(found.boards[0].address, first);
+    EXPECT_EQ(found.boards[1].serial, "ZZ9");
+    EXPECT_EQ(found.boards[1].address, address);
+    EXPECT_EQ(found.boards[1].ports, (std::vector<unsigned>{0, 3, 10}));
+    EXPECT_EQ(found.malformed, 0U);
+}
+
+TEST_F(DiscoveryTest, ListensForItsWholeTimeWhoeverAnswers) {
+    addBoards(20);
+    const auto begun = std::chrono::steady_clock::now();
+    EXPECT_EQ(Rack().discover(within(700ms)).boards.size(), 20U);
+    const auto spent = std::chrono::steady_clock::now() - begun;
+    EXPECT_GE(spent, 700ms);
+    EXPECT_LT(spent, 2s);
+}
+
+TEST_F(DiscoveryTest, LostAnswersAreAskedForAgain) {
+    addBoard("aa1").inject({"discovery", "", Fault::Kind::LoseReply, 2});
+    EXPECT_EQ(Rack().discover().boards.size(), 1U);
+}
+
+TEST_F(DiscoveryTest, MalformedAnswersAreCountedAndNotShown) {
+    addBoard("aa1").setDiscoveryReplies(
+        std::vector<std::string>{"|host AA1:0", "no bar", "|", "|host", "|host AA1", "|host AA1:x",
+                                 "|host \x1B[31mAA1:0", std::string("|host A\0:1", 10)});
+    const Discovery found = Rack().discover();
+    EXPECT_EQ(found.boards.size(), 1U);
+    EXPECT_EQ(found.malformed, 7U);
+}
+
+TEST_F(DiscoveryTest, ThreeThousandBoardsAreAllFound) {
+    addBoards(3000);
+    EXPECT_EQ(Rack().discover().boards.size(), 3000U);
+}
+
+TEST_F(DiscoveryTest, SearchesOfManyProcessesAtOnceAllFindEveryBoard) {
+    addBoards(30);
+    std::vector<pid_t> children;
+    const auto begun = std::chrono::steady_clock::now();
+    for (int i = 0; i < 64; ++i)
+        children.push_back(inChild(search));
+    for (const pid_t child : children)
+        EXPECT_EQ(exitOf(child), 30);
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, 10s);
+}
+
+TEST_F(DiscoveryTest, EndOfTheProcessThatListensCostsTheOthersNothing) {
+    addBoards(30);
+    std::vector<pid_t> killed;
+    std::vector<pid_t> children;
+    for (int i = 0; i < 4; ++i) {
+        killed.push_back(inChild(search));
+        children.push_back(inChild(search));
+    }
+    const auto questions = lab.boards().front()->discoveryCount();
+    const auto limit = std::chrono::steady_clock::now() + 10s;
+    while (lab.boards().front()->discoveryCount() == questions && std::chrono::steady_clock::now() < limit)
+        std::this_thread::yield();
+    for (const pid_t child : killed)
+        kill(child, SIGKILL);
+    for (const pid_t child : killed)
+        exitOf(child);
+    for (const pid_t child : children)
+        EXPECT_EQ(exitOf(child), 30);
+}
+
+TEST_F(DiscoveryTest, ProcessThatHoldsTheNameAndSaysNothingIsDoneWithout) {
+    addBoards(3);
+    RackSearch::Speaker mute;
+    ASSERT_TRUE(mute.open());
+    const auto begun = std::chrono::steady_clock::now();
+    EXPECT_EQ(Rack().discover().boards.size(), 3U);
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, 5s);
+}
+
+TEST_F(DiscoveryTest, OpenFindsTheBoardByItsName) {
+    addBoards(3);
+    OrvaneSim::Board& board = addBoard("Some-1");
+    board.setRegister(Space::C45, 1, 3, 0x10002, 0x42);
+    Rack rack;
+    EXPECT_EQ(rack.open("some-1:1").phy(3).read({1, 2}), 0x42U);
+}
+
+TEST_F(DiscoveryTest, BoardThatWasFoundIsNotSearchedForAgain) {
+    OrvaneSim::Board& board = addBoard("aa1");
+    Rack rack;
+    rack.discover();
+    const std::size_t questions = board.discoveryCount();
+    rack.open("AA1:0").phy(1).read({1, 0});
+    EXPECT_EQ(board.discoveryCount(), questions);
+}
+
+TEST_F(DiscoveryTest, NameThatNobodyAnswersToIsNoSuchPort) {
+    addBoards(1);
+    Rack rack;
+    const Failure failure =
+        RackOnBoard::failureOf([&] { rack.open("NONE:1", Access::simple(), within(400ms)); });
+    EXPECT_EQ(failure.kind(), FailureKind::NoSuchPort);
+    EXPECT_EQ(failure.board(), "NONE");
+}
+
+TEST_F(DiscoveryTest, BoardThatMovedIsFoundByItsNameAndItsSessionOpenedThere) {
+    OrvaneSim::Board& board = addBoard("aa1");
+    board.setRegister(Space::C45, 0, 1, 0x10002, 0x42);
+    Rack rack;
+    Events events(rack);
+    const Phy phy = rack.open("AA1:0", Access::exclusive(7)).phy(1);
+    phy.open();
+    board.forgetSessions();
+    board.moveTo("10.83.7.7");
+    EXPECT_EQ(phy.read({1, 2}, within(20s)), 0x42U);
+    EXPECT_TRUE(events.waitFor(Event::Kind::Moved));
+    EXPECT_EQ(rack.counters().at("AA1").moves, 1U);
+}
+
+TEST_F(DiscoveryTest, CancelledSearchEndsAtOnce) {
+    Cancellation cancellation;
+    cancellation.cancel();
+    Rack rack;
+    const auto begun = std::chrono::steady_clock::now();
+    EXPECT_EQ(RackOnBoard::failureOf([&] { rack.discover(within(60s).cancelledBy(cancellation)); }).kind(),
+              FailureKind::Cancelled);
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, 1s);
+}
+
+} // namespace
+} // namespace OrvaneTest

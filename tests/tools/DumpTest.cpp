@@ -25,14 +25,14 @@ protected:
     const std::string file = folder.path("a.dump");
 };
 
-TEST_F(OrvaneDump, holdsWhatWasReadAndWhere) {
+TEST_F(OrvaneDump, HoldsWhatWasReadAndWhere) {
     EXPECT_EQ(dump("1.1+2"), prints(file + ": 2 registers\n"));
     EXPECT_EQ(folder.content("a.dump"), "# orvane dump 1\n# device OV0001:0\n# phy 3\n# space c45\n"
                                         "# ranges 1.1+2\n1.0x0001 0x0000\n1.0x0002 0x0A5C\n");
     EXPECT_FALSE(folder.has("a.dump.part"));
 }
 
-TEST_F(OrvaneDump, of4096RegistersTakes60RoundTripsOrFewer) {
+TEST_F(OrvaneDump, Of4096RegistersTakes60RoundTripsOrFewer) {
     set(0xFFF, 0xBEEF);
     EXPECT_EQ(dump("1.0+4096"), prints(file + ": 4096 registers\n"));
     EXPECT_THAT(folder.content("a.dump"), HasSubstr("\n1.0x0FFF 0xBEEF\n"));
@@ -40,7 +40,7 @@ TEST_F(OrvaneDump, of4096RegistersTakes60RoundTripsOrFewer) {
     EXPECT_LE(board.requests().size(), 60U);
 }
 
-TEST_F(OrvaneDump, doesNotOverwriteUnlessItIsForced) {
+TEST_F(OrvaneDump, DoesNotOverwriteUnlessItIsForced) {
     folder.write("a.dump", "precious");
     EXPECT_EQ(dump("1.1+2"),
               fails(1, "orvane: " + file + ": cannot write: it exists; --force overwrites it\n"));
@@ -49,7 +49,7 @@ TEST_F(OrvaneDump, doesNotOverwriteUnlessItIsForced) {
     EXPECT_THAT(folder.content("a.dump"), StartsWith("# orvane dump 1\n"));
 }
 
-TEST_F(OrvaneDump, thatWasBrokenOffGoesOnWhereItStopped) {
+TEST_F(OrvaneDump, ThatWasBrokenOffGoesOnWhereItStopped) {
     board.inject({"mdio", "", Fault::Kind::ResultCode, 1, -5});
     EXPECT_EQ(dump("1.0+600").status, 1);
     const std::string header = folder.content("a.dump.part");
@@ -61,20 +61,20 @@ TEST_F(OrvaneDump, thatWasBrokenOffGoesOnWhereItStopped) {
     EXPECT_EQ(board.requests("mdio").size(), 3U); // 598 registers, 256 at most in each
 }
 
-TEST_F(OrvaneDump, leavesAPartOfAnotherDumpAlone) {
+TEST_F(OrvaneDump, LeavesAPartOfAnotherDumpAlone) {
     folder.write("a.dump.part", "something else\n");
     EXPECT_EQ(dump("1.1+2"), fails(1, "orvane: " + file +
                                           ".part: a part of another dump is there; --force overwrites it\n"));
 }
 
-TEST_F(OrvaneDump, showsABarOnATerminal) {
+TEST_F(OrvaneDump, ShowsABarOnATerminal) {
     const Outcome outcome = orvaneOnTerminal({"dump", "OV0001:0", "3", "1.0+600", "-o", file}, environment());
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.output, HasSubstr("\r\033[Kdump [..............................] 0/600\r\033[K"));
     EXPECT_THAT(outcome.output, HasSubstr("dump [############..................] 256/600"));
 }
 
-TEST_F(OrvaneDump, comparesWithThePhyAsItIsNow) {
+TEST_F(OrvaneDump, ComparesWithThePhyAsItIsNow) {
     dump("1.0+300");
     EXPECT_EQ(run({"diff", file, "--live"}), prints(""));
     set(5, 0x8007);
@@ -85,7 +85,7 @@ TEST_F(OrvaneDump, comparesWithThePhyAsItIsNow) {
     EXPECT_EQ(run({"diff", file, "OV0001:1", "3"}), prints(""));
 }
 
-TEST_F(OrvaneDump, comparesWithAnotherDumpAndNeedsNoBoard) {
+TEST_F(OrvaneDump, ComparesWithAnotherDumpAndNeedsNoBoard) {
     dump("1.2+2");
     const std::string other =
         folder.write("b.dump", "# orvane dump 1\n# device X:0\n# phy 1\n# space c45\n1.0x0002 0x0A5D\n"
@@ -96,7 +96,7 @@ TEST_F(OrvaneDump, comparesWithAnotherDumpAndNeedsNoBoard) {
                     "1.0x0003,0x1E83,-,-\n1.0x0009,-,0x0001,-\n"));
 }
 
-TEST_F(OrvaneDump, thatIsNoneIsToldByFileAndLine) {
+TEST_F(OrvaneDump, ThatIsNoneIsToldByFileAndLine) {
     const std::string bad = folder.write("bad", "hello\n");
     EXPECT_EQ(orvane({"diff", bad, bad}), fails(1, "orvane: " + bad + ":1: this is no dump\n"));
     const std::string worse = folder.write("worse", "# orvane dump 1\n1.0x0002\n");
@@ -105,7 +105,7 @@ TEST_F(OrvaneDump, thatIsNoneIsToldByFileAndLine) {
               fails(1, "orvane: " + folder.path("none") + ": cannot read: No such file or directory\n"));
 }
 
-TEST_F(OrvaneDump, withControlCharactersIsToldWithoutThem) {
+TEST_F(OrvaneDump, WithControlCharactersIsToldWithoutThem) {
     const std::string bad = folder.write("bad", "# orvane dump 1\n1.0x0002 \x1b[2J\n");
     const Outcome outcome = orvane({"diff", bad, bad});
     EXPECT_EQ(outcome.status, 1);

@@ -30,7 +30,7 @@ std::pair<std::string, int> shell(const std::string& command) {
 
 struct OrvaneEnding : testing::Test, OneBoardLab {};
 
-TEST_F(OrvaneEnding, afterCtrlCInAPauseHasItsSummaryAndClosesTheSession) {
+TEST_F(OrvaneEnding, AfterCtrlCInAPauseHasItsSummaryAndClosesTheSession) {
     Program program({"ping", "OV0001:0", "-c", "2", "-i", "600000"}, environment());
     board.waitFor([](const OrvaneSim::Request& request) { return request.program == "keepAlive"; });
     program.signal(SIGINT);
@@ -40,7 +40,7 @@ TEST_F(OrvaneEnding, afterCtrlCInAPauseHasItsSummaryAndClosesTheSession) {
     EXPECT_THAT(outcome.output, HasSubstr("\n1 sent, 1 received, 0.0 % lost\n"));
 }
 
-TEST_F(OrvaneEnding, insideACallThatDoesNotReturnClosesTheSessionFromOutside) {
+TEST_F(OrvaneEnding, InsideACallThatDoesNotReturnClosesTheSessionFromOutside) {
     board.inject({"mdio", "", Fault::Kind::LoseRequest, -1, 0});
     Program program({"read", "OV0001:0", "3", "1.2"}, environment());
     board.waitFor([](const OrvaneSim::Request& request) { return request.program == "mdio"; });
@@ -50,7 +50,7 @@ TEST_F(OrvaneEnding, insideACallThatDoesNotReturnClosesTheSessionFromOutside) {
     EXPECT_EQ(board.sessionCount(), 0U);
 }
 
-TEST_F(OrvaneEnding, byTerminationIsStatus143) {
+TEST_F(OrvaneEnding, ByTerminationIsStatus143) {
     board.inject({"mdio", "", Fault::Kind::LoseRequest, -1, 0});
     Program program({"read", "OV0001:0", "3", "1.2"}, environment());
     board.waitFor([](const OrvaneSim::Request& request) { return request.program == "mdio"; });
@@ -58,7 +58,7 @@ TEST_F(OrvaneEnding, byTerminationIsStatus143) {
     EXPECT_EQ(program.finish().status, 143);
 }
 
-TEST_F(OrvaneEnding, whenTheReaderLeavesIsQuietAndClosesTheSession) {
+TEST_F(OrvaneEnding, WhenTheReaderLeavesIsQuietAndClosesTheSession) {
     const auto [output, status] =
         shell("bash -c 'ORVANE_ADDRESS=10.83.0.1 " ORVANE_TOOL
               " watch OV0001:0 3 1.2+500 --interval 0 --count 100 2>&1 | head -n 1; echo ${PIPESTATUS[0]}'");
@@ -67,14 +67,14 @@ TEST_F(OrvaneEnding, whenTheReaderLeavesIsQuietAndClosesTheSession) {
     board.waitFor(isClose);
 }
 
-TEST_F(OrvaneEnding, onAFullDiskIsAFailure) {
+TEST_F(OrvaneEnding, OnAFullDiskIsAFailure) {
     const auto [output, status] =
         shell("ORVANE_ADDRESS=10.83.0.1 " ORVANE_TOOL " read OV0001:0 3 1.2 2>&1 >/dev/full");
     EXPECT_EQ(output, "orvane: cannot write the output: No space left on device\n");
     EXPECT_EQ(status, 1);
 }
 
-TEST(OrvaneHelp, namesEveryVerbAndTheExitStatuses) {
+TEST(OrvaneHelp, NamesEveryVerbAndTheExitStatuses) {
     const Outcome outcome = orvane({"--help"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.error, "");
@@ -84,18 +84,18 @@ TEST(OrvaneHelp, namesEveryVerbAndTheExitStatuses) {
     EXPECT_EQ(outcome.output.find("generate"), std::string::npos);
 }
 
-TEST(OrvaneHelp, ofAVerbHasExamples) {
+TEST(OrvaneHelp, OfAVerbHasExamples) {
     const Outcome outcome = orvane({"read", "--help"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.output, HasSubstr("Usage: orvane read [OPTIONS] DEVICE PHY ADDRESS..."));
     EXPECT_THAT(outcome.output, HasSubstr("Examples:\n  orvane read OV0001:0 3 1.0x0002"));
 }
 
-TEST(OrvaneVersion, isThatOfTheProject) {
+TEST(OrvaneVersion, IsThatOfTheProject) {
     EXPECT_THAT(orvane({"--version"}).output, StartsWith("orvane 0."));
 }
 
-TEST(OrvaneManual, hasEveryVerbWithItsOptions) {
+TEST(OrvaneManual, HasEveryVerbWithItsOptions) {
     const Outcome outcome = orvane({"generate", "man"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.output, StartsWith(".TH ORVANE 1 "));
@@ -113,7 +113,7 @@ std::string completions(const std::string& words, int index) {
         .first;
 }
 
-TEST(OrvaneCompletion, offersVerbsAndThenTheirOptions) {
+TEST(OrvaneCompletion, OffersVerbsAndThenTheirOptions) {
     EXPECT_EQ(completions("orvane re", 1), "read replay\n");
     EXPECT_EQ(completions("orvane read OV0001:0 --r", 3), "--routed\n");
     EXPECT_EQ(completions("orvane watch --i", 2), "--interval\n");

@@ -11,7 +11,7 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
 
-TEST(OrvaneList, findsEveryBoardThatAnswersAMulticast) {
+TEST(OrvaneList, FindsEveryBoardThatAnswersAMulticast) {
     OrvaneSim::Lab lab;
     lab.add({"10.83.0.1", "OV0001", {"OV0001:0", "OV0001:10"}, "host", 1, false});
     lab.add({"10.83.0.2", "OV0002", {"OV0002:0"}, "host", 2, false});
@@ -21,7 +21,7 @@ TEST(OrvaneList, findsEveryBoardThatAnswersAMulticast) {
                                        "OV0002:0         2  10.83.0.2     0  mdio   0\n"));
 }
 
-TEST(OrvaneList, asksTheGivenAddressesAloneAndSendsNoMulticast) {
+TEST(OrvaneList, AsksTheGivenAddressesAloneAndSendsNoMulticast) {
     OrvaneSim::Lab lab;
     lab.add({"10.83.0.1", "OV0001", {"OV0001:0"}, "host", 1, false});
     OrvaneSim::Board& second = lab.add({"10.83.0.2", "OV0002", {"OV0002:0"}, "host", 2, false});
@@ -31,14 +31,14 @@ TEST(OrvaneList, asksTheGivenAddressesAloneAndSendsNoMulticast) {
     EXPECT_EQ(second.probeRequests().size(), 1U);
 }
 
-TEST(OrvaneList, asCsvHasNoFormulasFromBoards) {
+TEST(OrvaneList, AsCsvHasNoFormulasFromBoards) {
     OrvaneSim::Lab lab;
     lab.add({"10.83.0.2", "OV0002", {"=1+cmd:-3"}, "host", 2, false});
     EXPECT_EQ(orvane({"list", "--address", "10.83.0.2", "--csv"}),
               prints("name,adapter,address,port,kind,board_ports\n'=1+CMD:-3,0,10.83.0.2,-3,mdio,-3\n"));
 }
 
-TEST(OrvaneList, asJsonIsAnArrayOfObjects) {
+TEST(OrvaneList, AsJsonIsAnArrayOfObjects) {
     const OneBoardLab board;
     const Outcome outcome = board.run({"list", "--json"});
     EXPECT_EQ(outcome.status, 0);
@@ -52,7 +52,7 @@ TEST(OrvaneList, asJsonIsAnArrayOfObjects) {
                                           {"board_ports", {0, 1, 10}}}));
 }
 
-TEST(OrvaneList, failsWhenNoBoardAnswers) {
+TEST(OrvaneList, FailsWhenNoBoardAnswers) {
     EXPECT_EQ(
         orvane({"list"}),
         fails(1, "orvane: list: no board answers on the local networks (--address asks one directly)\n"));
@@ -60,7 +60,7 @@ TEST(OrvaneList, failsWhenNoBoardAnswers) {
               fails(1, "orvane: list: no board answers at 10.83.100.1\n"));
 }
 
-TEST(OrvaneList, turnsASpinnerOnATerminalAndClearsItsLine) {
+TEST(OrvaneList, TurnsASpinnerOnATerminalAndClearsItsLine) {
     const OneBoardLab board;
     const Outcome outcome = orvaneOnTerminal({"list"}, {{"NO_COLOR", "1"}});
     EXPECT_EQ(outcome.status, 0);
@@ -68,7 +68,7 @@ TEST(OrvaneList, turnsASpinnerOnATerminalAndClearsItsLine) {
     EXPECT_THAT(outcome.output, HasSubstr("looking for boards\r\033[KNAME       ADAPTER"));
 }
 
-TEST(OrvaneInfo, showsTheDeviceItsSessionAndThePhysIdentifier) {
+TEST(OrvaneInfo, ShowsTheDeviceItsSessionAndThePhysIdentifier) {
     const OneBoardLab board;
     EXPECT_EQ(board.run({"info", "OV0001:1", "--phy", "3"}),
               prints("device      OV0001:1\n"
@@ -81,7 +81,7 @@ TEST(OrvaneInfo, showsTheDeviceItsSessionAndThePhysIdentifier) {
                      "identifier  0x0A5C 0x1E83\n"));
 }
 
-TEST(OrvaneInfo, tellsTheModeThatTheEnvironmentAsksFor) {
+TEST(OrvaneInfo, TellsTheModeThatTheEnvironmentAsksFor) {
     const OneBoardLab board;
     Environment environment = board.environment();
     environment["EXCLUSIVE_KEY"] = "77";
@@ -93,7 +93,7 @@ TEST(OrvaneInfo, tellsTheModeThatTheEnvironmentAsksFor) {
     EXPECT_EQ(facts["port"], "10 (SMBus, I2C bus 0)");
 }
 
-TEST(OrvanePing, printsEachRoundTripAndASummary) {
+TEST(OrvanePing, PrintsEachRoundTripAndASummary) {
     const OneBoardLab board;
     const Outcome outcome = board.run({"ping", "OV0001:0", "-c", "3", "-i", "0"});
     EXPECT_EQ(outcome.status, 0);
@@ -106,7 +106,7 @@ TEST(OrvanePing, printsEachRoundTripAndASummary) {
                              "min [0-9.]+ ms, median [0-9.]+ ms, p99 [0-9.]+ ms, max [0-9.]+ ms\n"));
 }
 
-TEST(OrvanePing, countsWhatTheBoardDoesNotAnswer) {
+TEST(OrvanePing, CountsWhatTheBoardDoesNotAnswer) {
     using OrvaneSim::Fault;
     const OneBoardLab board;
     board.board.inject({"keepAlive", "", Fault::Kind::LoseRequest, -1, 0});
@@ -117,7 +117,7 @@ TEST(OrvanePing, countsWhatTheBoardDoesNotAnswer) {
               "OV0001:0 at 10.83.0.1: seq=1 lost\n--- OV0001:0 ---\n1 sent, 0 received, 100.0 % lost\n"));
 }
 
-TEST(OrvanePing, asCsvIsTheSummary) {
+TEST(OrvanePing, AsCsvIsTheSummary) {
     const OneBoardLab board;
     EXPECT_THAT(board.run({"ping", "OV0001:0", "-c", "5", "-i", "0", "--csv"}).output,
                 MatchesRegex("device,sent,received,loss_percent,min_ms,median_ms,p99_ms,max_ms\n"

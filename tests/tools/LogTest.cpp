@@ -44,7 +44,7 @@ struct OrvaneLog : testing::Test {
     const std::string log = logged(folder, someOfEverything);
 };
 
-TEST_F(OrvaneLog, isSummedUpByAdapterPhyAndRegister) {
+TEST_F(OrvaneLog, IsSummedUpByAdapterPhyAndRegister) {
     EXPECT_EQ(orvane({"log", log}),
               prints("11 accesses: 7 reads, 4 writes, 9 registers\n"
                      "3 accesses of the configuration space\n"
@@ -62,13 +62,13 @@ TEST_F(OrvaneLog, isSummedUpByAdapterPhyAndRegister) {
                      "     12    3  0x80004000      0       1        0  -           -\n"));
 }
 
-TEST_F(OrvaneLog, namesTheRegistersWhoseReadsChanged) {
+TEST_F(OrvaneLog, NamesTheRegistersWhoseReadsChanged) {
     EXPECT_EQ(
         orvane({"log", log, "--changed", "--csv"}),
         prints("adapter,phy,address,reads,writes,changes,first,last\n0,3,30.0xC010,2,1,1,0xCAFE,0xCAFF\n"));
 }
 
-TEST_F(OrvaneLog, isFilteredByAdapterAndPhy) {
+TEST_F(OrvaneLog, IsFilteredByAdapterAndPhy) {
     EXPECT_EQ(orvane({"log", log, "--adapter", "12", "--csv"}),
               prints("adapter,phy,address,reads,writes,changes,first,last\n"
                      "12,3,0x00001000,1,0,0,0x12345678,0x12345678\n"
@@ -79,7 +79,7 @@ TEST_F(OrvaneLog, isFilteredByAdapterAndPhy) {
         prints("adapter,phy,address,reads,writes,changes,first,last\n0,4,1.0x0002,1,0,0,0x0A5C,0x0A5C\n"));
 }
 
-TEST_F(OrvaneLog, hasTheHistoryOfARegister) {
+TEST_F(OrvaneLog, HasTheHistoryOfARegister) {
     EXPECT_EQ(orvane({"log", log, "--register", "30.0xC010"}),
               prints("PLACE  ADAPTER  PHY  ACCESS  VALUE   CHANGED\n"
                      "    1        0    3  write   0xCAFE\n"
@@ -89,21 +89,21 @@ TEST_F(OrvaneLog, hasTheHistoryOfARegister) {
               prints("place,adapter,phy,access,value,changed\n6,12,3,write,0x0123456789ABCDEF,\n"));
 }
 
-TEST_F(OrvaneLog, givesQueuedReadsTheValuesOfTheirBlock) {
+TEST_F(OrvaneLog, GivesQueuedReadsTheValuesOfTheirBlock) {
     EXPECT_EQ(orvane({"log", log, "--register", "1.3", "--csv"}),
               prints("place,adapter,phy,access,value,changed\n10,0,3,queued read,0x1E83,\n"));
     EXPECT_EQ(orvane({"log", log, "--register", "0xA", "--csv"}),
               prints("place,adapter,phy,access,value,changed\n11,0,3,queued read,0x00000DEF,\n"));
 }
 
-TEST_F(OrvaneLog, withoutTheRegisterOrTheFileFails) {
+TEST_F(OrvaneLog, WithoutTheRegisterOrTheFileFails) {
     EXPECT_EQ(orvane({"log", log, "--register", "9.9"}),
               fails(1, "orvane: " + log + ": there is no access to 9.0x0009 in it\n"));
     EXPECT_EQ(orvane({"log", folder.path("none")}),
               fails(1, "orvane: " + folder.path("none") + ": cannot read: No such file or directory\n"));
 }
 
-TEST(OrvaneLogOfAnything, showsTheControlCharactersOfNotes) {
+TEST(OrvaneLogOfAnything, ShowsTheControlCharactersOfNotes) {
     const Folder folder;
     const std::string log =
         folder.write("odd", "a\x1b]0;t\x07 gr\xc3\xbc\xc3\x9f\xc2\x9b e\xe2\x80\xae \xff\r\n");
@@ -112,7 +112,7 @@ TEST(OrvaneLogOfAnything, showsTheControlCharactersOfNotes) {
                      "note: a\\x1b]0;t\\x07 gr\xc3\xbc\xc3\x9f\\xc2\\x9b e\\xe2\\x80\\xae \\xff\\x0d\n"));
 }
 
-TEST(OrvaneLogOfAnything, isNotesWhereItIsNoRecord) {
+TEST(OrvaneLogOfAnything, IsNotesWhereItIsNoRecord) {
     const Folder folder;
     const std::string log =
         folder.write("odd", "1,2,3\n,,,\n0,3,MR,1,\n0,3,XX,01,0002,0003\n0,3,MR,01,0002,zz\n"

@@ -21,13 +21,13 @@ protected:
     }
 };
 
-TEST_F(OrvaneRegisters, oneIsPrintedAsItsValue) {
+TEST_F(OrvaneRegisters, OneIsPrintedAsItsValue) {
     EXPECT_EQ(run({"read", "OV0001:0", "3", "1.0x0002"}), prints("0x0A5C\n"));
     EXPECT_EQ(run({"read", "ov0001:0", "0x3", "1.2"}), prints("0x0A5C\n"));
     EXPECT_EQ(board.requestsOf("mdio_read").size(), 2U);
 }
 
-TEST_F(OrvaneRegisters, severalAreReadInOneRoundTrip) {
+TEST_F(OrvaneRegisters, SeveralAreReadInOneRoundTrip) {
     set(31, 0x8037, 0x8001);
     EXPECT_EQ(run({"read", "OV0001:0", "3", "1.2", "1.3", "31.0x8037"}),
               prints("ADDRESS    VALUE   BITS                 DECIMAL\n"
@@ -37,7 +37,7 @@ TEST_F(OrvaneRegisters, severalAreReadInOneRoundTrip) {
     EXPECT_EQ(board.requests("mdio").size(), 1U);
 }
 
-TEST_F(OrvaneRegisters, manyAreAGridThatStartsAnewWhereTheAddressesDo) {
+TEST_F(OrvaneRegisters, ManyAreAGridThatStartsAnewWhereTheAddressesDo) {
     set(3, 0x20, 0x1111);
     set(3, 0x28, 0xABCD);
     EXPECT_EQ(run({"read", "OV0001:0", "3", "3.0x20+10", "1.0-0x7"}),
@@ -46,7 +46,7 @@ TEST_F(OrvaneRegisters, manyAreAGridThatStartsAnewWhereTheAddressesDo) {
                      "1.0x0000: 0000 0000 0A5C 1E83 0000 0000 0000 0000\n"));
 }
 
-TEST_F(OrvaneRegisters, asCsvAndJsonNameEverything) {
+TEST_F(OrvaneRegisters, AsCsvAndJsonNameEverything) {
     EXPECT_EQ(run({"read", "OV0001:0", "3", "1.2", "--csv"}),
               prints("device,phy,space,address,value\nOV0001:0,3,c45,1.0x0002,0x0A5C\n"));
     EXPECT_EQ(run({"read", "OV0001:0", "3", "--ext32", "0x80004000", "--json"}),
@@ -54,7 +54,7 @@ TEST_F(OrvaneRegisters, asCsvAndJsonNameEverything) {
                      "    \"address\": \"0x80004000\",\n    \"value\": 0\n  }\n]\n"));
 }
 
-TEST_F(OrvaneRegisters, ofClause22AndTheExtensionAreNamedByNumber) {
+TEST_F(OrvaneRegisters, OfClause22AndTheExtensionAreNamedByNumber) {
     board.setRegister(Space::C22, 0, 3, 17, 0x2211);
     board.setRegister(Space::Ext32, 0, 3, 0x80004004, 0xDEADBEEF);
     EXPECT_EQ(run({"read", "OV0001:0", "3", "--c22", "16+2", "--csv"}),
@@ -66,20 +66,20 @@ TEST_F(OrvaneRegisters, ofClause22AndTheExtensionAreNamedByNumber) {
                      "0x80004004  0xDEADBEEF  1101 1110 1010 1101 1011 1110 1110 1111  3735928559\n"));
 }
 
-TEST_F(OrvaneRegisters, onAnSmbusPortAreThoseOfThePhyBehindIt) {
+TEST_F(OrvaneRegisters, OnAnSmbusPortAreThoseOfThePhyBehindIt) {
     set(1, 0xC040, 0x5EB5);
     EXPECT_EQ(run({"read", "OV0001:10", "3", "1.0xC040"}), prints("0x5EB5\n"));
     EXPECT_EQ(run({"read", "OV0001:10", "3", "--c22", "2"}),
               fails(1, "orvane: OV0001:10: read PHY 3 0x02: NotImplemented: MDIO C22 over SMB\n"));
 }
 
-TEST_F(OrvaneRegisters, routedGoThroughTheFirmware) {
+TEST_F(OrvaneRegisters, RoutedGoThroughTheFirmware) {
     EXPECT_EQ(run({"write", "OV0001:0", "3", "--routed", "11.0x1004", "0x1234"}), prints(""));
     EXPECT_EQ(get(11, 0x1004), 0x1234U);
     EXPECT_EQ(run({"read", "OV0001:0", "3", "--routed", "11.0x1004"}), prints("0x1234\n"));
 }
 
-TEST_F(OrvaneRegisters, areWrittenInOneRoundTripAndNothingIsPrinted) {
+TEST_F(OrvaneRegisters, AreWrittenInOneRoundTripAndNothingIsPrinted) {
     EXPECT_EQ(run({"write", "OV0001:0", "3", "30.0xC010", "0xCAFE", "30.0xC020+2", "7"}), prints(""));
     EXPECT_EQ(get(30, 0xC010), 0xCAFEU);
     EXPECT_EQ(get(30, 0xC020), 7U);
@@ -87,13 +87,13 @@ TEST_F(OrvaneRegisters, areWrittenInOneRoundTripAndNothingIsPrinted) {
     EXPECT_EQ(board.requests("mdio").size(), 1U);
 }
 
-TEST_F(OrvaneRegisters, areReadBackWhenAskedFor) {
+TEST_F(OrvaneRegisters, AreReadBackWhenAskedFor) {
     EXPECT_EQ(run({"write", "OV0001:0", "3", "30.0xC010", "0xCAFE", "--readback"}),
               prints("ADDRESS    WRITTEN  READ BACK  BITS\n"
                      "30.0xC010  0xCAFE   0xCAFE     1100 1010 1111 1110\n"));
 }
 
-TEST_F(OrvaneRegisters, areModifiedInTheMaskedBitsOnly) {
+TEST_F(OrvaneRegisters, AreModifiedInTheMaskedBitsOnly) {
     set(30, 0xC010, 0xCAFE);
     EXPECT_EQ(run({"modify", "OV0001:0", "3", "30.0xC010", "0x0040", "0x00F0"}),
               prints("ADDRESS    BEFORE  WRITTEN  READ BACK  BITS\n"
@@ -101,7 +101,7 @@ TEST_F(OrvaneRegisters, areModifiedInTheMaskedBitsOnly) {
     EXPECT_EQ(get(30, 0xC010), 0xCA4EU);
 }
 
-TEST_F(OrvaneRegisters, thatDoNotHoldWhatWasWrittenAreNamed) {
+TEST_F(OrvaneRegisters, ThatDoNotHoldWhatWasWrittenAreNamed) {
     // Register 14 is a window that moves on with each access: the third sees MMD 1 register 2.
     board.setRegister(Space::C22, 0, 3, 13, 0x8001);
     EXPECT_EQ(
@@ -112,7 +112,7 @@ TEST_F(OrvaneRegisters, thatDoNotHoldWhatWasWrittenAreNamed) {
               "0x0E     0x0000  0x0001   0x0A5C     0000 1010 0101 1100\n"));
 }
 
-TEST_F(OrvaneRegisters, changedBitsAreColouredOnATerminalUnlessNoColorIsSet) {
+TEST_F(OrvaneRegisters, ChangedBitsAreColouredOnATerminalUnlessNoColorIsSet) {
     set(30, 0xC010, 0x0001);
     const Arguments modify{"modify", "OV0001:0", "3", "30.0xC010", "2", "3"};
     const std::string red = orvaneOnTerminal(modify, environment()).output;
@@ -125,14 +125,14 @@ TEST_F(OrvaneRegisters, changedBitsAreColouredOnATerminalUnlessNoColorIsSet) {
         std::string::npos);
 }
 
-TEST_F(OrvaneRegisters, thatTheBoardRefusesAreNamedWithTheCause) {
+TEST_F(OrvaneRegisters, ThatTheBoardRefusesAreNamedWithTheCause) {
     board.inject({"mdio", "", Fault::Kind::ResultCode, 1, -5});
     EXPECT_EQ(
         run({"read", "OV0001:0", "3", "1.2"}),
         fails(1, "orvane: OV0001:0: read PHY 3 1.0x0002: the board answers: Input/output error (-5)\n"));
 }
 
-TEST_F(OrvaneRegisters, failWithTheLibrarysLinesOnlyWhenTheyAreAskedFor) {
+TEST_F(OrvaneRegisters, FailWithTheLibrarysLinesOnlyWhenTheyAreAskedFor) {
     board.inject({"mdio", "", Fault::Kind::ResultCode, 1, -5});
     const Outcome outcome = run({"read", "OV0001:0", "3", "1.2", "--verbose"});
     EXPECT_EQ(outcome.status, 1);
@@ -140,13 +140,13 @@ TEST_F(OrvaneRegisters, failWithTheLibrarysLinesOnlyWhenTheyAreAskedFor) {
     EXPECT_EQ(outcome.output, "");
 }
 
-TEST_F(OrvaneRegisters, ofADeviceThatIsNotThereNameThoseThatAre) {
+TEST_F(OrvaneRegisters, OfADeviceThatIsNotThereNameThoseThatAre) {
     EXPECT_EQ(
         run({"read", "OV0001:7", "3", "1.2"}),
         fails(1, "orvane: OV0001:7: open: device not found; there are OV0001:0, OV0001:1, OV0001:10\n"));
 }
 
-TEST_F(OrvaneRegisters, answersThatEndTheLibraryEndTheProgramWithALine) {
+TEST_F(OrvaneRegisters, AnswersThatEndTheLibraryEndTheProgramWithALine) {
     board.inject({"mdio", "mdio_read", Fault::Kind::ReplyCount, 1, 2});
     EXPECT_EQ(
         run({"read", "OV0001:0", "3", "1.2"}),
@@ -185,7 +185,7 @@ const Misuse kMisuses[] = {
 INSTANTIATE_TEST_SUITE_P(Misuse, OrvaneUsage, testing::ValuesIn(kMisuses),
                          [](const auto& test) { return test.param.name; });
 
-TEST_P(OrvaneUsage, isRefusedBeforeAnyBoardIsAsked) {
+TEST_P(OrvaneUsage, IsRefusedBeforeAnyBoardIsAsked) {
     EXPECT_EQ(orvane(GetParam().arguments), fails(2, "orvane: " + GetParam().error + "\n"));
 }
 

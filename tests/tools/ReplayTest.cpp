@@ -20,7 +20,7 @@ struct OrvaneReplay : testing::Test, OneBoardLab {
     unsigned written() const { return board.registerValue(Space::Ext32, 0, 3, 0x80004000); }
 };
 
-TEST_F(OrvaneReplay, stopsAtTheFirstDifference) {
+TEST_F(OrvaneReplay, StopsAtTheFirstDifference) {
     EXPECT_EQ(run({"replay", log, "--to", "OV0001:0"}),
               fails(1, "",
                     "access 3: read PHY 3 1.0x0003: 0x0000 in the log, 0x1E83 now\n"
@@ -29,7 +29,7 @@ TEST_F(OrvaneReplay, stopsAtTheFirstDifference) {
     EXPECT_EQ(written(), 0U);
 }
 
-TEST_F(OrvaneReplay, countsEveryDifferenceWhenItKeepsGoing) {
+TEST_F(OrvaneReplay, CountsEveryDifferenceWhenItKeepsGoing) {
     EXPECT_EQ(run({"replay", log, "--to", "OV0001:0", "--keep-going"}),
               fails(1, "",
                     "access 3: read PHY 3 1.0x0003: 0x0000 in the log, 0x1E83 now\n"
@@ -38,13 +38,13 @@ TEST_F(OrvaneReplay, countsEveryDifferenceWhenItKeepsGoing) {
     EXPECT_EQ(written(), 0xDEADBEEFU);
 }
 
-TEST_F(OrvaneReplay, ofWhatTheBoardStillAnswersSucceeds) {
+TEST_F(OrvaneReplay, OfWhatTheBoardStillAnswersSucceeds) {
     const std::string same = folder.write("same", "7,9,MR,01,0002,0A5C\n7,9,MR,2000,0123456789ABCDEF");
     EXPECT_EQ(run({"replay", same, "--to", "OV0001:1", "--phy", "4"}),
               prints("1 of 1 accesses: 0 writes, 1 reads, 0 differ\n"));
 }
 
-TEST_F(OrvaneReplay, sendsNothingInADryRun) {
+TEST_F(OrvaneReplay, SendsNothingInADryRun) {
     EXPECT_EQ(run({"replay", log, "--dry-run", "--phy", "4"}), prints("write PHY 4 30.0xC010 0xCAFE\n"
                                                                       "read  PHY 4 1.0x0002 0x0A5C\n"
                                                                       "read  PHY 4 1.0x0003 0x0000\n"
@@ -54,7 +54,7 @@ TEST_F(OrvaneReplay, sendsNothingInADryRun) {
     EXPECT_TRUE(board.requests().empty());
 }
 
-TEST_F(OrvaneReplay, needsToKnowWhichAdapterAndWhereTo) {
+TEST_F(OrvaneReplay, NeedsToKnowWhichAdapterAndWhereTo) {
     EXPECT_EQ(run({"replay", log}), fails(2, "orvane: replay: say where to: --to DEVICE, or --dry-run\n"));
     const std::string two = folder.write("two", "0,3,MR,01,0002,0A5C\n1,3,MR,01,0002,0A5C\n");
     EXPECT_EQ(

@@ -46,7 +46,7 @@ struct OrvaneReport : testing::Test {
     if (outputOf("command -v chromium").empty())                                                             \
     GTEST_SKIP() << "the Debian package chromium is not installed"
 
-TEST_F(OrvaneReport, referencesNothingOutsideItself) {
+TEST_F(OrvaneReport, ReferencesNothingOutsideItself) {
     const std::string page = folder.content("report.html");
     EXPECT_THAT(page, StartsWith("<!DOCTYPE html>"));
     EXPECT_THAT(page, Not(HasSubstr("src=")));
@@ -54,7 +54,7 @@ TEST_F(OrvaneReport, referencesNothingOutsideItself) {
     EXPECT_THAT(page, HasSubstr("link \\u003cb>up\\u003c/b>"));
 }
 
-TEST_F(OrvaneReport, showsTotalsRegistersAndTheHistoryThatChangedMost) {
+TEST_F(OrvaneReport, ShowsTotalsRegistersAndTheHistoryThatChangedMost) {
     NEEDS_CHROMIUM();
     const std::string page = browse("--dump-dom");
     EXPECT_THAT(page, HasSubstr("<title>session.csv</title>"));
@@ -69,7 +69,7 @@ TEST_F(OrvaneReport, showsTotalsRegistersAndTheHistoryThatChangedMost) {
     EXPECT_THAT(page, HasSubstr("<pre>link &lt;b&gt;up&lt;/b&gt; &lt;/script&gt;</pre>"));
 }
 
-TEST_F(OrvaneReport, canBeDrawn) {
+TEST_F(OrvaneReport, CanBeDrawn) {
     NEEDS_CHROMIUM();
     browse("--window-size=800,600 --screenshot=" + folder.path("page.png"));
     EXPECT_THAT(folder.content("page.png"), StartsWith("\x89PNG"));

@@ -74,7 +74,7 @@ class OrvaneService : public testing::TestWithParam<Story>, protected OneBoardLa
 INSTANTIATE_TEST_SUITE_P(Board, OrvaneService, testing::ValuesIn(kStories),
                          [](const auto& test) { return test.param.name; });
 
-TEST_P(OrvaneService, doesAndPrintsWhatItsOperationsAre) {
+TEST_P(OrvaneService, DoesAndPrintsWhatItsOperationsAre) {
     board.wireGpio(0, 16);
     for (const Step& step : GetParam().steps) {
         Arguments words = step.words;
@@ -85,7 +85,7 @@ TEST_P(OrvaneService, doesAndPrintsWhatItsOperationsAre) {
 
 struct OrvaneServices : testing::Test, OneBoardLab {};
 
-TEST_F(OrvaneServices, thatTheBoardRefusesAreNamedWithTheCause) {
+TEST_F(OrvaneServices, ThatTheBoardRefusesAreNamedWithTheCause) {
     EXPECT_EQ(run({"i2c", "get", "OV0001:0", "0", "0x33", "0"}),
               fails(1, "orvane: OV0001:0: i2c get 0 0x33 0: the board answers: Remote I/O error (-121)\n"));
     EXPECT_EQ(run({"thermal", "get", "OV0001:0", "0"}),
@@ -93,7 +93,7 @@ TEST_F(OrvaneServices, thatTheBoardRefusesAreNamedWithTheCause) {
                        "connected (-107)\n"));
 }
 
-TEST_F(OrvaneServices, withoutAnOperationAreMisused) {
+TEST_F(OrvaneServices, WithoutAnOperationAreMisused) {
     EXPECT_EQ(run({"i2c"}), fails(2, "orvane: VERB is required\nTry 'orvane i2c --help'.\n"));
     EXPECT_EQ(run({"gpio", "set", "OV0001:0", "3"}),
               fails(2, "orvane: '3' has no level: it is LINE=0 or LINE=1\n"));
@@ -101,7 +101,7 @@ TEST_F(OrvaneServices, withoutAnOperationAreMisused) {
               fails(2, "orvane: '01x' is not a row of 0 and 1\n"));
 }
 
-TEST_F(OrvaneServices, showAWholeI2cDevice) {
+TEST_F(OrvaneServices, ShowAWholeI2cDevice) {
     const Outcome outcome = run({"i2c", "dump", "OV0001:0", "0", "0x50"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.output,
@@ -111,7 +111,7 @@ TEST_F(OrvaneServices, showAWholeI2cDevice) {
     EXPECT_THAT(outcome.output, HasSubstr("\nf0: ff "));
 }
 
-TEST_F(OrvaneServices, showEveryGpioLine) {
+TEST_F(OrvaneServices, ShowEveryGpioLine) {
     board.driveGpio(2, true);
     const Outcome outcome = run({"gpio", "info", "OV0001:0"});
     EXPECT_EQ(outcome.status, 0);
@@ -123,7 +123,7 @@ OrvaneSim::Waveform ramp(double offset) {
     return {OrvaneSim::Waveform::Shape::Ramp, offset, 16, 16};
 }
 
-TEST_F(OrvaneServices, drawACaptureAndSaveItAsCsv) {
+TEST_F(OrvaneServices, DrawACaptureAndSaveItAsCsv) {
     const Folder folder;
     board.setWaveform(0, ramp(0));
     board.setWaveform(2, ramp(100));
@@ -135,7 +135,7 @@ TEST_F(OrvaneServices, drawACaptureAndSaveItAsCsv) {
     EXPECT_EQ(folder.content("both.csv"), "sample,channel0,channel2\n0,0,100\n1,1,101\n2,2,102\n");
 }
 
-TEST_F(OrvaneServices, saveACaptureAsAPicture) {
+TEST_F(OrvaneServices, SaveACaptureAsAPicture) {
     const Folder folder;
     board.setWaveform(0, ramp(0));
     EXPECT_EQ(run({"adc", "capture", "OV0001:0", "--samples", "2", "-o", folder.path("curve.pgm")}).status,
@@ -145,7 +145,7 @@ TEST_F(OrvaneServices, saveACaptureAsAPicture) {
     EXPECT_EQ(folder.content("curve.pgm"), "P5\n2 256\n255\n" + pixels);
 }
 
-TEST_F(OrvaneServices, plotATemperatureAgainstItsSetPointOnATerminal) {
+TEST_F(OrvaneServices, PlotATemperatureAgainstItsSetPointOnATerminal) {
     run({"thermal", "connect", "OV0001:0"});
     run({"thermal", "set", "OV0001:0", "0", "85", "1"});
     const Outcome outcome = orvaneOnTerminal(

@@ -29,21 +29,21 @@ protected:
     }
 };
 
-TEST_F(Discovery, isAnsweredFromTheBoardsAddressWithTheWordAndTheName) {
+TEST_F(Discovery, IsAnsweredFromTheBoardsAddressWithTheWordAndTheName) {
     std::string sender;
     ask("ZRDISCOVER?");
     EXPECT_EQ(listener.receive(&sender), "|host 01a2:0 01a2:1");
     EXPECT_EQ(sender, board.address());
 }
 
-TEST_F(Discovery, matchesSerialAndDeviceNamesWhateverTheirCase) {
+TEST_F(Discovery, MatchesSerialAndDeviceNamesWhateverTheirCase) {
     for (const std::string word : {"01A2", "01a2", "01A2:1"}) {
         ask("ZRDISCOVER?" + word);
         EXPECT_EQ(listener.receive(), word + "|host 01a2:0 01a2:1");
     }
 }
 
-TEST_F(Discovery, forAnotherBoardIsHeardAndLeftUnanswered) {
+TEST_F(Discovery, ForAnotherBoardIsHeardAndLeftUnanswered) {
     ask("ZRDISCOVER?ffff");
     ask("something else");
     ask("ZRDISCOVER?01A2:0");
@@ -52,7 +52,7 @@ TEST_F(Discovery, forAnotherBoardIsHeardAndLeftUnanswered) {
     EXPECT_EQ(board.discoveryCount(), 2U);
 }
 
-TEST_F(Discovery, isAnsweredByEveryBoardThatIsMeant) {
+TEST_F(Discovery, IsAnsweredByEveryBoardThatIsMeant) {
     lab.add({"", "0B0B", {"0B0B:3"}, "rack", 1, false});
     ask("ZRDISCOVER?");
     std::vector<std::string> replies{listener.receive(), listener.receive()};
@@ -60,7 +60,7 @@ TEST_F(Discovery, isAnsweredByEveryBoardThatIsMeant) {
     EXPECT_EQ(replies, (std::vector<std::string>{"|host 01a2:0 01a2:1", "|rack 0B0B:3"}));
 }
 
-TEST_F(Discovery, ofHundredsOfBoardsReachesTheRequesterWhole) {
+TEST_F(Discovery, OfHundredsOfBoardsReachesTheRequesterWhole) {
     for (int i = 1; i < 300; ++i)
         lab.add({"", "S" + std::to_string(i), {}, "host", 1, false});
     ask("ZRDISCOVER?");
@@ -74,7 +74,7 @@ TEST_F(Discovery, ofHundredsOfBoardsReachesTheRequesterWhole) {
     EXPECT_EQ(std::unique(senders.begin(), senders.end()), senders.end());
 }
 
-TEST_F(Discovery, isAnsweredWithWhateverTheTestWants) {
+TEST_F(Discovery, IsAnsweredWithWhateverTheTestWants) {
     board.setDiscoveryReplies(std::vector<std::string>{std::string("a\0b", 3), std::string(300, 'x')});
     ask("ZRDISCOVER?nobody");
     EXPECT_EQ(listener.receive(), std::string("a\0b", 3));
@@ -84,7 +84,7 @@ TEST_F(Discovery, isAnsweredWithWhateverTheTestWants) {
     EXPECT_EQ(listener.receive(), "|host 01a2:0 01a2:1");
 }
 
-TEST_F(Discovery, meetsFaultsOfItsName) {
+TEST_F(Discovery, MeetsFaultsOfItsName) {
     Fault fault;
     fault.program = "discovery";
     fault.kind = Fault::Kind::LoseReply;
@@ -97,7 +97,7 @@ TEST_F(Discovery, meetsFaultsOfItsName) {
     EXPECT_EQ(listener.receive().substr(0, 5), "01A2|");
 }
 
-TEST_F(Discovery, isAnsweredWithGarbageOrACutReplyWhenAFaultSaysSo) {
+TEST_F(Discovery, IsAnsweredWithGarbageOrACutReplyWhenAFaultSaysSo) {
     board.inject({"discovery", "", Fault::Kind::GarbageReply, 1, 9});
     board.inject({"discovery", "", Fault::Kind::TruncateReply, 1, 5});
     board.inject({"probe", "", Fault::Kind::TruncateReply, 1, 5});
@@ -110,7 +110,7 @@ TEST_F(Discovery, isAnsweredWithGarbageOrACutReplyWhenAFaultSaysSo) {
     EXPECT_EQ(probe("ZRDISCOVER?"), "|host");
 }
 
-TEST_F(Discovery, goesUnheardByAHangingBoard) {
+TEST_F(Discovery, GoesUnheardByAHangingBoard) {
     board.hang();
     ask("ZRDISCOVER?");
     RawSocket connection = RawSocket::stream(board.address(), kPort);
@@ -122,7 +122,7 @@ TEST_F(Discovery, goesUnheardByAHangingBoard) {
     EXPECT_FALSE(connection.readable(0));
 }
 
-TEST_F(Discovery, goesUnheardByAStoppedBoard) {
+TEST_F(Discovery, GoesUnheardByAStoppedBoard) {
     board.stop();
     ask("ZRDISCOVER?");
     board.start();
@@ -131,14 +131,14 @@ TEST_F(Discovery, goesUnheardByAStoppedBoard) {
     EXPECT_EQ(board.discoveryCount(), 1U);
 }
 
-TEST_F(Discovery, byProbeIsAnsweredAndTheConnectionClosed) {
+TEST_F(Discovery, ByProbeIsAnsweredAndTheConnectionClosed) {
     EXPECT_EQ(probe("ZRDISCOVER?01A2:0"), "01A2:0|host 01a2:0 01a2:1");
     EXPECT_EQ(probe("ZRDISCOVER?elsewhere"), "");
     EXPECT_EQ(board.probeRequests(), (std::vector<std::string>{"01A2:0", "elsewhere"}));
     EXPECT_EQ(board.discoveryCount(), 0U);
 }
 
-TEST_F(Discovery, byProbeComesInThePiecesThatTheTestWants) {
+TEST_F(Discovery, ByProbeComesInThePiecesThatTheTestWants) {
     board.setProbeChunks(std::vector<std::string>{"|ho", "st 01a2:0"});
     RawSocket socket = RawSocket::stream(board.address(), kPort);
     socket.send("ZRDISCOVER?");
@@ -146,7 +146,7 @@ TEST_F(Discovery, byProbeComesInThePiecesThatTheTestWants) {
     EXPECT_EQ(socket.receiveAll(), "st 01a2:0");
 }
 
-TEST_F(Discovery, byProbeOfASilentBoardStaysOpen) {
+TEST_F(Discovery, ByProbeOfASilentBoardStaysOpen) {
     Fault fault;
     fault.program = "probe";
     fault.kind = Fault::Kind::Silent;

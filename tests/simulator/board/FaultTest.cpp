@@ -37,7 +37,7 @@ protected:
     unsigned written() { return board.registerValue(Space::C45, 0, 0, 0x10010); }
 };
 
-TEST_F(FaultyBoard, answersWithAResultCodeAsOftenAsAsked) {
+TEST_F(FaultyBoard, AnswersWithAResultCodeAsOftenAsAsked) {
     inject(Fault::Kind::ResultCode, -EBUSY, 2);
     for (const int expected : {-EBUSY, -EBUSY, 0}) {
         ASSERT_EQ(read(), RPC_SUCCESS);
@@ -45,7 +45,7 @@ TEST_F(FaultyBoard, answersWithAResultCodeAsOftenAsAsked) {
     }
 }
 
-TEST_F(FaultyBoard, showsFaultsOneAfterTheOther) {
+TEST_F(FaultyBoard, ShowsFaultsOneAfterTheOther) {
     inject(Fault::Kind::ResultCode, -EBUSY);
     inject(Fault::Kind::ResultCode, -ETIMEDOUT);
     ASSERT_EQ(read(), RPC_SUCCESS);
@@ -54,7 +54,7 @@ TEST_F(FaultyBoard, showsFaultsOneAfterTheOther) {
     EXPECT_EQ(answer->error, -ETIMEDOUT);
 }
 
-TEST_F(FaultyBoard, keepsAFaultWithoutCountUntilItIsCleared) {
+TEST_F(FaultyBoard, KeepsAFaultWithoutCountUntilItIsCleared) {
     inject(Fault::Kind::ResultCode, -EIO, -1);
     for (int i = 0; i < 5; ++i) {
         ASSERT_EQ(read(), RPC_SUCCESS);
@@ -65,20 +65,20 @@ TEST_F(FaultyBoard, keepsAFaultWithoutCountUntilItIsCleared) {
     EXPECT_EQ(answer->error, 0);
 }
 
-TEST_F(FaultyBoard, sparesOtherProcedures) {
+TEST_F(FaultyBoard, SparesOtherProcedures) {
     inject(Fault::Kind::ResultCode, -EIO, -1, "mdio_write");
     ASSERT_EQ(read(), RPC_SUCCESS);
     EXPECT_EQ(answer->error, 0);
 }
 
-TEST_F(FaultyBoard, executesACallWhoseReplyIsLost) {
+TEST_F(FaultyBoard, ExecutesACallWhoseReplyIsLost) {
     inject(Fault::Kind::LoseReply, 0, 1, "mdio_write");
     mdio.setTimeout(kShort);
     EXPECT_EQ(write(5), RPC_TIMEDOUT);
     EXPECT_EQ(written(), 5U);
 }
 
-TEST_F(FaultyBoard, recordsButDoesNotExecuteALostRequest) {
+TEST_F(FaultyBoard, RecordsButDoesNotExecuteALostRequest) {
     inject(Fault::Kind::LoseRequest, 0, 1, "mdio_write");
     mdio.setTimeout(kShort);
     EXPECT_EQ(write(5), RPC_TIMEDOUT);
@@ -86,7 +86,7 @@ TEST_F(FaultyBoard, recordsButDoesNotExecuteALostRequest) {
     EXPECT_EQ(board.requestsOf("mdio_write").size(), 1U);
 }
 
-TEST_F(FaultyBoard, isSilentForAWholeProgram) {
+TEST_F(FaultyBoard, IsSilentForAWholeProgram) {
     Fault fault;
     fault.program = "mdio";
     fault.kind = Fault::Kind::Silent;
@@ -98,7 +98,7 @@ TEST_F(FaultyBoard, isSilentForAWholeProgram) {
     EXPECT_EQ(setup.call(sim_ping_1, 1, value), RPC_SUCCESS);
 }
 
-TEST_F(FaultyBoard, cutsAndFillsTheListsOfAReply) {
+TEST_F(FaultyBoard, CutsAndFillsTheListsOfAReply) {
     inject(Fault::Kind::ReplyCount, 3);
     ASSERT_EQ(read(), RPC_SUCCESS);
     const auto words = numbers(answer->data.data_val, answer->data.data_len);
@@ -109,7 +109,7 @@ TEST_F(FaultyBoard, cutsAndFillsTheListsOfAReply) {
     EXPECT_EQ(answer->data.data_len, 0U);
 }
 
-TEST_F(FaultyBoard, fillsStringsAndOpaqueBytesToo) {
+TEST_F(FaultyBoard, FillsStringsAndOpaqueBytesToo) {
     Client gpio(board, SIM_GPIO, "udp");
     Client jtag(board, SIM_JTAG, "udp");
     inject(Fault::Kind::ReplyCount, 2, 2, "");
@@ -127,7 +127,7 @@ TEST_F(FaultyBoard, fillsStringsAndOpaqueBytesToo) {
     EXPECT_STREQ(shifted->entries.entries_val[1].text, "\xEE");
 }
 
-TEST_F(FaultyBoard, overridesTheFirstWordBesideTheStatus) {
+TEST_F(FaultyBoard, OverridesTheFirstWordBesideTheStatus) {
     inject(Fault::Kind::OverrideWord, 99, 1, "mdio_setpreamblecount");
     sim_Simple_Result result{};
     ASSERT_EQ(mdio.call(sim_mdio_setpreamblecount_1, sim_Simple_Param{32, identity}, result), RPC_SUCCESS);
@@ -135,7 +135,7 @@ TEST_F(FaultyBoard, overridesTheFirstWordBesideTheStatus) {
     EXPECT_EQ(result.error, 0);
 }
 
-TEST_F(FaultyBoard, delaysAReplyWithoutHoldingUpOthers) {
+TEST_F(FaultyBoard, DelaysAReplyWithoutHoldingUpOthers) {
     inject(Fault::Kind::DelayReply, 60000);
     mdio.setTimeout(kShort);
     EXPECT_EQ(read(), RPC_TIMEDOUT);
@@ -143,7 +143,7 @@ TEST_F(FaultyBoard, delaysAReplyWithoutHoldingUpOthers) {
     EXPECT_EQ(setup.call(sim_ping_1, 1, value), RPC_SUCCESS);
 }
 
-TEST_F(FaultyBoard, deliversADelayedReplyOverBothTransports) {
+TEST_F(FaultyBoard, DeliversADelayedReplyOverBothTransports) {
     inject(Fault::Kind::DelayReply, 20);
     EXPECT_EQ(read(), RPC_SUCCESS);
     inject(Fault::Kind::DelayReply, 20, 1, "ping");
@@ -152,14 +152,14 @@ TEST_F(FaultyBoard, deliversADelayedReplyOverBothTransports) {
     EXPECT_EQ(value, 7);
 }
 
-TEST_F(FaultyBoard, duplicatesAReply) {
+TEST_F(FaultyBoard, DuplicatesAReply) {
     inject(Fault::Kind::DuplicateReply);
     EXPECT_EQ(read(), RPC_SUCCESS);
     EXPECT_EQ(answer->error, 0);
     EXPECT_EQ(board.requestsOf("mdio_read").size(), 1U);
 }
 
-TEST_F(FaultyBoard, closesAConnectionInsteadOfAnswering) {
+TEST_F(FaultyBoard, ClosesAConnectionInsteadOfAnswering) {
     inject(Fault::Kind::CloseConnection, 0, 1, "ping");
     int value = 0;
     EXPECT_EQ(setup.call(sim_ping_1, 1, value), RPC_CANTRECV);
@@ -167,7 +167,7 @@ TEST_F(FaultyBoard, closesAConnectionInsteadOfAnswering) {
     EXPECT_EQ(again.call(sim_ping_1, 1, value), RPC_SUCCESS);
 }
 
-TEST_F(FaultyBoard, silencesItsPortMapperOnlyWhenThatIsNamed) {
+TEST_F(FaultyBoard, SilencesItsPortMapperOnlyWhenThatIsNamed) {
     Client mapper(board, SIM_PORTMAP, "udp", 2);
     mapper.setTimeout(kShort);
     const sim_Port_Mapping wanted{SIM_MDIO, 1, 17, 0};

@@ -21,25 +21,25 @@ protected:
     }
 };
 
-TEST_F(FaultyReply, isCutToItsFirstBytes) {
+TEST_F(FaultyReply, IsCutToItsFirstBytes) {
     inject(Kind::TruncateReply, 25);
     EXPECT_EQ(pinged(7), pingReply(7).substr(0, 25));
     EXPECT_EQ(pinged(8), pingReply(8));
 }
 
-TEST_F(FaultyReply, cutToMoreThanItHasIsWhole) {
+TEST_F(FaultyReply, CutToMoreThanItHasIsWhole) {
     inject(Kind::TruncateReply, 1000);
     EXPECT_EQ(pinged(7), pingReply(7));
 }
 
-TEST_F(FaultyReply, isMadeLongerByBytesBehindIt) {
+TEST_F(FaultyReply, IsMadeLongerByBytesBehindIt) {
     inject(Kind::LengthenReply, 9);
     const std::string reply = pinged(7);
     EXPECT_EQ(reply.size(), pingReply(7).size() + 9);
     EXPECT_EQ(reply.substr(0, pingReply(7).size()), pingReply(7));
 }
 
-TEST_F(FaultyReply, hasAsManyBytesChangedAsAsked) {
+TEST_F(FaultyReply, HasAsManyBytesChangedAsAsked) {
     inject(Kind::CorruptReply, 3);
     const std::string reply = pinged(7);
     const std::string whole = pingReply(7);
@@ -50,25 +50,25 @@ TEST_F(FaultyReply, hasAsManyBytesChangedAsAsked) {
     EXPECT_EQ(changed, 3);
 }
 
-TEST_F(FaultyReply, isReplacedByGarbage) {
+TEST_F(FaultyReply, IsReplacedByGarbage) {
     inject(Kind::GarbageReply, 11);
     const std::string reply = pinged(7);
     EXPECT_EQ(reply.size(), 11U);
     EXPECT_NE(reply, pingReply(7).substr(0, 11));
 }
 
-TEST_F(FaultyReply, carriesTheResultThatATestMadeUp) {
+TEST_F(FaultyReply, CarriesTheResultThatATestMadeUp) {
     board.inject({"setup", "ping", Kind::ReplyBody, 1, 0, 1, words({1, 2, 3})});
     EXPECT_EQ(pinged(7), words({7, REPLY, MSG_ACCEPTED, 0, 0, SUCCESS, 1, 2, 3}));
     EXPECT_EQ(board.executions("ping"), 1U);
 }
 
-TEST_F(FaultyReply, comesUnderAnotherTransactionId) {
+TEST_F(FaultyReply, ComesUnderAnotherTransactionId) {
     inject(Kind::WrongTransaction);
     EXPECT_EQ(pinged(7), words({0x80000007}) + pingReply(7).substr(4));
 }
 
-TEST_F(FaultyReply, comesFromAnotherPort) {
+TEST_F(FaultyReply, ComesFromAnotherPort) {
     sendPing(1);
     socket.receive();
     inject(Kind::WrongPort);
@@ -84,13 +84,13 @@ TEST_F(FaultyReply, comesFromAnotherPort) {
     EXPECT_NE(ntohs(from.sin_port), udp);
 }
 
-TEST_F(FaultyReply, isRefusedAsIfTheProgramWereNotThere) {
+TEST_F(FaultyReply, IsRefusedAsIfTheProgramWereNotThere) {
     inject(Kind::RefuseProgram);
     EXPECT_EQ(pinged(7), words({7, REPLY, MSG_ACCEPTED, 0, 0, PROG_UNAVAIL}));
     EXPECT_EQ(board.executions("ping"), 0U);
 }
 
-TEST_F(FaultyReply, thatIsReorderedFollowsTheClientsNextOne) {
+TEST_F(FaultyReply, ThatIsReorderedFollowsTheClientsNextOne) {
     inject(Kind::ReorderReply, 60000);
     sendPing(1);
     sendPing(2);
@@ -98,7 +98,7 @@ TEST_F(FaultyReply, thatIsReorderedFollowsTheClientsNextOne) {
     EXPECT_EQ(socket.receive(), pingReply(1));
 }
 
-TEST_F(FaultyReply, thatIsReorderedWaitsForNoOtherClientsReply) {
+TEST_F(FaultyReply, ThatIsReorderedWaitsForNoOtherClientsReply) {
     inject(Kind::ReorderReply, 60000);
     sendPing(1);
     RawSocket other = RawSocket::datagram(0);
@@ -107,12 +107,12 @@ TEST_F(FaultyReply, thatIsReorderedWaitsForNoOtherClientsReply) {
     EXPECT_FALSE(socket.readable(0));
 }
 
-TEST_F(FaultyReply, thatIsReorderedIsHeldForItsTimeAtMost) {
+TEST_F(FaultyReply, ThatIsReorderedIsHeldForItsTimeAtMost) {
     inject(Kind::ReorderReply, 20);
     EXPECT_EQ(pinged(1), pingReply(1));
 }
 
-TEST_F(FaultyReply, thatIsReorderedFollowsTheNextOneOverTcpToo) {
+TEST_F(FaultyReply, ThatIsReorderedFollowsTheNextOneOverTcpToo) {
     inject(Kind::ReorderReply, 60000);
     RawSocket connection = stream();
     connection.send(record(ping(1)) + record(ping(2)));
@@ -122,14 +122,14 @@ TEST_F(FaultyReply, thatIsReorderedFollowsTheNextOneOverTcpToo) {
     EXPECT_EQ(answers, record(pingReply(2)) + record(pingReply(1)));
 }
 
-TEST_F(FaultyReply, endsWithTheConnectionInTheMiddle) {
+TEST_F(FaultyReply, EndsWithTheConnectionInTheMiddle) {
     inject(Kind::CloseMidReply, 10);
     RawSocket connection = stream();
     connection.send(record(ping(7)));
     EXPECT_EQ(connection.receiveAll(), record(pingReply(7)).substr(0, 14));
 }
 
-TEST_F(FaultyReply, stopsInTheMiddleOfAConnectionThatStays) {
+TEST_F(FaultyReply, StopsInTheMiddleOfAConnectionThatStays) {
     inject(Kind::HalfOpen, 10);
     RawSocket connection = stream();
     connection.send(record(ping(7)) + record(ping(8)));
@@ -144,7 +144,7 @@ TEST_F(FaultyReply, stopsInTheMiddleOfAConnectionThatStays) {
     EXPECT_EQ(board.executions("ping"), 2U);
 }
 
-TEST_F(FaultyReply, tricklesByteByByte) {
+TEST_F(FaultyReply, TricklesByteByByte) {
     inject(Kind::TrickleReply, 1);
     RawSocket connection = stream();
     connection.send(record(ping(7)));
@@ -158,7 +158,7 @@ TEST_F(FaultyReply, tricklesByteByByte) {
     EXPECT_EQ(connection.receive(), record(pingReply(8)));
 }
 
-TEST_F(FaultyReply, meantForTcpIsLostOverUdp) {
+TEST_F(FaultyReply, MeantForTcpIsLostOverUdp) {
     inject(Kind::CloseMidReply, 10);
     inject(Kind::HalfOpen, 10);
     for (std::uint32_t value = 1; value <= 3; ++value)
@@ -181,7 +181,7 @@ std::string halfOfTheCalls(std::uint64_t seed) {
     return met;
 }
 
-TEST(FaultOfHalfProbability, fallsOnTheSameCallsWithTheSameSeed) {
+TEST(FaultOfHalfProbability, FallsOnTheSameCallsWithTheSameSeed) {
     const std::string met = halfOfTheCalls(3);
     EXPECT_EQ(met, halfOfTheCalls(3));
     EXPECT_NE(met, halfOfTheCalls(4));
@@ -190,7 +190,7 @@ TEST(FaultOfHalfProbability, fallsOnTheSameCallsWithTheSameSeed) {
     EXPECT_LT(faults, 75);
 }
 
-TEST_F(FaultyReply, leavesACallThatChanceSparesToTheNextFault) {
+TEST_F(FaultyReply, LeavesACallThatChanceSparesToTheNextFault) {
     board.inject({"setup", "ping", Kind::ResultCode, 1, -5, 0.0});
     board.inject({"setup", "ping", Kind::ResultCode, 1, -6});
     EXPECT_EQ(wordsOf(pinged(7)).back(), 0xFFFFFFFAU);

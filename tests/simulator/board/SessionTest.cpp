@@ -41,7 +41,7 @@ protected:
     }
 };
 
-TEST_F(Session, idsFitInTheLowByteOfTheIdentityWord) {
+TEST_F(Session, IdsFitInTheLowByteOfTheIdentityWord) {
     for (int i = 0; i < 300; ++i) {
         const sim_Open_Result opened = open(Mode::Simple);
         EXPECT_GE(opened.id, 1U);
@@ -50,20 +50,20 @@ TEST_F(Session, idsFitInTheLowByteOfTheIdentityWord) {
     }
 }
 
-TEST_F(Session, isRefusedWhen255AreOpen) {
+TEST_F(Session, IsRefusedWhen255AreOpen) {
     for (int i = 0; i < 255; ++i)
         ASSERT_EQ(open(Mode::Simple).error, 0);
     EXPECT_EQ(open(Mode::Simple).error, -ENOSPC);
     EXPECT_EQ(board.sessionCount(), 255U);
 }
 
-TEST_F(Session, isFoundByTheLowByteWhateverTheSequence) {
+TEST_F(Session, IsFoundByTheLowByteWhateverTheSequence) {
     const unsigned id = open(Mode::Simple).id;
     EXPECT_EQ(ping(id), 0);
     EXPECT_EQ(ping((0xABCD << 8) | id), 0);
 }
 
-TEST_F(Session, isForgottenByItsClose) {
+TEST_F(Session, IsForgottenByItsClose) {
     const unsigned id = open(Mode::Simple).id;
     EXPECT_EQ(close(id), 0);
     EXPECT_EQ(ping(id), -EBADRQC);
@@ -71,45 +71,45 @@ TEST_F(Session, isForgottenByItsClose) {
     EXPECT_EQ(board.sessionCount(), 0U);
 }
 
-TEST_F(Session, forgottenByTheBoardIsUnknownToItsClient) {
+TEST_F(Session, ForgottenByTheBoardIsUnknownToItsClient) {
     const unsigned id = open(Mode::Simple).id;
     board.forgetSessions();
     EXPECT_EQ(ping(id), -EBADRQC);
 }
 
-TEST_F(Session, exclusiveKeepsEveryOtherModeOut) {
+TEST_F(Session, ExclusiveKeepsEveryOtherModeOut) {
     ASSERT_EQ(open(Mode::Exclusive, 7).error, 0);
     EXPECT_EQ(open(Mode::Exclusive).error, -EACCES);
     EXPECT_EQ(open(Mode::Concurrent, 8).error, -EACCES);
     EXPECT_EQ(open(Mode::Simple).error, -EACCES);
 }
 
-TEST_F(Session, exclusiveLetsTheHoldersKeyIn) {
+TEST_F(Session, ExclusiveLetsTheHoldersKeyIn) {
     ASSERT_EQ(open(Mode::Exclusive, 7).error, 0);
     EXPECT_EQ(open(Mode::Exclusive, 7).error, 0);
     EXPECT_EQ(open(Mode::Simple, 7).error, 0);
 }
 
-TEST_F(Session, exclusiveIsOfOnePortOnly) {
+TEST_F(Session, ExclusiveIsOfOnePortOnly) {
     ASSERT_EQ(open(Mode::Exclusive, 7, 0, 3).error, 0);
     EXPECT_EQ(open(Mode::Exclusive, 8, 0, 4).error, 0);
     EXPECT_EQ(open(Mode::Exclusive, 8, 1, 3).error, 0);
 }
 
-TEST_F(Session, exclusiveIsRefusedWhileOthersHoldThePort) {
+TEST_F(Session, ExclusiveIsRefusedWhileOthersHoldThePort) {
     const unsigned id = open(Mode::Concurrent, 5).id;
     EXPECT_EQ(open(Mode::Exclusive, 6).error, -EACCES);
     ASSERT_EQ(close(id), 0);
     EXPECT_EQ(open(Mode::Exclusive, 6).error, 0);
 }
 
-TEST_F(Session, concurrentAndSimpleShareAPort) {
+TEST_F(Session, ConcurrentAndSimpleShareAPort) {
     EXPECT_EQ(open(Mode::Concurrent, 5).error, 0);
     EXPECT_EQ(open(Mode::Concurrent, 6).error, 0);
     EXPECT_EQ(open(Mode::Simple).error, 0);
 }
 
-TEST_F(Session, withoutKeyIsGivenOneUnlessItIsSimple) {
+TEST_F(Session, WithoutKeyIsGivenOneUnlessItIsSimple) {
     EXPECT_EQ(open(Mode::Simple).sessionId, 0U);
     const unsigned concurrent = open(Mode::Concurrent, 0, 1).sessionId;
     const unsigned exclusive = open(Mode::Exclusive, 0, 2).sessionId;
@@ -120,7 +120,7 @@ TEST_F(Session, withoutKeyIsGivenOneUnlessItIsSimple) {
     EXPECT_EQ(open(Mode::Exclusive, 9, 3).sessionId, 9U);
 }
 
-TEST_F(Session, exclusiveAndSimpleAtOnceIsRefused) {
+TEST_F(Session, ExclusiveAndSimpleAtOnceIsRefused) {
     sim_Open_Param argument{};
     argument.exclusive = 1;
     argument.simple = 1;
@@ -129,14 +129,14 @@ TEST_F(Session, exclusiveAndSimpleAtOnceIsRefused) {
     EXPECT_EQ(result.error, -EINVAL);
 }
 
-TEST_F(Session, pingOfTheBoardNeedsNoneAndEchoesItsNumber) {
+TEST_F(Session, PingOfTheBoardNeedsNoneAndEchoesItsNumber) {
     int value = 0;
     ASSERT_EQ(setup.call(sim_ping_1, 123, value), RPC_SUCCESS);
     EXPECT_EQ(value, 123);
     EXPECT_EQ(board.requestsOf("ping").at(0).arguments().dump(), R"({"value":123})");
 }
 
-TEST_F(Session, isPingedOnTheSetupProgramToo) {
+TEST_F(Session, IsPingedOnTheSetupProgramToo) {
     sim_Simple_Result result{};
     ASSERT_EQ(setup.call(sim_pingclient_1, sim_ID_Param{open(Mode::Simple).id}, result), RPC_SUCCESS);
     EXPECT_EQ(result.error, 0);

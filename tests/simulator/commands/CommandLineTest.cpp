@@ -7,19 +7,19 @@
 namespace OrvaneSim {
 namespace {
 
-TEST(OrvaneLab, runsACommandAndEndsWithItsStatus) {
+TEST(OrvaneLab, RunsACommandAndEndsWithItsStatus) {
     EXPECT_EQ(shell(ORVANE_LAB " --boards 0 -- sh -c 'exit 7'").status, 7);
     EXPECT_EQ(shell(ORVANE_LAB " -- sh -c 'kill -TERM $$'").status, 128 + SIGTERM);
 }
 
-TEST(OrvaneLab, tellsWhenTheCommandCannotBeRun) {
+TEST(OrvaneLab, TellsWhenTheCommandCannotBeRun) {
     const Outcome missing = shell(ORVANE_LAB " -- /no/such/command");
     EXPECT_EQ(missing.status, 127);
     EXPECT_EQ(missing.output, "cannot run /no/such/command: No such file or directory\n");
     EXPECT_EQ(shell(ORVANE_LAB " -- /").status, 126);
 }
 
-TEST(OrvaneLab, leavesNoProcessBehind) {
+TEST(OrvaneLab, LeavesNoProcessBehind) {
     const Outcome outcome = shell(ORVANE_LAB " -- sh -c 'sleep 1000 >/dev/null 2>&1 & echo $!'");
     EXPECT_EQ(outcome.status, 0);
     const int left = std::atoi(outcome.output.c_str());
@@ -28,26 +28,26 @@ TEST(OrvaneLab, leavesNoProcessBehind) {
     EXPECT_EQ(errno, ESRCH);
 }
 
-TEST(OrvaneLab, refusesFlagsThatDoNotGoTogether) {
+TEST(OrvaneLab, RefusesFlagsThatDoNotGoTogether) {
     const Outcome outcome = shell(ORVANE_LAB " --boards 2 --device X:0 -- true");
     EXPECT_EQ(outcome.status, 125);
     EXPECT_EQ(outcome.output, "orvane-lab: --device is for a single board\n");
     EXPECT_NE(shell(ORVANE_LAB " --boards 2").status, 0);
 }
 
-TEST(OrvaneLab, showsTheCommandOneInterfaceForEachAskedFor) {
+TEST(OrvaneLab, ShowsTheCommandOneInterfaceForEachAskedFor) {
     const Outcome outcome =
         shell(ORVANE_LAB " --interfaces 3 -- sed -n 's/^ *\\(lab[0-9]\\):.*/\\1/p' /proc/net/dev");
     EXPECT_EQ(outcome.output, "lab0\nlab1\nlab2\n");
 }
 
-TEST(OrvaneLab, letsTheCommandResolveTheNamesOfItsHostsFile) {
+TEST(OrvaneLab, LetsTheCommandResolveTheNamesOfItsHostsFile) {
     const Outcome outcome = shell("printf '10.83.0.1 mylab\\n' > hosts.test; " ORVANE_LAB
                                   " --hosts hosts.test -- getent hosts mylab; rm hosts.test");
     EXPECT_NE(outcome.output.find("10.83.0.1"), std::string::npos) << outcome.output;
 }
 
-TEST(OrvaneSim, servesUntilItIsTold) {
+TEST(OrvaneSim, ServesUntilItIsTold) {
     const Outcome outcome =
         shell("timeout -s TERM 10 sh -c '" ORVANE_SIM " --address 127.0.0.9 --serial LAB7 > sim.out & "
               "until grep -sq ready sim.out; do :; done; kill -TERM $!; wait $!'; "
@@ -55,7 +55,7 @@ TEST(OrvaneSim, servesUntilItIsTold) {
     EXPECT_EQ(outcome.output, "0\nboard LAB7 at 127.0.0.9: host LAB7:0 LAB7:1 LAB7:10\nready\n");
 }
 
-TEST(OrvaneSim, tellsWhichBoardCannotBeServed) {
+TEST(OrvaneSim, TellsWhichBoardCannotBeServed) {
     const Outcome outcome = shell(ORVANE_SIM " --address 192.0.2.9 --serial LAB7");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.output.substr(0, 30), "orvane-sim: board LAB7: cannot");
@@ -69,20 +69,20 @@ Outcome inLab(const std::string& script) {
                  folder.file("script"));
 }
 
-TEST(OrvaneSimCtl, findsTheLabThatItRunsIn) {
+TEST(OrvaneSimCtl, FindsTheLabThatItRunsIn) {
     EXPECT_EQ(inLab("orvane-sim ctl OV0002 set 0x10010 0xBEEF && orvane-sim ctl 10.83.0.2 get register=65552")
                   .output,
               "0xBEEF\n");
 }
 
-TEST(OrvaneSimCtl, printsATable) {
+TEST(OrvaneSimCtl, PrintsATable) {
     EXPECT_EQ(inLab("orvane-sim ctl all list").output,
               "board   address    name                              sessions  faults\n"
               "OV0001  10.83.0.1  host OV0001:0 OV0001:1 OV0001:10  0         0\n"
               "OV0002  10.83.0.2  host OV0002:0 OV0002:1 OV0002:10  0         0\n");
 }
 
-TEST(OrvaneSimCtl, tellsARefusalFromWrongWordsByItsStatus) {
+TEST(OrvaneSimCtl, TellsARefusalFromWrongWordsByItsStatus) {
     const Outcome done = inLab("orvane-sim ctl all delay 5 3");
     EXPECT_EQ(done.status, 0);
     EXPECT_EQ(done.output, "");
@@ -97,7 +97,7 @@ TEST(OrvaneSimCtl, tellsARefusalFromWrongWordsByItsStatus) {
               "orvane-sim: no lab answers at /no/such/socket: No such file or directory\n");
 }
 
-TEST(OrvaneSimCtl, explainsItself) {
+TEST(OrvaneSimCtl, ExplainsItself) {
     const Outcome help = shell(ORVANE_SIM " ctl --help");
     EXPECT_EQ(help.status, 0);
     for (const char* part : {"lose-reply", "restart forgetSessions=false", "Examples:", "Exit status:"})

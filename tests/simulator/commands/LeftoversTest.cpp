@@ -118,19 +118,19 @@ protected:
     }
 };
 
-TEST_F(InterruptedLab, leavesNothingBehindAfterCtrlC) {
+TEST_F(InterruptedLab, LeavesNothingBehindAfterCtrlC) {
     EXPECT_EQ(statusAfter([](Terminal& terminal) { terminal.type("\x03"); }), 128 + SIGINT);
 }
 
-TEST_F(InterruptedLab, leavesNothingBehindAfterTerm) {
+TEST_F(InterruptedLab, LeavesNothingBehindAfterTerm) {
     EXPECT_EQ(statusAfter([](Terminal& terminal) { ::kill(terminal.process(), SIGTERM); }), 128 + SIGTERM);
 }
 
-TEST_F(InterruptedLab, leavesNothingBehindWhenItsTerminalGoes) {
+TEST_F(InterruptedLab, LeavesNothingBehindWhenItsTerminalGoes) {
     EXPECT_EQ(statusAfter([](Terminal& terminal) { terminal.hangUp(); }), 128 + SIGHUP);
 }
 
-TEST(OrvaneLabShell, isTheUsersShellInTheLab) {
+TEST(OrvaneLabShell, IsTheUsersShellInTheLab) {
     const OrvaneTest::EnvironmentVariable shell("SHELL", "/bin/sh");
     Terminal terminal({ORVANE_LAB, "--interfaces", "2", "shell"});
     terminal.type("cat /proc/net/dev; echo control=$ORVANE_LAB_CONTROL.\n");
@@ -141,12 +141,12 @@ TEST(OrvaneLabShell, isTheUsersShellInTheLab) {
     EXPECT_FALSE(std::filesystem::exists(control));
 }
 
-TEST(OrvaneLabShell, goesWithoutACommandAndTheOtherWayRound) {
+TEST(OrvaneLabShell, GoesWithoutACommandAndTheOtherWayRound) {
     EXPECT_EQ(shell(ORVANE_LAB).status, 125);
     EXPECT_EQ(shell(ORVANE_LAB " shell -- true").status, 125);
 }
 
-TEST(OrvaneSimInterrupted, removesItsControlSocket) {
+TEST(OrvaneSimInterrupted, RemovesItsControlSocket) {
     const ScratchFolder folder;
     const std::string control = folder.file("control");
     Terminal terminal({ORVANE_SIM, "--address", "127.0.0.9", "--control", control});

@@ -25,7 +25,7 @@ protected:
     const std::string done = R"({"ok":true})";
 };
 
-TEST_F(Control, listsTheBoards) {
+TEST_F(Control, ListsTheBoards) {
     lab.add({"", "other", {"other:3"}, "rack", 1, false});
     EXPECT_EQ(ask(R"("action": "list")", "all"),
               R"({"ok":true,"result":[)"
@@ -33,7 +33,7 @@ TEST_F(Control, listsTheBoards) {
               R"({"board":"other","address":"10.83.0.2","name":"rack other:3","sessions":0,"faults":0}]})");
 }
 
-TEST_F(Control, meansABoardByItsSerialNumberOrItsAddress) {
+TEST_F(Control, MeansABoardByItsSerialNumberOrItsAddress) {
     Board& other = lab.add({"", "other", {}, "host", 1, false});
     EXPECT_EQ(ask(R"("action": "lose-reply")", "other"), done);
     EXPECT_EQ(ask(R"("action": "lose-reply")", other.address()), done);
@@ -43,7 +43,7 @@ TEST_F(Control, meansABoardByItsSerialNumberOrItsAddress) {
     EXPECT_EQ(board.faults().size(), 1U);
 }
 
-TEST_F(Control, setsAndGetsRegisters) {
+TEST_F(Control, SetsAndGetsRegisters) {
     EXPECT_EQ(ask(R"("action": "set", "register": "0x1E0001", "value": 51966, "phy": 3)"), done);
     EXPECT_EQ(board.registerValue(Space::C45, 0, 3, 0x1E0001), 0xCAFEU);
     EXPECT_EQ(ask(R"("action": "get", "register": "0x1E0001", "phy": 3)"),
@@ -53,14 +53,14 @@ TEST_F(Control, setsAndGetsRegisters) {
     EXPECT_EQ(board.registerValue(Space::Ext32, 0, 0, 0xFFFFFFFF), 0xFFFFFFFFU);
 }
 
-TEST_F(Control, tellsWhatWasCounted) {
+TEST_F(Control, TellsWhatWasCounted) {
     EXPECT_EQ(
         ask(R"("action": "counts", "procedure": "open_connection")"),
         R"({"ok":true,"result":[{"board":"01A2","procedure":"open_connection","received":1,"executed":1,)"
         R"("faults":0,"lostRequests":0,"lostReplies":0}]})");
 }
 
-TEST_F(Control, showsTheFaultsThatWaitAndForgetsThem) {
+TEST_F(Control, ShowsTheFaultsThatWaitAndForgetsThem) {
     ask(R"("action": "delay", "milliseconds": 7, "procedure": "ping", "program": "setup", "count": -1)");
     ask(R"("action": "result", "code": -16, "probability": 0.5)");
     ask(R"("action": "body", "hex": "00fF7f")");
@@ -74,7 +74,7 @@ TEST_F(Control, showsTheFaultsThatWaitAndForgetsThem) {
     EXPECT_TRUE(board.faults().empty());
 }
 
-TEST_F(Control, disturbsTheBoard) {
+TEST_F(Control, DisturbsTheBoard) {
     EXPECT_EQ(ask(R"("action": "forget-sessions")"), done);
     EXPECT_EQ(board.sessionCount(), 0U);
     EXPECT_EQ(ask(R"("action": "move", "address": "10.83.9.9")"), done);
@@ -87,7 +87,7 @@ TEST_F(Control, disturbsTheBoard) {
     EXPECT_EQ(again.call(sim_ping_1, 1, value), RPC_SUCCESS);
 }
 
-TEST_F(Control, refusesWhatItDoesNotUnderstand) {
+TEST_F(Control, RefusesWhatItDoesNotUnderstand) {
     EXPECT_EQ(
         control.answer("{"),
         R"({"ok":false,"error":"line 1, column 2: syntax error while parsing object key - unexpected end of )"
@@ -124,7 +124,7 @@ TEST_F(Control, refusesWhatItDoesNotUnderstand) {
 
 class NamedFault : public Control, public testing::WithParamInterface<const char*> {};
 
-TEST_P(NamedFault, isInjectedAndShownAsItWasSaid) {
+TEST_P(NamedFault, IsInjectedAndShownAsItWasSaid) {
     const FaultForm& form = *faultForm(GetParam());
     std::string members = R"("action": ")" + std::string(form.name) + R"(", "count": 4)";
     if (form.kind == Fault::Kind::ReplyBody)
@@ -157,7 +157,7 @@ INSTANTIATE_TEST_SUITE_P(Fault, NamedFault, testing::ValuesIn(faultNames()), [](
     return name;
 });
 
-TEST(DocumentationOfTheSimulator, hasARowForEveryFaultAndAction) {
+TEST(DocumentationOfTheSimulator, HasARowForEveryFaultAndAction) {
     std::ifstream stream(ORVANE_SIMULATOR_DOC);
     const std::string text{std::istreambuf_iterator<char>(stream), {}};
     const auto documented = [&](const std::string& start) {
@@ -179,7 +179,7 @@ protected:
     const std::string path = folder.file("lab.sock");
 };
 
-TEST_F(ControlSocket, answersEachLineAndGoesWithItsServer) {
+TEST_F(ControlSocket, AnswersEachLineAndGoesWithItsServer) {
     {
         ControlServer server(lab, path);
         EXPECT_EQ(askControl(path, R"({"board": "all", "action": "lose-reply"})"), R"({"ok":true})");
@@ -192,7 +192,7 @@ TEST_F(ControlSocket, answersEachLineAndGoesWithItsServer) {
     EXPECT_THROW(askControl(path, "{}"), std::runtime_error);
 }
 
-TEST_F(ControlSocket, takesThePlaceOfOneThatNobodyServesAndOfNoOther) {
+TEST_F(ControlSocket, TakesThePlaceOfOneThatNobodyServesAndOfNoOther) {
     {
         const sockaddr_un place = localPlace(path);
         const FileDescriptor leftOver(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
@@ -208,7 +208,7 @@ TEST_F(ControlSocket, takesThePlaceOfOneThatNobodyServesAndOfNoOther) {
     }
 }
 
-TEST_F(ControlSocket, leavesAFileAloneThatIsNoSocket) {
+TEST_F(ControlSocket, LeavesAFileAloneThatIsNoSocket) {
     folder.write("lab.sock", "results");
     try {
         const ControlServer server(lab, path);
@@ -220,7 +220,7 @@ TEST_F(ControlSocket, leavesAFileAloneThatIsNoSocket) {
     EXPECT_EQ(folder.read("lab.sock"), "results");
 }
 
-TEST_F(ControlSocket, leavesAFileAloneThatTookItsPlaceMeanwhile) {
+TEST_F(ControlSocket, LeavesAFileAloneThatTookItsPlaceMeanwhile) {
     {
         const ControlServer server(lab, path);
         std::filesystem::remove(path);

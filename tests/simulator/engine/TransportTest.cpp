@@ -9,7 +9,7 @@ namespace {
 constexpr std::uint32_t kLast = 0x80000000;
 using RpcTransport = RawBoard;
 
-TEST_F(RpcTransport, joinsARecordOutOfFragmentsThatComeByteByByte) {
+TEST_F(RpcTransport, JoinsARecordOutOfFragmentsThatComeByteByByte) {
     RawSocket socket = stream();
     const std::string ping = request(SIM_SETUP, SIM_PING, words({55}));
     const std::string record = words({10}) + ping.substr(0, 10) + words({0}) +
@@ -21,7 +21,7 @@ TEST_F(RpcTransport, joinsARecordOutOfFragmentsThatComeByteByByte) {
               (std::vector<std::uint32_t>{kLast | 28, kTransaction, REPLY, MSG_ACCEPTED, 0, 0, SUCCESS, 55}));
 }
 
-TEST_F(RpcTransport, answersEveryRecordOfOneSegmentInOrder) {
+TEST_F(RpcTransport, AnswersEveryRecordOfOneSegmentInOrder) {
     RawSocket socket = stream();
     std::string segment;
     for (std::uint32_t value = 0; value < 3; ++value) {
@@ -38,24 +38,24 @@ TEST_F(RpcTransport, answersEveryRecordOfOneSegmentInOrder) {
     EXPECT_EQ(values[23], 2U);
 }
 
-TEST_F(RpcTransport, closesAConnectionWhoseRecordIsTooLong) {
+TEST_F(RpcTransport, ClosesAConnectionWhoseRecordIsTooLong) {
     RawSocket socket = stream();
     socket.send(words({kLast | 0x7FFFFFFF}));
     EXPECT_EQ(socket.receiveAll(), "");
 }
 
-TEST_F(RpcTransport, closesAConnectionThatCarriesNoRequest) {
+TEST_F(RpcTransport, ClosesAConnectionThatCarriesNoRequest) {
     RawSocket socket = stream();
     socket.send(words({kLast | 8, kTransaction, REPLY}));
     EXPECT_EQ(socket.receiveAll(), "");
 }
 
-TEST_F(RpcTransport, refusesAnotherRpcVersion) {
+TEST_F(RpcTransport, RefusesAnotherRpcVersion) {
     EXPECT_EQ(exchange(request(SIM_SETUP, SIM_PING, words({1}), 1, 3)),
               (std::vector<std::uint32_t>{kTransaction, REPLY, MSG_DENIED, RPC_MISMATCH, 2, 2}));
 }
 
-TEST_F(RpcTransport, refusesUnknownProgramsVersionsAndProcedures) {
+TEST_F(RpcTransport, RefusesUnknownProgramsVersionsAndProcedures) {
     const std::vector<std::uint32_t> accepted{kTransaction, REPLY, MSG_ACCEPTED, 0, 0};
     const auto with = [&](std::vector<std::uint32_t> tail) {
         auto all = accepted;
@@ -76,19 +76,19 @@ TEST_F(RpcTransport, AnswersTheNullProcedureOfEveryProgramAndRecordsNone) {
     EXPECT_TRUE(board.requests().empty());
 }
 
-TEST_F(RpcTransport, refusesArgumentsThatDoNotDecodeAndRecordsNone) {
+TEST_F(RpcTransport, RefusesArgumentsThatDoNotDecodeAndRecordsNone) {
     board.forgetRequests();
     EXPECT_EQ(exchange(request(SIM_MDIO, SIM_MDIO_READ, words({1, 5, 0}))).back(),
               static_cast<std::uint32_t>(GARBAGE_ARGS));
     EXPECT_TRUE(board.requests().empty());
 }
 
-TEST_F(RpcTransport, refusesAListThatClaimsMoreThanItsLimitWithoutMakingRoomForIt) {
+TEST_F(RpcTransport, RefusesAListThatClaimsMoreThanItsLimitWithoutMakingRoomForIt) {
     EXPECT_EQ(exchange(request(SIM_MDIO, SIM_MDIO_READ, words({1, 0xFFFFFFFF}))).back(),
               static_cast<std::uint32_t>(GARBAGE_ARGS));
 }
 
-TEST_F(RpcTransport, leavesDatagramsThatAreNoRequestsUnanswered) {
+TEST_F(RpcTransport, LeavesDatagramsThatAreNoRequestsUnanswered) {
     RawSocket socket = RawSocket::datagram(0);
     const std::uint16_t udp = port(IPPROTO_UDP);
     socket.sendTo("x", board.address(), udp);
@@ -97,7 +97,7 @@ TEST_F(RpcTransport, leavesDatagramsThatAreNoRequestsUnanswered) {
     EXPECT_EQ(wordsOf(socket.receive()).back(), 9U) << "the first answer is that of the last datagram";
 }
 
-TEST_F(RpcTransport, acceptsCredentialsOfAnyFlavour) {
+TEST_F(RpcTransport, AcceptsCredentialsOfAnyFlavour) {
     const std::string call = words({kTransaction, CALL, 2, SIM_SETUP, 1, SIM_PING, 77, 8, 1, 2, 0, 0, 42});
     EXPECT_EQ(exchange(call).back(), 42U);
 }

@@ -33,7 +33,7 @@ protected:
     }
 };
 
-TEST_F(DisturbedBoard, thatHangsHearsNothingAndKeepsItsSockets) {
+TEST_F(DisturbedBoard, ThatHangsHearsNothingAndKeepsItsSockets) {
     board.hang();
     EXPECT_FALSE(answers(board));
     EXPECT_EQ(connectionError(111), 0);
@@ -42,7 +42,7 @@ TEST_F(DisturbedBoard, thatHangsHearsNothingAndKeepsItsSockets) {
     EXPECT_TRUE(answers(board));
 }
 
-TEST_F(DisturbedBoard, thatIsRestartedServesAtOtherPortsWithItsSessions) {
+TEST_F(DisturbedBoard, ThatIsRestartedServesAtOtherPortsWithItsSessions) {
     const std::uint16_t tcp = port(IPPROTO_TCP);
     const std::uint16_t udp = port(IPPROTO_UDP);
     board.restart();
@@ -52,13 +52,13 @@ TEST_F(DisturbedBoard, thatIsRestartedServesAtOtherPortsWithItsSessions) {
     EXPECT_EQ(connectionError(tcp), ECONNREFUSED);
 }
 
-TEST_F(DisturbedBoard, thatIsRestartedMayForgetItsSessions) {
+TEST_F(DisturbedBoard, ThatIsRestartedMayForgetItsSessions) {
     board.restart(true);
     EXPECT_EQ(board.sessionCount(), 0U);
     EXPECT_TRUE(answers(board));
 }
 
-TEST_F(DisturbedBoard, movesToAnotherAddressWithItsState) {
+TEST_F(DisturbedBoard, MovesToAnotherAddressWithItsState) {
     const std::string former = board.address();
     board.setRegister(Space::C45, 0, 0, 0x10010, 77);
     board.moveTo("10.83.5.5");
@@ -68,7 +68,7 @@ TEST_F(DisturbedBoard, movesToAnotherAddressWithItsState) {
     EXPECT_EQ(lab.add({former, "heir", {}, "host", 1, false}).address(), former);
 }
 
-TEST_F(DisturbedBoard, staysWhereItIsWhenItCannotMove) {
+TEST_F(DisturbedBoard, StaysWhereItIsWhenItCannotMove) {
     const std::string former = board.address();
     Board& other = lab.add({"", "other", {}, "host", 1, false});
     EXPECT_THROW(board.moveTo(other.address()), std::invalid_argument);
@@ -78,7 +78,7 @@ TEST_F(DisturbedBoard, staysWhereItIsWhenItCannotMove) {
     EXPECT_TRUE(answers(board));
 }
 
-TEST_F(DisturbedBoard, refusesAtItsPortMapperUntilThatIsOpenAgain) {
+TEST_F(DisturbedBoard, RefusesAtItsPortMapperUntilThatIsOpenAgain) {
     board.closePortMapper();
     EXPECT_EQ(connectionError(111), ECONNREFUSED);
     EXPECT_EQ(connectionError(12345), 0);
@@ -88,7 +88,7 @@ TEST_F(DisturbedBoard, refusesAtItsPortMapperUntilThatIsOpenAgain) {
     EXPECT_TRUE(answers(board));
 }
 
-TEST_F(DisturbedBoard, refusesAsManyOpensAsAsked) {
+TEST_F(DisturbedBoard, RefusesAsManyOpensAsAsked) {
     board.inject({"setup", "open_connection", Kind::ResultCode, 2, -EACCES});
     sim_Open_Param argument{};
     argument.simple = 1;
@@ -99,7 +99,7 @@ TEST_F(DisturbedBoard, refusesAsManyOpensAsAsked) {
     }
 }
 
-TEST_F(DisturbedBoard, doesWhatActionsSay) {
+TEST_F(DisturbedBoard, DoesWhatActionsSay) {
     board.apply(SetRegister{Space::C45, 0, 0, 0x10010, 5});
     EXPECT_EQ(board.registerValue(Space::C45, 0, 0, 0x10010), 5U);
     board.apply(Fault{"setup", "ping", Kind::LoseReply, 3, 0});
@@ -135,29 +135,29 @@ protected:
     }
 };
 
-TEST_F(StrayingBoard, sendsRepliesThatNobodyWaitsFor) {
+TEST_F(StrayingBoard, SendsRepliesThatNobodyWaitsFor) {
     for (const std::string& bytes : strays(StrayDatagrams::Kind::WrongTransaction, 5))
         EXPECT_EQ(bytes, words({0x80000007, REPLY, MSG_ACCEPTED, 0, 0, SUCCESS, 0}));
 }
 
-TEST_F(StrayingBoard, sendsRepliesFromAnotherPort) {
+TEST_F(StrayingBoard, SendsRepliesFromAnotherPort) {
     for (const std::string& bytes : strays(StrayDatagrams::Kind::WrongPort, 5))
         EXPECT_EQ(bytes, words({7, REPLY, MSG_ACCEPTED, 0, 0, SUCCESS, 0}));
 }
 
-TEST_F(StrayingBoard, sendsDatagramsOfUpToThreeBytes) {
+TEST_F(StrayingBoard, SendsDatagramsOfUpToThreeBytes) {
     std::set<std::size_t> sizes;
     for (const std::string& bytes : strays(StrayDatagrams::Kind::Short, 100))
         sizes.insert(bytes.size());
     EXPECT_EQ(sizes, (std::set<std::size_t>{0, 1, 2, 3}));
 }
 
-TEST_F(StrayingBoard, sendsMadeUpBytes) {
+TEST_F(StrayingBoard, SendsMadeUpBytes) {
     for (const std::string& bytes : strays(StrayDatagrams::Kind::Random, 20))
         EXPECT_GE(bytes.size(), 4U);
 }
 
-TEST_F(DisturbedBoard, countsWhatBecomesOfItsCalls) {
+TEST_F(DisturbedBoard, CountsWhatBecomesOfItsCalls) {
     Client udp(board, SIM_SETUP, "udp");
     udp.setTimeout(100);
     board.inject({"setup", "ping", Kind::LoseRequest, 1, 0});
@@ -177,7 +177,7 @@ TEST_F(DisturbedBoard, countsWhatBecomesOfItsCalls) {
     EXPECT_EQ(board.executions("mdio_read"), 0U);
 }
 
-TEST_F(DisturbedBoard, goesOnCountingWhatItDoesNotKeep) {
+TEST_F(DisturbedBoard, GoesOnCountingWhatItDoesNotKeep) {
     BoardOptions options;
     options.serial = "forgetful";
     options.keptRequests = 2;
@@ -192,7 +192,7 @@ TEST_F(DisturbedBoard, goesOnCountingWhatItDoesNotKeep) {
     EXPECT_EQ(forgetful.requests()[0].arguments()["value"], 3);
 }
 
-TEST_F(DisturbedBoard, letsAnObserverActBetweenTwoRequests) {
+TEST_F(DisturbedBoard, LetsAnObserverActBetweenTwoRequests) {
     int seen = 0;
     board.onRequest([&](const Request& request) {
         if (request.procedure == "ping" && ++seen == 2)
@@ -207,7 +207,7 @@ TEST_F(DisturbedBoard, letsAnObserverActBetweenTwoRequests) {
     EXPECT_EQ(values, (std::vector<int>{1, 2, -5, 4}));
 }
 
-TEST_F(DisturbedBoard, isStoppedByAnObserverOnceTheRequestIsAnswered) {
+TEST_F(DisturbedBoard, IsStoppedByAnObserverOnceTheRequestIsAnswered) {
     board.onRequest([&](const Request& request) {
         if (request.procedure == "ping")
             board.stop();

@@ -19,7 +19,7 @@ int connectionError(const std::string& address, std::uint16_t port) {
     return ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&point), sizeof point) == 0 ? 0 : errno;
 }
 
-TEST(LabOfBoards, givesEachBoardTheNextFreeAddress) {
+TEST(LabOfBoards, GivesEachBoardTheNextFreeAddress) {
     Lab lab;
     EXPECT_EQ(lab.add({"", "A", {}, "host", 1, false}).address(), "10.83.0.1");
     EXPECT_EQ(lab.add({"10.83.0.2", "B", {}, "host", 1, false}).address(), "10.83.0.2");
@@ -28,7 +28,7 @@ TEST(LabOfBoards, givesEachBoardTheNextFreeAddress) {
     EXPECT_EQ(lab.boards().size(), 3U);
 }
 
-TEST(LabOfBoards, refusesWhatItHasAlready) {
+TEST(LabOfBoards, RefusesWhatItHasAlready) {
     Lab lab;
     lab.add({"", "A", {}, "host", 1, false});
     EXPECT_THROW(lab.add({"", "A", {}, "host", 1, false}), std::invalid_argument);
@@ -38,19 +38,19 @@ TEST(LabOfBoards, refusesWhatItHasAlready) {
     EXPECT_THROW(lab.board("B"), std::out_of_range);
 }
 
-TEST(LabOfBoards, refusesAnAddressThatIsNotOnTheBoardSide) {
+TEST(LabOfBoards, RefusesAnAddressThatIsNotOnTheBoardSide) {
     Lab lab;
     EXPECT_THROW(lab.add({"192.0.2.1", "A", {}, "host", 1, false}), std::system_error);
     EXPECT_EQ(lab.add({"", "A", {}, "host", 1, false}).serial(), "A") << "the failure left nothing behind";
 }
 
-TEST(LabOfBoards, besideAnotherTakesAddressesThatAreLeft) {
+TEST(LabOfBoards, BesideAnotherTakesAddressesThatAreLeft) {
     Lab first;
     Lab second;
     EXPECT_NE(first.add().address(), second.add().address());
 }
 
-TEST_F(OneBoard, refusesEverythingWhileItIsStopped) {
+TEST_F(OneBoard, RefusesEverythingWhileItIsStopped) {
     board.stop();
     int value = 0;
     EXPECT_NE(setup.call(sim_ping_1, 1, value), RPC_SUCCESS);
@@ -62,7 +62,7 @@ TEST_F(OneBoard, refusesEverythingWhileItIsStopped) {
     EXPECT_EQ(board.sessionCount(), 1U) << "sessions outlive a restart";
 }
 
-TEST_F(OneBoard, hasItsRequestsSelectedAndForgotten) {
+TEST_F(OneBoard, HasItsRequestsSelectedAndForgotten) {
     int value = 0;
     setup.call(sim_ping_1, 1, value);
     setup.call(sim_ping_1, 2, value);
@@ -73,7 +73,7 @@ TEST_F(OneBoard, hasItsRequestsSelectedAndForgotten) {
     EXPECT_TRUE(board.requests().empty());
 }
 
-TEST_F(OneBoard, waitsForARequestThatIsYetToCome) {
+TEST_F(OneBoard, WaitsForARequestThatIsYetToCome) {
     std::thread caller([this] {
         int value = 0;
         setup.call(sim_ping_1, 77, value);
@@ -84,7 +84,7 @@ TEST_F(OneBoard, waitsForARequestThatIsYetToCome) {
     caller.join();
 }
 
-TEST_F(OneBoard, reportsARequestThatDoesNotCome) {
+TEST_F(OneBoard, ReportsARequestThatDoesNotCome) {
     try {
         board.waitFor([](const Request&) { return false; }, std::chrono::milliseconds(10));
         FAIL() << "nothing could match";
@@ -94,7 +94,7 @@ TEST_F(OneBoard, reportsARequestThatDoesNotCome) {
     }
 }
 
-TEST_F(OneBoard, servesSeveralThreadsWhileItIsInspected) {
+TEST_F(OneBoard, ServesSeveralThreadsWhileItIsInspected) {
     std::atomic<int> failures{0};
     std::vector<std::thread> callers;
     for (int i = 0; i < 3; ++i)
@@ -115,7 +115,7 @@ TEST_F(OneBoard, servesSeveralThreadsWhileItIsInspected) {
     EXPECT_EQ(board.requestsOf("ping").size(), 600U);
 }
 
-TEST(NetworkOfTheLab, hasNoWayOut) {
+TEST(NetworkOfTheLab, HasNoWayOut) {
     ASSERT_TRUE(PrivateNetwork::entered());
     const FileDescriptor socket(::socket(AF_INET, SOCK_DGRAM, 0));
     const sockaddr_in outside = endPoint("192.0.2.99", 9);
@@ -124,7 +124,7 @@ TEST(NetworkOfTheLab, hasNoWayOut) {
     EXPECT_THROW(PrivateNetwork::enter({}), std::logic_error);
 }
 
-TEST(NetworkOfTheLab, reachesAllItsBoardsThroughOneNeighbour) {
+TEST(NetworkOfTheLab, ReachesAllItsBoardsThroughOneNeighbour) {
     for (int i = 1; i <= 200; ++i)
         EXPECT_EQ(connectionError("10.83.7." + std::to_string(i), 111), ECONNREFUSED);
     std::ifstream neighbours("/proc/net/arp");
@@ -133,7 +133,7 @@ TEST(NetworkOfTheLab, reachesAllItsBoardsThroughOneNeighbour) {
         EXPECT_EQ(line.find("10.83.7."), std::string::npos) << line;
 }
 
-TEST(NetworkOfTheLab, refusesConnectionsToAddressesWithoutBoard) {
+TEST(NetworkOfTheLab, RefusesConnectionsToAddressesWithoutBoard) {
     EXPECT_EQ(connectionError("10.83.77.77", 111), ECONNREFUSED);
 }
 

@@ -56,7 +56,7 @@ int arrivalsIn(int networks) {
     return arrived;
 }
 
-TEST(PrivateNetwork, thatHasBeenEnteredCarriesItsFirstPacket) {
+TEST(PrivateNetwork, ThatHasBeenEnteredCarriesItsFirstPacket) {
     EXPECT_EQ(arrivalsIn(600), 600);
 }
 

@@ -10,7 +10,7 @@ namespace {
 
 class AskedByRpcinfo : public RawBoard {};
 
-TEST_F(AskedByRpcinfo, listsItsProgramsOnBothTransports) {
+TEST_F(AskedByRpcinfo, ListsItsProgramsOnBothTransports) {
     const Outcome listed = shell("rpcinfo -p " + board.address());
     EXPECT_EQ(listed.status, 0) << listed.output;
     std::string expected = "   program vers proto   port  service\n"
@@ -23,7 +23,7 @@ TEST_F(AskedByRpcinfo, listsItsProgramsOnBothTransports) {
     EXPECT_EQ(listed.output, expected);
 }
 
-TEST_F(AskedByRpcinfo, answersTheNullProcedureOnBothTransports) {
+TEST_F(AskedByRpcinfo, AnswersTheNullProcedureOnBothTransports) {
     for (const std::string transport : {"udp", "tcp"}) {
         const Outcome answered = shell("rpcinfo -T " + transport + " " + board.address() + " 805306354 1");
         EXPECT_EQ(answered.status, 0);
@@ -31,7 +31,7 @@ TEST_F(AskedByRpcinfo, answersTheNullProcedureOnBothTransports) {
     }
 }
 
-TEST_F(AskedByRpcinfo, tellsWhichVersionItServes) {
+TEST_F(AskedByRpcinfo, TellsWhichVersionItServes) {
     const Outcome refused = shell("rpcinfo -u " + board.address() + " 805306354 2");
     EXPECT_NE(refused.status, 0);
     EXPECT_NE(refused.output.find("low version = 1, high version = 1"), std::string::npos) << refused.output;
@@ -76,7 +76,7 @@ protected:
     }
 };
 
-TEST_F(DissectedByTshark, isWellFormedInEveryReplyOverUdp) {
+TEST_F(DissectedByTshark, IsWellFormedInEveryReplyOverUdp) {
     const std::uint16_t udp = port(IPPROTO_UDP);
     overUdp(111, next(SIM_PORTMAP, 0, "", 2));
     overUdp(111, next(SIM_PORTMAP, SIM_PORTMAP_GETPORT, words({SIM_MDIO, 1, IPPROTO_UDP, 0}), 2));
@@ -98,7 +98,7 @@ TEST_F(DissectedByTshark, isWellFormedInEveryReplyOverUdp) {
                            "0,805306360,1,1,,\n1,805306360,1,1,1,\n");
 }
 
-TEST_F(DissectedByTshark, isWellFormedOverTcp) {
+TEST_F(DissectedByTshark, IsWellFormedOverTcp) {
     const std::uint16_t tcp = port(IPPROTO_TCP);
     overTcp(111, next(SIM_PORTMAP, SIM_PORTMAP_DUMP, "", 2));
     overTcp(tcp, next(SIM_SETUP, SIM_PING, words({7})));
@@ -108,7 +108,7 @@ TEST_F(DissectedByTshark, isWellFormedOverTcp) {
                            "0,805306353,1,0,,\n1,805306353,1,0,0,\n");
 }
 
-TEST_F(DissectedByTshark, isMalformedWhereAFaultSaysSo) {
+TEST_F(DissectedByTshark, IsMalformedWhereAFaultSaysSo) {
     board.inject({"portmap", "", Fault::Kind::TruncateReply, 1, 26});
     overUdp(111, next(SIM_PORTMAP, SIM_PORTMAP_GETPORT, words({SIM_MDIO, 1, IPPROTO_UDP, 0}), 2));
     EXPECT_EQ(dissected(), "0,100000,2,3,,\n1,100000,2,3,0,[Malformed Packet: Portmap]\n");

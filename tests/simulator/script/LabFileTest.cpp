@@ -25,7 +25,7 @@ std::string refusalOf(const std::string& text) {
     return "";
 }
 
-TEST(LabFile, describesBoardsInFull) {
+TEST(LabFile, DescribesBoardsInFull) {
     Lab lab;
     addBoards(lab, read(R"({"firstWord": "rack", "boards": [{
         "serial": "A1", "address": "10.83.1.1", "devices": ["A1:0", "A1:19"], "seed": 5,
@@ -45,7 +45,7 @@ TEST(LabFile, describesBoardsInFull) {
     EXPECT_EQ(board.faults()[0].count, 2);
 }
 
-TEST(LabFile, givesABoardItsTemperaturesAndCommands) {
+TEST(LabFile, GivesABoardItsTemperaturesAndCommands) {
     Lab lab;
     addBoards(lab, read(R"({"boards": [{"serial": "A1", "temperatures": {"ambient": 30, "channels": [20, 50]},
         "commands": [{"command": "uname", "status": 3, "output": "sim\n", "errors": "oh\n"}]}]})")
@@ -69,20 +69,20 @@ TEST(LabFile, givesABoardItsTemperaturesAndCommands) {
     EXPECT_EQ(std::string(outcome->errors.errors_val, outcome->errors.errors_len), "oh\n");
 }
 
-TEST(LabFile, givesBoardsWithoutAddressThoseThatNoOtherNames) {
+TEST(LabFile, GivesBoardsWithoutAddressThoseThatNoOtherNames) {
     const LabSetup lab = read(R"({"boards": [{"serial": "A"}, {"serial": "B", "address": "10.83.0.1"},
                                              {"serial": "C"}]})");
     EXPECT_EQ(lab.boards[0].options.address, "10.83.0.2");
     EXPECT_EQ(lab.boards[2].options.address, "10.83.0.3");
 }
 
-TEST(LabFile, givesEachBoardASeedOfItsOwn) {
+TEST(LabFile, GivesEachBoardASeedOfItsOwn) {
     const LabSetup lab = read(R"({"seed": 9, "boards": [{"serial": "A"}, {"serial": "B"}]})");
     EXPECT_EQ(lab.boards[0].options.seed, 9U);
     EXPECT_EQ(lab.boards[1].options.seed, 10U);
 }
 
-TEST(LabFile, forLoopbackTakesLoopbackAddresses) {
+TEST(LabFile, ForLoopbackTakesLoopbackAddresses) {
     const Json file = parseJson(R"({"boards": [{"serial": "A", "address": "127.3.2.1"}]})");
     EXPECT_EQ(readLab(file, loopbackPlace()).boards[0].options.address, "127.3.2.1");
     EXPECT_THROW(
@@ -98,7 +98,7 @@ struct Refusal {
 
 class WrongLabFile : public testing::TestWithParam<Refusal> {};
 
-TEST_P(WrongLabFile, isRefusedWithTheMembersPath) {
+TEST_P(WrongLabFile, IsRefusedWithTheMembersPath) {
     EXPECT_EQ(refusalOf(GetParam().file), GetParam().text);
 }
 
@@ -211,7 +211,7 @@ std::set<std::string> knownMembers(const std::string& fileWithUnknown) {
     return names;
 }
 
-TEST(LabFileSchema, namesWhatTheReaderTakes) {
+TEST(LabFileSchema, NamesWhatTheReaderTakes) {
     const Json schema = readJsonFile(ORVANE_LAB_SCHEMA);
     EXPECT_EQ(membersOf(schema["properties"]), knownMembers(R"({"boards": [], "x": 1})"));
     EXPECT_EQ(membersOf(schema["$defs"]["board"]["properties"]),
@@ -230,7 +230,7 @@ TEST(LabFileSchema, namesWhatTheReaderTakes) {
     EXPECT_EQ(listed, actions);
 }
 
-TEST(LabFileOnTheCommandLine, isRefusedBeforeAnythingStarts) {
+TEST(LabFileOnTheCommandLine, IsRefusedBeforeAnythingStarts) {
     const ScratchFolder folder;
     const std::string file =
         folder.write("lab.json", "{\"boards\": [\n{\"serial\": \"A\", \"address\": \"1.2.3.4\"}]}");

@@ -36,20 +36,20 @@ protected:
     }
 };
 
-TEST_F(LabWithTimeline, actsBetweenTheRequestThatMakesAnEntryDueAndTheNext) {
+TEST_F(LabWithTimeline, ActsBetweenTheRequestThatMakesAnEntryDueAndTheNext) {
     start(R"({"after": {"request": 2}, "board": "A", "action": "result", "code": -5, "count": 2},
              {"after": {"request": 5}, "board": "A", "action": "result", "code": -6})");
     EXPECT_EQ(pings(lab.board("A"), 7), (std::vector<int>{1, 2, -5, -5, 5, -6, 7}));
     EXPECT_EQ(pings(lab.board("B"), 3), (std::vector<int>{1, 2, 3}));
 }
 
-TEST_F(LabWithTimeline, countsForEachBoardByItselfWhenAllAreMeant) {
+TEST_F(LabWithTimeline, CountsForEachBoardByItselfWhenAllAreMeant) {
     start(R"({"after": {"request": 1}, "action": "result", "code": -5})");
     EXPECT_EQ(pings(lab.board("A"), 3), (std::vector<int>{1, -5, 3}));
     EXPECT_EQ(pings(lab.board("B"), 3), (std::vector<int>{1, -5, 3}));
 }
 
-TEST_F(LabWithTimeline, countsOnlyTheProcedureThatIsNamed) {
+TEST_F(LabWithTimeline, CountsOnlyTheProcedureThatIsNamed) {
     start(R"({"after": {"request": 2, "procedure": "ping"}, "board": "A", "action": "result", "code": -5})");
     Client setup(lab.board("A"), SIM_SETUP, "tcp");
     openSession(setup);
@@ -57,14 +57,14 @@ TEST_F(LabWithTimeline, countsOnlyTheProcedureThatIsNamed) {
     EXPECT_EQ(pings(lab.board("A"), 4), (std::vector<int>{1, 2, -5, 4}));
 }
 
-TEST_F(LabWithTimeline, movesABoardAfterItsRequest) {
+TEST_F(LabWithTimeline, MovesABoardAfterItsRequest) {
     start(R"({"after": {"request": 1}, "board": "A", "action": "move", "address": "10.83.7.7"})");
     EXPECT_EQ(pings(lab.board("A"), 1), (std::vector<int>{1}));
     EXPECT_EQ(pings(lab.board("A"), 1), (std::vector<int>{1}));
     EXPECT_EQ(lab.board("A").address(), "10.83.7.7");
 }
 
-TEST_F(LabWithTimeline, actsAfterATime) {
+TEST_F(LabWithTimeline, ActsAfterATime) {
     start(R"({"after": {"seconds": 0.01}, "board": "B", "action": "set", "register": 7, "value": 9})");
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     while (lab.board("B").registerValue(Space::C45, 0, 0, 7) == 0 && std::chrono::steady_clock::now() < limit)
@@ -72,7 +72,7 @@ TEST_F(LabWithTimeline, actsAfterATime) {
     EXPECT_EQ(lab.board("B").registerValue(Space::C45, 0, 0, 7), 9U);
 }
 
-TEST_F(LabWithTimeline, repeatsWithTheSameSeed) {
+TEST_F(LabWithTimeline, RepeatsWithTheSameSeed) {
     const std::string half = R"({"after": {"request": 3}, "board": "A", "action": "result", "code": -5, )"
                              R"("count": -1, "probability": 0.5})";
     start(half);
@@ -87,7 +87,7 @@ TEST_F(LabWithTimeline, repeatsWithTheSameSeed) {
     EXPECT_EQ(pings(second.board("A"), 50), first);
 }
 
-TEST(Script, isAListForTheBoardsOfTheLab) {
+TEST(Script, IsAListForTheBoardsOfTheLab) {
     const LabSetup lab = readLab(parseJson(R"({"boards": [{"serial": "A"}]})"), privatePlace());
     const auto refusal = [&](const char* text) {
         try {
@@ -108,7 +108,7 @@ protected:
     ScratchFolder folder;
 };
 
-TEST_F(Recorded, isEveryRequestOnALineOfItsOwn) {
+TEST_F(Recorded, IsEveryRequestOnALineOfItsOwn) {
     recordRequests(lab, folder.file("calls.jsonl"));
     board.inject({"setup", "ping", Fault::Kind::ResultCode, 1, -5});
     for (const int number : {7, 8}) {
@@ -130,7 +130,7 @@ TEST_F(Recorded, isEveryRequestOnALineOfItsOwn) {
     EXPECT_EQ(lines.peek(), EOF);
 }
 
-TEST_F(Recorded, nowhereIsRefused) {
+TEST_F(Recorded, NowhereIsRefused) {
     EXPECT_THROW(recordRequests(lab, "/no/such/folder/file"), ScriptError);
 }
 
@@ -140,7 +140,7 @@ protected:
     const std::string file = folder.file("registers.json");
 };
 
-TEST_F(SnapshotOfALab, bringsEveryRegisterBackAndForgetsTheOthers) {
+TEST_F(SnapshotOfALab, BringsEveryRegisterBackAndForgetsTheOthers) {
     board.setRegister(Space::C45, 1, 3, 0x1E0001, 0xCAFE);
     board.setRegister(Space::C22, 0, 31, 16, 0x2210);
     board.setRegister(Space::Ext32, 9, 0, 0xFFFFFFFC, 0xDEADBEEF);
@@ -155,7 +155,7 @@ TEST_F(SnapshotOfALab, bringsEveryRegisterBackAndForgetsTheOthers) {
     EXPECT_EQ(board.registerValue(Space::C45, 0, 0, 0x10010), 0U);
 }
 
-TEST_F(SnapshotOfALab, isWrittenARegisterToALine) {
+TEST_F(SnapshotOfALab, IsWrittenARegisterToALine) {
     board.setRegister(Space::C45, 1, 3, 0x1E0001, 0xCAFE);
     lab.add({"", "B", {}, "host", 1, false});
     writeSnapshot(file, snapshotOf(lab.boards()));
@@ -167,7 +167,7 @@ TEST_F(SnapshotOfALab, isWrittenARegisterToALine) {
         "{\"serial\": \"B\", \"registers\": []}]}\n");
 }
 
-TEST_F(SnapshotOfALab, thatIsWrongChangesNothing) {
+TEST_F(SnapshotOfALab, ThatIsWrongChangesNothing) {
     board.setRegister(Space::C45, 0, 0, 7, 5);
     for (const char* wrong : {R"({"boards": [{"serial": "01A2", "registers": []}, {"serial": "B"}]})",
                               R"({"boards": [{"serial": "01A2", "registers": [{"register": 1}]}]})"})
@@ -175,7 +175,7 @@ TEST_F(SnapshotOfALab, thatIsWrongChangesNothing) {
     EXPECT_EQ(board.registerValue(Space::C45, 0, 0, 7), 5U);
 }
 
-TEST(LabOnTheCommandLine, savesAtItsEndWhatTheNextOneBeginsWith) {
+TEST(LabOnTheCommandLine, SavesAtItsEndWhatTheNextOneBeginsWith) {
     const ScratchFolder folder;
     const std::string file = folder.file("registers.json");
     const std::string ctl = "-- " ORVANE_SIM " ctl OV0001 ";
@@ -185,7 +185,7 @@ TEST(LabOnTheCommandLine, savesAtItsEndWhatTheNextOneBeginsWith) {
               "orvane-lab: " + file + ": boards[0].serial: the lab has no board \"OV0001\"\n");
 }
 
-TEST(LabOnTheCommandLine, recordsAndFollowsItsScript) {
+TEST(LabOnTheCommandLine, RecordsAndFollowsItsScript) {
     const ScratchFolder folder;
     const std::string script = folder.write(
         "script.json", R"([{"after": {"seconds": 0}, "action": "set", "register": 7, "value": 9}])");

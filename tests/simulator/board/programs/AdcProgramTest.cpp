@@ -36,7 +36,7 @@ protected:
     }
 };
 
-TEST_F(AdcProgram, givesTheSamplesOfEachEnabledChannelInTurn) {
+TEST_F(AdcProgram, GivesTheSamplesOfEachEnabledChannelInTurn) {
     board.setWaveform(0, {Waveform::Shape::Ramp, 10, 4, 4});
     board.setWaveform(2, {Waveform::Shape::Constant, 200, 0, 1});
     setMask(0b101);
@@ -46,13 +46,13 @@ TEST_F(AdcProgram, givesTheSamplesOfEachEnabledChannelInTurn) {
     EXPECT_EQ(maxima(), (Numbers{13, 200}));
 }
 
-TEST_F(AdcProgram, givesASineThatStaysInItsRange) {
+TEST_F(AdcProgram, GivesASineThatStaysInItsRange) {
     board.setWaveform(0, {Waveform::Shape::Sine, 128, 300, 4});
     doSimple(sim_adc_start_1);
     EXPECT_EQ(take(4), (Numbers{128, 255, 128, 0}));
 }
 
-TEST_F(AdcProgram, givesNothingUnlessItRuns) {
+TEST_F(AdcProgram, GivesNothingUnlessItRuns) {
     EXPECT_EQ(take(10), Numbers{});
     doSimple(sim_adc_start_1);
     EXPECT_EQ(take(10).size(), 10U);
@@ -64,7 +64,7 @@ TEST_F(AdcProgram, givesNothingUnlessItRuns) {
     EXPECT_EQ(data->error, -EINVAL);
 }
 
-TEST_F(AdcProgram, remembersEventsAndTheDumpFile) {
+TEST_F(AdcProgram, RemembersEventsAndTheDumpFile) {
     std::string name = "overload";
     std::string file = "/tmp/capture.bin";
     sim_ADC_Result result{};

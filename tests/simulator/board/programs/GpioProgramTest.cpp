@@ -32,7 +32,7 @@ protected:
     }
 };
 
-TEST_F(GpioProgram, inputFollowsTheOutputThatItIsWiredTo) {
+TEST_F(GpioProgram, InputFollowsTheOutputThatItIsWiredTo) {
     board.wireGpio(1, 2);
     ASSERT_EQ(write(sim_gpio_write_1, "\1", "\1"), 0);
     EXPECT_EQ(read(sim_gpio_read_1, "\1\2"), (Numbers{0, 0})) << "the output is not enabled yet";
@@ -41,13 +41,13 @@ TEST_F(GpioProgram, inputFollowsTheOutputThatItIsWiredTo) {
     EXPECT_EQ(read(sim_gpio_readoutputenable_1, "\1\2"), (Numbers{1, 0}));
 }
 
-TEST_F(GpioProgram, inputShowsWhatTheOutsideDrives) {
+TEST_F(GpioProgram, InputShowsWhatTheOutsideDrives) {
     board.driveGpio(31, true);
     EXPECT_EQ(read(sim_gpio_read_1, "\x1F\x1E"), (Numbers{1, 0}));
     EXPECT_TRUE(board.gpioLevel(31));
 }
 
-TEST_F(GpioProgram, defaultAndResetGiveLinesUp) {
+TEST_F(GpioProgram, DefaultAndResetGiveLinesUp) {
     const std::string lines = "\3\4";
     ASSERT_EQ(write(sim_gpio_enableoutput_1, lines, "\1\1"), 0);
     std::string first = "\3";
@@ -59,7 +59,7 @@ TEST_F(GpioProgram, defaultAndResetGiveLinesUp) {
     EXPECT_EQ(read(sim_gpio_readoutputenable_1, lines), (Numbers{0, 0}));
 }
 
-TEST_F(GpioProgram, bitBangWritesAndSamplesStepByStep) {
+TEST_F(GpioProgram, BitBangWritesAndSamplesStepByStep) {
     board.wireGpio(1, 2);
     ASSERT_EQ(write(sim_gpio_enableoutput_1, "\1", "\1"), 0);
     std::string lines("\1\2\1\2", 4);
@@ -70,7 +70,7 @@ TEST_F(GpioProgram, bitBangWritesAndSamplesStepByStep) {
     EXPECT_EQ(numbers(answer->states.states_val, answer->states.states_len), (Numbers{1, 1, 0, 0}));
 }
 
-TEST_F(GpioProgram, refusesLinesThatDoNotExistAndListsThatDiffer) {
+TEST_F(GpioProgram, RefusesLinesThatDoNotExistAndListsThatDiffer) {
     EXPECT_EQ(read(sim_gpio_read_1, "\x20"), Numbers{});
     EXPECT_EQ(answer->error, -EINVAL);
     EXPECT_EQ(write(sim_gpio_write_1, "\1\2", "\1"), -EINVAL);

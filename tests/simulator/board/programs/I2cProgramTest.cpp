@@ -35,7 +35,7 @@ protected:
     }
 };
 
-TEST_F(I2cProgram, clause45FramesReachTheRegistersOfTheMdioSide) {
+TEST_F(I2cProgram, Clause45FramesReachTheRegistersOfTheMdioSide) {
     board.setRegister(Space::C45, 0, kPhy, 0x10002, 0x1234);
     ASSERT_EQ(write(kPhy, {0x01, 0x02, 0x00}), 0);
     EXPECT_EQ(read(kPhy, 0x41, 2), (Numbers{0x34, 0x12}));
@@ -43,13 +43,13 @@ TEST_F(I2cProgram, clause45FramesReachTheRegistersOfTheMdioSide) {
     EXPECT_EQ(board.registerValue(Space::C45, 0, kPhy, 0x10002), 0xABCDU);
 }
 
-TEST_F(I2cProgram, busNIsMdioPortN) {
+TEST_F(I2cProgram, BusNIsMdioPortN) {
     board.setRegister(Space::C45, 3, kPhy, 0x10004, 0x55);
     ASSERT_EQ(write(kPhy, {0x01, 0x04, 0x00}, 3), 0);
     EXPECT_EQ(read(kPhy, 0x41, 2, 3), (Numbers{0x55, 0}));
 }
 
-TEST_F(I2cProgram, pagedFramesReachTheExtension) {
+TEST_F(I2cProgram, PagedFramesReachTheExtension) {
     ASSERT_EQ(write(kPhy, {0x81, 0x34, 0x12}), 0);
     ASSERT_EQ(write(kPhy, {0x80, 0x78, 0x56}), 0);
     ASSERT_EQ(write(kPhy, {0xA1, 0xFE, 0xCA}), 0);
@@ -60,13 +60,13 @@ TEST_F(I2cProgram, pagedFramesReachTheExtension) {
     EXPECT_EQ(read(kPhy, 0xC1, 2), (Numbers{0xFE, 0xCA}));
 }
 
-TEST_F(I2cProgram, directFramesReachTheExtension) {
+TEST_F(I2cProgram, DirectFramesReachTheExtension) {
     ASSERT_EQ(write(kPhy, {0x12, 0x34, 0x56, 0x78, 0x0D, 0xF0, 0xFE, 0xCA}), 0);
     EXPECT_EQ(board.registerValue(Space::Ext32, 0, kPhy, 0x12345678), 0xCAFEF00DU);
     EXPECT_EQ(readRegister(kPhy, 0x78563412, 4, 4), (Numbers{0x0D, 0xF0, 0xFE, 0xCA}));
 }
 
-TEST_F(I2cProgram, doesNotAcknowledgeWhatIsNotThere) {
+TEST_F(I2cProgram, DoesNotAcknowledgeWhatIsNotThere) {
     EXPECT_EQ(write(0x33, {0}), -EREMOTEIO);
     EXPECT_EQ(write(kPhy, {1, 2}), -EREMOTEIO) << "no frame of a PHY has two bytes";
     EXPECT_EQ(write(kPhy, {0x01, 0, 0}, 10), -ENODEV);
@@ -74,7 +74,7 @@ TEST_F(I2cProgram, doesNotAcknowledgeWhatIsNotThere) {
     EXPECT_EQ(answer->error, -EINVAL);
 }
 
-TEST_F(I2cProgram, eepromBeginsWithTheSerialNumberAndKeepsWhatIsWritten) {
+TEST_F(I2cProgram, EepromBeginsWithTheSerialNumberAndKeepsWhatIsWritten) {
     EXPECT_EQ(readRegister(kEeprom, 0, 1, 5), (Numbers{'0', '1', 'A', '2', 0xFF}));
     ASSERT_EQ(write(kEeprom, {0x10, 7, 8}), 0);
     EXPECT_EQ(read(kEeprom, 0x10, 3), (Numbers{7, 8, 0xFF}));
@@ -83,14 +83,14 @@ TEST_F(I2cProgram, eepromBeginsWithTheSerialNumberAndKeepsWhatIsWritten) {
     EXPECT_EQ(readRegister(kEeprom, 0, 1, 1), Numbers{9});
 }
 
-TEST_F(I2cProgram, eepromWrapsItsWritesWithinAPageAndItsReadsAtTheEnd) {
+TEST_F(I2cProgram, EepromWrapsItsWritesWithinAPageAndItsReadsAtTheEnd) {
     ASSERT_EQ(write(kEeprom, {0x07, 1, 2}), 0);
     EXPECT_EQ(board.eeprom(0).at(0x07), 1);
     EXPECT_EQ(board.eeprom(0).at(0x00), 2);
     EXPECT_EQ(read(kEeprom, 0xFF, 2), (Numbers{0xFF, 2}));
 }
 
-TEST_F(I2cProgram, sensorShowsTheTemperatureOfTheThermalPlant) {
+TEST_F(I2cProgram, SensorShowsTheTemperatureOfTheThermalPlant) {
     EXPECT_EQ(read(kSensor, 0, 2), (Numbers{25, 0}));
     ASSERT_EQ(write(kSensor, {3, 85, 0x80}), 0);
     EXPECT_EQ(read(kSensor, 3, 2), (Numbers{85, 0x80}));
@@ -125,14 +125,14 @@ protected:
     }
 };
 
-TEST_F(I2cBlocks, readBackAsTheyWereWritten) {
+TEST_F(I2cBlocks, ReadBackAsTheyWereWritten) {
     ASSERT_EQ(writeBlock(), 0);
     sim_I2C_Block_Reg_Read_Param argument{identity, block()};
     ASSERT_EQ(sim_i2c_block_read_register_1(&argument, &answer.fresh(), i2c.handle()), RPC_SUCCESS);
     EXPECT_EQ(numbers(answer->data.data_val, answer->data.data_len), (Numbers{0xA1, 0xA2, 0xB1}));
 }
 
-TEST_F(I2cBlocks, withAMaskChangeOnlyItsBits) {
+TEST_F(I2cBlocks, WithAMaskChangeOnlyItsBits) {
     ASSERT_EQ(writeBlock(), 0);
     std::vector<u_char> ones{0x0F, 0x0F, 0x0F};
     sim_I2C_Block_Mask_Write_Param argument{identity, block(), {count(ones), ones.data()}, 0x0F};
@@ -142,7 +142,7 @@ TEST_F(I2cBlocks, withAMaskChangeOnlyItsBits) {
     EXPECT_EQ(board.eeprom(0).at(0x30), 0xBF);
 }
 
-TEST_F(I2cBlocks, whoseListsDoNotFitAreRefused) {
+TEST_F(I2cBlocks, WhoseListsDoNotFitAreRefused) {
     data.pop_back();
     EXPECT_EQ(writeBlock(), -EINVAL);
     data.push_back(0);

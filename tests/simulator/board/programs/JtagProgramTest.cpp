@@ -43,7 +43,7 @@ std::string bits(std::uint32_t word) {
 constexpr const char* kToShiftDr = "111110100";
 constexpr const char* kToShiftIr = "1111101100";
 
-TEST_F(JtagProgram, afterResetTheChainShiftsOutItsIdentifications) {
+TEST_F(JtagProgram, AfterResetTheChainShiftsOutItsIdentifications) {
     const auto identifications = board.jtagIdentifications();
     ASSERT_EQ(identifications.size(), 2U);
     const auto results =
@@ -52,7 +52,7 @@ TEST_F(JtagProgram, afterResetTheChainShiftsOutItsIdentifications) {
     EXPECT_EQ(identifications[0] & identifications[1] & 1U, 1U);
 }
 
-TEST_F(JtagProgram, inBypassDelaysTheDataByOneBitForEachDevice) {
+TEST_F(JtagProgram, InBypassDelaysTheDataByOneBitForEachDevice) {
     const std::string ones(13, '1'); // instruction registers of 5 and 8 bits
     const auto results = shift({"", ones, "", "10110000"}, {kToShiftIr, "0000000000001", "", "00000001"},
                                {"", "10100", "", "10"});
@@ -60,25 +60,25 @@ TEST_F(JtagProgram, inBypassDelaysTheDataByOneBitForEachDevice) {
     EXPECT_EQ(results[3], "00101100");
 }
 
-TEST_F(JtagProgram, answersWithOneLevelForEachClockWithData) {
+TEST_F(JtagProgram, AnswersWithOneLevelForEachClockWithData) {
     EXPECT_EQ(shift({"1"}, {"11111"}, {"0"}), std::vector<std::string>{"11111"});
     EXPECT_EQ(shift({}, {}, {}), std::vector<std::string>{});
 }
 
-TEST_F(JtagProgram, refusesOtherCharactersAndUnequalLists) {
+TEST_F(JtagProgram, RefusesOtherCharactersAndUnequalLists) {
     EXPECT_TRUE(shift({"0"}, {"2"}, {""}).empty());
     EXPECT_EQ(answer->error, -EINVAL);
     EXPECT_TRUE(shift({"0"}, {"1", "1"}, {""}).empty());
     EXPECT_EQ(answer->error, -EINVAL);
 }
 
-TEST_F(JtagProgram, tellsHowMuchItShiftsAtOnce) {
+TEST_F(JtagProgram, TellsHowMuchItShiftsAtOnce) {
     sim_Simple_Result result{};
     ASSERT_EQ(jtag.call(sim_jtag_maxbytes_1, sim_Simple_Param{0, identity}, result), RPC_SUCCESS);
     EXPECT_EQ(result.value, 1024);
 }
 
-TEST(JtagChainOfABoard, dependsOnItsSeedOnly) {
+TEST(JtagChainOfABoard, DependsOnItsSeedOnly) {
     Lab lab;
     const auto ids = lab.add({"", "A", {}, "host", 5, false}).jtagIdentifications();
     EXPECT_EQ(lab.add({"", "B", {}, "host", 5, false}).jtagIdentifications(), ids);

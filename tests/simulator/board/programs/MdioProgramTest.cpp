@@ -52,20 +52,20 @@ protected:
     }
 };
 
-TEST_F(MdioProgram, givesBackWhatWasWrittenOverClause45) {
+TEST_F(MdioProgram, GivesBackWhatWasWrittenOverClause45) {
     ASSERT_EQ(write(sim_mdio_write_1, {at(1, 5, 0x1E0001)}, {0xBEEF}), 0);
     EXPECT_EQ(read(sim_mdio_read_1, {at(1, 5, 0x1E0001)}), Words{0xBEEF});
     EXPECT_EQ(board.registerValue(Space::C45, 1, 5, 0x1E0001), 0xBEEFU);
 }
 
-TEST_F(MdioProgram, keepsOnly16BitsOutsideOfTheExtension) {
+TEST_F(MdioProgram, KeepsOnly16BitsOutsideOfTheExtension) {
     ASSERT_EQ(write(sim_mdio_write_1, {at(0, 0, 0x10010)}, {0x12345678}), 0);
     ASSERT_EQ(write(sim_mdio_write_c22_1, {at(0, 0, 0x10)}, {0x12345678}), 0);
     EXPECT_EQ(read(sim_mdio_read_1, {at(0, 0, 0x10010)}), Words{0x5678});
     EXPECT_EQ(read(sim_mdio_read_c22_1, {at(0, 0, 0x10)}), Words{0x5678});
 }
 
-TEST_F(MdioProgram, keepsPortsPhysAndSpacesApart) {
+TEST_F(MdioProgram, KeepsPortsPhysAndSpacesApart) {
     board.setRegister(Space::C45, 0, 1, 0x10001, 1);
     board.setRegister(Space::C45, 1, 0, 0x10001, 2);
     board.setRegister(Space::C22, 0, 1, 1, 3);
@@ -75,7 +75,7 @@ TEST_F(MdioProgram, keepsPortsPhysAndSpacesApart) {
     EXPECT_EQ(read(sim_mdio_read_c22_1, {at(0, 1, 1)}), Words{3});
 }
 
-TEST_F(MdioProgram, reachesPorts8And9ThroughTheirSessions) {
+TEST_F(MdioProgram, ReachesPorts8And9ThroughTheirSessions) {
     board.setRegister(Space::C45, 1, 2, 0x10001, 0x11);
     board.setRegister(Space::C45, 9, 2, 0x10001, 0x99);
     const unsigned port9 = openSession(setup, 9, 2);
@@ -83,31 +83,31 @@ TEST_F(MdioProgram, reachesPorts8And9ThroughTheirSessions) {
     EXPECT_EQ(read(sim_mdio_read_1, {at(1, 2, 0x10001)}), Words{0x11});
 }
 
-TEST_F(MdioProgram, showsAnIdentifierInEveryMmd) {
+TEST_F(MdioProgram, ShowsAnIdentifierInEveryMmd) {
     const auto identifier = read(sim_mdio_read_1, {at(0, 0, 0x10002), at(0, 0, 0x10003), at(0, 7, 0x1E0002)});
     EXPECT_NE(identifier[0], 0U);
     EXPECT_NE(identifier[1], 0U);
     EXPECT_EQ(identifier[2], identifier[0]);
 }
 
-TEST_F(MdioProgram, refusesAWriteWhoseListsDiffer) {
+TEST_F(MdioProgram, RefusesAWriteWhoseListsDiffer) {
     EXPECT_EQ(write(sim_mdio_write_1, {1, 2, 3}, {1, 2}), -EINVAL);
     EXPECT_EQ(board.registerValue(Space::C45, 0, 0, 1), 0U);
 }
 
-TEST_F(MdioProgram, refusesASessionThatItDoesNotKnow) {
+TEST_F(MdioProgram, RefusesASessionThatItDoesNotKnow) {
     EXPECT_TRUE(read(sim_mdio_read_1, {1}, 0xFF).empty());
     EXPECT_EQ(answer->error, -EBADRQC);
 }
 
-TEST_F(MdioProgram, takesTheExtensionsPhyFromTheSession) {
+TEST_F(MdioProgram, TakesTheExtensionsPhyFromTheSession) {
     const unsigned session = openSession(setup, 3, 4);
     board.setRegister(Space::Ext32, 3, 4, 0xFFFF0001, 0xCAFEF00D);
     EXPECT_EQ(read(sim_mdio_read_c22_zrext32_1, {0xFFFF0001}, session), Words{0xCAFEF00D});
     EXPECT_EQ(read(sim_mdio_read_c22_zrext32_1, {0xFFFF0001}), Words{0});
 }
 
-TEST_F(MdioProgram, stepsTheCurrentAddressByOneWordBeforeAnAccess) {
+TEST_F(MdioProgram, StepsTheCurrentAddressByOneWordBeforeAnAccess) {
     ASSERT_EQ(write(sim_mdio_write_c22_zrext32_1, {0x1000}, {10}), 0);
     sim_MDIO_Result written{};
     ASSERT_EQ(
@@ -128,32 +128,32 @@ TEST_F(MdioProgram, stepsTheCurrentAddressByOneWordBeforeAnAccess) {
     EXPECT_EQ(single.value, 40U);
 }
 
-TEST_F(MdioProgram, mixedBlockAlternatesItsRunsBeginningWithWrites) {
+TEST_F(MdioProgram, MixedBlockAlternatesItsRunsBeginningWithWrites) {
     EXPECT_EQ(mixed(sim_mdio_mixedblock_1, {1, 2}, {0x10010, 0x10010}, {0x10010, 0x10010}, {1, 1, 1, 1}),
               (Words{1, 2}));
 }
 
-TEST_F(MdioProgram, mixedBlockWithAnEmptyFirstRunBeginsWithReads) {
+TEST_F(MdioProgram, MixedBlockWithAnEmptyFirstRunBeginsWithReads) {
     board.setRegister(Space::C22, 0, 0, 20, 7);
     EXPECT_EQ(mixed(sim_mdio_mixedblock_c22_1, {9}, {20}, {20, 20}, {0, 1, 1, 1}), (Words{7, 9}));
 }
 
-TEST_F(MdioProgram, mixedBlockLeavesOutWhatItsRunsDoNotCover) {
+TEST_F(MdioProgram, MixedBlockLeavesOutWhatItsRunsDoNotCover) {
     EXPECT_EQ(mixed(sim_mdio_mixedblock_c22_zrext32_1, {5, 6}, {0x40, 0x44}, {0x40, 0x40, 0x40}, {1, 2}),
               (Words{5, 5, 0}));
     EXPECT_EQ(board.registerValue(Space::Ext32, 0, 0, 0x44), 0U);
 }
 
-TEST_F(MdioProgram, mixedBlockEndsWithItsListsWhenRunsAreLonger) {
+TEST_F(MdioProgram, MixedBlockEndsWithItsListsWhenRunsAreLonger) {
     EXPECT_EQ(mixed(sim_mdio_mixedblock_1, {5}, {0x10040}, {0x10040}, {4000000000, 4000000000}), Words{5});
 }
 
-TEST_F(MdioProgram, mixedBlockWithUnequalWriteListsIsRefused) {
+TEST_F(MdioProgram, MixedBlockWithUnequalWriteListsIsRefused) {
     mixed(sim_mdio_mixedblock_1, {5, 6}, {0x10040}, {0x10040}, {1, 1});
     EXPECT_EQ(answer->error, -EINVAL);
 }
 
-TEST_F(MdioProgram, registers13And14OfClause22ReachClause45) {
+TEST_F(MdioProgram, Registers13And14OfClause22ReachClause45) {
     board.setRegister(Space::C45, 0, 0, 0x1E0102, 0xABCD);
     ASSERT_EQ(write(sim_mdio_write_c22_1, {13, 14, 13}, {0x001E, 0x0102, 0x401E}), 0);
     EXPECT_EQ(read(sim_mdio_read_c22_1, {14, 14}), (Words{0xABCD, 0xABCD}));
@@ -161,7 +161,7 @@ TEST_F(MdioProgram, registers13And14OfClause22ReachClause45) {
     EXPECT_EQ(board.registerValue(Space::C45, 0, 0, 0x1E0102), 0x1234U);
 }
 
-TEST_F(MdioProgram, indirectAccessStepsWhereItsFunctionSaysSo) {
+TEST_F(MdioProgram, IndirectAccessStepsWhereItsFunctionSaysSo) {
     ASSERT_EQ(write(sim_mdio_write_c22_1, {13, 14, 13, 14, 14}, {3, 0x10, 0xC003, 100, 101}), 0);
     EXPECT_EQ(board.registerValue(Space::C45, 0, 0, 0x30010), 100U);
     EXPECT_EQ(board.registerValue(Space::C45, 0, 0, 0x30011), 101U);
@@ -169,7 +169,7 @@ TEST_F(MdioProgram, indirectAccessStepsWhereItsFunctionSaysSo) {
     EXPECT_EQ(read(sim_mdio_read_c22_1, {14, 14}), (Words{100, 101}));
 }
 
-TEST_F(MdioProgram, echoesPreambleCountAndSingleWire) {
+TEST_F(MdioProgram, EchoesPreambleCountAndSingleWire) {
     sim_Simple_Result simple{};
     ASSERT_EQ(mdio.call(sim_mdio_setpreamblecount_1, sim_Simple_Param{32, identity}, simple), RPC_SUCCESS);
     EXPECT_EQ(simple.value, 32);
@@ -180,7 +180,7 @@ TEST_F(MdioProgram, echoesPreambleCountAndSingleWire) {
     EXPECT_EQ(result.error, 0);
 }
 
-TEST_F(MdioProgram, acceptsTheInterruptProcedures) {
+TEST_F(MdioProgram, AcceptsTheInterruptProcedures) {
     sim_MDIO_Result result{};
     EXPECT_EQ(mdio.call(sim_mdio_interruptrequest_1, sim_MDIO_InterruptRequest_Param{identity, 1, 2, 3, -4},
                         result),
@@ -194,7 +194,7 @@ TEST_F(MdioProgram, acceptsTheInterruptProcedures) {
     EXPECT_EQ(board.requestsOf("mdio_interruptrequest").at(0).arguments()["int2"], -4);
 }
 
-TEST_F(MdioProgram, isServedOverTcpToo) {
+TEST_F(MdioProgram, IsServedOverTcpToo) {
     Client stream(board, SIM_MDIO, "tcp");
     Words addresses(5000, 0x10002);
     sim_MDIO_Read_Param argument{identity, {static_cast<u_int>(addresses.size()), addresses.data()}};
@@ -203,7 +203,7 @@ TEST_F(MdioProgram, isServedOverTcpToo) {
     EXPECT_EQ(board.requestsOf("mdio_read").at(0).transport, "tcp");
 }
 
-TEST_F(MdioProgram, recordsEveryMemberInWireOrder) {
+TEST_F(MdioProgram, RecordsEveryMemberInWireOrder) {
     write(sim_mdio_write_1, {0x251E0001}, {7});
     const Request request = board.requestsOf("mdio_write").at(0);
     EXPECT_EQ(request.program, "mdio");

@@ -58,22 +58,22 @@ private:
     CLIENT* client_;
 };
 
-TEST_F(PortMapper, tellsAPortForEveryProgramOnBothTransports) {
+TEST_F(PortMapper, TellsAPortForEveryProgramOnBothTransports) {
     for (unsigned program = SIM_SETUP; program <= SIM_THERMAL; ++program) {
         EXPECT_NE(portOf(program, 1, IPPROTO_TCP), 0U) << std::hex << program;
         EXPECT_NE(portOf(program, 1, IPPROTO_UDP), 0U) << std::hex << program;
     }
 }
 
-TEST_F(PortMapper, tellsZeroForAProgramThatIsNotServed) {
+TEST_F(PortMapper, TellsZeroForAProgramThatIsNotServed) {
     EXPECT_EQ(portOf(0x20001234, 1, IPPROTO_UDP), 0U);
 }
 
-TEST_F(PortMapper, tellsThePortOfAnotherVersionWhenTheWantedOneIsMissing) {
+TEST_F(PortMapper, TellsThePortOfAnotherVersionWhenTheWantedOneIsMissing) {
     EXPECT_EQ(portOf(SIM_MDIO, 7, IPPROTO_UDP), portOf(SIM_MDIO, 1, IPPROTO_UDP));
 }
 
-TEST_F(PortMapper, answersVersions3And4WithTheVersionItServesOverUdpAndTcp) {
+TEST_F(PortMapper, AnswersVersions3And4WithTheVersionItServesOverUdpAndTcp) {
     for (const bool tcp : {false, true}) {
         for (const rpcvers_t version : {3U, 4U}) {
             RawMapper mapper3or4(board, kPortMapper, version, tcp);
@@ -85,21 +85,21 @@ TEST_F(PortMapper, answersVersions3And4WithTheVersionItServesOverUdpAndTcp) {
     }
 }
 
-TEST_F(PortMapper, refusesAProgramThatIsNotServedAtItsPort) {
+TEST_F(PortMapper, RefusesAProgramThatIsNotServedAtItsPort) {
     EXPECT_EQ(RawMapper(board, SIM_MDIO, 1, false).outcome(0).re_status, RPC_PROGUNAVAIL);
 }
 
-TEST_F(PortMapper, refusesUnknownProceduresAndIndirectCalls) {
+TEST_F(PortMapper, RefusesUnknownProceduresAndIndirectCalls) {
     EXPECT_EQ(RawMapper(board, kPortMapper, 2, false).outcome(77).re_status, RPC_PROCUNAVAIL);
     sim_Port_Call_Result result{};
     EXPECT_EQ(mapper.call(sim_portmap_callit_2, sim_Port_Call{}, result), RPC_PROCUNAVAIL);
 }
 
-TEST_F(PortMapper, refusesArgumentsThatAreTooShort) {
+TEST_F(PortMapper, RefusesArgumentsThatAreTooShort) {
     EXPECT_EQ(RawMapper(board, kPortMapper, 2, false).outcome(3).re_status, RPC_CANTDECODEARGS);
 }
 
-TEST_F(PortMapper, setAndUnsetChangeWhatIsTold) {
+TEST_F(PortMapper, SetAndUnsetChangeWhatIsTold) {
     const sim_Port_Mapping mapping{0x20001234, 1, IPPROTO_UDP, 4711};
     bool_t done = FALSE;
     ASSERT_EQ(mapper.call(sim_portmap_set_2, mapping, done), RPC_SUCCESS);
@@ -112,7 +112,7 @@ TEST_F(PortMapper, setAndUnsetChangeWhatIsTold) {
     EXPECT_EQ(portOf(0x20001234, 1, IPPROTO_UDP), 0U);
 }
 
-TEST_F(PortMapper, dumpListsEveryRegistration) {
+TEST_F(PortMapper, DumpListsEveryRegistration) {
     Decoded<sim_Port_Dump> dump(xdr_sim_Port_Dump);
     ASSERT_EQ(sim_portmap_dump_2(nullptr, &dump.fresh(), mapper.handle()), RPC_SUCCESS);
     std::size_t count = 0;
@@ -121,7 +121,7 @@ TEST_F(PortMapper, dumpListsEveryRegistration) {
     EXPECT_EQ(count, 2U * (1 + 8)) << "port mapper and eight programs, on two transports";
 }
 
-TEST_F(PortMapper, isRecordedOnlyUnderItsOwnName) {
+TEST_F(PortMapper, IsRecordedOnlyUnderItsOwnName) {
     portOf(SIM_MDIO, 1, IPPROTO_UDP);
     EXPECT_TRUE(board.requests().empty());
     const Request request = board.requests("portmap").back();
@@ -129,7 +129,7 @@ TEST_F(PortMapper, isRecordedOnlyUnderItsOwnName) {
     EXPECT_EQ(request.arguments().dump(), R"({"prog":805306354,"vers":1,"prot":17,"port":0})");
 }
 
-TEST_F(PortMapper, ofABoardServesTheNullProcedure) {
+TEST_F(PortMapper, OfABoardServesTheNullProcedure) {
     EXPECT_EQ(outcome(mapper.handle(), 0).re_status, RPC_SUCCESS);
 }
 

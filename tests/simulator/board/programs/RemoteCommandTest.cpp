@@ -24,7 +24,7 @@ protected:
     std::string errors() { return {answer->errors.errors_val, answer->errors.errors_len}; }
 };
 
-TEST_F(RemoteCommand, isAnsweredFromTheTable) {
+TEST_F(RemoteCommand, IsAnsweredFromTheTable) {
     Board& board = lab.add();
     ASSERT_EQ(run(board, "cat /boardInfo/name"), RPC_SUCCESS);
     EXPECT_EQ(output(), board.nameLine() + "\n");
@@ -37,7 +37,7 @@ TEST_F(RemoteCommand, isAnsweredFromTheTable) {
     EXPECT_EQ(errors(), "reboot: command not found\n");
 }
 
-TEST_F(RemoteCommand, isAnsweredAsTheTestSays) {
+TEST_F(RemoteCommand, IsAnsweredAsTheTestSays) {
     Board& board = lab.add();
     board.setCommand("measure", {3, std::string("a\0b", 3), "careful", 0});
     ASSERT_EQ(run(board, "measure"), RPC_SUCCESS);
@@ -48,7 +48,7 @@ TEST_F(RemoteCommand, isAnsweredAsTheTestSays) {
     EXPECT_EQ(board.requestsOf("execute_command").at(0).arguments()["command"], std::string("measure\0", 8));
 }
 
-TEST_F(RemoteCommand, thatOutlastsItsTimeEndsAsTimedOut) {
+TEST_F(RemoteCommand, ThatOutlastsItsTimeEndsAsTimedOut) {
     Board& board = lab.add();
     board.setCommand("slow", {0, "never seen", "", 60});
     ASSERT_EQ(run(board, "slow", 0), RPC_SUCCESS);
@@ -56,7 +56,7 @@ TEST_F(RemoteCommand, thatOutlastsItsTimeEndsAsTimedOut) {
     EXPECT_EQ(output(), "");
 }
 
-TEST_F(RemoteCommand, runsInAShellOnlyWhereThatIsAllowed) {
+TEST_F(RemoteCommand, RunsInAShellOnlyWhereThatIsAllowed) {
     Board& board = lab.add({"", "A", {}, "host", 1, true});
     ASSERT_EQ(run(board, "printf out; printf err >&2; exit 5"), RPC_SUCCESS);
     EXPECT_EQ(answer->error, 0);
@@ -67,7 +67,7 @@ TEST_F(RemoteCommand, runsInAShellOnlyWhereThatIsAllowed) {
     EXPECT_EQ(answer->status, 137);
 }
 
-TEST_F(RemoteCommand, inAShellIsKilledWhenItsTimeIsUpAndHoldsNobodyUp) {
+TEST_F(RemoteCommand, InAShellIsKilledWhenItsTimeIsUpAndHoldsNobodyUp) {
     Board& board = lab.add({"", "A", {}, "host", 1, true});
     std::thread caller([&] { EXPECT_EQ(run(board, "printf begun; sleep 60", 1), RPC_SUCCESS); });
     board.waitFor([](const Request& request) { return request.procedure == "execute_command"; });

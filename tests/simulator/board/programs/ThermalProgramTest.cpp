@@ -38,7 +38,7 @@ protected:
     }
 };
 
-TEST_F(ThermalProgram, approachesItsSetPointAQuarterOfTheWayAtEachQuery) {
+TEST_F(ThermalProgram, ApproachesItsSetPointAQuarterOfTheWayAtEachQuery) {
     doSimple(sim_thrm_connect_1);
     EXPECT_EQ(state(), 1);
     ASSERT_EQ(set(85, 1), 0);
@@ -49,7 +49,7 @@ TEST_F(ThermalProgram, approachesItsSetPointAQuarterOfTheWayAtEachQuery) {
     EXPECT_EQ(state(), 3);
 }
 
-TEST_F(ThermalProgram, returnsToTheAmbientTemperatureWhenControlEnds) {
+TEST_F(ThermalProgram, ReturnsToTheAmbientTemperatureWhenControlEnds) {
     board.setAmbientTemperature(10);
     doSimple(sim_thrm_connect_1);
     ASSERT_EQ(set(50, 1), 0);
@@ -59,7 +59,7 @@ TEST_F(ThermalProgram, returnsToTheAmbientTemperatureWhenControlEnds) {
     EXPECT_NEAR(get(sim_thrm_getsettledtemperature_1).temperature, 10, 0.1);
 }
 
-TEST_F(ThermalProgram, withoutFlagWaitsForControlToBeStarted) {
+TEST_F(ThermalProgram, WithoutFlagWaitsForControlToBeStarted) {
     doSimple(sim_thrm_connect_1);
     ASSERT_EQ(set(65, 0, 2), 0);
     EXPECT_FLOAT_EQ(get(sim_thrm_gettemperature_1, 2).temperature, 25);
@@ -68,7 +68,7 @@ TEST_F(ThermalProgram, withoutFlagWaitsForControlToBeStarted) {
     EXPECT_FLOAT_EQ(get(sim_thrm_gettemperature_1, 2).temperature, 35);
 }
 
-TEST_F(ThermalProgram, refusesWhatCannotBe) {
+TEST_F(ThermalProgram, RefusesWhatCannotBe) {
     EXPECT_EQ(get(sim_thrm_gettemperature_1).error, -ENOTCONN);
     doSimple(sim_thrm_connect_1);
     EXPECT_EQ(set(1000, 1), -ERANGE);
@@ -78,7 +78,7 @@ TEST_F(ThermalProgram, refusesWhatCannotBe) {
     EXPECT_EQ(state(), 0);
 }
 
-TEST_F(ThermalProgram, returnsToTheDefaultSetPointWhenControlStartsAgain) {
+TEST_F(ThermalProgram, ReturnsToTheDefaultSetPointWhenControlStartsAgain) {
     doSimple(sim_thrm_connect_1);
     sim_THRM_Result result{};
     ASSERT_EQ(thermal.call(sim_thrm_setdefaulttemperature_1, sim_THRM_Set_Temp_Arg{handle, 45, 0, 0}, result),

@@ -6,8 +6,8 @@ include(CMakePackageConfigHelpers)
 # under the names by which they include each other ("ov_sys/Interface/..."). Headers that neither declare something
 # exported nor are included by one that does stay at home; './check package' compiles every installed one alone.
 set(ORVANE_PRIVATE_HEADERS CallInto WireLists WireResult DiscoveryProtocol DottedAddress
-  FileDescriptor FoundBoards SearchLimits Diagnostics Stopwatch Programs XdrHelpers CallMessage CallTransport DatagramTransport Deadline
-  HandleCreation ProgramLookup SigpipeGuard StreamTransport)
+  FileDescriptor FoundBoards SearchLimits Diagnostics Stopwatch Programs XdrHelpers CallMessage CallTransport
+  DatagramTransport Deadline PortMapperCall ProgramSocket StreamTransport)
 list(JOIN ORVANE_PRIVATE_HEADERS "|" ORVANE_PRIVATE_HEADERS)
 set(ORVANE_HEADERS ${CMAKE_INSTALL_INCLUDEDIR}/orvane)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/ov_sys/include/orvane/ DESTINATION ${ORVANE_HEADERS}

@@ -71,12 +71,18 @@ void countSignal(int) {
 
 class BrokenStream : public testing::Test {
 protected:
-    // The board closes its end; every one of five pings fails.
+    // The board closes its end, and its setup program is no longer there: every one of five pings fails.
     void pingAfterTheBoardHungUp() {
         lab.inject(Fault::Kind::CloseConnection, "setup", "ping");
-        for (int i = 0; i < 5; ++i)
-            EXPECT_EQ(thrownText<Exceptions::DeviceConnection>([&] { connection.testServer(); }),
-                      "Problem with connection to rpc server on device.");
+        expectFailingPing();
+        lab.board.stop();
+        for (int i = 0; i < 4; ++i)
+            expectFailingPing();
+    }
+
+    void expectFailingPing() {
+        EXPECT_EQ(thrownText<Exceptions::DeviceConnection>([&] { connection.testServer(); }),
+                  "Problem with connection to rpc server on device.");
     }
 
     OneBoard lab;
@@ -116,8 +122,30 @@ TEST_F(BrokenStream, LeavesTheApplicationsPendingSignalPending) {
     EXPECT_TRUE(SigpipeSetting::pending());
 }
 
+TEST_F(BrokenStream, OfWhichAPingFindsThatItBrokeBeforeIsConnectedAgainToTheSamePort) {
+    lab.inject(Fault::Kind::CloseConnection, "setup", "ping");
+    expectFailingPing();
+    CLIENT* const handle = connection.getClient(BoardConnection::SETUP)->client;
+    const std::size_t lookedUp = lab.count("portmap_getport");
+    EXPECT_GE(connection.testServer(), 0);
+    EXPECT_EQ(lab.count("ping"), 2U);
+    EXPECT_EQ(lab.count("portmap_getport"), lookedUp);
+    EXPECT_EQ(connection.getClient(BoardConnection::SETUP)->client, handle);
+}
+
+TEST_F(BrokenStream, ThatCannotBeConnectedAgainLeavesTheLastCreationErrorAlone) {
+    lab.inject(Fault::Kind::CloseConnection, "setup", "ping");
+    expectFailingPing();
+    lab.board.stop();
+    rpc_createerr.cf_stat = RPC_SUCCESS;
+    const WrittenText written = textWritten([this] { expectFailingPing(); });
+    EXPECT_EQ(written.error, "Ping returned: 3\n");
+    EXPECT_EQ(rpc_createerr.cf_stat, RPC_SUCCESS);
+}
+
 TEST_F(BrokenStream, IsConnectedAgainByAnUpdate) {
-    pingAfterTheBoardHungUp();
+    lab.inject(Fault::Kind::CloseConnection, "setup", "ping");
+    expectFailingPing();
     connection.getClient(BoardConnection::SETUP)->update();
     EXPECT_GE(connection.testServer(), 0);
     EXPECT_EQ(lab.count("ping"), 2U);

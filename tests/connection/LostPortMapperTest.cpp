@@ -1,7 +1,7 @@
 // Clients whose board's port mapper refuses, keeps silent or does not know the program.
 #include "ov_sys/Interface/connection/DatagramTransport.h"
-#include "ov_sys/Interface/connection/HandleCreation.h"
 #include "ov_sys/Interface/connection/RPCClient.h"
+#include "ov_sys/Interface/connection/RPCHandle.h"
 #include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "ov_sys/Interface/rpc_protocol/Codec.h"
 #include "ov_sys/Interface/rpc_protocol/Programs.h"
@@ -171,6 +171,42 @@ TEST(RPCClientConnect, ToAProgramWhosePortRefusesSaysSo) {
                              "Client mdio create error: 12\n");
 }
 
+TEST(RPCClientConnect, ToAProgramAtWhatIsNoPortSaysThatItIsNotRegistered) {
+    OneBoard lab;
+    moveSetupProgram(lab, IPPROTO_TCP, 65536 + kDeafPort);
+    const Failure failure = failToConnect<ExtendedRPCClient>("tcp", lab.board.address(), Programs::Setup);
+    EXPECT_EQ(failure.handle, nullptr);
+    EXPECT_EQ(failure.status, RPC_PROGNOTREGISTERED);
+    EXPECT_EQ(failure.error, failure.library + "Client mdio create error: 15\n");
+}
+
+TEST(RPCClientConnect, ThatFailsLeavesAConnectedClientUnconnected) {
+    OneBoard lab;
+    NormalRPCClient client(Programs::Setup, Programs::Version, "tcp", "setup", lab.board.address());
+    ASSERT_NE(client.client, nullptr);
+    lab.board.stop();
+    client.connect();
+    EXPECT_EQ(client.client, nullptr);
+    EXPECT_EQ(client.pin(), nullptr);
+}
+
+class UnknownProtocol : public testing::TestWithParam<const char*>, public OneBoard {};
+
+TEST_P(UnknownProtocol, IsRefusedWithoutAskingTheBoard) {
+    const Failure failure = failToConnect<NormalRPCClient>(GetParam(), board.address());
+    EXPECT_EQ(failure.handle, nullptr);
+    EXPECT_EQ(failure.status, RPC_UNKNOWNPROTO);
+    EXPECT_EQ(failure.error, ": RPC: Unknown protocol\n"
+                             "RPC: Unknown protocol\n"
+                             "Client mdio create error: 17\n"
+                             "Error connecting to rpc program mdio from: " +
+                                 board.address() + "\n  \n");
+    EXPECT_EQ(failure.error.find(failure.library), 0U);
+    EXPECT_TRUE(board.requests("portmap").empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Names, UnknownProtocol, testing::Values("bogus", "UDP", "Tcp", "tcp6", ""));
+
 TEST(RPCClientConnect, ToAProgramWhoseDatagramPortRefusesSucceedsAndItsCallFails) {
     OneBoard lab;
     moveSetupProgram(lab, IPPROTO_UDP, kDeafPort);
@@ -211,15 +247,15 @@ INSTANTIATE_TEST_SUITE_P(Transports, StoppedBoard,
                          testing::Values(Refusal{"udp", "Client setup create error: 4\n"},
                                          Refusal{"tcp", "Client setup create error: 12\n"}));
 
-// libtirpc remembers the port mappers that it has reached.
 TEST(RefusedCreation, OfAStreamToAKnownHostReturnsEveryTime) {
     OneBoard lab;
+    const auto create = [&] {
+        return RPCHandle::create(lab.board.address(), Programs::Setup, Programs::Version, "tcp");
+    };
     for (int round = 0; round < 20; ++round) {
-        CLIENT* const handle = createHandle(lab.board.address(), Programs::Setup, Programs::Version, "tcp");
-        ASSERT_NE(handle, nullptr);
-        clnt_destroy(handle);
+        ASSERT_NE(create(), nullptr);
         lab.board.stop();
-        EXPECT_EQ(createHandle(lab.board.address(), Programs::Setup, Programs::Version, "tcp"), nullptr);
+        EXPECT_EQ(create(), nullptr);
         EXPECT_EQ(rpc_createerr.cf_stat, RPC_SYSTEMERROR);
         EXPECT_EQ(rpc_createerr.cf_error.re_errno, ECONNREFUSED);
         lab.board.start();

@@ -123,10 +123,43 @@ TEST_F(StreamCalls, OnAClosedStreamRaiseNoSignal) {
     EXPECT_EQ(error.re_errno, EPIPE);
 }
 
-TEST_F(StreamCalls, MeetingAMarkOfNothingFailAndLeaveTheResultAlone) {
-    sockets.sendFromPeer(WireBytes(8, 0));
-    EXPECT_EQ(call(seven), RPC_CANTDECODERES);
+TEST_F(StreamCalls, TakeEmptyFragmentsAnywhereInARecord) {
+    const WireBytes reply = replyTo(7, 42);
+    sockets.sendFromPeer(fragment({}, false));
+    sockets.sendFromPeer(fragment(part(reply, 0, 8), false));
+    sockets.sendFromPeer(fragment({}, false));
+    sockets.sendFromPeer(fragment({}, false));
+    sockets.sendFromPeer(fragment(part(reply, 8, reply.size())));
+    EXPECT_EQ(call(seven), RPC_SUCCESS);
+    EXPECT_EQ(seven.result, 42);
+}
+
+TEST_F(StreamCalls, EndAtTheDeadlineInAFloodOfEmptyFragmentsAndLeaveTheResultAlone) {
+    std::atomic<bool> done{false};
+    std::thread peer([&] {
+        const WireBytes zeros(65536, 0);
+        while (!done && send(sockets.peer(), zeros.data(), zeros.size(), MSG_NOSIGNAL) > 0)
+            continue;
+    });
+    EXPECT_EQ(call(seven, 50ms), RPC_TIMEDOUT);
     EXPECT_EQ(seven.result, -1);
+    done = true;
+    shutdown(sockets.own(), SHUT_RDWR); // frees the peer
+    peer.join();
+}
+
+TEST_F(StreamCalls, AreOfUseUntilThePeerClosesThoughMoreIsThereToBeRead) {
+    EXPECT_TRUE(transport.isUsable());
+    sockets.sendFromPeer(fragment(replyTo(6, 1)));
+    EXPECT_TRUE(transport.isUsable());
+    sockets.closePeer();
+    EXPECT_FALSE(transport.isUsable());
+}
+
+TEST_F(StreamCalls, AreOfNoMoreUseAfterARequestThatWasSentInPart) {
+    OpaqueCall large(16U << 20U);
+    transport.call(large.message, Deadline::after(10ms), error);
+    EXPECT_FALSE(transport.isUsable());
 }
 
 TEST_F(StreamCalls, WithAShortReplyCannotDecodeAndGoOn) {

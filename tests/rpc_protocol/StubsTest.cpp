@@ -299,21 +299,3 @@ TEST(Stubs, DoNotFreeTheResultThatTheyDecoded) {
     EXPECT_EQ(result.data.data_val[0], 0x42u);
     Orvane::freeDecoded(result);
 }
-
-TEST(Stubs, ReportAStreamOfZeroBytesAsAResultThatCannotBeDecoded) {
-    LoopbackServer server;
-    server.answerRaw(wire("00000000 00000000"));
-    int result = 55;
-    EXPECT_EQ(ping_1(123, &result, server.tcpClient(0x2FFFFFF0).get()), RPC_CANTDECODERES);
-    EXPECT_EQ(result, 55);
-}
-
-TEST(Stubs, ReportAStreamOfZeroBytesAlsoRightAfterASuccessfulCall) {
-    LoopbackServer server;
-    const ClientHandle client = server.tcpClient(0x2FFFFFF0);
-    int result = 0;
-    server.answerWith(wire("0000007b"));
-    ASSERT_EQ(ping_1(123, &result, client.get()), RPC_SUCCESS);
-    server.answerRaw(wire("00000000 00000000"));
-    EXPECT_EQ(ping_1(123, &result, client.get()), RPC_CANTDECODERES);
-}

@@ -40,7 +40,7 @@ public:
     std::mutex clientsMutex;                                // held while all clients are reset
     std::mutex addressMutex;             // guards `host` and the re-pointing of the clients
     std::string name;                    // the board's name in upper case; constant
-    std::atomic<bool> interfaceSelected; // set by selectInterface(); nothing reads it
+    std::atomic<bool> interfaceSelected; // set by selectInterface(); PhySession::isRemote() tells it
     std::string host;                    // the board's present address, dotted IPv4 text; may be empty
 
     // Makes the clients without an address, so that none connects.

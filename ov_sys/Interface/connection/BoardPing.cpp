@@ -7,6 +7,25 @@
 #include "ov_sys/Interface/rpc_protocol/Stubs.h"
 
 namespace Orvane {
+namespace {
+
+clnt_stat pingBeside(RPCHandle& handle, int value, int* result) {
+    const std::shared_ptr<RPCHandle> second = handle.another();
+    return callOnHandle(ping_1, value, result, second.get());
+}
+
+// A call that is under way, such as a long remote command, does not hold the ping up if the board takes a
+// second connection meanwhile.
+clnt_stat ping(const std::shared_ptr<RPCHandle>& handle, int value, int* result) {
+    HandleTurn turn(std::shared_ptr<RPCHandle>(handle), std::try_to_lock);
+    if (!turn.held() && pingBeside(*handle, value, result) == RPC_SUCCESS)
+        return RPC_SUCCESS;
+    turn.wait();
+    handle->mend();
+    return callOnHandle(ping_1, value, result, handle.get());
+}
+
+} // namespace
 
 void DO_RPC_BOARD_PING(int value, int* result, RPCClient* client) {
     const std::shared_ptr<RPCHandle> handle = client->pin();
@@ -15,7 +34,7 @@ void DO_RPC_BOARD_PING(int value, int* result, RPCClient* client) {
         throw Exceptions::InvalidRPCClient(client->name);
     }
     const BusyMark busy(*client);
-    const clnt_stat status = callOnHandle(ping_1, value, result, handle.get());
+    const clnt_stat status = ping(handle, value, result);
     if (status != RPC_SUCCESS) {
         Diagnostics::error("Ping returned: ", static_cast<int>(status));
         throw Exceptions::DeviceConnection();

@@ -17,8 +17,13 @@ public:
     // Sends the request once and waits until its own reply is there and decoded, or `deadline` passes;
     // whatever else arrives is dropped. The outcome, also in `error`: RPC_CANTENCODEARGS, RPC_CANTSEND,
     // RPC_CANTRECV (these two with the errno), RPC_TIMEDOUT, or what CallMessage::decodeFrom() says. Raises
-    // no signal, changes no signal mask. May throw std::bad_alloc.
-    virtual clnt_stat call(const CallMessage& message, const Deadline& deadline, rpc_err& error) = 0;
+    // no signal, changes no signal mask. Without memory nothing is sent (RPC_CANTENCODEARGS with ENOMEM), or
+    // the reply not taken (RPC_CANTDECODERES with ENOMEM); later calls are none the worse for it.
+    virtual clnt_stat call(const CallMessage& message, const Deadline& deadline, rpc_err& error) noexcept = 0;
+
+    // Whether a call could get an answer: the far end has not closed the connection, and nothing that was
+    // sent or received in part is in the way. Does not block.
+    virtual bool isUsable() const noexcept = 0;
 };
 
 } // namespace Orvane

@@ -1,8 +1,6 @@
 #include "ov_sys/Interface/connection/DatagramTransport.h"
 
-#include <algorithm>
 #include <cerrno>
-#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 
@@ -20,25 +18,21 @@ bool tryAgain(int number) noexcept {
 
 } // namespace
 
-DatagramTransport::DatagramTransport(int socket) noexcept : socket_(socket) {
-    // A queue of undeliverable requests would keep the socket "ready" for ever; a refusal is reported anyway.
-    const int off = 0;
-    setsockopt(socket_, IPPROTO_IP, IP_RECVERR, &off, sizeof off);
-}
-
-clnt_stat DatagramTransport::call(const CallMessage& message, const Deadline& deadline, rpc_err& error) {
-    alignas(std::uint32_t) char request[kLargest];
-    const std::size_t length = message.encodeTo(request, sizeof request);
-    if (length == 0)
-        return error.re_status = RPC_CANTENCODEARGS;
+clnt_stat DatagramTransport::call(const CallMessage& message, const Deadline& deadline,
+                                  rpc_err& error) noexcept {
+    alignas(std::uint32_t)
+        Datagram datagram; // of request and reply in turn: a session's thread keeps what its stack once was
     drain();
     for (auto wait = kFirstRepeat;; wait *= 2) {
-        if (!send(request, length, deadline))
+        const std::size_t length = message.encodeTo(datagram, sizeof datagram);
+        if (length == 0)
+            return error.re_status = RPC_CANTENCODEARGS;
+        if (!send(datagram, length, deadline))
             return fail(error, RPC_CANTSEND);
         const auto repeat = Deadline::Clock::now() + wait;
         if (deadline.end() <= repeat)
-            return await(message, deadline, error);
-        if (await(message, Deadline(repeat), error) != RPC_TIMEDOUT)
+            return await(message, datagram, deadline, error);
+        if (await(message, datagram, Deadline(repeat), error) != RPC_TIMEDOUT)
             return error.re_status;
     }
 }
@@ -80,9 +74,8 @@ ssize_t DatagramTransport::receive(char* buffer, const Deadline& deadline) const
     }
 }
 
-clnt_stat DatagramTransport::await(const CallMessage& message, const Deadline& deadline,
-                                   rpc_err& error) const {
-    alignas(std::uint32_t) char reply[kLargest];
+clnt_stat DatagramTransport::await(const CallMessage& message, Datagram& reply, const Deadline& deadline,
+                                   rpc_err& error) const noexcept {
     for (;;) {
         const ssize_t length = receive(reply, deadline);
         if (length < 0)

@@ -52,13 +52,15 @@ RPCClient::~RPCClient() {
 void RPCClient::connect() {
     const std::string target = currentHost();
     std::shared_ptr<RPCHandle> created = RPCHandle::create(target, program, version, protocol);
-    if (created) {
+    const bool connected = created != nullptr;
+    {
         const std::lock_guard<std::mutex> lock(handleMutex);
         if (host == target) { // otherwise another thread has pointed the client elsewhere meanwhile
             handle_.swap(created);
-            client = handle_->get();
+            client = connected ? handle_->get() : nullptr;
         }
-    } else {
+    }
+    if (!connected) {
         const clnt_stat status = rpc_createerr.cf_stat;
         Diagnostics::error(createErrorText());
         Diagnostics::error(clnt_sperrno(status));
@@ -98,16 +100,11 @@ void RPCClient::reset() {
 }
 
 void RPCClient::setTimeout(long seconds, long microseconds) {
-    std::shared_ptr<RPCHandle> handle;
-    timeval wanted{seconds, microseconds};
-    {
-        const std::lock_guard<std::mutex> lock(handleMutex);
-        if (!handle_)
-            return;
-        timeout = wanted;
-        handle = handle_;
-    }
-    handle->setTimeout(wanted);
+    const std::lock_guard<std::mutex> lock(handleMutex);
+    if (!handle_)
+        return;
+    timeout = {seconds, microseconds};
+    handle_->setTimeout(timeout);
 }
 
 void RPCClient::resetTimeout() {

@@ -26,7 +26,7 @@ public:
     std::mutex handleMutex; // guards the handle, `timeout` and `host`; taken last, but for the handle's own
     std::string name;       // service name that messages show; constant
     timeval timeout;        // time-out of calls on the live handle
-    std::string host;       // the board's address, dotted IPv4 text; may be empty
+    std::string host;       // the board's address, dotted IPv4 text, or its name; may be empty
 
     // Stores the arguments and does not connect. The time-out is 2 s.
     RPCClient(unsigned long program, unsigned long version, std::string protocol, std::string name,
@@ -36,8 +36,8 @@ public:
     RPCClient& operator=(const RPCClient&) = delete;
 
     // Makes the handle, with a 2-second call time-out. A failure is reported on the standard error stream and
-    // leaves the client unconnected; it is no exception. Blocks for the board's port mapper, some seconds at
-    // worst.
+    // leaves the client unconnected, whatever it was; it is no exception. Blocks for the board's port mapper,
+    // 2 s at most, after what the system's resolver takes for a name. May throw std::bad_alloc.
     void connect();
     // reset(), then connect(). A standard exception is reported, the handle dropped again, and rethrown.
     void update();
@@ -46,8 +46,8 @@ public:
     // Drops the handle; harmless when there is none.
     virtual void reset();
 
-    // Sets the time-out of every call on the live handle; without a handle nothing is changed or kept. Waits
-    // for a call that is under way on the handle.
+    // Sets the time-out of every later call on the live handle; without a handle nothing is changed or kept.
+    // Never waits for a call: one that is under way keeps its own time-out.
     void setTimeout(long seconds, long microseconds);
     void resetTimeout(); // setTimeout(2, 0)
 

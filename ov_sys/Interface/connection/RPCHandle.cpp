@@ -1,82 +1,134 @@
 #include "ov_sys/Interface/connection/RPCHandle.h"
 
 #include "ov_sys/Interface/connection/DatagramTransport.h"
-#include "ov_sys/Interface/connection/HandleCreation.h"
+#include "ov_sys/Interface/connection/ProgramSocket.h"
 #include "ov_sys/Interface/connection/StreamTransport.h"
 
-#include <cerrno>
-#include <exception>
-#include <netinet/in.h>
+#include <cstring>
+#include <fcntl.h>
+#include <new>
 #include <sys/random.h>
-#include <sys/socket.h>
+#include <unistd.h>
+#include <utility>
 
 namespace Orvane {
 namespace {
 
+constexpr std::int64_t kPerSecond = 1'000'000;
+constexpr std::int64_t kNoTimeout = -1;
+constexpr std::int64_t kDefaultTimeout = 2 * kPerSecond;
+
 // Replies to an earlier handle of the same local port must not be taken for this one's.
-std::uint32_t firstId() {
+std::uint32_t firstId() noexcept {
     std::uint32_t id = 0;
     if (getrandom(&id, sizeof id, 0) != sizeof id) // std::random_device takes a hundred times as long
         id = static_cast<std::uint32_t>(Deadline::Clock::now().time_since_epoch().count());
     return id;
 }
 
-std::unique_ptr<CallTransport> transportOver(CLIENT* connection, const std::string& protocol) {
-    int socket = -1;
-    clnt_control(connection, CLGET_FD, reinterpret_cast<char*>(&socket));
-    if (protocol != "udp")
-        return std::make_unique<StreamTransport>(socket);
-    // Answers are taken from the board's own address only. Where connecting fails, so will the first call.
-    sockaddr_storage board{};
-    clnt_control(connection, CLGET_SERVER_ADDR, reinterpret_cast<char*>(&board));
-    static_cast<void>(connect(socket, reinterpret_cast<const sockaddr*>(&board), sizeof board));
-    return std::make_unique<DatagramTransport>(socket);
+std::unique_ptr<CallTransport> transportOver(const ProgramSocket& opened) {
+    if (opened.place.overStream)
+        return std::make_unique<StreamTransport>(opened.socket.get());
+    return std::make_unique<DatagramTransport>(opened.socket.get());
 }
 
-Deadline deadlineOf(const timeval& timeout) noexcept {
-    return Deadline::after(std::chrono::seconds(timeout.tv_sec) + std::chrono::microseconds(timeout.tv_usec));
+std::int64_t microsecondsOf(const timeval& time) noexcept {
+    return time.tv_sec * kPerSecond + time.tv_usec;
 }
+
+Deadline deadlineAfter(std::int64_t microseconds) noexcept {
+    return Deadline::after(std::chrono::microseconds(microseconds));
+}
+
+// The names by which /etc/netconfig knows the transports.
+char udpName[] = "udp";
+char tcpName[] = "tcp";
+char noDevice[] = "-";
 
 } // namespace
 
 std::shared_ptr<RPCHandle> RPCHandle::create(const std::string& host, unsigned long program,
                                              unsigned long version, const std::string& protocol) {
-    CLIENT* const connection = createHandle(host, program, version, protocol);
-    if (connection == nullptr)
+    ProgramSocket opened = openProgram(host, program, version, protocol);
+    if (!opened.socket)
         return nullptr;
-    return std::shared_ptr<RPCHandle>(new RPCHandle(connection, program, version, protocol));
+    return over(std::move(opened), static_cast<std::uint32_t>(program), static_cast<std::uint32_t>(version));
 }
 
-RPCHandle::RPCHandle(CLIENT* connection, unsigned long program, unsigned long version,
-                     const std::string& protocol)
-    : client_(*connection),
-      connection_(connection),
-      transport_(transportOver(connection, protocol)),
-      program_(static_cast<std::uint32_t>(program)),
-      version_(static_cast<std::uint32_t>(version)),
-      lastId_(firstId()) {
-    client_.cl_private = this;
+std::shared_ptr<RPCHandle> RPCHandle::over(ProgramSocket&& opened, std::uint32_t program,
+                                           std::uint32_t version) {
+    return std::shared_ptr<RPCHandle>(new RPCHandle(std::move(opened), program, version));
+}
+
+RPCHandle::RPCHandle(ProgramSocket&& opened, std::uint32_t program, std::uint32_t version)
+    : opened_(std::make_unique<ProgramSocket>(std::move(opened))),
+      transport_(transportOver(*opened_)),
+      program_(program),
+      version_(version),
+      lastId_(firstId()),
+      timeout_(kNoTimeout) {
+    client_.cl_auth = authnone_create();
+    if (client_.cl_auth == nullptr)
+        throw std::bad_alloc();
     client_.cl_ops = &operations();
+    client_.cl_private = this;
+    client_.cl_netid = opened_->place.overStream ? tcpName : udpName;
+    client_.cl_tp = noDevice;
 }
 
-RPCHandle::~RPCHandle() {
-    clnt_destroy(connection_);
+RPCHandle::~RPCHandle() = default;
+
+bool RPCHandle::setTimeout(const timeval& timeout) noexcept {
+    constexpr time_t kLongest = 100'000'000;
+    if (timeout.tv_sec < 0 || timeout.tv_sec > kLongest || timeout.tv_usec < 0 ||
+        timeout.tv_usec > kPerSecond)
+        return false;
+    timeout_ = microsecondsOf(timeout);
+    return true;
 }
 
-void RPCHandle::setTimeout(const timeval& timeout) {
-    timeval copy = timeout;
-    control(CLSET_TIMEOUT, &copy);
+bool RPCHandle::getTimeout(timeval& timeout) const noexcept {
+    const std::int64_t set = timeout_;
+    if (set != kNoTimeout)
+        timeout = {set / kPerSecond, set % kPerSecond};
+    return set != kNoTimeout;
+}
+
+std::int64_t RPCHandle::timeoutOr(std::int64_t fallback) const noexcept {
+    const std::int64_t set = timeout_;
+    return set == kNoTimeout ? fallback : set;
+}
+
+std::shared_ptr<RPCHandle> RPCHandle::another() const {
+    const Deadline deadline = deadlineAfter(timeoutOr(kDefaultTimeout));
+    ProgramSocket opened{opened_->place, openSocket(opened_->place, deadline)};
+    if (!opened.socket)
+        return nullptr;
+    auto second = over(std::move(opened), program_, version_);
+    second->timeout_ = timeout_.load();
+    return second;
+}
+
+void RPCHandle::mend() {
+    const std::lock_guard<std::recursive_mutex> lock(turn_);
+    if (transport_->isUsable())
+        return;
+    auto fresh = transportOver(*opened_);
+    const Deadline deadline = deadlineAfter(timeoutOr(kDefaultTimeout));
+    const FileDescriptor socket = openSocket(opened_->place, deadline);
+    if (socket && dup3(socket.get(), opened_->socket.get(), O_CLOEXEC) >= 0)
+        transport_ = std::move(fresh);
 }
 
 CLIENT::clnt_ops& RPCHandle::operations() noexcept {
     static CLIENT::clnt_ops table = [] {
         CLIENT::clnt_ops ours{};
-        ours.cl_call = [](CLIENT* client, rpcproc_t procedure, xdrproc_t encode, void* argument,
-                          xdrproc_t decode, void* result, timeval timeout) {
-            return of(client).call(procedure, encode, argument, decode, result, timeout);
-        };
+        ours.cl_call = call;
         ours.cl_abort = [](CLIENT*) {};
-        ours.cl_geterr = [](CLIENT* client, rpc_err* error) { *error = of(client).error_; };
+        ours.cl_geterr = [](CLIENT* client, rpc_err* error) {
+            const std::lock_guard<std::recursive_mutex> lock(of(client).turn_);
+            *error = of(client).error_;
+        };
         ours.cl_freeres = [](CLIENT*, xdrproc_t codec, void* result) -> bool_t {
             xdr_free(codec, result);
             return TRUE;
@@ -90,25 +142,59 @@ CLIENT::clnt_ops& RPCHandle::operations() noexcept {
     return table;
 }
 
-clnt_stat RPCHandle::call(rpcproc_t procedure, xdrproc_t encode, void* argument, xdrproc_t decode,
-                          void* result, const timeval& fallback) noexcept {
-    const std::lock_guard<std::mutex> lock(callMutex_);
-    const CallMessage message(++lastId_, {program_, version_, static_cast<std::uint32_t>(procedure)}, encode,
+clnt_stat RPCHandle::call(CLIENT* client, rpcproc_t procedure, xdrproc_t encode, void* argument,
+                          xdrproc_t decode, void* result, timeval fallback) noexcept {
+    RPCHandle& self = of(client);
+    const std::lock_guard<std::recursive_mutex> lock(self.turn_);
+    const CallMessage message(++self.lastId_,
+                              {self.program_, self.version_, static_cast<std::uint32_t>(procedure)}, encode,
                               argument, decode, result);
-    try {
-        return transport_->call(message, deadlineOf(timeout_.value_or(fallback)), error_);
-    } catch (const std::exception&) { // no memory for the reply
-        error_.re_errno = ENOMEM;
-        return error_.re_status = RPC_CANTDECODERES;
-    }
+    const Deadline deadline = deadlineAfter(self.timeoutOr(microsecondsOf(fallback)));
+    return self.transport_->call(message, deadline, self.error_);
 }
 
 bool_t RPCHandle::control(u_int request, void* value) noexcept {
-    const std::lock_guard<std::mutex> lock(callMutex_);
-    const bool_t done = clnt_control(connection_, request, static_cast<char*>(value));
-    if (done && request == CLSET_TIMEOUT)
-        timeout_ = *static_cast<const timeval*>(value);
-    return done;
+    if (request == CLSET_FD_CLOSE) // takes no value
+        return TRUE;
+    if (value == nullptr)
+        return FALSE;
+    auto* const number = static_cast<std::uint32_t*>(value);
+    sockaddr_in& address = opened_->place.address;
+    switch (request) {
+    case CLSET_TIMEOUT:
+        return setTimeout(*static_cast<const timeval*>(value)) ? TRUE : FALSE;
+    case CLGET_TIMEOUT:
+        return getTimeout(*static_cast<timeval*>(value)) ? TRUE : FALSE;
+    case CLGET_SERVER_ADDR:
+        std::memcpy(value, &address, sizeof address);
+        return TRUE;
+    case CLGET_SVC_ADDR:
+        *static_cast<netbuf*>(value) = {sizeof address, sizeof address, &address};
+        return TRUE;
+    case CLGET_FD:
+        *static_cast<int*>(value) = opened_->socket.get();
+        return TRUE;
+    case CLGET_XID:
+        *number = lastId_;
+        return TRUE;
+    case CLSET_XID: // of the next call
+        lastId_ = *number - 1;
+        return TRUE;
+    case CLGET_PROG:
+        *number = program_;
+        return TRUE;
+    case CLSET_PROG:
+        program_ = *number;
+        return TRUE;
+    case CLGET_VERS:
+        *number = version_;
+        return TRUE;
+    case CLSET_VERS:
+        version_ = *number;
+        return TRUE;
+    default:
+        return FALSE;
+    }
 }
 
 } // namespace Orvane

@@ -8,8 +8,8 @@
 namespace Orvane {
 
 // A reply that comes after its call has given up is dropped when a later call finds it. A stream on which a
-// request was sent in part, or that carries what is no record, is of no more use: every later call fails
-// with RPC_CANTSEND.
+// request was sent in part, or whose record is too long, is of no more use: every later call fails with
+// RPC_CANTSEND.
 class StreamTransport : public CallTransport {
 public:
     // Longest reply that is taken, in bytes. Memory is taken for what arrives, not for what a mark announces.
@@ -18,14 +18,16 @@ public:
     // `socket` is a connected stream socket.
     explicit StreamTransport(int socket) noexcept : socket_(socket) {}
 
-    clnt_stat call(const CallMessage& message, const Deadline& deadline, rpc_err& error) override;
+    clnt_stat call(const CallMessage& message, const Deadline& deadline, rpc_err& error) noexcept override;
+    bool isUsable() const noexcept override;
 
 private:
-    clnt_stat sendRequest(const CallMessage& message, const Deadline& deadline, rpc_err& error);
-    clnt_stat awaitReply(const CallMessage& message, const Deadline& deadline, rpc_err& error);
-    clnt_stat receiveRecord(const Deadline& deadline, rpc_err& error);
-    clnt_stat receiveMark(const Deadline& deadline, rpc_err& error);
-    clnt_stat receiveSome(char* buffer, std::size_t& length, const Deadline& deadline, rpc_err& error);
+    clnt_stat sendRequest(const CallMessage& message, const Deadline& deadline, rpc_err& error) noexcept;
+    clnt_stat awaitReply(const CallMessage& message, const Deadline& deadline, rpc_err& error) noexcept;
+    clnt_stat receiveRecord(const Deadline& deadline, rpc_err& error) noexcept;
+    clnt_stat receiveMark(const Deadline& deadline, rpc_err& error) noexcept;
+    clnt_stat receiveSome(char* buffer, std::size_t& length, const Deadline& deadline,
+                          rpc_err& error) noexcept;
     clnt_stat giveUp(rpc_err& error, clnt_stat status, int number) noexcept;
     void forgetRecord() noexcept;
 

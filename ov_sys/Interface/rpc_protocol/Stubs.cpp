@@ -18,26 +18,10 @@ namespace {
 // Holds while the handle has no time-out of its own.
 constexpr timeval kCallTimeout{2, 0};
 
-// Whether this thread's call has decoded its result: libtirpc reports success, too, for a TCP stream whose
-// record marks make no sense, without ever coming to the result.
-thread_local bool resultDecoded = false;
-
-template <class Result>
-bool_t decodeResult(XDR* stream, ...) {
-    va_list arguments;
-    va_start(arguments, stream);
-    Result* result = va_arg(arguments, Result*);
-    va_end(arguments);
-    resultDecoded = Orvane::Codec<Result>::run(stream, result) != FALSE;
-    return resultDecoded;
-}
-
 template <class Procedure, class Param, class Result>
 clnt_stat call(CLIENT* client, Procedure procedure, Param& param, Result* result) {
-    resultDecoded = false;
-    const clnt_stat status = clnt_call(client, static_cast<rpcproc_t>(procedure), Orvane::xdrProcedure<Param>,
-                                       &param, decodeResult<Result>, result, kCallTimeout);
-    return status == RPC_SUCCESS && !resultDecoded ? RPC_CANTDECODERES : status;
+    return clnt_call(client, static_cast<rpcproc_t>(procedure), Orvane::xdrProcedure<Param>, &param,
+                     Orvane::xdrProcedure<Result>, result, kCallTimeout);
 }
 
 } // namespace

@@ -8,11 +8,10 @@ extern "C" {
 // All stubs have one shape: <procedure>_1(argument record, result record, client handle). A stub makes
 // exactly one call on `client` (of the program under which it stands below) and returns that call's status;
 // the board's own verdict is in the result record. It blocks for at most 2 s, or for the handle's own
-// time-out once that has been set. A reply that carries no result yields RPC_CANTDECODERES. The argument's
-// lists stay the caller's; the result is neither cleared before nor freed after the call: the caller zeroes
-// it, or presets its pointers (see DecodeGuard.h), and frees what the decode allocated (see freeDecoded in
-// Codec.h). Nothing is thrown or retried. Any thread; libtirpc serialises calls on one handle, which must
-// outlive the call.
+// time-out once that has been set. The argument's lists stay the caller's; the result is neither cleared
+// before nor freed after the call: the caller zeroes it, or presets its pointers (see DecodeGuard.h), and
+// frees what the decode allocated (see freeDecoded in Codec.h). Nothing is thrown or retried. Any thread;
+// calls on one handle, which must outlive them, come one after the other.
 
 // Program "setup".
 ORVANE_API enum clnt_stat open_connection_1(Open_Param param, Open_Result* result, CLIENT* client);

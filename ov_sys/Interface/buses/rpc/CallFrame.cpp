@@ -96,10 +96,13 @@ void DO_RPC_REMOTE_EXEC(Command_Param param, Command_Result* result, PhySession&
     const Command_Result initial = *result;
     for (unsigned long attempt = 0;;) {
         session.setSessionBusy(secondsToMs(timeoutSeconds));
-        const clnt_stat status = callStub(execute_command_1, param, result, client);
+        const std::optional<clnt_stat> status =
+            Frames::attempt(execute_command_1, param, result, session, client);
+        if (!status)
+            session.onSessionFatalError();
         session.resetSessionBusy();
-        if (status != RPC_SUCCESS) {
-            Frames::recover(session, status, attempt, client.name);
+        if (*status != RPC_SUCCESS) {
+            Frames::recover(session, *status, attempt, client.name);
             ++attempt;
         } else if (session.setLastResult(result->error); result->error != -ETIMEDOUT) {
             if (!session.onRPCResultError(result->error, client.name)) {

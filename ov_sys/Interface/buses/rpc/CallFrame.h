@@ -9,6 +9,7 @@
 #include "ov_sys/Interface/rpc_protocol/Records.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
 
+#include <optional>
 #include <rpc/rpc.h>
 #include <string>
 
@@ -18,6 +19,14 @@ namespace Frames {
 
 // Throws Exceptions::InvalidSession unless the session is usable or becomes valid while it is waited for.
 ORVANE_API void requireUsable(PhySession& session);
+
+// One attempt on the handle that `client` has when it is this thread's turn. No status, and nothing was sent,
+// when the session ended while other threads had theirs: one after the other would find the board silent.
+template <class Param, class Result>
+std::optional<clnt_stat> attempt(clnt_stat (*stub)(Param, Result, CLIENT*), const Param& param, Result result,
+                                 const PhySession& session, RPCClient& client) {
+    return callStubIf([&session] { return session.isValid(); }, stub, param, result, client);
+}
 
 // What follows a transport error of attempt number `attempt` (from 0): normal return means that the call is
 // to be repeated. Attempt 5 retrieves the connection, attempt 7 is the last; both are met exactly or not at
@@ -52,9 +61,11 @@ void DO_RPC(clnt_stat (*stub)(Param, Result, CLIENT*), Param param, Result resul
     Frames::requireUsable(session);
     const auto initial = *result;
     for (unsigned long attempt = 0;; ++attempt) {
-        const clnt_stat status = callStub(stub, param, result, client);
-        if (status != RPC_SUCCESS) {
-            Frames::recover(session, status, attempt, client.name);
+        const std::optional<clnt_stat> status = Frames::attempt(stub, param, result, session, client);
+        if (!status)
+            session.onSessionFatalError();
+        if (*status != RPC_SUCCESS) {
+            Frames::recover(session, *status, attempt, client.name);
         } else {
             session.setLastResult(result->error);
             if (result->error == 0 || !session.onRPCResultError(result->error, client.name)) {
@@ -76,19 +87,21 @@ void DO_RPC_VALIDATION(clnt_stat (*stub)(Param, Result, CLIENT*), Param id, Resu
     constexpr unsigned int kWaitMs = 65000;
     RPCClient& client = *session.connection->getClient(clientId);
     for (;;) {
-        clnt_stat status = RPC_SUCCESS;
+        std::optional<clnt_stat> status;
         session.waitForSessionNotBusy();
         if (session.keepAliveEnds())
             return;
         do
-            status = callStub(stub, id, result, client);
+            status = Frames::attempt(stub, id, result, session, client);
         while (session.getSessionState() == PhySession::SESSION_BUSY && session.waitForSessionNotBusy() == 0);
-        if (status == RPC_SUCCESS) {
+        if (!status)
+            return;
+        if (*status == RPC_SUCCESS) {
             if (!session.onRPCResultError(result->error, client.name)) {
                 ++session.pingSequence;
                 return;
             }
-        } else if (session.keepAliveEnds() || !session.onRPCCallError(status, client.name) ||
+        } else if (session.keepAliveEnds() || !session.onRPCCallError(*status, client.name) ||
                    session.waitForErrorHandling(kWaitMs) != 0) {
             return;
         }

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <exception>
+#include <unistd.h>
 #include <utility>
 
 namespace Orvane {
@@ -47,9 +48,11 @@ bool isListed(HWInterface& devices, const std::string& name) {
 
 } // namespace
 
-HWInterface::HWInterface() : defaultAdapter_(0), failFlag(0), blockQueueSize(0) {}
+HWInterface::HWInterface() : defaultAdapter_(0), failFlag(0), blockQueueSize(0), process_(getpid()) {}
 
-HWInterface::~HWInterface() = default;
+HWInterface::~HWInterface() {
+    close();
+}
 
 bool HWInterface::initialize() {
     defaultAdapter_ = 0;
@@ -207,7 +210,7 @@ bool HWInterface::setSession(SessionWrapper session) {
     const unsigned adapter = static_cast<unsigned>(deviceNumber(adopted.name(), ""));
     if (!openAdapter(adapter))
         return false;
-    devices[adapter]->setSession(&adopted);
+    deviceAt(adapter).setSession(&adopted);
     return true;
 }
 

@@ -11,6 +11,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace Orvane {
@@ -22,15 +23,16 @@ class PhySession;
 // for the life of the process. An adapter is opened before it is accessed; the first access to a PHY on it
 // opens a session on the board.
 //
-// Any thread may call any member function, with these bounds: closing an adapter must not overlap with
-// accesses to it, a block is filled and executed by one thread, and several threads that use one PHY on an
-// SMBus port serialise themselves. Discovery runs without the lock; two concurrent discoveries may add one
-// name twice, the later entry then never being found by name.
+// Any thread may call any member function, with these bounds: a block is filled and executed by one thread,
+// and several threads that use one PHY on an SMBus port serialise themselves. An access to an adapter that is
+// closed meanwhile ends in an error, or opens its session once more when the adapter is opened again; what it
+// was given to keep (sessions, values of a block) is gone with the session. Discovery runs without the lock;
+// two concurrent discoveries may add one name twice, the later entry then never being found by name.
 //
 // Text results are allocated with malloc and freed by the caller with free().
 class ORVANE_API HWInterface {
 public:
-    std::mutex lock; // held by lookups, by each addition to the list and by close()
+    std::mutex lock; // held by lookups and by each addition to the list
     AppendOnlyList<std::unique_ptr<SimpleDeviceEntry>> devices; // grows under `lock`, read without it
     std::atomic<unsigned int> defaultAdapter_;                  // adapter of the functions that name none
     std::atomic<unsigned int> failFlag;                         // 0: nothing sets it
@@ -39,9 +41,14 @@ public:
 
     // No devices yet; does not block.
     HWInterface();
-    ~HWInterface(); // closes every session
+    ~HWInterface(); // closes every session, as close()
     HWInterface(const HWInterface&) = delete;
     HWInterface& operator=(const HWInterface&) = delete;
+
+    // Closes as close() does while the process exits and other threads may go on calling: waits 2 s at most
+    // for a device on which a session is being opened, and frees nothing; calls through what was closed end
+    // in an error. Does nothing in a forked child of the process that opened the adapters.
+    void closeAtExit() noexcept;
 
     // Sets default adapter, fail flag and block queue size to 0; the device list stays. Returns true.
     bool initialize();
@@ -99,9 +106,10 @@ public:
     // True when the adapter exists; it is open then.
     bool openAdapter(unsigned adapter);
     // 0 when the adapter is closed now, 1 (and a line on the standard error stream) when it does not exist.
-    // Closes its sessions, which blocks for their keep-alive threads and close requests.
+    // Closes its sessions, all at once, and blocks as PhySession::close() for the slowest.
     unsigned closeAdapter(unsigned adapter);
-    // Closes every open adapter.
+    // Closes every open adapter, the sessions of all of them at once: blocks as PhySession::close() for the
+    // slowest of 64, and for a session that is being opened. Look-ups go on meanwhile.
     void close();
 
     unsigned defaultAdapter();                // adapter of the functions that name none
@@ -208,11 +216,17 @@ public:
 
 private:
     SimpleDeviceEntry& deviceAt(unsigned adapter) const;
-    SimpleSessionEntry& resolve(unsigned adapter, unsigned phyId);
+    std::shared_ptr<SimpleSessionEntry> resolve(unsigned adapter, unsigned phyId);
     void addDevice(const AddressResponse& candidate);
+    template <class Hold>
+    SharedSessions closeDevices(Hold hold);
+
+    SharedSessions keptAtExit_;  // closed, and perhaps in use
+    std::atomic<pid_t> process_; // that opened an adapter last
 };
 
 } // namespace Orvane
 
-// The one interface behind the flat functions.
+// The one interface behind the flat functions. Destroyed when the library is unloaded, but not at the exit of
+// the process, which only closes its sessions: other threads may still be calling.
 extern ORVANE_API Orvane::HWInterface HW_Interface_Object;

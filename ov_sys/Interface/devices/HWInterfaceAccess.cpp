@@ -29,14 +29,10 @@ constexpr const char* kBoardAdvice = " ATTEMPTED: You need to use a BoardControl
 
 } // namespace
 
-SimpleSessionEntry& HWInterface::resolve(unsigned adapter, unsigned phyId) {
-    return *getSimpleSession(static_cast<int>(adapter), static_cast<int>(phyId));
-}
-
 // ---- Clause 45 ----
 
 void HWInterface::writeAdapter(unsigned adapter, unsigned phyId, unsigned mmd, unsigned reg, unsigned data) {
-    resolve(adapter, phyId).write_16bit_c45(packed(mmd, reg), data);
+    resolve(adapter, phyId)->write_16bit_c45(packed(mmd, reg), data);
 }
 
 void HWInterface::write(unsigned phyId, unsigned mmd, unsigned reg, unsigned data) {
@@ -44,7 +40,7 @@ void HWInterface::write(unsigned phyId, unsigned mmd, unsigned reg, unsigned dat
 }
 
 unsigned HWInterface::readAdapter(unsigned adapter, unsigned phyId, unsigned mmd, unsigned reg) {
-    return resolve(adapter, phyId).read_16bit_c45(packed(mmd, reg));
+    return resolve(adapter, phyId)->read_16bit_c45(packed(mmd, reg));
 }
 
 unsigned HWInterface::read(unsigned phyId, unsigned mmd, unsigned reg) {
@@ -54,7 +50,7 @@ unsigned HWInterface::read(unsigned phyId, unsigned mmd, unsigned reg) {
 // ---- Clause 22 ----
 
 void HWInterface::writeAdapter_c22(unsigned adapter, unsigned phyId, unsigned reg, unsigned data) {
-    resolve(adapter, phyId).write_16bit_c22(reg, data);
+    resolve(adapter, phyId)->write_16bit_c22(reg, data);
 }
 
 void HWInterface::write_c22(unsigned phyId, unsigned reg, unsigned data) {
@@ -62,7 +58,7 @@ void HWInterface::write_c22(unsigned phyId, unsigned reg, unsigned data) {
 }
 
 unsigned HWInterface::readAdapter_c22(unsigned adapter, unsigned phyId, unsigned reg) {
-    return resolve(adapter, phyId).read_16bit_c22(reg);
+    return resolve(adapter, phyId)->read_16bit_c22(reg);
 }
 
 unsigned HWInterface::read_c22(unsigned phyId, unsigned reg) {
@@ -73,7 +69,7 @@ unsigned HWInterface::read_c22(unsigned phyId, unsigned reg) {
 
 void HWInterface::blockWriteAdapter(unsigned adapter, unsigned phyId, unsigned mmd, unsigned reg,
                                     unsigned data) {
-    resolve(adapter, phyId).addBlockWrite_16bit(packed(mmd, reg), data);
+    resolve(adapter, phyId)->addBlockWrite_16bit(packed(mmd, reg), data);
 }
 
 void HWInterface::blockWrite(unsigned phyId, unsigned mmd, unsigned reg, unsigned data) {
@@ -81,7 +77,7 @@ void HWInterface::blockWrite(unsigned phyId, unsigned mmd, unsigned reg, unsigne
 }
 
 void HWInterface::blockReadAdapter(unsigned adapter, unsigned phyId, unsigned mmd, unsigned reg) {
-    resolve(adapter, phyId).addBlockRead_16bit(packed(mmd, reg));
+    resolve(adapter, phyId)->addBlockRead_16bit(packed(mmd, reg));
 }
 
 void HWInterface::blockRead(unsigned phyId, unsigned mmd, unsigned reg) {
@@ -91,7 +87,7 @@ void HWInterface::blockRead(unsigned phyId, unsigned mmd, unsigned reg) {
 // ---- 32-bit registers ----
 
 void HWInterface::write32Adapter(unsigned adapter, unsigned phyId, unsigned address, unsigned data) {
-    resolve(adapter, phyId).write_32bit(address, data, deviceAt(adapter).getKelSmbProto());
+    resolve(adapter, phyId)->write_32bit(address, data, deviceAt(adapter).getKelSmbProto());
 }
 
 void HWInterface::write32(unsigned phyId, unsigned address, unsigned data) {
@@ -99,7 +95,7 @@ void HWInterface::write32(unsigned phyId, unsigned address, unsigned data) {
 }
 
 unsigned HWInterface::read32Adapter(unsigned adapter, unsigned phyId, unsigned address) {
-    return resolve(adapter, phyId).read_32bit(address, deviceAt(adapter).getKelSmbProto());
+    return resolve(adapter, phyId)->read_32bit(address, deviceAt(adapter).getKelSmbProto());
 }
 
 unsigned HWInterface::read32(unsigned phyId, unsigned address) {
@@ -107,7 +103,7 @@ unsigned HWInterface::read32(unsigned phyId, unsigned address) {
 }
 
 void HWInterface::blockWrite32Adapter(unsigned adapter, unsigned phyId, unsigned address, unsigned data) {
-    resolve(adapter, phyId).addBlockWrite_32bit(address, data);
+    resolve(adapter, phyId)->addBlockWrite_32bit(address, data);
 }
 
 void HWInterface::blockWrite32(unsigned phyId, unsigned address, unsigned data) {
@@ -115,7 +111,7 @@ void HWInterface::blockWrite32(unsigned phyId, unsigned address, unsigned data) 
 }
 
 void HWInterface::blockRead32Adapter(unsigned adapter, unsigned phyId, unsigned address) {
-    resolve(adapter, phyId).addBlockRead_32bit(address);
+    resolve(adapter, phyId)->addBlockRead_32bit(address);
 }
 
 void HWInterface::blockRead32(unsigned phyId, unsigned address) {
@@ -147,7 +143,7 @@ void HWInterface::blockRead64(unsigned, unsigned) {}
 // ---- The address register of the 32-bit extension ----
 
 unsigned HWInterface::read32AdapterPreincrementAddress(unsigned adapter, unsigned phyId) {
-    return resolve(adapter, phyId).read_32bit_preincrement_address();
+    return resolve(adapter, phyId)->read_32bit_preincrement_address();
 }
 
 unsigned HWInterface::read32PreincrementAddress(unsigned phyId) {
@@ -155,7 +151,7 @@ unsigned HWInterface::read32PreincrementAddress(unsigned phyId) {
 }
 
 void HWInterface::write32AdapterPreincrementAddress(unsigned adapter, unsigned phyId, unsigned data) {
-    resolve(adapter, phyId).write_32bit_preincrement_address(data);
+    resolve(adapter, phyId)->write_32bit_preincrement_address(data);
 }
 
 void HWInterface::write32PreincrementAddress(unsigned phyId, unsigned data) {
@@ -163,7 +159,7 @@ void HWInterface::write32PreincrementAddress(unsigned phyId, unsigned data) {
 }
 
 unsigned HWInterface::read32AdapterCurrentAddress(unsigned adapter, unsigned phyId) {
-    return resolve(adapter, phyId).read_32bit_current_address();
+    return resolve(adapter, phyId)->read_32bit_current_address();
 }
 
 unsigned HWInterface::read32CurrentAddress(unsigned phyId) {
@@ -171,7 +167,7 @@ unsigned HWInterface::read32CurrentAddress(unsigned phyId) {
 }
 
 void HWInterface::write32AdapterCurrentAddress(unsigned adapter, unsigned phyId, unsigned data) {
-    resolve(adapter, phyId).write_32bit_current_address(data);
+    resolve(adapter, phyId)->write_32bit_current_address(data);
 }
 
 void HWInterface::write32CurrentAddress(unsigned phyId, unsigned data) {
@@ -181,18 +177,18 @@ void HWInterface::write32CurrentAddress(unsigned phyId, unsigned data) {
 // ---- Blocks ----
 
 std::vector<unsigned>& HWInterface::executeBlock(unsigned adapter, unsigned phyId, MDIO::MDIO_clause frames) {
-    SimpleSessionEntry& entry = resolve(adapter, phyId);
+    const auto entry = resolve(adapter, phyId);
     std::vector<unsigned>* values = nullptr;
     switch (frames) {
     case MDIO::CLAUSE_22:
-        values = entry.executeBlock_c22();
+        values = entry->executeBlock_c22();
         break;
     case MDIO::CLAUSE_22_32BIT:
-        values = entry.executeBlock_c22_32bit();
+        values = entry->executeBlock_c22_32bit();
         break;
     case MDIO::CLAUSE_45:
     default:
-        values = entry.executeBlock();
+        values = entry->executeBlock();
     }
     blockQueueSize = static_cast<unsigned>(values->size());
     return *values;

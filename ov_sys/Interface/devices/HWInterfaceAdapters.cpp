@@ -1,14 +1,37 @@
 // The adapters of HWInterface: opening, closing, parameters and the session of a PHY.
 #include "ov_sys/Interface/buses/MDIO.h"
 #include "ov_sys/Interface/devices/HWInterface.h"
+#include "ov_sys/Interface/devices/SessionClosing.h"
+#include "ov_sys/Interface/foundation/Deadline.h"
 #include "ov_sys/Interface/foundation/Diagnostics.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
+#include "ov_sys/Interface/foundation/HWIHelper.h"
+#include "ov_sys/Interface/foundation/ProcessExit.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
 
 #include <exception>
+#include <new>
+#include <unistd.h>
 #include <utility>
 
 namespace Orvane {
+
+namespace {
+
+using Held = std::unique_lock<std::mutex>;
+
+// Not owned when the mutex stays taken until then.
+Held heldUntil(const Deadline& limit, std::mutex& mutex) {
+    constexpr int kPollMs = 5;
+    Held lock(mutex, std::try_to_lock);
+    while (!lock && !limit.passed()) {
+        HWIHelper::mSleep(kPollMs);
+        static_cast<void>(lock.try_lock());
+    }
+    return lock;
+}
+
+} // namespace
 
 SimpleDeviceEntry& HWInterface::deviceAt(unsigned adapter) const {
     if (adapter >= devices.size())
@@ -19,7 +42,9 @@ SimpleDeviceEntry& HWInterface::deviceAt(unsigned adapter) const {
 bool HWInterface::openAdapter(unsigned adapter) {
     if (adapter >= devices.size())
         return false;
-    devices[adapter]->open();
+    ProcessExit::watch();
+    process_ = getpid();
+    deviceAt(adapter).open();
     return true;
 }
 
@@ -35,11 +60,46 @@ unsigned HWInterface::closeAdapter(unsigned adapter) {
     }
 }
 
+// Closes the open devices whose lock `hold` gives, and returns the sessions that they had.
+template <class Hold>
+SharedSessions HWInterface::closeDevices(Hold hold) {
+    std::vector<std::pair<SimpleDeviceEntry*, Held>> held;
+    SharedSessions sessions;
+    for (const auto& device : devices) {
+        if (device->isOpen == 0)
+            continue;
+        held.emplace_back(device.get(), hold(device->lock));
+        if (!held.back().second)
+            held.pop_back();
+        else
+            sessions.insert(sessions.end(), device->sessions.begin(), device->sessions.end());
+    }
+    closeSideBySide(sessions);
+    for (const auto& [device, itsLock] : held) {
+        device->sessions.clear();
+        device->isOpen = 0;
+    }
+    return sessions;
+}
+
 void HWInterface::close() {
-    const std::lock_guard<std::mutex> guard(lock);
-    for (const auto& entry : devices)
-        if (entry->isOpen != 0)
-            entry->close();
+    try {
+        closeDevices([](std::mutex& mutex) { return Held(mutex); });
+    } catch (const std::bad_alloc&) { // one after the other, then
+        for (const auto& device : devices)
+            if (device->isOpen != 0)
+                device->close();
+    }
+}
+
+void HWInterface::closeAtExit() noexcept {
+    if (process_ != getpid())
+        return;
+    const Deadline limit = Deadline::after(std::chrono::seconds(2));
+    try {
+        keptAtExit_ = closeDevices([limit](std::mutex& mutex) { return heldUntil(limit, mutex); });
+    } catch (const std::exception&) { // no memory: the boards will miss the pings
+    }
 }
 
 unsigned HWInterface::defaultAdapter() {
@@ -59,25 +119,26 @@ unsigned HWInterface::getDeviceParameters(unsigned adapter, unsigned /*parameter
     return static_cast<unsigned>(deviceAt(adapter).getKelSmbProto());
 }
 
+std::shared_ptr<SimpleSessionEntry> HWInterface::resolve(unsigned adapter, unsigned phyId) {
+    return deviceAt(adapter).shareSession(static_cast<int>(phyId));
+}
+
 SimpleSessionEntry* HWInterface::getSimpleSession(int adapter, int phyId) {
-    SimpleDeviceEntry& device = deviceAt(static_cast<unsigned>(adapter));
-    if (device.isOpen == 0)
-        throw Exceptions::Standard("Adapter isn't open.");
-    return device.getSession(phyId);
+    return resolve(static_cast<unsigned>(adapter), static_cast<unsigned>(phyId)).get();
 }
 
 bool HWInterface::closePhyID(std::string deviceName, int /*ignored*/, int phyId) {
     try {
-        return devices[static_cast<std::size_t>(deviceIndex(std::move(deviceName)))]->closePhyID(phyId);
+        return deviceAt(static_cast<unsigned>(deviceIndex(std::move(deviceName)))).closePhyID(phyId);
     } catch (...) {
         return false;
     }
 }
 
 bool HWInterface::setAdapterMdioPortBroadcast(unsigned adapter, unsigned phyId, bool on) {
-    SimpleSessionEntry& entry = resolve(adapter, phyId);
+    const auto entry = resolve(adapter, phyId);
     try {
-        mdio.setSingleWire(entry.session.get(), on);
+        mdio.setSingleWire(entry->session.get(), on);
         return true;
     } catch (const std::exception& problem) {
         Diagnostics::error("Couldn't set mdio port broadcast:\n", problem.what());

@@ -1,8 +1,10 @@
 #include "ov_sys/Interface/devices/SimpleDeviceEntry.h"
 
 #include "ov_sys/Interface/buses/rpc/RPCSetup.h"
+#include "ov_sys/Interface/devices/SessionClosing.h"
 #include "ov_sys/Interface/foundation/AddressResponse.h"
 #include "ov_sys/Interface/foundation/Diagnostics.h"
+#include "ov_sys/Interface/foundation/Exceptions.h"
 #include "ov_sys/Interface/foundation/HWIHelper.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
 
@@ -15,6 +17,8 @@
 
 namespace Orvane {
 namespace {
+
+using Lock = std::lock_guard<std::mutex>;
 
 // A session that failed to open is released without a close request.
 struct Abandon {
@@ -103,21 +107,29 @@ void SimpleDeviceEntry::open() {
 }
 
 void SimpleDeviceEntry::close() {
+    const Lock guard(lock);
+    closeSideBySide(sessions);
     sessions.clear();
     isOpen = 0;
 }
 
 bool SimpleDeviceEntry::closePhyID(int phyId) {
-    const std::lock_guard<std::mutex> guard(lock);
+    const Lock guard(lock);
     const auto entry = std::find_if(sessions.begin(), sessions.end(),
                                     [phyId](const auto& candidate) { return candidate->phyId == phyId; });
     if (entry == sessions.end())
         return false;
+    closeSideBySide({*entry});
     sessions.erase(entry);
     return true;
 }
 
 unsigned short SimpleDeviceEntry::getMdioExclusiveKey(int phyId) {
+    const Lock guard(lock);
+    return keyOf(phyId);
+}
+
+unsigned short SimpleDeviceEntry::keyOf(int phyId) const {
     for (const auto& entry : sessions)
         if (entry->phyId == phyId && entry->port == port)
             return entry->session->mdio.key;
@@ -125,7 +137,7 @@ unsigned short SimpleDeviceEntry::getMdioExclusiveKey(int phyId) {
 }
 
 PhySession* SimpleDeviceEntry::openInConfiguredMode(int phyId) {
-    int key = getMdioExclusiveKey(phyId);
+    int key = keyOf(phyId);
     if (getKey("EXCLUSIVE_KEY", key))
         return openExclusive(boardSerial, phyId, static_cast<unsigned>(key), 0);
     if (getKey("CONCURRENT_KEY", key))
@@ -134,28 +146,54 @@ PhySession* SimpleDeviceEntry::openInConfiguredMode(int phyId) {
     return openSimple(boardSerial, phyId, static_cast<unsigned>(key), 0);
 }
 
-SimpleSessionEntry* SimpleDeviceEntry::append(PhySession* session, int phyId, int sessionPort) {
-    std::unique_ptr<PhySession> owned(session);
-    auto entry = std::make_unique<SimpleSessionEntry>(owned.get(), phyId, sessionPort);
-    static_cast<void>(owned.release()); // the entry's now
-    sessions.push_back(std::move(entry));
-    return sessions.back().get();
+void SimpleDeviceEntry::append(std::unique_ptr<PhySession>& session, int phyId, int sessionPort) {
+    sessions.push_back(std::make_shared<SimpleSessionEntry>(nullptr, phyId, sessionPort));
+    session->adopt();
+    sessions.back()->session = std::move(session);
+}
+
+const std::shared_ptr<SimpleSessionEntry>& SimpleDeviceEntry::sessionOf(int phyId) {
+    for (const auto& entry : sessions)
+        if (entry->phyId == phyId)
+            return entry;
+    std::unique_ptr<PhySession> opened(openInConfiguredMode(phyId));
+    append(opened, phyId, port);
+    return sessions.back();
 }
 
 SimpleSessionEntry* SimpleDeviceEntry::getSession(int phyId) {
-    const std::lock_guard<std::mutex> guard(lock);
-    for (const auto& entry : sessions)
-        if (entry->phyId == phyId)
-            return entry.get();
-    return append(openInConfiguredMode(phyId), phyId, port);
+    const Lock guard(lock);
+    return sessionOf(phyId).get();
+}
+
+std::shared_ptr<SimpleSessionEntry> SimpleDeviceEntry::shareSession(int phyId) {
+    const Lock guard(lock);
+    if (isOpen == 0)
+        throw Exceptions::Standard("Adapter isn't open.");
+    return sessionOf(phyId);
 }
 
 SimpleSessionEntry* SimpleDeviceEntry::getSimpleSession(int phyId, unsigned short key) {
-    return append(openSimple(boardSerial, phyId, 0, key), phyId, port);
+    std::unique_ptr<PhySession> opened(openSimple(boardSerial, phyId, 0, key));
+    const Lock guard(lock);
+    append(opened, phyId, port);
+    return sessions.back().get();
 }
 
 void SimpleDeviceEntry::setSession(PhySession* session) {
-    append(session, session->mdio.phyAddress, static_cast<int>(session->mdio.deviceIndex));
+    const Lock guard(lock);
+    for (const auto& entry : sessions)
+        if (entry->session.get() == session)
+            return;
+    if (!session->adopt())
+        throw Exceptions::InvalidSession();
+    std::unique_ptr<PhySession> owned(session);
+    try {
+        append(owned, session->mdio.phyAddress, static_cast<int>(session->mdio.deviceIndex));
+    } catch (...) { // no memory
+        owned.release()->disown();
+        throw;
+    }
 }
 
 KelSmbProto SimpleDeviceEntry::getKelSmbProto() {

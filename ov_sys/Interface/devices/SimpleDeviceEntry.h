@@ -16,13 +16,13 @@ namespace Orvane {
 
 class PhySession;
 
-// Created closed. getSession() and closePhyID() may be called by any thread; the caller keeps close(),
-// getSimpleSession(), setSession() and getMdioExclusiveKey() from running together with each other or with
-// those.
+// Created closed. Any thread may call any member function. A session that is closed while another thread
+// calls through its bare pointer is that caller's fault; one that is held by shareSession() lives on, and its
+// calls end in an error.
 class ORVANE_API SimpleDeviceEntry {
 public:
-    std::vector<std::unique_ptr<SimpleSessionEntry>> sessions; // in order of opening
-    std::mutex lock;                   // guards `sessions` in getSession() and closePhyID(), opening included
+    SharedSessions sessions;           // in order of opening
+    std::mutex lock;                   // guards `sessions`; held while a session is opened or closed
     std::string address;               // the board's address, dotted IPv4 text; may be empty; constant
     std::string name;                  // device name in upper case; constant
     std::string boardSerial;           // the part of the name before the colon; constant
@@ -57,12 +57,13 @@ public:
 
     // Marks the device open; sessions are opened by the first access.
     void open();
-    // Closes every session and marks the device closed. Takes no lock.
+    // Closes every session and marks the device closed. Blocks as PhySession::close(), for all of them
+    // together.
     void close();
-    // Closes the first session of the PHY; false when there is none.
+    // Closes the first session of the PHY; false when there is none. Blocks as PhySession::close().
     bool closePhyID(int phyId);
 
-    // The key of the first session of the PHY on this device's port; 0 when there is none. Takes no lock.
+    // The key of the first session of the PHY on this device's port; 0 when there is none.
     unsigned short getMdioExclusiveKey(int phyId);
 
     // The session of the PHY, opened on first use: exclusive, concurrent or simple, whichever of the
@@ -70,11 +71,16 @@ public:
     // its key. The device owns it. Two threads that ask for one PHY get one session. Blocks and throws as
     // openSession().
     SimpleSessionEntry* getSession(int phyId);
+    // The same for a caller that closing must not leave with a pointer to nothing; throws
+    // Exceptions::Standard "Adapter isn't open." unless the device is open.
+    std::shared_ptr<SimpleSessionEntry> shareSession(int phyId);
 
-    // Always opens a new simple session with that key and appends it. The device owns it. Takes no lock.
+    // Always opens a new simple session with that key and appends it. The device owns it.
     SimpleSessionEntry* getSimpleSession(int phyId, unsigned short key);
 
-    // Appends a session that was opened elsewhere and takes ownership of it. Takes no lock.
+    // Appends a session that was opened elsewhere and takes ownership of it; on an exception the session
+    // stays the caller's. One that the device has already is left alone; throws Exceptions::InvalidSession
+    // for one that another device has.
     void setSession(PhySession* session);
 
     // Get and set smbProto.
@@ -91,7 +97,10 @@ private:
     PhySession* openAs(Mode flags, const std::string& serial, int phyId, unsigned key,
                        unsigned short fallbackKey);
     PhySession* openInConfiguredMode(int phyId);
-    SimpleSessionEntry* append(PhySession* session, int phyId, int sessionPort);
+    // These want `lock` to be held.
+    unsigned short keyOf(int phyId) const;
+    const std::shared_ptr<SimpleSessionEntry>& sessionOf(int phyId);
+    void append(std::unique_ptr<PhySession>& session, int phyId, int sessionPort);
 };
 
 } // namespace Orvane

@@ -73,4 +73,7 @@ private:
     std::vector<unsigned>* finishBlock(Execute execute);
 };
 
+// The owner is the device; whoever else holds one keeps it from being freed when it is closed.
+using SharedSessions = std::vector<std::shared_ptr<SimpleSessionEntry>>;
+
 } // namespace Orvane

@@ -10,7 +10,7 @@ namespace {
 class MainJob : public testing::Test, protected FlatBoard {};
 
 TEST_F(MainJob, IsDoneByAC99Program) {
-    const Outcome outcome = runProgram("'" FLAT_MAIN_JOB "' " + device(1) + " 2>/dev/null");
+    const ProgramOutcome outcome = runProgram("'" FLAT_MAIN_JOB "' " + device(1) + " 2>/dev/null");
     EXPECT_EQ(outcome.output, "device " + device(0) + "\ndevice " + device(1) +
                                   "\nadapter 1 of 2\n"
                                   "clause 45 CAFE\n"

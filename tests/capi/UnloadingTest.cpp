@@ -11,7 +11,7 @@ class Unloading : public testing::Test, protected FlatBoard {};
 
 TEST_F(Unloading, ClosesTheSessionsAndLeavesNothingOfTheLibrary) {
     board.setRegister(OrvaneSim::Space::C45, 0, 3, 0x10002, 0xCAFE);
-    const Outcome outcome =
+    const ProgramOutcome outcome =
         runProgram("'" FLAT_UNLOADING "' '" ORVANE_LIBRARY "' " + device(0) + " 2>/dev/null");
     EXPECT_EQ(outcome.output, "opened 1\n"
                               "read CAFE\n"

@@ -8,13 +8,13 @@
 
 namespace OrvaneTest {
 
-struct Outcome {
+struct ProgramOutcome {
     std::string output; // on its standard output
     int status;         // of its exit; -1 when it ended otherwise
 };
 
 // Runs the shell's command line and waits for its end.
-inline Outcome runProgram(const std::string& command) {
+inline ProgramOutcome runProgram(const std::string& command) {
     std::FILE* pipe = popen(command.c_str(), "re");
     if (pipe == nullptr)
         return {"cannot run " + command, -1};

@@ -16,6 +16,7 @@
 
 namespace Orvane {
 
+class Flight;
 namespace RackCore {
 class OpenSession;
 }
@@ -64,6 +65,8 @@ public:
     void setSmbusProtocol(SmbusProtocol protocol) const noexcept;
 
 private:
+    friend class Flight;
+
     std::shared_ptr<RackCore::OpenSession> session_;
 };
 

@@ -1,4 +1,5 @@
 // The Rack interface of Orvane, for C++17: any number of boards, sessions that heal, one kind of error.
 #pragma once
 
+#include "ov_sys/rack/Flight.h"
 #include "ov_sys/rack/Rack.h"

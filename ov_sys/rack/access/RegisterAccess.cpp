@@ -21,8 +21,12 @@ std::string objection(const Target& target, const RegisterAddress& address, std:
 }
 
 Trouble read(const Target& target, const RegisterAddress& address, std::uint32_t& value, Limits& limits) {
-    if (target.overSmbus())
-        return readOverSmbus(target, address, value, limits);
+    if (target.overSmbus()) {
+        SmbusTransfers transfers(target, address);
+        const Trouble trouble = run(target, transfers, limits);
+        value = transfers.value();
+        return trouble;
+    }
     u_int word = addressWord(target.session, address);
     const Effect effect = limits.within.repeat.reads == 0 ? Effect::Alone : Effect::Reads;
     ReadCall call(proceduresOf(address.space).read, effect, target.session, &value, 1);
@@ -31,8 +35,10 @@ Trouble read(const Target& target, const RegisterAddress& address, std::uint32_t
 }
 
 Trouble write(const Target& target, const RegisterAddress& address, std::uint32_t value, Limits& limits) {
-    if (target.overSmbus())
-        return writeOverSmbus(target, address, value, limits);
+    if (target.overSmbus()) {
+        SmbusTransfers transfers(target, address, value);
+        return run(target, transfers, limits);
+    }
     u_int word = addressWord(target.session, address);
     const Effect effect = limits.within.repeat.writes == 0 ? Effect::Alone : Effect::Writes;
     WriteCall call(Program::Mdio, static_cast<std::uint32_t>(proceduresOf(address.space).write), effect);

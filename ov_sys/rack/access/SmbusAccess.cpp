@@ -2,7 +2,7 @@
 
 #include "ov_sys/Interface/rpc_protocol/DecodeGuard.h"
 
-#include <array>
+#include <utility>
 
 namespace Orvane::RackAccess {
 namespace {
@@ -45,114 +45,98 @@ private:
     std::size_t count_;
 };
 
-// The transfers of one access, until the first that fails. One turn.
-class Transfers {
+template <class Calling>
+std::unique_ptr<Call> addressed(std::unique_ptr<Calling> call, Session& session) {
+    call->session = &session;
+    call->argument.byte1 = static_cast<u_char>(session.port - kFirstSmbusPort);
+    call->argument.word1 = session.phy;
+    return call;
+}
+
+// Writes bytes that it keeps.
+class BytesWrite : public TypedCall<I2C_Write_Param, Simple_Result> {
 public:
-    Transfers(const Target& target, Limits& limits) noexcept : target_(target), limits_(limits) {}
-
-    template <std::size_t size>
-    void write(std::array<u_char, size> bytes) {
-        if (trouble_)
-            return;
-        TypedCall<I2C_Write_Param, Simple_Result> call(Program::I2c, number(I2CProcedure::Write),
-                                                       Effect::Alone);
-        address(call);
-        call.argument.data = {size, bytes.data()};
-        trouble_ = drive(target_.link, call, limits_);
+    explicit BytesWrite(std::vector<u_char> bytes) noexcept
+        : TypedCall(Program::I2c, number(I2CProcedure::Write), Effect::Alone), bytes_(std::move(bytes)) {
+        argument.data = {static_cast<u_int>(bytes_.size()), bytes_.data()};
     }
-
-    // 2 bytes of the answer to a command, the first in bits 0 to 7.
-    std::uint32_t read(std::uint32_t command) {
-        std::array<u_char, 2> bytes{};
-        if (!trouble_) {
-            BytesCall<I2C_Read_Param> call(I2CProcedure::Read, bytes.data(), bytes.size());
-            address(call);
-            call.argument.byte2 = static_cast<u_char>(command);
-            call.argument.byte3 = static_cast<u_char>(bytes.size());
-            trouble_ = drive(target_.link, call, limits_);
-        }
-        return bytes[0] | std::uint32_t{bytes[1]} << 8U;
-    }
-
-    // A word at a register whose number has 4 bytes.
-    std::uint32_t readWord(std::uint32_t reg) {
-        std::array<u_char, 4> bytes{};
-        if (!trouble_) {
-            BytesCall<I2C_Read_Reg_Param> call(I2CProcedure::ReadRegister, bytes.data(), bytes.size());
-            address(call);
-            call.argument.word2 = __builtin_bswap32(reg);
-            call.argument.byte2 = 4;
-            call.argument.byte3 = static_cast<u_char>(bytes.size());
-            trouble_ = drive(target_.link, call, limits_);
-        }
-        return bytes[0] | std::uint32_t{bytes[1]} << 8U | std::uint32_t{bytes[2]} << 16U |
-               std::uint32_t{bytes[3]} << 24U;
-    }
-
-    Trouble trouble() const noexcept { return trouble_; }
 
 private:
-    template <class SmbusCall>
-    void address(SmbusCall& call) noexcept {
-        call.session = &target_.session;
-        call.argument.byte1 = static_cast<u_char>(target_.session.port - kFirstSmbusPort);
-        call.argument.word1 = target_.session.phy;
-    }
-
-    const Target& target_;
-    Limits& limits_;
-    Trouble trouble_;
+    std::vector<u_char> bytes_;
 };
-
-void select(Transfers& bus, const RegisterAddress& address) {
-    bus.write<3>({static_cast<u_char>(address.mmd), byteOf(address.number, 0), byteOf(address.number, 1)});
-}
-
-void selectPage(Transfers& bus, std::uint32_t address) {
-    bus.write<3>({0x81, byteOf(address, 2), byteOf(address, 3)});
-    bus.write<3>({0x80, byteOf(address, 0), byteOf(address, 1)});
-}
 
 } // namespace
 
-Trouble readOverSmbus(const Target& target, const RegisterAddress& address, std::uint32_t& value,
-                      Limits& limits) {
-    if (const Trouble busy = takeTurn(target.link, limits))
-        return busy;
-    const TurnGuard turn(target.link.turn);
-    Transfers bus(target, limits);
+SmbusTransfers::SmbusTransfers(const Target& target, const RegisterAddress& address)
+    : session_(target.session) {
     if (address.space == RegisterAddress::Space::Clause45) {
-        select(bus, address);
-        value = bus.read(address.mmd | 0x40U);
+        select(address);
+        read(address.mmd | 0x40U, 0);
     } else if (target.smbus == SmbusProtocol::Direct32) {
-        value = bus.readWord(address.number);
+        auto call = std::make_unique<BytesCall<I2C_Read_Reg_Param>>(I2CProcedure::ReadRegister, bytes_.data(),
+                                                                    bytes_.size());
+        call->argument.word2 = __builtin_bswap32(address.number);
+        call->argument.byte2 = 4;
+        call->argument.byte3 = static_cast<u_char>(bytes_.size());
+        calls_.push_back(addressed(std::move(call), session_));
     } else {
-        selectPage(bus, address.number);
-        value = bus.read(0xC0);
-        value |= bus.read(0xC1) << 16U;
+        selectPage(address.number);
+        read(0xC0, 0);
+        read(0xC1, 2);
     }
-    return bus.trouble();
 }
 
-Trouble writeOverSmbus(const Target& target, const RegisterAddress& address, std::uint32_t value,
-                       Limits& limits) {
+SmbusTransfers::SmbusTransfers(const Target& target, const RegisterAddress& address, std::uint32_t value)
+    : session_(target.session) {
+    const std::uint32_t to = address.number;
+    if (address.space == RegisterAddress::Space::Clause45) {
+        select(address);
+        write({static_cast<u_char>(address.mmd | 0x20U), byteOf(value, 0), byteOf(value, 1)});
+    } else if (target.smbus == SmbusProtocol::Direct32) {
+        write({byteOf(to, 3), byteOf(to, 2), byteOf(to, 1), byteOf(to, 0), byteOf(value, 0), byteOf(value, 1),
+               byteOf(value, 2), byteOf(value, 3)});
+    } else {
+        selectPage(to);
+        write({0xA1, byteOf(value, 2), byteOf(value, 3)});
+        write({0xA0, byteOf(value, 0), byteOf(value, 1)});
+    }
+}
+
+void SmbusTransfers::write(std::vector<u_char> bytes) {
+    calls_.push_back(addressed(std::make_unique<BytesWrite>(std::move(bytes)), session_));
+}
+
+void SmbusTransfers::read(std::uint32_t command, std::size_t place) {
+    auto call = std::make_unique<BytesCall<I2C_Read_Param>>(I2CProcedure::Read, bytes_.data() + place, 2);
+    call->argument.byte2 = static_cast<u_char>(command);
+    call->argument.byte3 = 2;
+    calls_.push_back(addressed(std::move(call), session_));
+}
+
+void SmbusTransfers::select(const RegisterAddress& address) {
+    write({static_cast<u_char>(address.mmd), byteOf(address.number, 0), byteOf(address.number, 1)});
+}
+
+void SmbusTransfers::selectPage(std::uint32_t address) {
+    write({0x81, byteOf(address, 2), byteOf(address, 3)});
+    write({0x80, byteOf(address, 0), byteOf(address, 1)});
+}
+
+std::uint32_t SmbusTransfers::value() const noexcept {
+    std::uint32_t word = 0;
+    for (std::size_t i = bytes_.size(); i-- > 0;)
+        word = word << 8U | bytes_[i];
+    return word;
+}
+
+Trouble run(const Target& target, SmbusTransfers& transfers, Limits& limits) {
     if (const Trouble busy = takeTurn(target.link, limits))
         return busy;
     const TurnGuard turn(target.link.turn);
-    Transfers bus(target, limits);
-    const std::uint32_t to = address.number;
-    if (address.space == RegisterAddress::Space::Clause45) {
-        select(bus, address);
-        bus.write<3>({static_cast<u_char>(address.mmd | 0x20U), byteOf(value, 0), byteOf(value, 1)});
-    } else if (target.smbus == SmbusProtocol::Direct32) {
-        bus.write<8>({byteOf(to, 3), byteOf(to, 2), byteOf(to, 1), byteOf(to, 0), byteOf(value, 0),
-                      byteOf(value, 1), byteOf(value, 2), byteOf(value, 3)});
-    } else {
-        selectPage(bus, to);
-        bus.write<3>({0xA1, byteOf(value, 2), byteOf(value, 3)});
-        bus.write<3>({0xA0, byteOf(value, 0), byteOf(value, 1)});
-    }
-    return bus.trouble();
+    while (Call* const call = transfers.next())
+        if (const Trouble trouble = drive(target.link, *call, limits))
+            return trouble;
+    return {};
 }
 
 } // namespace Orvane::RackAccess

@@ -1,100 +1,255 @@
 #include "ov_sys/rack/core/Fleet.h"
 
+#include "ov_sys/rack/link/Drive.h"
+
 #include <algorithm>
-#include <poll.h>
+#include <cerrno>
+#include <sys/epoll.h>
+#include <sys/timerfd.h>
+#include <system_error>
 
 namespace Orvane::RackCore {
 
 using namespace RackLink;
 
+namespace {
+
+constexpr std::chrono::milliseconds kLook{10}; // between two looks at a turn that another thread has
+
+FileDescriptor checked(int fd, const char* what) {
+    if (fd < 0)
+        throw std::system_error(errno, std::generic_category(), what);
+    return FileDescriptor(fd);
+}
+
+bool cancelled(const Job& job) noexcept {
+    return job.within.cancellation != nullptr && job.within.cancellation->cancelled();
+}
+
+} // namespace
+
+Fleet::Fleet()
+    : epoll_(checked(epoll_create1(EPOLL_CLOEXEC), "epoll_create1")),
+      timer_(checked(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC), "timerfd_create")),
+      now_(Clock::now()) {
+    epoll_event event{};
+    event.events = EPOLLIN;
+    if (epoll_ctl(epoll_.get(), EPOLL_CTL_ADD, timer_.get(), &event) != 0)
+        throw std::system_error(errno, std::generic_category(), "epoll_ctl");
+}
+
 Fleet::~Fleet() {
-    for (Member& member : members_)
-        end(member, FailureKind::Cancelled);
+    for (auto& entry : lanes_) {
+        cancel(*entry.second, FailureKind::Cancelled);
+        leaveTurn(*entry.second);
+    }
 }
 
-void Fleet::add(const std::shared_ptr<Board>& board, Call& call) {
-    call.limit(limits_.within, limits_.now, limits_.end);
-    // Calls of a board come in a row, as its sessions do.
-    if (members_.empty() || members_.back().board != board)
-        members_.push_back({board, {}, false, false});
-    members_.back().calls.push_back(&call);
+void Fleet::add(std::unique_ptr<Job> job) {
+    const std::shared_ptr<Board> board = job->session->board();
+    std::unique_ptr<Lane>& lane = lanes_[board.get()];
+    if (!lane) {
+        lane = std::make_unique<Lane>();
+        lane->board = board;
+    }
+    lane->waiting.push_back(std::move(job));
+    lane->ready = true;
+    ++jobs_;
+    if (jobs_ == 1)
+        setTimer(); // whoever waits for the descriptor has something to do
 }
 
-bool Fleet::allDone(const Member& member) noexcept {
-    return std::all_of(member.calls.begin(), member.calls.end(),
-                       [](const Call* call) { return call->done(); });
+bool Fleet::takeTurn(Lane& lane) {
+    if (!lane.hasTurn && !lane.waiting.empty() && lane.board->link.turn.tryTake()) {
+        lane.hasTurn = true;
+        lane.board->link.setWindow(window_);
+    }
+    return lane.hasTurn;
 }
 
-void Fleet::begin(Member& member) {
-    if (!member.board->link.turn.tryTake())
+void Fleet::leaveTurn(Lane& lane) {
+    if (!lane.hasTurn)
         return;
-    member.hasTurn = true;
-    for (Call* const call : member.calls)
-        member.board->link.start(*call, limits_.now);
+    for (const pollfd& one : lane.watched)
+        epoll_ctl(epoll_.get(), EPOLL_CTL_DEL, one.fd, nullptr);
+    lane.watched.clear();
+    lane.hasTurn = false;
+    lane.board->link.turn.leave();
 }
 
-void Fleet::end(Member& member, Trouble why) {
-    if (member.done)
-        return;
-    member.done = true;
-    for (Call* const call : member.calls) {
-        if (member.hasTurn && !call->done()) {
-            member.board->link.drop(*call, why, limits_.now);
-        } else if (!call->done()) {
-            call->trouble = why;
-            call->stage = Call::Stage::Done;
-        }
-    }
-    if (member.hasTurn)
-        member.board->link.turn.leave();
-}
-
-// Whether something is still to be done.
-bool Fleet::step(bool yields) {
-    bool busy = false;
-    for (Member& member : members_) {
-        if (member.done)
-            continue;
-        if (!member.hasTurn)
-            begin(member);
-        else
-            member.board->link.step(limits_.now);
-        if (member.hasTurn && allDone(member))
-            end(member, {});
-        else if (member.hasTurn && yields && member.board->link.turn.wanted())
-            end(member, FailureKind::Cancelled);
-        busy = busy || !member.done;
-    }
-    return busy;
-}
-
-void Fleet::wait() {
-    constexpr std::chrono::milliseconds kLook{20}; // for turns that others hold
-    TimePoint wake = std::min(limits_.end, limits_.now + kLook);
-    watched_.clear();
-    for (const Member& member : members_) {
-        if (member.done || !member.hasTurn)
-            continue;
-        pollfd entries[BoardLink::kMostWatched];
-        const std::size_t count = member.board->link.watch(entries);
-        watched_.insert(watched_.end(), entries, entries + count);
-        wake = std::min(wake, member.board->link.wake(limits_.now));
-    }
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(wake - limits_.now).count();
-    poll(watched_.data(), watched_.size(), static_cast<int>(std::max<decltype(left)>(left, 0)));
-    limits_.now = Clock::now();
-}
-
-void Fleet::run(bool yields, const std::function<bool()>& stop) {
-    while (step(yields)) {
-        const Cancellation* const cancellation = limits_.within.cancellation;
-        const bool cancelled = (cancellation != nullptr && cancellation->cancelled()) || (stop && stop());
-        if (cancelled || limits_.now >= limits_.end) {
-            for (Member& member : members_)
-                end(member, cancelled ? FailureKind::Cancelled : FailureKind::Busy);
+// Others get their turn as soon as what has begun is done.
+void Fleet::begin(Lane& lane) {
+    while (!lane.waiting.empty() && (lane.begun.empty() || !lane.board->link.turn.wanted())) {
+        Job& first = *lane.waiting.front();
+        const bool busy = !lane.begun.empty();
+        if (busy && (first.alone() || lane.begun.front()->alone() || lane.begun.size() >= 2 * window_))
             return;
+        lane.begun.push_back(std::move(lane.waiting.front()));
+        lane.waiting.pop_front();
+        startCalls(lane, *lane.begun.back());
+    }
+}
+
+void Fleet::startCalls(Lane& lane, Job& job) {
+    job.calls.clear();
+    job.next(job.calls);
+    for (Call* const call : job.calls) {
+        call->limit(job.within, now_, job.limits.end);
+        lane.board->link.start(*call, now_);
+    }
+    if (job.calls.empty() || job.calls.front()->done())
+        lane.ready = true; // nothing will arrive for it
+}
+
+void Fleet::settle(Lane& lane, std::unique_ptr<Job> job, Trouble trouble) {
+    for (Call* const call : job->calls) {
+        if (!call->done())
+            lane.board->link.drop(*call, trouble, now_);
+    }
+    --jobs_;
+    job->limits.now = now_;
+    job->settle(trouble);
+}
+
+void Fleet::collect(Lane& lane) {
+    for (auto next = lane.begun.begin(); next != lane.begun.end();) {
+        Job& job = **next;
+        Trouble trouble;
+        bool done = true;
+        for (const Call* const call : job.calls) {
+            done = done && call->done();
+            if (call->done() && call->trouble && !trouble)
+                trouble = call->trouble;
         }
-        wait();
+        if (cancelled(job))
+            trouble = FailureKind::Cancelled;
+        if (done && !trouble) {
+            for (const Call* const call : job.calls)
+                job.limits.attempts += call->sends;
+            startCalls(lane, job);
+            done = job.calls.empty();
+        }
+        if (!done && trouble.kind() != FailureKind::Cancelled) {
+            ++next;
+            continue;
+        }
+        for (const Call* const call : job.calls)
+            job.limits.attempts += call->sends;
+        std::unique_ptr<Job> ended = std::move(*next);
+        next = lane.begun.erase(next);
+        settle(lane, std::move(ended), trouble);
+    }
+}
+
+// Of those that have not begun.
+void Fleet::expire(Lane& lane) {
+    std::deque<std::unique_ptr<Job>> left;
+    for (std::unique_ptr<Job>& job : lane.waiting) {
+        if (now_ < job->limits.end && !cancelled(*job)) {
+            lane.wake = std::min(lane.wake, job->limits.end);
+            left.push_back(std::move(job));
+        } else {
+            const Trouble why = cancelled(*job) ? FailureKind::Cancelled : FailureKind::Busy;
+            settle(lane, std::move(job), why);
+        }
+    }
+    lane.waiting.swap(left);
+}
+
+void Fleet::cancel(Lane& lane, Trouble why) {
+    while (!lane.begun.empty()) {
+        std::unique_ptr<Job> job = std::move(lane.begun.front());
+        lane.begun.pop_front();
+        settle(lane, std::move(job), why);
+    }
+    while (!lane.waiting.empty()) {
+        std::unique_ptr<Job> job = std::move(lane.waiting.front());
+        lane.waiting.pop_front();
+        settle(lane, std::move(job), why);
+    }
+}
+
+void Fleet::stepLane(Lane& lane) {
+    const bool timed = now_ >= lane.wake;
+    lane.ready = false;
+    lane.wake = TimePoint::max();
+    if (timed)
+        expire(lane);
+    if (takeTurn(lane)) {
+        BoardLink& link = lane.board->link;
+        if (!lane.begun.empty())
+            link.step(now_);
+        runHooks(link);
+        collect(lane);
+        begin(lane);
+        if (yields_ && link.turn.wanted())
+            cancel(lane, FailureKind::Cancelled);
+        if (lane.begun.empty())
+            leaveTurn(lane);
+        else
+            watch(lane);
+        lane.wake = std::min(lane.wake, link.wake(now_));
+    }
+    if (!lane.waiting.empty() || (!lane.begun.empty() && cancelled(*lane.begun.front())))
+        lane.wake = std::min(lane.wake, now_ + kLook);
+}
+
+void Fleet::watch(Lane& lane) {
+    pollfd entries[BoardLink::kMostWatched];
+    const std::size_t count = lane.board->link.watch(entries);
+    const auto same = [](const pollfd& a, const pollfd& b) { return a.fd == b.fd && a.events == b.events; };
+    if (std::equal(entries, entries + count, lane.watched.begin(), lane.watched.end(), same))
+        return;
+    for (const pollfd& one : lane.watched)
+        epoll_ctl(epoll_.get(), EPOLL_CTL_DEL, one.fd,
+                  nullptr); // it may be closed by now, and so not be there
+    lane.watched.assign(entries, entries + count);
+    for (const pollfd& one : lane.watched) {
+        epoll_event event{};
+        event.events = (one.events & POLLOUT) != 0 ? EPOLLIN | EPOLLOUT : EPOLLIN;
+        event.data.ptr = &lane;
+        epoll_ctl(epoll_.get(), EPOLL_CTL_ADD, one.fd, &event);
+    }
+}
+
+void Fleet::takeEvents() {
+    epoll_event events[256];
+    const int count = epoll_wait(epoll_.get(), events, 256, 0);
+    for (int i = 0; i < count; ++i)
+        if (auto* const lane = static_cast<Lane*>(events[i].data.ptr))
+            lane->ready = true;
+}
+
+void Fleet::setTimer() {
+    TimePoint next = TimePoint::max();
+    for (const auto& entry : lanes_)
+        next = std::min(next, entry.second->ready ? now_ : entry.second->wake);
+    itimerspec when{};
+    if (next != TimePoint::max()) {
+        const auto nanoseconds =
+            std::max(std::chrono::nanoseconds(next.time_since_epoch()), std::chrono::nanoseconds(1));
+        when.it_value.tv_sec = static_cast<time_t>(nanoseconds.count() / 1'000'000'000);
+        when.it_value.tv_nsec = static_cast<long>(nanoseconds.count() % 1'000'000'000);
+    }
+    timerfd_settime(timer_.get(), TFD_TIMER_ABSTIME, &when, nullptr);
+}
+
+void Fleet::step() {
+    takeEvents();
+    now_ = Clock::now();
+    for (auto& entry : lanes_)
+        if (entry.second->ready || now_ >= entry.second->wake)
+            stepLane(*entry.second);
+    setTimer();
+}
+
+void Fleet::run(const std::function<bool()>& stop) {
+    while (jobs_ > 0 && !(stop && stop())) {
+        step();
+        if (jobs_ == 0)
+            return;
+        pollfd entry{epoll_.get(), POLLIN, 0};
+        poll(&entry, 1, static_cast<int>(std::chrono::milliseconds(stop ? kLook : kLook * 100).count()));
     }
 }
 

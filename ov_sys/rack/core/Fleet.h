@@ -1,49 +1,75 @@
-// Calls on many boards at once, driven by one thread.
+// Jobs on many boards at once, driven by one thread.
 #pragma once
 
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "ov_sys/rack/core/Board.h"
-#include "ov_sys/rack/link/Drive.h"
+#include "ov_sys/rack/core/Job.h"
 
+#include <deque>
 #include <functional>
+#include <list>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 namespace Orvane::RackCore {
 
-// Takes the turn of each board, starts its calls, and leaves when they are done. One thread.
+// Takes the turn of a board while it has jobs there. One thread.
 class Fleet {
 public:
-    explicit Fleet(const Within& within) : limits_(within) {}
-    // Ends what is still under way.
+    // Throws std::system_error.
+    Fleet();
+    // Cancels what is still under way.
     ~Fleet();
     Fleet(const Fleet&) = delete;
     Fleet& operator=(const Fleet&) = delete;
 
-    // `call` belongs to the caller and must outlive the fleet, or its end.
-    void add(const std::shared_ptr<Board>& board, RackLink::Call& call);
+    // Jobs of one board begin in order.
+    void add(std::unique_ptr<Job> job);
+    // Does what can be done now. Throws what a session's hook throws, and std::bad_alloc.
+    void step();
+    // Readable when step() has something to do.
+    int descriptor() const noexcept { return epoll_.get(); }
+    std::size_t underWay() const noexcept { return jobs_; }
+    // Calls in flight on one board at most.
+    void setWindow(unsigned calls) noexcept { window_ = calls; }
+    // Gives a board up, its jobs cancelled, as soon as another thread wants it.
+    void yield() noexcept { yields_ = true; }
 
-    // Until every call is done or the limits end; `stop`, if given, is asked at every step. With `yields` a
-    // board whose turn somebody else waits for is left at once, its calls cancelled. Throws std::bad_alloc
-    // only.
-    void run(bool yields = false, const std::function<bool()>& stop = {});
+    // Steps until nothing is under way, or `stop` says so. Blocks.
+    void run(const std::function<bool()>& stop);
 
 private:
-    struct Member {
+    struct Lane {
         std::shared_ptr<Board> board;
-        std::vector<RackLink::Call*> calls;
+        std::deque<std::unique_ptr<Job>> waiting;
+        std::list<std::unique_ptr<Job>> begun;
         bool hasTurn = false;
-        bool done = false;
+        bool ready = true; // something arrived, or was added
+        RackLink::TimePoint wake{};
+        std::vector<pollfd> watched;
     };
 
-    bool step(bool yields);
-    void begin(Member& member);
-    void end(Member& member, RackLink::Trouble why);
-    static bool allDone(const Member& member) noexcept;
-    void wait();
+    void stepLane(Lane& lane);
+    bool takeTurn(Lane& lane);
+    void leaveTurn(Lane& lane);
+    void begin(Lane& lane);
+    void startCalls(Lane& lane, Job& job);
+    void collect(Lane& lane);
+    void expire(Lane& lane);
+    void cancel(Lane& lane, RackLink::Trouble why);
+    void settle(Lane& lane, std::unique_ptr<Job> job, RackLink::Trouble trouble);
+    void watch(Lane& lane);
+    void takeEvents();
+    void setTimer();
 
-    RackLink::Limits limits_;
-    std::vector<Member> members_;
-    std::vector<pollfd> watched_;
+    FileDescriptor epoll_;
+    FileDescriptor timer_;
+    std::unordered_map<Board*, std::unique_ptr<Lane>> lanes_;
+    RackLink::TimePoint now_;
+    std::size_t jobs_ = 0;
+    unsigned window_ = 8;
+    bool yields_ = false;
 };
 
 } // namespace Orvane::RackCore

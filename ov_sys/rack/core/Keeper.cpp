@@ -1,7 +1,8 @@
 #include "ov_sys/rack/core/Keeper.h"
 
 #include "ov_sys/rack/core/Fleet.h"
-#include "ov_sys/rack/link/SetupCalls.h"
+#include "ov_sys/rack/core/SessionJobs.h"
+#include "ov_sys/rack/link/Drive.h"
 
 #include <cerrno>
 #include <poll.h>
@@ -25,55 +26,48 @@ int newEvent() {
 
 } // namespace
 
-// One ping of every open session.
-class Keeper::Round {
-public:
-    Round(const std::vector<std::shared_ptr<Board>>& boards, Surroundings* around) : around_(around) {
-        for (const std::shared_ptr<Board>& board : boards)
-            for (std::shared_ptr<OpenSession>& session : board->sessions())
-                add(board, std::move(session));
-    }
-
-    void run(const std::function<bool()>& stop) {
-        for (One& one : pings_)
-            fleet_.add(one.board, *one.ping);
-        fleet_.run(true, stop);
-        for (One& one : pings_)
-            settle(one);
-    }
-
-private:
-    struct One {
-        std::shared_ptr<Board> board;
-        std::shared_ptr<OpenSession> session;
-        std::unique_ptr<PingCall> ping;
-    };
-
-    // A board whose turn is not to be had is being talked to.
-    void add(const std::shared_ptr<Board>& board, std::shared_ptr<OpenSession> session) {
+// One ping of every open session. A board that another thread wants is left to it: it is being talked to.
+void Keeper::ping(const std::function<bool()>& stop) {
+    Fleet fleet;
+    fleet.yield();
+    std::vector<std::shared_ptr<OpenSession>> reopened;
+    const Within within{std::chrono::milliseconds(1500), Repeat{}, true, nullptr};
+    for (const std::shared_ptr<Board>& board : boards_()) {
         if (!board->link.turn.tryTake())
-            return;
+            continue;
         const TurnGuard turn(board->link.turn);
-        if (session->state().everOpened)
-            pings_.push_back({board, session, std::make_unique<PingCall>(session->state())});
+        for (const std::shared_ptr<OpenSession>& session : board->sessions())
+            if (session->state().everOpened)
+                fleet.add(std::make_unique<PingJob>(session, within, [&](const Job& job, Trouble trouble) {
+                    settle(job, trouble, reopened);
+                }));
     }
+    fleet.run(stop);
+    for (const std::shared_ptr<OpenSession>& session : reopened)
+        restore(*session);
+}
 
-    void settle(One& one) {
-        const Trouble trouble = one.ping->trouble;
-        if (trouble && trouble.kind() != FailureKind::Cancelled && around_ != nullptr)
-            around_->report(one.board->link, &one.session->state(), Event::Kind::PingLost,
-                            Event::Level::Warning, toText(trouble.kind()));
-        if (trouble || !one.board->link.turn.tryTake())
-            return;
-        const TurnGuard turn(one.board->link.turn);
-        runHook(one.board->link, one.session->state());
+void Keeper::settle(const Job& job, Trouble trouble, std::vector<std::shared_ptr<OpenSession>>& reopened) {
+    OpenSession& session = *job.session;
+    if (!trouble && session.state().hookDue)
+        reopened.push_back(job.session);
+    else if (trouble && trouble.kind() != FailureKind::Cancelled)
+        around_.report(session.link(), &session.state(), Event::Kind::PingLost, Event::Level::Warning,
+                       toText(trouble.kind()));
+}
+
+// Runs a hook that is due. What it throws is told; the next call on the session tries it again.
+void Keeper::restore(OpenSession& session) {
+    if (!session.link().turn.tryTake())
+        return;
+    const TurnGuard turn(session.link().turn);
+    try {
+        runHook(session.link(), session.state());
+    } catch (const std::exception& problem) {
+        around_.report(session.link(), &session.state(), Event::Kind::Lost, Event::Level::Warning,
+                       problem.what());
     }
-
-    Within within_{std::chrono::milliseconds(1500), Repeat{}, true, nullptr};
-    Surroundings* around_;
-    std::vector<One> pings_;
-    Fleet fleet_{within_};
-};
+}
 
 Keeper::Keeper(Boards boards, Search search, EventQueue& events, Surroundings& around)
     : boards_(std::move(boards)),
@@ -150,7 +144,7 @@ void Keeper::run() {
     while (!stopping()) {
         searchOne();
         if (Clock::now() >= next) {
-            Round(boards_(), &around_).run(stopping);
+            ping(stopping);
             next += kPeriod;
         }
         sleep(next);

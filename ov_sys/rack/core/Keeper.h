@@ -4,6 +4,7 @@
 #include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "ov_sys/rack/core/Board.h"
 #include "ov_sys/rack/core/EventQueue.h"
+#include "ov_sys/rack/core/Job.h"
 
 #include <atomic>
 #include <functional>
@@ -36,11 +37,13 @@ public:
     void stop();
 
 private:
-    class Round;
-
     void run();
     void sleep(RackLink::TimePoint until) const;
     void searchOne();
+    void ping(const std::function<bool()>& stop);
+    void settle(const Job& job, RackLink::Trouble trouble,
+                std::vector<std::shared_ptr<OpenSession>>& reopened);
+    void restore(OpenSession& session);
 
     const Boards boards_;
     const Search search_;

@@ -100,10 +100,14 @@ void OpenSession::close(Limits& limits) {
         return;
     CloseCall call(state_);
     const Trouble trouble = drive(link(), call, limits);
+    forget();
+    check(trouble, "close", {}, limits);
+}
+
+void OpenSession::forget() noexcept {
     state_.open = false;
     state_.everOpened = false;
     state_.key = 0;
-    check(trouble, "close", {}, limits);
 }
 
 void OpenSession::setHook(std::function<void()> hook) {

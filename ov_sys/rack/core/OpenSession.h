@@ -33,12 +33,15 @@ public:
     void open(RackLink::Limits& limits);
     // Does nothing when it is not open.
     void close(RackLink::Limits& limits);
+    // As closed, whatever the board thinks. For the holder of the turn.
+    void forget() noexcept;
     void setHook(std::function<void()> hook);
     bool isOpen();
     std::uint16_t key();
 
     RackAccess::Target target() noexcept;
     RackLink::BoardLink& link() noexcept;
+    const std::shared_ptr<Board>& board() const noexcept { return board_; }
     RackLink::Session& state() noexcept { return state_; }
     void setSmbus(SmbusProtocol protocol) noexcept { smbus_.store(protocol, std::memory_order_relaxed); }
 

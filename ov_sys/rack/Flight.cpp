@@ -1,0 +1,144 @@
+#include "ov_sys/rack/Flight.h"
+
+#include "ov_sys/rack/core/Fleet.h"
+#include "ov_sys/rack/core/RegisterJobs.h"
+#include "ov_sys/rack/core/SessionJobs.h"
+
+#include <algorithm>
+#include <poll.h>
+
+namespace Orvane {
+
+using RackCore::Job;
+using RackLink::Limits;
+using RackLink::Trouble;
+
+Flight::Flight(unsigned window) : fleet_(std::make_unique<RackCore::Fleet>()) {
+    fleet_->setWindow(std::clamp(window, 1U, 64U));
+}
+
+Flight::~Flight() = default;
+
+template <class Value>
+Pending<Value> Flight::pending() {
+    Pending<Value> result;
+    result.state_->flight = this;
+    return result;
+}
+
+Pending<std::uint32_t> Flight::read(const Phy& phy, RegisterAddress address, const Within& within) {
+    phy.session_->object("read", address, 0, Limits(within));
+    Pending<std::uint32_t> result = pending<std::uint32_t>();
+    fleet_->add(std::make_unique<RackCore::RegisterJob>(
+        phy.session_, within, address, std::nullopt,
+        [state = result.state_](std::uint32_t value, std::optional<Failure> failure) {
+            state->failure = std::move(failure);
+            if (!state->failure)
+                state->value = value;
+        }));
+    return result;
+}
+
+Pending<std::uint32_t> Flight::write(const Phy& phy, RegisterAddress address, std::uint32_t value,
+                                     const Within& within) {
+    phy.session_->object("write", address, value, Limits(within));
+    Pending<std::uint32_t> result = pending<std::uint32_t>();
+    fleet_->add(std::make_unique<RackCore::RegisterJob>(
+        phy.session_, within, address, value,
+        [state = result.state_](std::uint32_t written, std::optional<Failure> failure) {
+            state->failure = std::move(failure);
+            if (!state->failure)
+                state->value = written;
+        }));
+    return result;
+}
+
+namespace {
+
+// What keeps a batch from flying; empty when nothing does.
+void object(RackCore::OpenSession& session, const Batch& batch, const Within& within) {
+    const Limits limits(within);
+    for (const Batch::Operation& one : batch.operations())
+        session.object(one.writes ? "write" : "read", one.address, one.value, limits);
+    if (session.target().overSmbus())
+        throw session.failure(FailureKind::InvalidArgument, "batch", {}, limits,
+                              "Batches do not fly on SMBus ports: use Phy::run().");
+}
+
+} // namespace
+
+Pending<std::vector<std::uint32_t>> Flight::read(const Phy& phy, RegisterAddress first, std::size_t count,
+                                                 const Within& within) {
+    Batch batch;
+    const Batch::Readings all = batch.read(first, count);
+    object(*phy.session_, batch, within);
+    auto result = pending<std::vector<std::uint32_t>>();
+    fleet_->add(std::make_unique<RackCore::BatchJob>(phy.session_, within, std::move(batch),
+                                                     [state = result.state_, all](const BatchResult& done) {
+                                                         state->failure = done.failure();
+                                                         if (done.complete())
+                                                             state->value = done[all];
+                                                     }));
+    return result;
+}
+
+Pending<BatchResult> Flight::run(const Phy& phy, Batch batch, const Within& within) {
+    object(*phy.session_, batch, within);
+    Pending<BatchResult> result = pending<BatchResult>();
+    fleet_->add(std::make_unique<RackCore::BatchJob>(
+        phy.session_, within, std::move(batch),
+        [state = result.state_](BatchResult done) { state->value = std::move(done); }));
+    return result;
+}
+
+namespace {
+
+template <class State>
+RackCore::Settled tell(const std::shared_ptr<State>& state, const char* operation) {
+    return [state, operation](const Job& job, Trouble trouble) {
+        if (trouble)
+            state->failure = job.session->failure(trouble, operation, {}, job.limits);
+        else
+            state->value = true;
+    };
+}
+
+} // namespace
+
+Pending<bool> Flight::open(const Phy& phy, const Within& within) {
+    Pending<bool> result = pending<bool>();
+    fleet_->add(std::make_unique<RackCore::PingJob>(phy.session_, within, tell(result.state_, "open")));
+    return result;
+}
+
+Pending<bool> Flight::close(const Phy& phy, const Within& within) {
+    Pending<bool> result = pending<bool>();
+    fleet_->add(std::make_unique<RackCore::CloseJob>(phy.session_, within, tell(result.state_, "close")));
+    return result;
+}
+
+int Flight::descriptor() const noexcept {
+    return fleet_->descriptor();
+}
+
+void Flight::step() {
+    fleet_->step();
+}
+
+void Flight::wait() {
+    fleet_->run({});
+}
+
+void Flight::waitSome() {
+    fleet_->step();
+    if (fleet_->underWay() == 0)
+        return;
+    pollfd entry{fleet_->descriptor(), POLLIN, 0};
+    poll(&entry, 1, 1000);
+}
+
+std::size_t Flight::underWay() const noexcept {
+    return fleet_->underWay();
+}
+
+} // namespace Orvane

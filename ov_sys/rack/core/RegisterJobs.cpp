@@ -1,0 +1,73 @@
+#include "ov_sys/rack/core/RegisterJobs.h"
+
+#include <algorithm>
+
+namespace Orvane::RackCore {
+
+using namespace RackLink;
+
+RegisterJob::RegisterJob(std::shared_ptr<OpenSession> target, const Within& said, RegisterAddress address,
+                         std::optional<std::uint32_t> value, Told told)
+    : Job(std::move(target), said),
+      address_(address),
+      writes_(value.has_value()),
+      value_(value.value_or(0)),
+      told_(std::move(told)) {
+    const RackAccess::Target here = session->target();
+    if (!here.overSmbus())
+        call_ = mdioCall();
+    else if (writes_)
+        transfers_ = std::make_unique<RackAccess::SmbusTransfers>(here, address_, value_);
+    else
+        transfers_ = std::make_unique<RackAccess::SmbusTransfers>(here, address_);
+}
+
+std::unique_ptr<Call> RegisterJob::mdioCall() {
+    const MdioProcedures procedures = proceduresOf(address_.space);
+    word_ = addressWord(session->state(), address_);
+    if (!writes_) {
+        const Effect effect = within.repeat.reads == 0 ? Effect::Alone : Effect::Reads;
+        auto call = std::make_unique<ReadCall>(procedures.read, effect, session->state(), &value_, 1);
+        call->argument.addresses = {1, &word_};
+        return call;
+    }
+    const Effect effect = within.repeat.writes == 0 ? Effect::Alone : Effect::Writes;
+    auto call =
+        std::make_unique<WriteCall>(Program::Mdio, static_cast<std::uint32_t>(procedures.write), effect);
+    call->session = &session->state();
+    call->argument.addresses = {1, &word_};
+    call->argument.values = {1, &value_};
+    return call;
+}
+
+void RegisterJob::next(std::vector<Call*>& list) {
+    Call* const call = transfers_ != nullptr ? transfers_->next() : begun_ ? nullptr : call_.get();
+    begun_ = true;
+    if (call != nullptr)
+        list.push_back(call);
+}
+
+void RegisterJob::settle(Trouble trouble) {
+    if (trouble)
+        return told_(0, session->failure(trouble, writes_ ? "write" : "read", toText(address_), limits));
+    told_(transfers_ != nullptr && !writes_ ? transfers_->value() : value_, std::nullopt);
+}
+
+BatchJob::BatchJob(std::shared_ptr<OpenSession> target, const Within& said, Batch batch, Told told)
+    : Job(std::move(target), said),
+      batch_(std::move(batch)),
+      writes_(std::any_of(batch_.operations().begin(), batch_.operations().end(),
+                          [](const Batch::Operation& one) { return one.writes; })),
+      run_(session->target(), batch_.operations(), within.repeat),
+      told_(std::move(told)) {}
+
+void BatchJob::settle(Trouble trouble) {
+    run_.store();
+    std::optional<Failure> failure;
+    if (trouble)
+        failure = session->failure(trouble, "batch",
+                                   "from " + toText(batch_.operations()[run_.failed].address), limits);
+    told_({std::move(run_.outcomes), std::move(failure)});
+}
+
+} // namespace Orvane::RackCore

@@ -1,0 +1,224 @@
+// Many operations under way at once, and the order in which their boards hear them.
+#include "ov_sys/rack/Flight.h"
+
+#include "tests/support/rack/RackOnBoard.h"
+
+#include <poll.h>
+
+namespace OrvaneTest {
+namespace {
+
+using namespace Orvane;
+using Json = nlohmann::ordered_json;
+
+class FlightTest : public testing::Test, protected RackOnBoard {
+protected:
+    Flight flight;
+
+    FlightTest() { phy.open(); }
+
+    // Register numbers that single MDIO requests named, in the order in which the board heard them.
+    std::vector<unsigned> registersAsked() const {
+        std::vector<unsigned> numbers;
+        for (const Request& request : board.requests("mdio"))
+            numbers.push_back(request.arguments()["addresses"][0].get<unsigned>() & 0xFFFFU);
+        return numbers;
+    }
+};
+
+TEST_F(FlightTest, ReadsReturnTheirOwnValues) {
+    std::vector<Pending<std::uint32_t>> results;
+    for (std::uint32_t i = 0; i < 100; ++i) {
+        board.setRegister(Space::C45, 1, 3, 0x10000 + i, i * 3);
+        results.push_back(flight.read(phy, {1, i}));
+    }
+    flight.wait();
+    for (std::uint32_t i = 0; i < 100; ++i)
+        ASSERT_EQ(results[i].get(), i * 3);
+    EXPECT_EQ(flight.underWay(), 0U);
+}
+
+TEST_F(FlightTest, OperationsReachTheirBoardInTheOrderOfTheirStart) {
+    std::vector<unsigned> expected;
+    for (std::uint32_t i = 0; i < 50; ++i) {
+        if (i % 3 == 0)
+            flight.write(phy, {1, i}, i);
+        else
+            flight.read(phy, {1, i});
+        expected.push_back(i);
+    }
+    flight.wait();
+    EXPECT_EQ(registersAsked(), expected);
+}
+
+TEST_F(FlightTest, OldWriteNeverOvertakesANewOneWhenItsRequestIsLost) {
+    inject(Fault::Kind::LoseRequest, "mdio", "mdio_write");
+    for (std::uint32_t i = 1; i <= 4; ++i)
+        flight.write(phy, {1, 2}, i);
+    flight.wait();
+    EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10002), 4U);
+    std::vector<Json> values;
+    for (const Request& request : board.requestsOf("mdio_write"))
+        values.push_back(request.arguments()["values"][0]);
+    EXPECT_EQ(values, (std::vector<Json>{1, 2, 3, 4, 1, 2, 3, 4})); // from the first unanswered on, in order
+}
+
+TEST_F(FlightTest, ReadBehindALostWriteIsReadAgain) {
+    inject(Fault::Kind::LoseRequest, "mdio", "mdio_write");
+    flight.write(phy, {1, 2}, 0x99);
+    EXPECT_EQ(flight.read(phy, {1, 2}).get(), 0x99U);
+}
+
+TEST_F(FlightTest, WriteWaitsForTheReadsBeforeIt) {
+    board.setRegister(Space::C45, 1, 3, 0x10002, 1);
+    inject(Fault::Kind::LoseRequest, "mdio", "mdio_read");
+    const auto before = flight.read(phy, {1, 2});
+    flight.write(phy, {1, 2}, 2);
+    EXPECT_EQ(before.get(), 1U);
+    flight.wait();
+    EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10002), 2U);
+}
+
+TEST_F(FlightTest, OperationsWithSideEffectsFlyAlone) {
+    inject(Fault::Kind::DelayReply, "mdio", "mdio_read", 1, 100);
+    flight.read(phy, {1, 1}, Within{}.once());
+    flight.read(phy, {1, 2});
+    board.waitFor([&, stepped = false](const Request& one) mutable {
+        if (!stepped)
+            for (int i = 0; i < 5; ++i)
+                flight.step();
+        stepped = true;
+        return one.procedure == "mdio_read";
+    });
+    EXPECT_EQ(count("mdio_read"), 1U);
+    flight.wait();
+    EXPECT_EQ(count("mdio_read"), 2U);
+}
+
+TEST_F(FlightTest, SmbusAccessesOfOneBoardDoNotMix) {
+    const Port smbus = rack.open("BOARD7:10");
+    const Phy one = smbus.phy(3);
+    const Phy other = smbus.phy(4);
+    std::vector<Pending<std::uint32_t>> results;
+    for (std::uint32_t i = 0; i < 8; ++i) {
+        flight.write(i % 2 == 0 ? one : other, {1, i}, i + 100);
+        results.push_back(flight.read(i % 2 == 0 ? one : other, {1, i}));
+    }
+    flight.wait();
+    for (std::uint32_t i = 0; i < 8; ++i)
+        EXPECT_EQ(results[i].get(), i + 100);
+}
+
+TEST_F(FlightTest, BlocksOfAnyLengthFly) {
+    for (std::uint32_t i = 0; i < 2000; ++i)
+        board.setRegister(Space::C45, 1, 3, 0x1E0000 + i, i);
+    const auto whole = flight.read(phy, {30, 0}, 2000);
+    Batch batch;
+    batch.write({30, 5}, 7);
+    const auto changed = batch.read({30, 5});
+    const auto result = flight.run(phy, batch);
+    EXPECT_EQ(whole.get().at(1999), 1999U);
+    EXPECT_EQ(result.get()[changed], 7U);
+}
+
+TEST_F(FlightTest, LossOfOneInTwentyEachWayCostsNoValue) {
+    for (const Fault::Kind kind : {Fault::Kind::LoseReply, Fault::Kind::LoseRequest}) {
+        Fault loss{"mdio", "", kind, -1};
+        loss.probability = 0.05;
+        board.inject(loss);
+    }
+    std::vector<Pending<std::uint32_t>> reads;
+    for (std::uint32_t i = 0; i < 200; ++i) {
+        flight.write(phy, {1, i % 7}, i, within(20s));
+        reads.push_back(flight.read(phy, {1, i % 7}, within(20s)));
+    }
+    flight.wait();
+    for (std::uint32_t i = 0; i < 200; ++i)
+        ASSERT_EQ(reads[i].get(), i);
+}
+
+TEST_F(FlightTest, ForgottenSessionIsOpenedAgainForAllThatIsUnderWay) {
+    std::vector<Pending<std::uint32_t>> results;
+    board.setRegister(Space::C45, 1, 3, 0x10002, 5);
+    board.forgetSessions();
+    for (int i = 0; i < 20; ++i)
+        results.push_back(flight.read(phy, {1, 2}));
+    flight.wait();
+    for (const auto& result : results)
+        EXPECT_EQ(result.get(), 5U);
+    EXPECT_EQ(count("open_connection"), 2U);
+}
+
+TEST_F(FlightTest, FailureOfOneIsItsOwn) {
+    inject(Fault::Kind::ResultCode, "mdio", "mdio_read", 1, -5);
+    const auto bad = flight.read(phy, {1, 1});
+    const auto good = flight.read(phy, {1, 5});
+    flight.wait();
+    ASSERT_TRUE(bad.failure());
+    EXPECT_EQ(bad.failure()->code(), -5);
+    EXPECT_EQ(bad.failure()->location(), "1.0x0001");
+    EXPECT_THROW(bad.get(), Failure);
+    EXPECT_EQ(good.get(), 0U);
+}
+
+TEST_F(FlightTest, DescriptorIsReadableWhenThereIsSomethingToDo) {
+    const auto result = flight.read(phy, {1, 1});
+    while (!result.done()) {
+        pollfd entry{flight.descriptor(), POLLIN, 0};
+        ASSERT_EQ(poll(&entry, 1, 10000), 1);
+        flight.step();
+    }
+    EXPECT_EQ(result.get(), 0U);
+}
+
+TEST_F(FlightTest, EndOfTheFlightCancelsWhatIsUnderWay) {
+    inject(Fault::Kind::LoseRequest, "mdio", "mdio_read", -1);
+    std::optional<Flight> brief(std::in_place);
+    const auto result = brief->read(phy, {1, 1});
+    brief->step();
+    brief.reset();
+    ASSERT_TRUE(result.failure());
+    EXPECT_EQ(result.failure()->kind(), FailureKind::Cancelled);
+    board.clearFaults();
+    EXPECT_EQ(phy.read({1, 1}), 0U);
+}
+
+TEST_F(FlightTest, DeadlineEndsAnOperation) {
+    inject(Fault::Kind::LoseRequest, "mdio", "mdio_read", -1);
+    const auto result = flight.read(phy, {1, 1}, within(200ms));
+    EXPECT_THROW(result.get(), Failure);
+    EXPECT_EQ(result.failure()->kind(), FailureKind::TimedOut);
+}
+
+TEST(ManyBoardsInFlight, OpenReadAndCloseFromOneThread) {
+    constexpr int kBoards = 200;
+    OrvaneSim::Lab lab;
+    Rack rack;
+    std::vector<Phy> phys;
+    for (int i = 0; i < kBoards; ++i) {
+        OrvaneSim::BoardOptions options;
+        options.serial = "B" + std::to_string(i);
+        OrvaneSim::Board& board = lab.add(options);
+        board.setRegister(Space::C45, 0, 1, 0x10002, static_cast<std::uint32_t>(i));
+        rack.know(options.serial, board.address());
+        phys.push_back(rack.open(options.serial + ":0").phy(1));
+    }
+    Flight flight;
+    for (const Phy& phy : phys)
+        flight.open(phy, within(30s));
+    flight.wait();
+    std::vector<Pending<std::uint32_t>> values;
+    for (const Phy& phy : phys)
+        values.push_back(flight.read(phy, {1, 2}, within(30s)));
+    flight.wait();
+    for (int i = 0; i < kBoards; ++i)
+        ASSERT_EQ(values[static_cast<std::size_t>(i)].get(), static_cast<std::uint32_t>(i));
+    for (const Phy& phy : phys)
+        flight.close(phy, within(30s));
+    flight.wait();
+    for (OrvaneSim::Board* const board : lab.boards())
+        EXPECT_EQ(board->sessionCount(), 0U);
+}
+
+} // namespace
+} // namespace OrvaneTest

@@ -1,6 +1,8 @@
 // Bounded access to the exported tables that are indexed by adapter.
 #pragma once
 
+#include "ov_sys/routing/Route.h"
+
 #include <orvane/orvane.h>
 
 namespace Orvane {
@@ -38,9 +40,17 @@ inline bool overClause22(unsigned adapter) {
     return tableRead(clause22Entry(adapter)) == 1;
 }
 
-// MMDs that queued accesses never reach.
-constexpr bool unqueued(unsigned mmd) {
-    return mmd == 10 || mmd == 28;
+// The same as the routing wants it.
+inline Routing::Delegations delegationsOf(unsigned adapter) {
+    return {delegated(adapter, Delegation::ReadNecDec), delegated(adapter, Delegation::WriteMmd28),
+            delegated(adapter, Delegation::ReadMmd28), delegated(adapter, Delegation::Mmd11),
+            delegated(adapter, Delegation::Mmd27)};
+}
+
+// MMDs that ZR_API_MDIO_Read() and ZR_API_MDIO_Write() reach, and neither queued accesses nor those that name
+// their adapter.
+constexpr bool reachedByDefaultAdapterOnly(unsigned mmd) {
+    return mmd == Routing::kWindowMmd || mmd == Routing::kPagedMmd;
 }
 
 } // namespace Orvane

@@ -40,7 +40,7 @@ void HW_BlockWriteAdapter_Abstracted(unsigned adapter, unsigned phy, unsigned mm
 }
 
 void HW_BlockReadAdapter(unsigned adapter, unsigned phy, unsigned mmd, unsigned reg) {
-    if (unqueued(mmd))
+    if (reachedByDefaultAdapterOnly(mmd))
         return;
     HW_BlockReadAdapter_Abstracted(adapter, phy, mmd, reg);
     HW_Logging_BlockMDIORead(adapter, phy, mmd, reg);
@@ -48,11 +48,11 @@ void HW_BlockReadAdapter(unsigned adapter, unsigned phy, unsigned mmd, unsigned 
 
 // MMD 11 and 27 are not queued but written at once, whatever the delegation flags say.
 void HW_BlockWriteAdapter(unsigned adapter, unsigned phy, unsigned mmd, unsigned reg, unsigned data) {
-    if (unqueued(mmd))
+    if (reachedByDefaultAdapterOnly(mmd))
         return;
-    if (mmd == 11)
+    if (mmd == Routing::kTgeMmd)
         return tgeIndirectRegisterWrite(adapter, phy, reg, data);
-    if (mmd == 27)
+    if (mmd == Routing::kSerdesMmd)
         return synSdControlRegWrite(adapter, phy, reg, data);
     HW_BlockWriteAdapter_Abstracted(adapter, phy, mmd, reg, data);
     HW_Logging_BlockMDIOWrite(adapter, phy, mmd, reg, data);

@@ -35,14 +35,14 @@ void ZR_API_MDIO_BlockWrite_Abstracted(int phyArg, unsigned mmd, unsigned reg, u
 }
 
 void ZR_API_MDIO_BlockRead(int phyArg, unsigned mmd, unsigned reg) {
-    if (unqueued(mmd))
+    if (reachedByDefaultAdapterOnly(mmd))
         return;
     ZR_API_MDIO_BlockRead_Abstracted(phyArg, mmd, reg);
     HW_Logging_BlockMDIORead(HW_GetDefaultAdapter(), static_cast<unsigned>(phyArg), mmd, reg);
 }
 
 void ZR_API_MDIO_BlockWrite(int phyArg, unsigned mmd, unsigned reg, unsigned data) {
-    if (unqueued(mmd))
+    if (reachedByDefaultAdapterOnly(mmd))
         return;
     ZR_API_MDIO_BlockWrite_Abstracted(phyArg, mmd, reg, data);
     HW_Logging_BlockMDIOWrite(HW_GetDefaultAdapter(), static_cast<unsigned>(phyArg), mmd, reg, data);

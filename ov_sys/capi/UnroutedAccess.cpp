@@ -1,4 +1,4 @@
-// The unrouted 16-bit register accesses of the flat interface.
+// The single 16-bit register accesses of the flat interface that take no route and are not logged.
 #include "ov_sys/capi/Forward.h"
 
 using namespace Orvane;
@@ -27,5 +27,13 @@ unsigned HW_Read_C22(unsigned adapter, unsigned phyId, unsigned reg) {
 
 void HW_Write_C22(unsigned adapter, unsigned phyId, unsigned reg, unsigned data) {
     HW_Write_C22_Abstracted(adapter, phyId, reg, data);
+}
+
+void ZR_API_MDIO_Write_Abstracted(int phyArg, unsigned mmd, unsigned address, unsigned value) {
+    forwardedTo(phyArg, &HWInterface::writeAdapter, mmd, address, value);
+}
+
+unsigned ZR_API_MDIO_Read_Abstracted(int phyArg, unsigned mmd, unsigned address) {
+    return forwardedTo(phyArg, &HWInterface::readAdapter, mmd, address);
 }
 }

@@ -1,0 +1,9 @@
+// The register classes of MMD 31 that can be handed to the PHY's firmware.
+#pragma once
+
+namespace Orvane::Routing {
+
+bool isNec(unsigned mmd, unsigned address);
+bool isDec(unsigned mmd, unsigned address);
+
+} // namespace Orvane::Routing

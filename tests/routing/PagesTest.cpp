@@ -1,0 +1,55 @@
+// The pages of MMD 28: their steps and their oddities.
+#include "ov_sys/routing/Pages.h"
+
+#include "tests/support/routing/ScriptedPhy.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace OrvaneTest {
+namespace {
+
+using namespace Orvane::Routing;
+using testing::ElementsAre;
+
+TEST(Pages, AreWrittenWithThePageInPlaceOfAValue) {
+    ScriptedPhy phy({0xABCF});
+    EXPECT_TRUE(writePaged(phy, 0x345));
+    EXPECT_THAT(phy.steps, ElementsAre("R 04.C180 ABCF", "W 04.C180 ABCB", "W 04.C245 ABCB"));
+}
+
+TEST(Pages, AreReadAsThePageWithItsNibblesExchanged) {
+    ScriptedPhy phy({0xABCF});
+    EXPECT_EQ(readPaged(phy, 0x345), Value(0xBC));
+    EXPECT_THAT(phy.steps, ElementsAre("R 04.C180 ABCF", "W 04.C180 ABCB"));
+}
+
+TEST(Pages, AreReadByLaneAndIndexWithBit8000) {
+    ScriptedPhy phy({0xFFFF, 0x34, 0xF2});
+    EXPECT_EQ(readPaged(phy, 0x8419), Value(0x234));
+    EXPECT_THAT(phy.steps, ElementsAre("R 04.C180 FFFF", "W 04.C180 FFF8", "W 04.C20B 0099", "R 04.C2EF 0034",
+                                       "R 04.C2FF 00F2"));
+}
+
+TEST(Pages, HaveNoAddressBeyondTheirLimits) {
+    for (const unsigned address : {0x600U, 0x8500U, 0x801AU}) {
+        ScriptedPhy phy;
+        EXPECT_EQ(readPaged(phy, address), Value(0));
+        EXPECT_EQ(phy.steps.size(), 1U);
+        phy.endsAtTrouble();
+        EXPECT_EQ(readPaged(phy, address), std::nullopt);
+        EXPECT_FALSE(writePaged(phy, address));
+    }
+    ScriptedPhy last;
+    EXPECT_TRUE(writePaged(last, 0x5FF));
+    EXPECT_EQ(last.steps.back(), "W 04.C2FF 0005");
+}
+
+TEST(Pages, EndAtTheFirstAccessThatFails) {
+    expectToEndAtEachFailure({}, [](ScriptedPhy& phy) { return writePaged(phy, 0x345); });
+    expectToEndAtEachFailure({}, [](ScriptedPhy& phy) { return readPaged(phy, 0x345).has_value(); });
+    expectToEndAtEachFailure({}, [](ScriptedPhy& phy) { return readPaged(phy, 0x8419).has_value(); });
+}
+
+} // namespace
+} // namespace OrvaneTest

@@ -93,6 +93,8 @@ bool_t bytes(XDR* stream, u_int& length, char*& bytes) {
             return TRUE;
         return xdr_u_int(stream, &length) && readWithin(stream, length, bytes, capacity);
     }
+    if (stream->x_op == XDR_FREE && isKept(&bytes))
+        return TRUE;
     return xdr_bytes(stream, &bytes, &length, ~u_int{0});
 }
 
@@ -107,6 +109,8 @@ bool_t string(XDR* stream, char*& text) {
     }
     if (stream->x_op != XDR_ENCODE && DecodeGuard::announced(text, capacity))
         return stream->x_op == XDR_FREE || decodeStringWithin(stream, text, capacity);
+    if (stream->x_op == XDR_FREE && isKept(&text))
+        return TRUE;
     return xdr_string(stream, &text, ~u_int{0});
 }
 

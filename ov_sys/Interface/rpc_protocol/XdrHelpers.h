@@ -3,6 +3,7 @@
 
 #include "ov_sys/Interface/rpc_protocol/Codec.h"
 #include "ov_sys/Interface/rpc_protocol/DecodeGuard.h"
+#include "ov_sys/Interface/rpc_protocol/KeptMembers.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -108,6 +109,8 @@ bool_t array(XDR* stream, Counted& member) {
         freeElements(stream, std::min<std::size_t>(count, capacity), values);
         return TRUE;
     }
+    if (stream->x_op == XDR_FREE && isKept(&values))
+        return TRUE;
     if constexpr (std::is_same_v<Element, u_int>)
         if (stream->x_op == XDR_ENCODE)
             return encodeWords(stream, count, values);

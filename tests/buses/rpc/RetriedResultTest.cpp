@@ -109,6 +109,27 @@ TEST_F(PresetResult, SurvivesAReplyThatBreaksOff) {
     EXPECT_EQ(buffer, (std::array<u_int, 3>{3, 4, 92}));
 }
 
+// A buffer of the caller that nothing announces, as large as the replies.
+class UnannouncedResult : public RetriedResult {
+protected:
+    UnannouncedResult() { result.data = {3, buffer.data()}; }
+
+    std::array<u_int, 3> buffer{90, 91, 92};
+};
+
+TEST_F(UnannouncedResult, IsNotFreedAfterABusyReply) {
+    call({{-16, {1, 2, 3}}, {0, {4, 5, 6}}});
+    EXPECT_EQ(result.data.data_val, buffer.data());
+    EXPECT_EQ(result.data.data_len, 3U);
+    EXPECT_EQ(buffer, (std::array<u_int, 3>{4, 5, 6}));
+}
+
+TEST_F(UnannouncedResult, IsNotFreedAfterAReplyThatBreaksOff) {
+    call({{0, {1, 2, 3}, 1}, {0, {4, 5}}});
+    EXPECT_EQ(result.data.data_val, buffer.data());
+    EXPECT_EQ(buffer, (std::array<u_int, 3>{4, 5, 92}));
+}
+
 class RetriedRead : public testing::Test, public OpenSession {
 protected:
     RetriedRead() { board.setRegister(OrvaneSim::Space::C45, kPort, kPhy, kRegister, 0x1234); }

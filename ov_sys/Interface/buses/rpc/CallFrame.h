@@ -6,6 +6,7 @@
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "ov_sys/Interface/foundation/Export.h"
 #include "ov_sys/Interface/rpc_protocol/Codec.h"
+#include "ov_sys/Interface/rpc_protocol/KeptMembers.h"
 #include "ov_sys/Interface/rpc_protocol/Records.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
 
@@ -35,10 +36,11 @@ ORVANE_API void recover(PhySession& session, clnt_stat status, unsigned long att
                         const std::string& clientName);
 
 // Brings a result record back to what it was before the call: what XDR allocated is freed, a buffer that the
-// caller announced to the decoder stays.
+// caller had put there stays, whether it was announced to the decoder or not.
 template <class Record>
 void restore(Record& result, const Record& initial) {
-    freeDecoded(result);
+    if constexpr (IsWireRecord<Record>::value)
+        freeUnlessInitial(xdrProcedure<Record>, &result, &initial, sizeof result);
     result = initial;
 }
 

@@ -1,0 +1,76 @@
+// What a caller had put into a result record before a decode is not freed with what the decode allocated.
+#include "ov_sys/Interface/rpc_protocol/KeptMembers.h"
+
+#include "ov_sys/Interface/rpc_protocol/Codec.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace Orvane {
+namespace {
+
+// As a decode allocates it.
+char* allocated(const char* text) {
+    char* const copy = strdup(text);
+    EXPECT_NE(copy, nullptr);
+    return copy;
+}
+
+template <class Record>
+void freeNew(Record& record, const Record& initial) {
+    freeUnlessInitial(xdrProcedure<Record>, &record, &initial, sizeof record);
+}
+
+TEST(KeptMembers, AListOfTheCallerStaysBesideOneThatWasDecoded) {
+    char own[] = "own";
+    const Command_Result initial{0, 0, {3, own}, {0, nullptr}};
+    Command_Result result = initial;
+    result.output2 = {4, allocated("errs")};
+    freeNew(result, initial);
+    EXPECT_EQ(result.output1.output1_val, own);
+    EXPECT_STREQ(own, "own");
+    EXPECT_EQ(result.output2.output2_val, nullptr);
+}
+
+TEST(KeptMembers, ATextOfTheCallerStays) {
+    char own[] = "own";
+    const StringArrayEntry initial{own, 3};
+    StringArrayEntry result = initial;
+    freeNew(result, initial);
+    EXPECT_EQ(result.text, own);
+    EXPECT_STREQ(own, "own");
+}
+
+TEST(KeptMembers, InAListOfTheCallerStayWhateverTheyAre) {
+    char* const text = allocated("a text of the list");
+    StringArrayEntry own[] = {{text, 18}};
+    const JTAG_ShiftMulti_Result initial{{1, own}, 0};
+    JTAG_ShiftMulti_Result result = initial;
+    freeNew(result, initial);
+    EXPECT_EQ(own[0].text, text);
+    EXPECT_STREQ(text, "a text of the list");
+    std::free(text);
+}
+
+TEST(KeptMembers, AListInPlaceOfTheCallersIsFreed) {
+    char own[] = "own";
+    const Command_Result initial{0, 0, {3, own}, {0, nullptr}};
+    Command_Result result = initial;
+    result.output1 = {5, allocated("other")};
+    freeNew(result, initial);
+    EXPECT_EQ(result.output1.output1_val, nullptr);
+    EXPECT_STREQ(own, "own");
+}
+
+TEST(KeptMembers, AreNoneOutsideOfTheFreeing) {
+    char own[] = "own";
+    const StringArrayEntry initial{own, 3};
+    StringArrayEntry result = initial;
+    freeNew(result, initial);
+    EXPECT_FALSE(isKept(&result.text));
+}
+
+} // namespace
+} // namespace Orvane

@@ -76,9 +76,9 @@ public:
     PhySession& operator=(const PhySession&) = delete;
 
     // Stops the keep-alive thread and tells the board; failures of that call are ignored. Blocks for what is
-    // under way, 2 s at most for a ping or one step of a search for the board (a look-up of its name takes
-    // what the system's resolver takes), and then 2 s for the board's answer. A call that another thread has
-    // under way on the setup client is waited for.
+    // under way, 4 s at most for a ping or a step of a search for the board (15 s where the system's resolver
+    // knows the board's name), and then 2 s for the board's answer. A call that another thread has under way
+    // on the setup client is waited for.
     void close();
     // Lets what close() waits for end early: the keep-alive thread and a search for the board. Does not
     // block, so that many sessions can be asked before the first is closed; close() is to follow.
@@ -115,7 +115,7 @@ public:
     // still counts as kept alive.
     void startKeepAlive();
     // Stops and joins the keep-alive thread. Blocks for a ping that is under way, 2 s at most, and for a
-    // recovery that this ping has begun.
+    // recovery that this ping has begun, 12.5 s as long as the board does not move.
     void stopKeepAlive();
     bool isKeepAliveRunning() const;
     // Whether this is called by the session's keep-alive thread after that was asked to end.

@@ -8,9 +8,8 @@ namespace {
 
 using OrvaneSim::Fault;
 
-/// In milliseconds: eight attempts of 2 s, each recovery's wait for another call on the handle, and one look
-/// for the board.
-constexpr double kLongestCall = 40000;
+/// In milliseconds: eight attempts of 2 s, and behind each a recovery of up to 12.5 s.
+constexpr double kLongestCall = 100000;
 
 constexpr unsigned kWarmUp = 10; // calls
 

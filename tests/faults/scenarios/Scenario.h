@@ -35,6 +35,7 @@ void lateReplies(Run& run);
 void strayDatagrams(Run& run);
 void deadBoards(Run& run);
 void refusals(Run& run);
+void bounds(Run& run);
 void races(Run& run);
 void manyBoards(Run& run);
 void exhaustion(Run& run);

@@ -22,6 +22,7 @@ const std::vector<Scenario>& scenarios() {
         {"strays", "AFloodOfStrayDatagramsChangesNoAnswer", strayDatagrams},
         {"dead", "ABoardThatDiesAtAnyMomentIsReportedAndFoundAgain", deadBoards},
         {"refusals", "EveryRefusalEndsInItsDocumentedError", refusals},
+        {"bounds", "NoWaitIsLongerThanDocumented", bounds},
         {"races", "ThreadsResetsClosesAndDiscoveryTogetherChangeNoAnswer", races},
     };
     return all;

@@ -3,9 +3,6 @@
 
 #include "ov_sys/Interface/foundation/Diagnostics.h"
 
-unsigned int delegationStatus[ORVANE_TABLE_ROWS][5];
-unsigned int clause22Enable[ORVANE_TABLE_ROWS];
-
 namespace {
 
 using namespace Orvane;

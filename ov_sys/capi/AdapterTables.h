@@ -1,6 +1,7 @@
 // Bounded access to the exported tables that are indexed by adapter.
 #pragma once
 
+#include "ov_sys/capi/Globals.h"
 #include "ov_sys/routing/Route.h"
 
 #include <orvane/orvane.h>
@@ -24,11 +25,12 @@ inline void tableWrite(unsigned* entry, unsigned value) {
 }
 
 inline unsigned* delegationEntry(unsigned adapter, Delegation column) {
-    return adapter < ORVANE_TABLE_ROWS ? &delegationStatus[adapter][static_cast<unsigned>(column)] : nullptr;
+    return adapter < ORVANE_TABLE_ROWS ? &globals.delegationStatus[adapter][static_cast<unsigned>(column)]
+                                       : nullptr;
 }
 
 inline unsigned* clause22Entry(unsigned adapter) {
-    return adapter < ORVANE_TABLE_ROWS ? &clause22Enable[adapter] : nullptr;
+    return adapter < ORVANE_TABLE_ROWS ? &globals.clause22Enable[adapter] : nullptr;
 }
 
 inline bool delegated(unsigned adapter, Delegation column) {

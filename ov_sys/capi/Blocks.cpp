@@ -9,7 +9,7 @@ namespace {
 // Executes a block and logs its values.
 unsigned* executeLogged(unsigned adapter, unsigned phy, MDIO::MDIO_clause frames) {
     return guarded(kReported, [=]() -> unsigned* {
-        std::vector<unsigned>& values = HW_Interface_Object.executeBlock(adapter, phy, frames);
+        std::vector<unsigned>& values = theInterface().executeBlock(adapter, phy, frames);
         for (const unsigned value : values)
             HW_Logging_BlockMDIOFetch(adapter, phy, 0, 0, 0, value);
         return values.empty() ? nullptr : values.data();

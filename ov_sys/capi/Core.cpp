@@ -1,20 +1,20 @@
 // Life cycle, devices and defaults of the flat interface.
 #include "ov_sys/capi/ErrorState.h"
+#include "ov_sys/capi/Globals.h"
 
-#include "ov_sys/Interface/devices/HWInterface.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
 
 #include <atomic>
 #include <orvane/orvane.hpp>
 #include <utility>
 
-unsigned int Default_PHY_ID = 0;
-
 namespace {
 
+using Orvane::globals;
 using Orvane::guarded;
 using Orvane::kQuiet;
 using Orvane::kReported;
+using Orvane::theInterface;
 
 std::atomic<bool> initialized{false};
 
@@ -37,14 +37,14 @@ int HW_Initialize(void) {
             return 1;
         HW_InitializeDelegations();
         HW_InitializeClause22();
-        HW_Interface_Object.initialize();
+        theInterface().initialize();
         return 1;
     });
 }
 
 int HW_Open(const char* name) {
     return guarded(kQuiet, [name] {
-        const bool opened = HW_Interface_Object.open(name);
+        const bool opened = theInterface().open(name);
         HW_SetDefaultAdapter(static_cast<unsigned>(HW_DeviceNumber(name)));
         return opened ? 1 : 0;
     });
@@ -53,30 +53,30 @@ int HW_Open(const char* name) {
 void HW_Close(void) {
     guarded(kReported, [] {
         initialized = false;
-        HW_Interface_Object.close();
+        theInterface().close();
     });
 }
 
 int HW_OpenAdapter(unsigned int adapter) {
-    return guarded(kReported, [adapter] { return HW_Interface_Object.openAdapter(adapter) ? 1 : 0; });
+    return guarded(kReported, [adapter] { return theInterface().openAdapter(adapter) ? 1 : 0; });
 }
 
 unsigned int HW_CloseAdapter(unsigned int adapter) {
-    return guarded(kReported, [adapter] { return HW_Interface_Object.closeAdapter(adapter); });
+    return guarded(kReported, [adapter] { return theInterface().closeAdapter(adapter); });
 }
 
 // ---- Devices ----
 
 unsigned int HW_NumberOfDevices(void) {
-    return guarded(kQuiet, [] { return HW_Interface_Object.numberOfDevices(); });
+    return guarded(kQuiet, [] { return theInterface().numberOfDevices(); });
 }
 
 char** HW_DeviceList(void) {
-    return guarded(kQuiet, [] { return HW_Interface_Object.deviceList(); });
+    return guarded(kQuiet, [] { return theInterface().deviceList(); });
 }
 
 char* HW_Device(unsigned int index) {
-    return guarded(kQuiet, [index] { return HW_Interface_Object.device(index); });
+    return guarded(kQuiet, [index] { return theInterface().device(index); });
 }
 
 char* HW_Device_FullName(unsigned int index) {
@@ -88,50 +88,50 @@ unsigned int HW_Device_Revision(void) {
 }
 
 int HW_DeviceNumber(const char* name) {
-    return guarded(kReported, [name] { return HW_Interface_Object.deviceNumber(given(name), ""); });
+    return guarded(kReported, [name] { return theInterface().deviceNumber(given(name), ""); });
 }
 
 char* HW_DeviceByIp(const char* ip) {
-    return guarded(kQuiet, [ip] { return HW_Interface_Object.device(given(ip)); });
+    return guarded(kQuiet, [ip] { return theInterface().device(given(ip)); });
 }
 
 void HW_SetDeviceParameters(unsigned int adapter, unsigned int parameter, unsigned int value) {
-    guarded(kReported, [=] { HW_Interface_Object.setDeviceParameters(adapter, parameter, value); });
+    guarded(kReported, [=] { theInterface().setDeviceParameters(adapter, parameter, value); });
 }
 
 unsigned int HW_GetDeviceParameters(unsigned int adapter, unsigned int parameter) {
-    return guarded(kReported, [=] { return HW_Interface_Object.getDeviceParameters(adapter, parameter); });
+    return guarded(kReported, [=] { return theInterface().getDeviceParameters(adapter, parameter); });
 }
 
 // ---- Defaults ----
 
 int HW_SetDefaultAdapter(unsigned int adapter) {
-    return guarded(kReported, [adapter] { return HW_Interface_Object.setDefaultAdapter(adapter) ? 1 : 0; });
+    return guarded(kReported, [adapter] { return theInterface().setDefaultAdapter(adapter) ? 1 : 0; });
 }
 
 unsigned int HW_GetDefaultAdapter(void) {
-    return guarded(kReported, [] { return HW_Interface_Object.defaultAdapter(); });
+    return guarded(kReported, [] { return theInterface().defaultAdapter(); });
 }
 
 void HW_SetDefault_PHY_ID(unsigned int phyId) {
-    __atomic_store_n(&Default_PHY_ID, phyId, __ATOMIC_RELAXED);
+    __atomic_store_n(globals.defaultPhyId, phyId, __ATOMIC_RELAXED);
 }
 
 unsigned int HW_GetDefault_PHY_ID(void) {
-    return __atomic_load_n(&Default_PHY_ID, __ATOMIC_RELAXED);
+    return __atomic_load_n(globals.defaultPhyId, __ATOMIC_RELAXED);
 }
 
 // ---- Sessions of callers that use the classes ----
 
 Orvane::PhySession* HW_GlobalInterface_getPhySession(std::string deviceName, int phyId) {
-    return HW_Interface_Object.getPhySession(std::move(deviceName), phyId);
+    return theInterface().getPhySession(std::move(deviceName), phyId);
 }
 
 bool HW_GlobalInterface_setPhySession(Orvane::SessionWrapper session) {
-    return HW_Interface_Object.setSession(session);
+    return theInterface().setSession(session);
 }
 
 bool HW_GlobalInterface_closePhyID(std::string deviceName, int ignored, int phyId) {
-    return HW_Interface_Object.closePhyID(std::move(deviceName), ignored, phyId);
+    return theInterface().closePhyID(std::move(deviceName), ignored, phyId);
 }
 }

@@ -2,15 +2,15 @@
 #pragma once
 
 #include "ov_sys/capi/ErrorState.h"
+#include "ov_sys/capi/Globals.h"
 #include "ov_sys/capi/PhyArgument.h"
-#include "ov_sys/Interface/devices/HWInterface.h"
 
 namespace Orvane {
 
 // Calls a member of the one interface object; a failure is reported and gives zero, null or nothing.
 template <class Method, class... Arguments>
 auto forwarded(Method method, Arguments... arguments) noexcept {
-    return guarded(kReported, [&] { return (HW_Interface_Object.*method)(arguments...); });
+    return guarded(kReported, [&] { return (theInterface().*method)(arguments...); });
 }
 
 // The same for a member that takes adapter and PHY id first, which a PHY argument names.
@@ -18,7 +18,7 @@ template <class Method, class... Arguments>
 auto forwardedTo(int phyArg, Method method, Arguments... arguments) noexcept {
     return guarded(kReported, [&] {
         const PhyTarget target = phyTarget(phyArg);
-        return (HW_Interface_Object.*method)(target.adapter, target.phy, arguments...);
+        return (theInterface().*method)(target.adapter, target.phy, arguments...);
     });
 }
 

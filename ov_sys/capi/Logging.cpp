@@ -1,22 +1,22 @@
 // The transaction log: one comma-separated record for each register access.
+#include "ov_sys/capi/Globals.h"
+
 #include <cstdarg>
 #include <cstdio>
 #include <orvane/orvane.h>
 
-FILE* HW_log = nullptr;
-int loggingToFile = 0;
-unsigned char isLoggingInitialized = 0;
-
 namespace {
 
+using Orvane::globals;
+
 FILE* activeLog() {
-    return __atomic_load_n(&HW_log, __ATOMIC_RELAXED);
+    return __atomic_load_n(globals.log, __ATOMIC_RELAXED);
 }
 
 void switchLogTo(FILE* stream, bool callersFile) {
     HW_DisableLogging(0);
-    loggingToFile = callersFile ? 1 : 0;
-    __atomic_store_n(&HW_log, stream, __ATOMIC_RELAXED);
+    *globals.loggingToFile = callersFile ? 1 : 0;
+    __atomic_store_n(globals.log, stream, __ATOMIC_RELAXED);
     HW_Logging_WriteColumnHeaders();
 }
 
@@ -40,10 +40,10 @@ void HW_EnableLoggingStderr(void) {
 
 void HW_DisableLogging(int closeStream) {
     FILE* log = activeLog();
-    if (closeStream != 0 && log != nullptr && loggingToFile == 1)
+    if (closeStream != 0 && log != nullptr && *globals.loggingToFile == 1)
         std::fclose(log);
-    loggingToFile = 0;
-    __atomic_store_n(&HW_log, static_cast<FILE*>(nullptr), __ATOMIC_RELAXED);
+    *globals.loggingToFile = 0;
+    __atomic_store_n(globals.log, static_cast<FILE*>(nullptr), __ATOMIC_RELAXED);
 }
 
 void HW_Logging_WriteColumnHeaders(void) {

@@ -1,7 +1,7 @@
 // The signed PHY argument of the ZR_API_ and HW_API_ functions.
 #pragma once
 
-#include "ov_sys/Interface/devices/HWInterface.h"
+#include "ov_sys/capi/Globals.h"
 
 namespace Orvane {
 
@@ -17,7 +17,7 @@ inline PhyTarget phyTarget(int phyArg) {
     const auto word = static_cast<unsigned>(phyArg);
     if (phyArg < 0)
         return {word >> 16U & 0x7FFFU, word & 0xFFFFU};
-    return {HW_Interface_Object.defaultAdapter(), word};
+    return {theInterface().defaultAdapter(), word};
 }
 
 } // namespace Orvane

@@ -11,11 +11,11 @@ unsigned alignedTo32(unsigned address) {
 }
 
 unsigned readWord(PhyTarget phy, unsigned address) {
-    return HW_Interface_Object.read32Adapter(phy.adapter, phy.phy, alignedTo32(address));
+    return theInterface().read32Adapter(phy.adapter, phy.phy, alignedTo32(address));
 }
 
 void writeWord(PhyTarget phy, unsigned address, unsigned word) {
-    HW_Interface_Object.write32Adapter(phy.adapter, phy.phy, address, word);
+    theInterface().write32Adapter(phy.adapter, phy.phy, address, word);
 }
 
 // The shifts count bits, and the result is not masked.

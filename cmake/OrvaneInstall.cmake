@@ -49,8 +49,8 @@ if(ORVANE_BUILD_SIMULATOR)
   install(TARGETS orvane_simulator EXPORT orvane-lab-targets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
     COMPONENT development)
   install(EXPORT orvane-lab-targets NAMESPACE orvane:: DESTINATION ${ORVANE_PACKAGE} COMPONENT development)
-  install(FILES ${PROJECT_SOURCE_DIR}/simulator/include/orvane/lab.h DESTINATION ${ORVANE_HEADERS}
-    COMPONENT development)
+  install(FILES ${PROJECT_SOURCE_DIR}/simulator/include/orvane/lab.h
+    ${PROJECT_SOURCE_DIR}/simulator/include/orvane/lab_json.h DESTINATION ${ORVANE_HEADERS} COMPONENT development)
   foreach(header lab/Lab lab/Board board/Action board/CallCounts board/Fault board/Request board/StrayDatagrams
           models/AnalogueInputs models/CommandTable models/MdioPorts models/PathTroubles network/PrivateNetwork)
     get_filename_component(room ${header} DIRECTORY)

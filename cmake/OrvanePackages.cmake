@@ -26,7 +26,9 @@ set(CPACK_DEBIAN_LIBRARY_PACKAGE_DEPENDS netbase)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME liborvane-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "Headers for C and C++, the CMake package, the pkg-config file, documentation and examples.")
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${ORVANE_LIBRARY_PACKAGE}, libtirpc-dev, nlohmann-json3-dev")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${ORVANE_LIBRARY_PACKAGE}, libtirpc-dev")
+# For <orvane/lab_json.h> only.
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS nlohmann-json3-dev)
 
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME orvane-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION electronics)

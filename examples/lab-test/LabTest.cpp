@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <orvane/lab.h>
 #include <orvane/orvane.hpp>
+#include <string>
 
 namespace {
 
@@ -31,7 +32,8 @@ TEST(RegisterRead, givesTheValueAlthoughTheFirstReplyIsLost) {
 
     const OrvaneSim::Request asked =
         board.waitFor([](const OrvaneSim::Request& request) { return request.procedure == "mdio_read"; });
-    EXPECT_EQ(asked.arguments()["addresses"].dump(), "[" + std::to_string(kPhy << 24 | kAddress) + "]");
+    const std::string addresses = R"("addresses":[)" + std::to_string(kPhy << 24 | kAddress) + "]";
+    EXPECT_NE(asked.arguments().find(addresses), std::string::npos) << asked.arguments();
     EXPECT_EQ(board.counts("mdio_read").lostReplies, 1U);
     EXPECT_EQ(board.executions("mdio_read"), 2U) << "once for the lost reply, once more for the answer";
 }

@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -83,9 +84,9 @@ struct HandlerOf<void (*)(ProcedureCall&, const Argument&, Result&), function> {
         else if (perform(call, function, *argument, result))
             call.rpc.succeed(openRoutine<Result>(), &result);
     }
-    static nlohmann::ordered_json describe(std::string_view arguments) {
+    static std::string describe(std::string_view arguments) {
         Decoded<Argument> argument(arguments);
-        return argument ? toJson(*argument) : nlohmann::ordered_json::object();
+        return argument ? jsonText(*argument) : "{}";
     }
 };
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <nlohmann/json_fwd.hpp>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -15,8 +15,8 @@ struct ProcedureCall;
 /// How one procedure is served, and how its arguments are shown.
 struct Handler {
     void (*serve)(ProcedureCall& call);
-    /// Encoded arguments as JSON.
-    nlohmann::ordered_json (*describe)(std::string_view arguments);
+    /// Encoded arguments as JSON text.
+    std::string (*describe)(std::string_view arguments);
 };
 
 struct Procedure {

@@ -1,7 +1,6 @@
 // One request that a board decoded.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 
@@ -16,15 +15,15 @@ struct Request {
     unsigned procedureNumber = 0;
     std::string transport; ///< "udp" or "tcp"
 
-    /// The argument's members in wire order. A bare number is {"value": n}; characters are one text, byte and
-    /// word lists are arrays. Decoded at each call.
-    nlohmann::ordered_json arguments() const {
-        return describe ? describe(bytes) : nlohmann::ordered_json::object();
-    }
+    /// The argument's members in wire order, as JSON text without blanks:
+    /// {"handle":257,"addresses":[1966081]}. A bare number is {"value":n}; characters are one text (bytes
+    /// that are no UTF-8 become U+FFFD), byte and word lists are arrays. Decoded at each call.
+    /// <orvane/lab_json.h> gives the same as a value.
+    std::string arguments() const { return describe ? describe(bytes) : "{}"; }
 
     std::string bytes; ///< the encoded argument
-    /// Decodes `bytes`; null for a procedure without argument.
-    nlohmann::ordered_json (*describe)(std::string_view bytes) = nullptr;
+    /// Shows `bytes`; null for a request that no board has seen.
+    std::string (*describe)(std::string_view bytes) = nullptr;
 };
 
 } // namespace OrvaneSim

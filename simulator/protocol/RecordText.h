@@ -1,64 +1,87 @@
-// Shows a decoded record as JSON, members in wire order.
+// Shows a decoded record as JSON text, members in wire order.
 #pragma once
 
+#include "simulator/protocol/JsonText.h"
 #include "simulator/protocol/Records.h"
 
-#include <nlohmann/json.hpp>
 #include <string>
+#include <string_view>
 #include <type_traits>
+#include <utility>
 
 namespace OrvaneSim {
 
-template <class Record>
-nlohmann::ordered_json toJson(Record& record);
-
-/// Collects the members that it is shown into one JSON object. Characters become text, every other list an
-/// array of numbers or objects.
-class JsonVisitor {
+/// Writes the members that it is shown as one JSON object. Characters become text, every other list an array
+/// of numbers or objects.
+class RecordWriter {
 public:
     template <class Number>
     void operator()(const char* name, Number number) {
-        if constexpr (std::is_same_v<Number, char*>)
-            object_[name] = std::string(number ? number : "");
-        else
-            object_[name] = number;
+        key(name);
+        value(number);
     }
     template <class Element>
     void list(const char* name, u_int count, Element* elements) {
-        auto array = nlohmann::ordered_json::array();
-        for (u_int i = 0; i < count; ++i) {
-            if constexpr (std::is_arithmetic_v<Element>)
-                array.push_back(elements[i]);
-            else
-                array.push_back(toJson(elements[i]));
-        }
-        object_[name] = std::move(array);
+        key(name);
+        array(count, [&](u_int i) { value(elements[i]); });
     }
     void bytes(const char* name, u_int count, const char* bytes) {
-        auto array = nlohmann::ordered_json::array();
-        for (u_int i = 0; i < count; ++i)
-            array.push_back(static_cast<unsigned char>(bytes[i]));
-        object_[name] = std::move(array);
+        key(name);
+        array(count, [&](u_int i) { appendJson(json_, static_cast<unsigned char>(bytes[i])); });
     }
-    void text(const char* name, u_int count, char* characters) {
-        object_[name] = std::string(characters, count);
+    void text(const char* name, u_int count, const char* characters) {
+        key(name);
+        appendJson(json_, std::string_view(characters, count));
     }
     template <class Record>
     void record(const char* name, Record& record) {
-        object_[name] = toJson(record);
+        key(name);
+        value(record);
     }
 
-    nlohmann::ordered_json take() { return std::move(object_); }
+    /// The object; the writer is then done.
+    std::string take() {
+        json_ += json_.empty() ? "{}" : "}";
+        return std::move(json_);
+    }
 
 private:
-    nlohmann::ordered_json object_ = nlohmann::ordered_json::object();
+    void key(const char* name) {
+        json_ += json_.empty() ? '{' : ',';
+        appendJson(json_, std::string_view(name));
+        json_ += ':';
+    }
+    template <class Value>
+    void value(Value& value) {
+        if constexpr (std::is_same_v<Value, char*>)
+            appendJson(json_, std::string_view(value ? value : ""));
+        else if constexpr (std::is_arithmetic_v<Value>)
+            appendJson(json_, value);
+        else {
+            RecordWriter inner;
+            members(inner, value);
+            json_ += inner.take();
+        }
+    }
+    template <class Write>
+    void array(u_int count, Write write) {
+        json_ += '[';
+        for (u_int i = 0; i < count; ++i) {
+            if (i > 0)
+                json_ += ',';
+            write(i);
+        }
+        json_ += ']';
+    }
+
+    std::string json_;
 };
 
 template <class Record>
-nlohmann::ordered_json toJson(Record& record) {
-    JsonVisitor visitor;
-    members(visitor, record);
-    return visitor.take();
+std::string jsonText(Record& record) {
+    RecordWriter writer;
+    members(writer, record);
+    return writer.take();
 }
 
 } // namespace OrvaneSim

@@ -17,12 +17,13 @@ struct Recording {
 
     void write(const std::string& serial, const Request& request) {
         const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - begin;
-        const Json line{{"seconds", elapsed.count()},      {"board", serial},
-                        {"program", request.program},      {"procedure", request.procedure},
-                        {"transport", request.transport},  {"programNumber", request.programNumber},
-                        {"version", request.version},      {"procedureNumber", request.procedureNumber},
-                        {"arguments", request.arguments()}};
-        file << line.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n' << std::flush;
+        const Json head{{"seconds", elapsed.count()},     {"board", serial},
+                        {"program", request.program},     {"procedure", request.procedure},
+                        {"transport", request.transport}, {"programNumber", request.programNumber},
+                        {"version", request.version},     {"procedureNumber", request.procedureNumber}};
+        std::string line = head.dump(-1, ' ', false, Json::error_handler_t::replace);
+        line.pop_back(); // the arguments go in front of the closing brace
+        file << line << R"(,"arguments":)" << request.arguments() << "}\n" << std::flush;
     }
 };
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <orvane/lab_json.h>
 #include <stdexcept>
 
 namespace Orvane {
@@ -158,7 +159,7 @@ TEST_P(ServerTest, PingsTheBoardWith123AndReturnsTheMilliseconds) {
     const auto requests = lab.board.requests();
     ASSERT_EQ(requests.size(), 1U);
     EXPECT_EQ(requests[0].procedure, "ping");
-    EXPECT_EQ(requests[0].arguments(), (nlohmann::ordered_json{{"value", 123}}));
+    EXPECT_EQ(argumentsOf(requests[0]), (nlohmann::ordered_json{{"value", 123}}));
 }
 
 TEST_P(ServerTest, ThrowsForABoardThatDoesNotAnswer) {

@@ -8,6 +8,7 @@
 #include "tests/support/WrittenText.h"
 
 #include <gtest/gtest.h>
+#include <orvane/lab_json.h>
 #include <vector>
 
 namespace Orvane {
@@ -37,7 +38,7 @@ TEST_F(BoardPing, SendsItsValueAndStoresTheAnswer) {
     EXPECT_EQ(requests[0].procedureNumber, 4U);
     EXPECT_EQ(requests[0].procedure, "ping");
     EXPECT_EQ(requests[0].transport, "tcp");
-    EXPECT_EQ(requests[0].arguments(), (Json{{"value", -77}}));
+    EXPECT_EQ(argumentsOf(requests[0]), (Json{{"value", -77}}));
 }
 
 TEST_F(BoardPing, MarksTheClientBusyForTheCall) {

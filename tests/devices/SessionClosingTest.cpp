@@ -11,6 +11,7 @@
 #include <exception>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <orvane/lab_json.h>
 #include <thread>
 
 namespace OrvaneTest {
@@ -89,7 +90,7 @@ TEST_F(ManyBoards, HearOfTheirSessionsInTheOrderOfOpening) {
     const auto closedIds = [&] {
         std::vector<unsigned> ids;
         for (const auto& request : boards[0]->requestsOf("close_connection"))
-            ids.push_back(request.arguments().at("handle").get<unsigned>() & 0xFFU);
+            ids.push_back(argumentsOf(request).at("handle").get<unsigned>() & 0xFFU);
         return ids;
     };
     devices.closeAdapter(1);

@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <orvane/lab_json.h>
 
 namespace OrvaneTest {
 namespace {
@@ -106,13 +107,13 @@ TEST_F(SmbusPhy, IsNotThePhyOfAnotherAddress) {
 
 TEST_F(SmbusPhy, OpensItsSessionForItsPort) {
     devices.readAdapter(kSmbus, kPhy + 2, 1, 2);
-    EXPECT_EQ(board.requestsOf("open_connection").at(0).arguments(), (Json{{"sessionId", 0},
-                                                                           {"exclusive", 0},
-                                                                           {"simple", 1},
-                                                                           {"notShared", 0},
-                                                                           {"reserved", 0},
-                                                                           {"deviceIndex", 10},
-                                                                           {"phyAddress", kPhy + 2}}));
+    EXPECT_EQ(argumentsOf(board.requestsOf("open_connection").at(0)), (Json{{"sessionId", 0},
+                                                                            {"exclusive", 0},
+                                                                            {"simple", 1},
+                                                                            {"notShared", 0},
+                                                                            {"reserved", 0},
+                                                                            {"deviceIndex", 10},
+                                                                            {"phyAddress", kPhy + 2}}));
 }
 
 TEST_F(SmbusPhy, InAnUnknownProtocolReads0WithoutATransfer) {

@@ -23,7 +23,7 @@ protected:
     std::vector<std::size_t> lengthsOf(const char* procedure, const char* member) {
         std::vector<std::size_t> lengths;
         for (const Request& request : board.requestsOf(procedure))
-            lengths.push_back(request.arguments()[member].size());
+            lengths.push_back(argumentsOf(request)[member].size());
         return lengths;
     }
 };
@@ -50,7 +50,7 @@ TEST_F(BatchTest, MixedBatchKeepsItsOrder) {
     EXPECT_EQ(done[before], 5U);
     EXPECT_EQ(done[after], (std::vector<std::uint32_t>{6, 7}));
     EXPECT_TRUE(done.complete());
-    const Json arguments = board.requestsOf("mdio_mixedblock").at(0).arguments();
+    const Json arguments = argumentsOf(board.requestsOf("mdio_mixedblock").at(0));
     EXPECT_EQ(arguments.back(), (Json{0, 1, 2, 2}));
 }
 

@@ -21,7 +21,7 @@ protected:
     std::vector<unsigned> registersAsked() const {
         std::vector<unsigned> numbers;
         for (const Request& request : board.requests("mdio"))
-            numbers.push_back(request.arguments()["addresses"][0].get<unsigned>() & 0xFFFFU);
+            numbers.push_back(argumentsOf(request)["addresses"][0].get<unsigned>() & 0xFFFFU);
         return numbers;
     }
 };
@@ -59,7 +59,7 @@ TEST_F(FlightTest, OldWriteNeverOvertakesANewOneWhenItsRequestIsLost) {
     EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10002), 4U);
     std::vector<Json> values;
     for (const Request& request : board.requestsOf("mdio_write"))
-        values.push_back(request.arguments()["values"][0]);
+        values.push_back(argumentsOf(request)["values"][0]);
     EXPECT_EQ(values, (std::vector<Json>{1, 2, 3, 4, 1, 2, 3, 4})); // from the first unanswered on, in order
 }
 

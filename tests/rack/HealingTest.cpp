@@ -30,7 +30,7 @@ TEST_F(HealingTest, KeyThatTheBoardMadeUpIsBroughtAgain) {
     board.forgetSessions();
     other.read({1, 0});
     EXPECT_NE(key, 0U);
-    EXPECT_EQ(board.requestsOf("open_connection").back().arguments().front(), key);
+    EXPECT_EQ(argumentsOf(board.requestsOf("open_connection").back()).front(), key);
 }
 
 TEST_F(HealingTest, BoardThatRestartsInPlaceIsReachedAgain) {
@@ -119,7 +119,7 @@ TEST_F(HealingTest, PingNoticesALostSessionAndRunsItsHook) {
 TEST_F(HealingTest, SessionsArePingedWhileNobodyUsesThem) {
     const Request ping = board.waitFor([](const Request& one) { return one.procedure == "pingkeepalive"; });
     EXPECT_EQ(ping.transport, "udp");
-    EXPECT_EQ(ping.arguments()["handle"], 1U); // ping 0 of session 1
+    EXPECT_EQ(argumentsOf(ping)["handle"], 1U); // ping 0 of session 1
 }
 
 TEST_F(HealingTest, LossOfOneInTwentyEachWayCostsNoValue) {

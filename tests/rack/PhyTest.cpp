@@ -16,7 +16,7 @@ TEST_F(PhyTest, ReadOfAClause45RegisterReturnsItsValue) {
     EXPECT_EQ(phy.read({30, 0xC010}), 0xBEEFU);
     const Request request = board.requestsOf("mdio_read").at(0);
     EXPECT_EQ(request.transport, "udp");
-    EXPECT_EQ(request.arguments()["addresses"], (Json{0x231EC010U}));
+    EXPECT_EQ(argumentsOf(request)["addresses"], (Json{0x231EC010U}));
 }
 
 TEST_F(PhyTest, ReadOfAClause22RegisterUsesItsProcedure) {
@@ -28,7 +28,7 @@ TEST_F(PhyTest, ReadOfAClause22RegisterUsesItsProcedure) {
 TEST_F(PhyTest, ReadOfAnExtendedWordSendsItsAddressWhole) {
     board.setRegister(Space::Ext32, 1, 3, 0x80004000, 0x12345678);
     EXPECT_EQ(phy.read(ext32(0x80004000)), 0x12345678U);
-    EXPECT_EQ(board.requestsOf("mdio_read_c22_zrext32").at(0).arguments()["addresses"], (Json{0x80004000U}));
+    EXPECT_EQ(argumentsOf(board.requestsOf("mdio_read_c22_zrext32").at(0))["addresses"], (Json{0x80004000U}));
 }
 
 TEST_F(PhyTest, WritesReachTheRegistersOfEachSpace) {
@@ -50,8 +50,8 @@ TEST_F(PhyTest, FirstUseOpensTheSessionAndLaterOnesUseIt) {
     phy.read({1, 0});
     phy.read({1, 1});
     EXPECT_EQ(procedures(), (std::vector<std::string>{"open_connection", "mdio_read", "mdio_read"}));
-    const Json handles{board.requestsOf("mdio_read").at(0).arguments()["handle"],
-                       board.requestsOf("mdio_read").at(1).arguments()["handle"]};
+    const Json handles{argumentsOf(board.requestsOf("mdio_read").at(0))["handle"],
+                       argumentsOf(board.requestsOf("mdio_read").at(1))["handle"]};
     EXPECT_EQ(handles, (Json{101U << 8U | 1U, 102U << 8U | 1U}));
 }
 
@@ -166,7 +166,7 @@ TEST_F(PhyTest, CancelledWaitReturnsAtOnce) {
     std::chrono::steady_clock::time_point cancelledAt;
     std::thread canceller([&] {
         board.waitFor([](const Request& one) {
-            return one.procedure == "mdio_read" && one.arguments()["addresses"][0] == 0x23010009U;
+            return one.procedure == "mdio_read" && argumentsOf(one)["addresses"][0] == 0x23010009U;
         });
         cancelledAt = std::chrono::steady_clock::now();
         cancellation.cancel();
@@ -183,7 +183,7 @@ TEST_F(PhyTest, OtherThreadsWaitForTheirTurnUpToTheirDeadline) {
     inject(Fault::Kind::LoseRequest, "mdio", "mdio_read", -1);
     std::thread holder([&] { phy.read({1, 1}); });
     board.waitFor([](const Request& one) {
-        return one.procedure == "mdio_read" && one.arguments()["addresses"][0] == 0x23010001U;
+        return one.procedure == "mdio_read" && argumentsOf(one)["addresses"][0] == 0x23010001U;
     });
     EXPECT_EQ(failureOf([&] { phy.write({1, 2}, 1, within(100ms)); }).kind(), FailureKind::Busy);
     board.clearFaults();

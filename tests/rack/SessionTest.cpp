@@ -12,7 +12,7 @@ protected:
     // Flags that an opening with that access carries: exclusive, simple, not shared, reserved.
     Json flagsOf(Access access) {
         rack.open("BOARD7:2", access).phy(5).open();
-        const Json arguments = board.requestsOf("open_connection").back().arguments();
+        const Json arguments = argumentsOf(board.requestsOf("open_connection").back());
         Json flags = Json::array();
         for (const auto& member : arguments)
             flags.push_back(member);
@@ -50,7 +50,7 @@ TEST_F(SessionTest, QueueingAccessWaitsForTheHolder) {
     std::thread waiter(
         [this] { rack.open("BOARD7:1", Access::exclusive(1).queueing()).phy(3).open(within(20s)); });
     board.waitFor([](const Request& one) {
-        return one.procedure == "open_connection" && one.arguments().front() == 1;
+        return one.procedure == "open_connection" && argumentsOf(one).front() == 1;
     });
     phy.close();
     waiter.join();

@@ -15,7 +15,7 @@ protected:
     std::vector<Json> transfers() const {
         std::vector<Json> list;
         for (const Request& request : board.requests("i2c")) {
-            Json arguments = request.arguments();
+            Json arguments = argumentsOf(request);
             arguments.erase("handle");
             Json one{request.procedure};
             for (const auto& member : arguments)

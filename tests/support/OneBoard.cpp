@@ -1,5 +1,7 @@
 #include "tests/support/OneBoard.h"
 
+#include <orvane/lab_json.h>
+
 namespace OrvaneTest {
 namespace {
 
@@ -29,7 +31,7 @@ std::size_t OneBoard::count(const std::string& procedure) const {
 std::vector<unsigned long> OneBoard::programsLookedUp() const {
     std::vector<unsigned long> programs;
     for (const OrvaneSim::Request& request : board.requestsOf("portmap_getport")) {
-        const auto program = request.arguments()["prog"].get<unsigned long>();
+        const auto program = argumentsOf(request)["prog"].get<unsigned long>();
         if (programs.empty() || programs.back() != program)
             programs.push_back(program);
     }

@@ -30,7 +30,7 @@ std::vector<WireCall> wireCalls(const OrvaneSim::Board& board, const std::string
     std::vector<WireCall> calls;
     for (const OrvaneSim::Request& request : board.requests(program)) {
         const bool usual = request.version == 1 && request.transport == transportOf(request.program);
-        calls.push_back({usual ? request.programNumber : 0, request.procedureNumber, request.arguments()});
+        calls.push_back({usual ? request.programNumber : 0, request.procedureNumber, argumentsOf(request)});
     }
     return calls;
 }

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <orvane/lab.h>
+#include <orvane/lab_json.h>
 
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 #include <vector>

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <orvane/lab_json.h>
 #include <sys/prctl.h>
 #include <thread>
 #include <vector>
@@ -28,7 +29,7 @@ using Json = nlohmann::ordered_json;
 // A ping with this identity word.
 auto pingOf(unsigned identity) {
     return [identity](const Request& request) {
-        return request.procedure == "pingkeepalive" && request.arguments() == Json{{"handle", identity}};
+        return request.procedure == "pingkeepalive" && argumentsOf(request) == Json{{"handle", identity}};
     };
 }
 
@@ -94,7 +95,7 @@ TEST_F(KeepAliveThread, PingsTheSetupServiceWithoutAKeepAliveClient) {
     const Request request =
         board.waitFor([](const Request& candidate) { return candidate.procedure == "pingclient"; });
     session.stopKeepAlive();
-    EXPECT_EQ(request.arguments(), (Json{{"handle", 1}}));
+    EXPECT_EQ(argumentsOf(request), (Json{{"handle", 1}}));
     EXPECT_EQ(count("pingkeepalive"), 0U);
 }
 

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 #include <memory>
+#include <orvane/lab_json.h>
 
 namespace Orvane {
 namespace {
@@ -70,7 +71,7 @@ TEST_F(RemoteCommand, SendsTheTextWithItsNulAndTheTimeout) {
     EXPECT_EQ(requests[0].programNumber, 0x2FFFFFF0U);
     EXPECT_EQ(requests[0].procedureNumber, 6U);
     EXPECT_EQ(requests[0].procedure, "execute_command");
-    EXPECT_EQ(requests[0].arguments(),
+    EXPECT_EQ(argumentsOf(requests[0]),
               (Json{{"handle", 0x6501}, {"command", std::string("uname -a\0", 9)}, {"seconds", 9}}));
 }
 

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 #include <memory>
+#include <orvane/lab_json.h>
 
 namespace Orvane {
 namespace {
@@ -31,7 +32,7 @@ Json openArguments(const OneBoard& lab) {
     EXPECT_EQ(request.procedureNumber, 1U);
     EXPECT_EQ(request.procedure, "open_connection");
     EXPECT_EQ(request.transport, "tcp");
-    return request.arguments();
+    return argumentsOf(request);
 }
 
 TEST(OpenConnection, SendsAnExclusiveModeWithItsKey) {
@@ -215,7 +216,7 @@ TEST_F(CloseConnection, SendsIdentityAndKeyAndForgetsTheId) {
     EXPECT_EQ(request.programNumber, 0x2FFFFFF0U);
     EXPECT_EQ(request.procedureNumber, 2U);
     EXPECT_EQ(request.procedure, "close_connection");
-    EXPECT_EQ(request.arguments(), (Json{{"handle", 0x6501}, {"key", 0x5000}}));
+    EXPECT_EQ(argumentsOf(request), (Json{{"handle", 0x6501}, {"key", 0x5000}}));
     EXPECT_EQ(session.sessionId, 0U);
     EXPECT_EQ(session.callSequence, 0);
     EXPECT_EQ(session.mdio.key, 0x5000);
@@ -224,7 +225,7 @@ TEST_F(CloseConnection, SendsIdentityAndKeyAndForgetsTheId) {
 
 TEST_F(CloseConnection, ByItsOtherNameDoesTheSame) {
     Setup::closeConnection(session);
-    EXPECT_EQ(onlyRequest(*this).arguments(), (Json{{"handle", 0x6501}, {"key", 0x5000}}));
+    EXPECT_EQ(argumentsOf(onlyRequest(*this)), (Json{{"handle", 0x6501}, {"key", 0x5000}}));
 }
 
 TEST_F(CloseConnection, ResetsTheTimeout) {
@@ -316,7 +317,7 @@ TEST_P(SessionPing, CarriesThePingSequenceAndTheSessionId) {
     EXPECT_EQ(request.procedureNumber, GetParam().procedureNumber);
     EXPECT_EQ(request.procedure, GetParam().procedure);
     EXPECT_EQ(request.transport, GetParam().transport);
-    EXPECT_EQ(request.arguments(), (Json{{"handle", 0x00020301}}));
+    EXPECT_EQ(argumentsOf(request), (Json{{"handle", 0x00020301}}));
     EXPECT_EQ(session.pingSequence, 0x0204);
     EXPECT_EQ(session.callSequence, 101);
 }
@@ -340,7 +341,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(BoardPingOfAConnection, NeedsNoSession) {
     ConnectedSession test;
     EXPECT_GE(Setup::RPC::ping(*test.session.connection), 0);
-    EXPECT_EQ(onlyRequest(test).arguments(), (Json{{"value", 123}}));
+    EXPECT_EQ(argumentsOf(onlyRequest(test)), (Json{{"value", 123}}));
 }
 
 } // namespace

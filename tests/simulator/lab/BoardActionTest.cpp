@@ -189,7 +189,7 @@ TEST_F(DisturbedBoard, GoesOnCountingWhatItDoesNotKeep) {
     }
     EXPECT_EQ(forgetful.executions("ping"), 5U);
     ASSERT_EQ(forgetful.requests().size(), 2U);
-    EXPECT_EQ(forgetful.requests()[0].arguments()["value"], 3);
+    EXPECT_EQ(argumentsOf(forgetful.requests()[0])["value"], 3);
 }
 
 TEST_F(DisturbedBoard, LetsAnObserverActBetweenTwoRequests) {

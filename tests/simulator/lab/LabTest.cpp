@@ -67,7 +67,7 @@ TEST_F(OneBoard, HasItsRequestsSelectedAndForgotten) {
     setup.call(sim_ping_1, 1, value);
     setup.call(sim_ping_1, 2, value);
     EXPECT_EQ(board.requests("setup").size(), 3U);
-    EXPECT_EQ(board.requestsOf("ping").at(1).arguments()["value"], 2);
+    EXPECT_EQ(argumentsOf(board.requestsOf("ping").at(1))["value"], 2);
     EXPECT_TRUE(board.requests("mdio").empty());
     board.forgetRequests();
     EXPECT_TRUE(board.requests().empty());
@@ -78,8 +78,8 @@ TEST_F(OneBoard, WaitsForARequestThatIsYetToCome) {
         int value = 0;
         setup.call(sim_ping_1, 77, value);
     });
-    const Request request =
-        board.waitFor([](const Request& r) { return r.procedure == "ping" && r.arguments()["value"] == 77; });
+    const Request request = board.waitFor(
+        [](const Request& r) { return r.procedure == "ping" && argumentsOf(r)["value"] == 77; });
     EXPECT_EQ(request.transport, "tcp");
     caller.join();
 }

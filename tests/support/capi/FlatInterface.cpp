@@ -5,7 +5,7 @@
 
 #include <cstdio>
 #include <map>
-#include <nlohmann/json.hpp>
+#include <orvane/lab_json.h>
 #include <ostream>
 #include <stdexcept>
 
@@ -61,7 +61,7 @@ std::map<unsigned, std::string> physOfSessions(const OrvaneSim::Board& board) {
     std::map<unsigned, std::string> phys;
     unsigned id = 0;
     for (const OrvaneSim::Request& opening : board.requestsOf("open_connection")) {
-        const ordered_json arguments = opening.arguments();
+        const ordered_json arguments = argumentsOf(opening);
         phys[++id] =
             phyText(arguments.at("deviceIndex").get<unsigned>(), arguments.at("phyAddress").get<unsigned>());
     }
@@ -137,7 +137,7 @@ std::vector<std::string> FlatInterface::frames() const {
     for (const OrvaneSim::Request& request : board.requests()) {
         if (request.program == "setup" || request.program == "keepAlive")
             continue;
-        const ordered_json arguments = request.arguments();
+        const ordered_json arguments = argumentsOf(request);
         const auto phy = phys.find(arguments.at("handle").get<unsigned>() & 0xFFU);
         texts.push_back(frameText(request.programNumber, request.procedureNumber,
                                   phy != phys.end() ? phy->second : "?", argumentTexts(arguments)));

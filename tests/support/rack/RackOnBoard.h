@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <mutex>
 #include <optional>
+#include <orvane/lab_json.h>
 #include <string>
 #include <thread>
 #include <utility>

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <orvane/lab.h>
+#include <orvane/lab_json.h>
 
 #include "adc.h"
 #include "gpio.h"

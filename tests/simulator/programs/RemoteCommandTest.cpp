@@ -45,7 +45,7 @@ TEST_F(RemoteCommand, IsAnsweredAsTheTestSays) {
     EXPECT_EQ(answer->status, 3);
     EXPECT_EQ(output(), std::string("a\0b", 3));
     EXPECT_EQ(errors(), "careful");
-    EXPECT_EQ(board.requestsOf("execute_command").at(0).arguments()["command"], std::string("measure\0", 8));
+    EXPECT_EQ(argumentsOf(board.requestsOf("execute_command").at(0))["command"], std::string("measure\0", 8));
 }
 
 TEST_F(RemoteCommand, ThatOutlastsItsTimeEndsAsTimedOut) {

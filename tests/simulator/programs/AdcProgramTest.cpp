@@ -75,7 +75,7 @@ TEST_F(AdcProgram, RemembersEventsAndTheDumpFile) {
     sim_ADC_Dump dump{identity, {static_cast<u_int>(file.size()), file.data()}};
     ASSERT_EQ(sim_adc_setdumpfile_1(&dump, &result, adc.handle()), RPC_SUCCESS);
     EXPECT_EQ(board.adcDumpFile(), file);
-    EXPECT_EQ(board.requestsOf("adc_setdumpfile").at(0).arguments()["name"], file);
+    EXPECT_EQ(argumentsOf(board.requestsOf("adc_setdumpfile").at(0))["name"], file);
     Decoded<sim_ADC_EventData> events{xdr_sim_ADC_EventData};
     ASSERT_EQ(adc.call(sim_adc_getevents_1, sim_Simple_Param{0, identity}, events.fresh()), RPC_SUCCESS);
     EXPECT_EQ(std::string(events->data.data_val, events->data.data_val + events->data.data_len),

@@ -1,41 +1,17 @@
 // Quoting of texts and writing of numbers.
 #include "simulator/protocol/JsonText.h"
 
+#include "ov_sys/Interface/foundation/Utf8.h"
+
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstdint>
 #include <cstdio>
 
 namespace OrvaneSim {
 namespace {
 
 constexpr const char* kReplacement = "\xEF\xBF\xBD"; // U+FFFD
-
-bool isFollowing(unsigned char byte) {
-    return (byte & 0xC0U) == 0x80;
-}
-
-/// Length of the UTF-8 character that `text` begins with, 0 when it begins with none.
-std::size_t characterLength(std::string_view text) {
-    const auto at = [text](std::size_t i) {
-        return i < text.size() ? static_cast<unsigned char>(text[i]) : std::uint8_t{0};
-    };
-    const unsigned first = at(0);
-    if (first < 0x80)
-        return 1;
-    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-    std::uint32_t number = first & (0x7FU >> length);
-    for (std::size_t i = 1; i < length; ++i) {
-        if (!isFollowing(at(i)))
-            return 0;
-        number = number << 6 | (at(i) & 0x3FU);
-    }
-    constexpr std::array<std::uint32_t, 5> kLowest{0, 0, 0x80, 0x800, 0x10000};
-    const bool surrogate = number >= 0xD800 && number < 0xE000;
-    const bool valid = first >= 0xC0 && first < 0xF8 && number >= kLowest[length] && number <= 0x10FFFF;
-    return valid && !surrogate ? length : 0;
-}
 
 void appendControl(std::string& json, char character) {
     constexpr std::string_view kNamed = "\b\t\n\f\r";
@@ -56,7 +32,7 @@ void appendControl(std::string& json, char character) {
 void appendJson(std::string& json, std::string_view text) {
     json += '"';
     while (!text.empty()) {
-        const std::size_t length = characterLength(text);
+        const std::size_t length = Orvane::firstCharacter(text).bytes;
         if (length == 0)
             json += kReplacement;
         else if (static_cast<unsigned char>(text[0]) < 0x20)

@@ -1,43 +1,13 @@
 #include "tools/orvane/shared/VisibleText.h"
 
+#include "ov_sys/Interface/foundation/Utf8.h"
+
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <fmt/format.h>
 
 namespace OrvaneTool {
 namespace {
-
-// A character at the beginning of a text.
-struct Character {
-    char32_t code = 0;
-    std::size_t bytes = 0; // 0: this is no UTF-8
-};
-
-Character firstOf(std::string_view text) {
-    struct Form {
-        unsigned mask;
-        unsigned lead;
-        char32_t least; // what fewer bytes cannot say
-    };
-    constexpr std::array<Form, 4> kForms{
-        {{0x80, 0x00, 0}, {0xE0, 0xC0, 0x80}, {0xF0, 0xE0, 0x800}, {0xF8, 0xF0, 0x10000}}};
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    for (std::size_t bytes = 1; bytes <= kForms.size() && bytes <= text.size(); ++bytes) {
-        const Form& form = kForms[bytes - 1];
-        if ((byte(0) & form.mask) != form.lead)
-            continue;
-        char32_t code = byte(0) & ~form.mask;
-        for (std::size_t i = 1; i < bytes; ++i) {
-            if ((byte(i) & 0xC0U) != 0x80U)
-                return {};
-            code = code << 6U | (byte(i) & 0x3FU);
-        }
-        const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
-        return code < form.least || code > 0x10FFFF || surrogate ? Character{} : Character{code, bytes};
-    }
-    return {};
-}
 
 bool isControl(char32_t code) {
     return code < 0x20 || (code >= 0x7F && code < 0xA0);
@@ -58,7 +28,7 @@ std::string escaped(std::string_view text, Shows shows, Escape escape) {
     std::string result;
     result.reserve(text.size());
     while (!text.empty()) {
-        const Character next = firstOf(text);
+        const Orvane::Utf8Character next = Orvane::firstCharacter(text);
         const std::string_view bytes = text.substr(0, std::max<std::size_t>(next.bytes, 1));
         if (next.bytes > 0 && shows(next.code))
             result += bytes;

@@ -1,0 +1,44 @@
+// Reading of UTF-8, character by character.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+namespace Orvane {
+
+// A character at the beginning of a text.
+struct Utf8Character {
+    char32_t code = 0;
+    std::size_t bytes = 0; // 0: the text begins with none, or is empty
+};
+
+// The character that `text` begins with; none for a byte that begins no character, a character cut short or
+// written with too many bytes, a surrogate, and a number beyond U+10FFFF. Throws nothing.
+inline Utf8Character firstCharacter(std::string_view text) noexcept {
+    struct Form {
+        unsigned mask;
+        unsigned lead;
+        char32_t least; // what fewer bytes cannot say
+    };
+    constexpr std::array<Form, 4> kForms{
+        {{0x80, 0x00, 0}, {0xE0, 0xC0, 0x80}, {0xF0, 0xE0, 0x800}, {0xF8, 0xF0, 0x10000}}};
+    const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    for (std::size_t bytes = 1; bytes <= kForms.size() && bytes <= text.size(); ++bytes) {
+        const Form& form = kForms[bytes - 1];
+        if ((byte(0) & form.mask) != form.lead)
+            continue;
+        char32_t code = byte(0) & ~form.mask;
+        for (std::size_t i = 1; i < bytes; ++i) {
+            if ((byte(i) & 0xC0U) != 0x80U)
+                return {};
+            code = code << 6U | (byte(i) & 0x3FU);
+        }
+        const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
+        return code < form.least || code > 0x10FFFF || surrogate ? Utf8Character{}
+                                                                 : Utf8Character{code, bytes};
+    }
+    return {};
+}
+
+} // namespace Orvane

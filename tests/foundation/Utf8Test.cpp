@@ -1,0 +1,51 @@
+#include "ov_sys/Interface/foundation/Utf8.h"
+#include "tests/support/NamedParam.h"
+
+#include <gtest/gtest.h>
+
+namespace Orvane {
+namespace {
+
+struct Text {
+    const char* name;
+    std::string_view text;
+    char32_t code;
+    std::size_t bytes;
+};
+
+class FirstCharacter : public testing::TestWithParam<Text> {};
+
+TEST_P(FirstCharacter, HasItsNumberAndItsLength) {
+    const Utf8Character first = firstCharacter(GetParam().text);
+    EXPECT_EQ(first.code, GetParam().code);
+    EXPECT_EQ(first.bytes, GetParam().bytes);
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, FirstCharacter,
+                         testing::Values(Text{"Nul", std::string_view("\0z", 2), 0, 1},
+                                         Text{"OneByte", "\x7F\x80", 0x7F, 1},
+                                         Text{"TheFirstOfTwoBytes", "\xC2\x80z", 0x80, 2},
+                                         Text{"TheLastOfTwoBytes", "\xDF\xBF", 0x7FF, 2},
+                                         Text{"TheFirstOfThreeBytes", "\xE0\xA0\x80", 0x800, 3},
+                                         Text{"TheLastBeforeTheSurrogates", "\xED\x9F\xBF", 0xD7FF, 3},
+                                         Text{"TheFirstBehindTheSurrogates", "\xEE\x80\x80", 0xE000, 3},
+                                         Text{"TheLastOfThreeBytes", "\xEF\xBF\xBF", 0xFFFF, 3},
+                                         Text{"TheFirstOfFourBytes", "\xF0\x90\x80\x80", 0x10000, 4},
+                                         Text{"TheLast", "\xF4\x8F\xBF\xBF", 0x10FFFF, 4}),
+                         OrvaneTest::NamedParam());
+
+INSTANTIATE_TEST_SUITE_P(IsMissingIn, FirstCharacter,
+                         testing::Values(Text{"NoText", "", 0, 0}, Text{"AFollowingByte", "\x80", 0, 0},
+                                         Text{"ACutOne", "\xE2\x82", 0, 0},
+                                         Text{"OneInterrupted", "\xE2\x82z", 0, 0},
+                                         Text{"TwoBytesForOne", "\xC1\xBF", 0, 0},
+                                         Text{"ThreeBytesForTwo", "\xE0\x9F\xBF", 0, 0},
+                                         Text{"FourBytesForThree", "\xF0\x8F\xBF\xBF", 0, 0},
+                                         Text{"TheFirstSurrogate", "\xED\xA0\x80", 0, 0},
+                                         Text{"TheLastSurrogate", "\xED\xBF\xBF", 0, 0},
+                                         Text{"OneBeyondTheLast", "\xF4\x90\x80\x80", 0, 0},
+                                         Text{"FiveBytes", "\xF8\x88\x80\x80\x80", 0, 0}),
+                         OrvaneTest::NamedParam());
+
+} // namespace
+} // namespace Orvane

@@ -45,7 +45,7 @@ public:
     void sendStrays(const StrayDatagrams& what);
     std::uint64_t straysSent() const { return straysSent_; }
 
-    /// Runs remote commands in a real shell of this machine from now on.
+    /// Runs remote commands in a real shell of this machine from now on. Throws as ShellRunner does.
     void allowShell();
 
     const std::string& address() const { return address_; }

@@ -1,14 +1,17 @@
 // Words to requests, answers to tables.
 #include "simulator/commands/CtlCommand.h"
 
+#include "ov_sys/Interface/foundation/Utf8.h"
 #include "simulator/control/ControlSocket.h"
 #include "simulator/script/ActionText.h"
 #include "simulator/script/FaultTable.h"
 
 #include <algorithm>
+#include <array>
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <filesystem>
+#include <string_view>
 
 namespace OrvaneSim {
 namespace {
@@ -89,10 +92,30 @@ Json requestOf(const CtlCommand& command) {
     return request;
 }
 
+/// A text of the lab in which nothing can speak to the terminal: the bytes of control characters become \xNN.
+std::string visible(std::string_view text) {
+    std::string shown;
+    while (!text.empty()) {
+        const Orvane::Utf8Character next = Orvane::firstCharacter(text);
+        const std::string_view bytes = text.substr(0, std::max<std::size_t>(next.bytes, 1));
+        const bool control = next.code < 0x20 || (next.code >= 0x7F && next.code < 0xA0);
+        if (next.bytes > 0 && !control)
+            shown += bytes;
+        else
+            for (const char byte : bytes) {
+                std::array<char, 8> escape{};
+                std::snprintf(escape.data(), escape.size(), "\\x%02x", static_cast<unsigned char>(byte));
+                shown += escape.data();
+            }
+        text.remove_prefix(bytes.size());
+    }
+    return shown;
+}
+
 std::string cell(const Json& row, const std::string& column) {
     if (!row.contains(column))
         return "-";
-    return row[column].is_string() ? row[column].get<std::string>() : row[column].dump();
+    return visible(row[column].is_string() ? row[column].get<std::string>() : row[column].dump());
 }
 
 /// Prints objects as a table, a column for each member that one of them has.
@@ -110,7 +133,7 @@ void printTable(const Json& rows) {
         const auto add = [&](std::string& line, const std::string& text) {
             line += text + std::string(width - text.size() + 2, ' ');
         };
-        add(lines[0], column);
+        add(lines[0], visible(column));
         for (std::size_t i = 0; i < rows.size(); ++i)
             add(lines[i + 1], cell(rows[i], column));
     }
@@ -122,9 +145,9 @@ void printTable(const Json& rows) {
 
 void print(const CtlCommand& command, const Json& result) {
     if (command.json)
-        std::puts(result.dump().c_str());
+        std::puts(result.dump(-1, ' ', true).c_str()); // ASCII, so that no control character is left
     else if (command.verb == "get" && result.size() == 1)
-        std::puts(result[0]["value"].get<std::string>().c_str());
+        std::puts(cell(result[0], "value").c_str());
     else if (!result.empty())
         printTable(result);
 }
@@ -151,10 +174,10 @@ int CtlCommand::run() const {
                 print(*this, answer["result"]);
             return kDone;
         }
-        std::fprintf(stderr, "orvane-sim: %s\n", answer.value("error", "no reason given").c_str());
+        std::fprintf(stderr, "orvane-sim: %s\n", visible(answer.value("error", "no reason given")).c_str());
         return kRefused;
     } catch (const std::exception& problem) {
-        std::fprintf(stderr, "orvane-sim: %s\n", problem.what());
+        std::fprintf(stderr, "orvane-sim: %s\n", visible(problem.what()).c_str());
         return kNoLab;
     }
 }

@@ -34,7 +34,8 @@ void addBoardFlags(CLI::App& app, LabFlags& flags) {
                       "Device name of the only board, such as OV0001:10; may be repeated");
     group->add_option("--first-word", flags.firstWord, "First word of the board names sent in discovery")
         ->capture_default_str();
-    group->add_flag("--allow-shell", flags.allowShell, "Run remote commands in a real shell of this machine");
+    group->add_flag("--allow-shell", flags.allowShell,
+                    "Run remote commands in a real shell of this machine, as nobody when root");
     group->add_option("--seed", flags.seed, "Everything the boards make up follows from this number")
         ->capture_default_str();
     group->set_help_flag();

@@ -4,6 +4,7 @@
 #include "simulator/control/LabControl.h"
 #include "simulator/engine/EventLoop.h"
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -53,11 +54,12 @@ private:
 };
 
 /// The path to use when none is given: that of the lab that this process runs in, else the only one in the
-/// usual places that somebody serves. Throws std::runtime_error when there is none or more than one.
+/// usual places that this user or root serves. Throws std::runtime_error when there is none or more than one.
 std::string findControlPath();
 
-/// Sends one line to a control socket and gives the answer. Throws std::runtime_error when there is no
-/// answer.
-std::string askControl(const std::string& path, const std::string& line);
+/// Sends one line to a control socket and gives the answer. Throws std::runtime_error when another user than
+/// this one or root serves it, and when there is no whole answer within `limit`.
+std::string askControl(const std::string& path, const std::string& line,
+                       std::chrono::milliseconds limit = std::chrono::seconds(30));
 
 } // namespace OrvaneSim

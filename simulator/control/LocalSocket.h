@@ -18,7 +18,10 @@ std::vector<std::string> localFolders();
 /// The address of a path. Throws std::runtime_error for one that is too long for a socket.
 sockaddr_un localPlace(const std::string& path);
 
-/// A connection to a path; none when nobody serves there.
+/// A connection to a path; none, and errno, when nobody serves there or nobody takes it within 5 s.
 FileDescriptor connectLocal(const std::string& path);
+
+/// Whether the other end of a connection is served by this user or by root, who are believed.
+bool isOurs(const FileDescriptor& connection);
 
 } // namespace OrvaneSim

@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/epoll.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -17,45 +16,6 @@ namespace OrvaneSim {
 namespace {
 
 constexpr std::size_t kMostKept = 65536;
-
-/// What posix_spawn needs, freed with this object.
-class SpawnPlan {
-public:
-    SpawnPlan(int output, int errors) {
-        posix_spawn_file_actions_init(&actions_);
-        posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO);
-        posix_spawn_file_actions_adddup2(&actions_, errors, STDERR_FILENO);
-        posix_spawnattr_init(&attributes_);
-        sigset_t none;
-        sigemptyset(&none);
-        posix_spawnattr_setsigmask(&attributes_, &none);
-        posix_spawnattr_setpgroup(&attributes_, 0);
-        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK);
-    }
-    ~SpawnPlan() {
-        posix_spawn_file_actions_destroy(&actions_);
-        posix_spawnattr_destroy(&attributes_);
-    }
-    SpawnPlan(const SpawnPlan&) = delete;
-    SpawnPlan& operator=(const SpawnPlan&) = delete;
-
-    pid_t spawn(std::string command) {
-        std::string shell = "/bin/sh";
-        std::string flag = "-c";
-        std::array<char*, 4> arguments{shell.data(), flag.data(), command.data(), nullptr};
-        pid_t pid = -1;
-        const int error =
-            posix_spawn(&pid, shell.c_str(), &actions_, &attributes_, arguments.data(), environ);
-        if (error != 0)
-            throw std::system_error(error, std::generic_category(), "cannot run a shell");
-        return pid;
-    }
-
-private:
-    posix_spawn_file_actions_t actions_{};
-    posix_spawnattr_t attributes_{};
-};
 
 /// Makes a pipe, keeps its reading end in `reader` and returns the writing end.
 FileDescriptor openPipe(FileDescriptor& reader) {
@@ -83,7 +43,7 @@ void ShellRunner::run(const std::string& command, std::chrono::seconds limit, Do
     try {
         const FileDescriptor output = openPipe(process->output.pipe);
         const FileDescriptor errors = openPipe(process->errors.pipe);
-        process->pid = SpawnPlan(output.get(), errors.get()).spawn(command);
+        process->pid = startShell(command, output.get(), errors.get(), rights_);
     } catch (...) {
         processes_.erase(process);
         throw;

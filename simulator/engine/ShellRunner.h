@@ -2,6 +2,7 @@
 #pragma once
 
 #include "simulator/engine/EventLoop.h"
+#include "simulator/engine/ShellProcess.h"
 
 #include <chrono>
 #include <functional>
@@ -11,8 +12,8 @@
 
 namespace OrvaneSim {
 
-/// Each command runs in /bin/sh in a process group of its own, without input, and is killed with its group
-/// when its time is up or the runner goes. Belongs to the loop's thread.
+/// Each command runs in /bin/sh in a process group of its own, without input and never as root, and is killed
+/// with its group when its time is up or the runner goes. Belongs to the loop's thread.
 class ShellRunner {
 public:
     struct Outcome {
@@ -23,7 +24,7 @@ public:
     };
     using Done = std::function<void(const Outcome&)>;
 
-    /// `loop` must outlive the runner.
+    /// `loop` must outlive the runner. Throws std::runtime_error when only root's rights could be given.
     explicit ShellRunner(EventLoop& loop) : loop_(loop) {}
     ~ShellRunner();
     ShellRunner(const ShellRunner&) = delete;
@@ -55,6 +56,7 @@ private:
     void finish(Position process);
 
     EventLoop& loop_;
+    const ShellRights rights_ = shellRights();
     std::list<Process> processes_;
 };
 

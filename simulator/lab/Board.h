@@ -34,7 +34,9 @@ struct BoardOptions {
     std::string firstWord = "host";
     /// Whatever the board makes up follows from this number.
     std::uint64_t seed = 1;
-    /// Runs remote commands in a real shell of this machine instead of answering them from a table.
+    /// Runs remote commands in a real shell of this machine instead of answering them from a table: as nobody
+    /// when this process is root's. Only at a loopback address or in a private network; Lab::add() throws
+    /// std::invalid_argument elsewhere, and std::runtime_error when the shell could only be root's.
     bool allowShell = false;
     /// How many of its requests the board keeps for `requests`; the counts go on without.
     std::size_t keptRequests = 100000;

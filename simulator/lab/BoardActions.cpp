@@ -1,10 +1,19 @@
 // What disturbs a lab's board.
 #include "simulator/lab/BoardInside.h"
+#include "simulator/network/PrivateNetwork.h"
 
 #include <stdexcept>
 #include <utility>
 
 namespace OrvaneSim {
+
+void checkShellPlace(const std::string& address) {
+    if (address.rfind("127.", 0) != 0 && !PrivateNetwork::entered())
+        throw std::invalid_argument(
+            "a board with a shell is only served at a loopback address or in a private "
+            "network, not at " +
+            address);
+}
 
 /// Does what opens or closes sockets: at once, or, while a request may be being served, after it.
 void Board::disturb(std::function<void()> work) {
@@ -65,6 +74,8 @@ void Board::moveTo(const std::string& address) {
         const std::string former = inside_->board->address();
         if (address == former)
             return;
+        if (inside_->board->parts().shell)
+            checkShellPlace(address);
         if (!inside_->addresses.take(address))
             throw std::invalid_argument("the lab has a board at " + address + " already");
         try {

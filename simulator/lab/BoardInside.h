@@ -30,6 +30,10 @@ private:
     std::set<std::string> addresses_;
 };
 
+/// Refuses a place where others than this machine could use a board's shell: with std::invalid_argument, when
+/// `address` is neither a loopback address nor in a private network.
+void checkShellPlace(const std::string& address);
+
 struct Board::Inside {
     EventLoop& loop;
     AddressBook& addresses;

@@ -52,8 +52,10 @@ struct Lab::Inside {
             auto board = std::make_unique<SimulatedBoard>(loop, *responder, address, nameOf(options),
                                                           boardPrograms(), options.seed);
             board->parts().requests.keep(options.keptRequests);
-            if (options.allowShell)
+            if (options.allowShell) {
+                checkShellPlace(address);
                 board->allowShell();
+            }
             board->start();
             return board;
         });

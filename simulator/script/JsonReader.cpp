@@ -39,10 +39,16 @@ std::string problemOf(const std::string& message) {
     return begin == std::string::npos ? message : message.substr(begin + 2);
 }
 
-/// Builds the value, and refuses a name that an object has twice.
-class UniqueNames {
+constexpr int kDeepest = 64;
+
+/// Builds the value, and refuses a name that an object has twice and lists in lists without end: what walks
+/// the value takes some of the stack for each level.
+class Strictness {
 public:
-    bool operator()(int, Json::parse_event_t event, const Json& value) {
+    bool operator()(int depth, Json::parse_event_t event, const Json& value) {
+        if (depth >= kDeepest &&
+            (event == Json::parse_event_t::object_start || event == Json::parse_event_t::array_start))
+            throw ScriptError("nested deeper than " + std::to_string(kDeepest) + " levels");
         if (event == Json::parse_event_t::object_start)
             names_.emplace_back();
         else if (event == Json::parse_event_t::object_end)
@@ -73,7 +79,7 @@ bool parseWhole(const std::string& text, std::int64_t& number) {
 
 Json parseJson(const std::string& text) {
     try {
-        return Json::parse(text, UniqueNames());
+        return Json::parse(text, Strictness());
     } catch (const Json::parse_error& problem) {
         throw ScriptError(placeOf(text, problem.byte) + problemOf(problem.what()));
     }

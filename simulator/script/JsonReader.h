@@ -20,8 +20,8 @@ public:
         : std::runtime_error(path.empty() ? problem : path + ": " + problem) {}
 };
 
-/// Parses a whole text. Throws ScriptError beginning with "line N, column M: ", also for a member that an
-/// object has twice.
+/// Parses a whole text. Throws ScriptError beginning with "line N, column M: ", and one without a place for a
+/// member that an object has twice and for more than 64 levels of lists and objects.
 Json parseJson(const std::string& text);
 
 /// The content of a file, parsed. Throws ScriptError beginning with the file's name.

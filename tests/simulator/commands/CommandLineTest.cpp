@@ -61,6 +61,30 @@ TEST(OrvaneSim, TellsWhichBoardCannotBeServed) {
     EXPECT_EQ(outcome.output.substr(0, 30), "orvane-sim: board LAB7: cannot");
 }
 
+TEST(OrvaneSim, GivesAShellOnlyAtLoopbackAddressesAndInPrivateNetworks) {
+    const Outcome outcome = shell(ORVANE_SIM " --address 192.0.2.9 --serial LAB7 --allow-shell");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(
+        outcome.output.find("board LAB7: a board with a shell is only served at a loopback address or in a "
+                            "private network, not at 192.0.2.9"),
+        std::string::npos)
+        << outcome.output;
+}
+
+TEST(OrvaneLab, WarnsOfBoardsWithAShell) {
+    const std::string warning = "run remote commands in a shell of this machine";
+    EXPECT_NE(shell(ORVANE_LAB " --allow-shell -- true").output.find(warning), std::string::npos);
+    EXPECT_EQ(shell(ORVANE_LAB " -- true").output, "");
+}
+
+TEST(OrvaneLab, RefusesAFileThatIsNestedTooDeepToBeWalked) {
+    const ScratchFolder folder;
+    const std::string file = folder.write("deep.json", std::string(100000, '[') + std::string(100000, ']'));
+    const Outcome outcome = shell(ORVANE_LAB " --lab " + file + " -- true");
+    EXPECT_EQ(outcome.status, 125);
+    EXPECT_EQ(outcome.output, "orvane-lab: " + file + ": nested deeper than 64 levels\n");
+}
+
 /// Runs a script in a lab with two boards, with orvane-sim on its path.
 Outcome inLab(const std::string& script) {
     const ScratchFolder folder;
@@ -73,6 +97,22 @@ TEST(OrvaneSimCtl, FindsTheLabThatItRunsIn) {
     EXPECT_EQ(inLab("orvane-sim ctl OV0002 set 0x10010 0xBEEF && orvane-sim ctl 10.83.0.2 get register=65552")
                   .output,
               "0xBEEF\n");
+}
+
+TEST(OrvaneSimCtl, PrintsNoControlCharacters) {
+    const Outcome outcome =
+        shell("PATH=$(dirname " ORVANE_SIM "):$PATH\nlab() { " ORVANE_LAB
+              " --first-word \"$(printf 'h\\033[2J\\177\\302\\233z\\303\\251')\" -- \"$@\"; }\n"
+              "lab orvane-sim ctl all list\nlab orvane-sim ctl all list --json\n"
+              "lab orvane-sim ctl all \"$(printf 'clear\\033c')\"");
+    EXPECT_NE(outcome.output.find(R"(h\x1b[2J\x7f\xc2\x9bz)"
+                                  "\u00e9 OV0001:0"),
+              std::string::npos)
+        << outcome.output;
+    EXPECT_NE(outcome.output.find(R"("h\u001b[2J\u007f\u009bz\u00e9 OV0001:0)"), std::string::npos)
+        << outcome.output;
+    EXPECT_NE(outcome.output.find(R"(there is no action "clear\x1bc")"), std::string::npos) << outcome.output;
+    EXPECT_EQ(outcome.output.find('\x1b'), std::string::npos);
 }
 
 TEST(OrvaneSimCtl, PrintsATable) {

@@ -6,7 +6,11 @@
 #include "tests/support/simulator/Client.h"
 #include "tests/support/simulator/Shell.h"
 
+#include <functional>
 #include <sys/socket.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
 
 namespace OrvaneSim {
 namespace {
@@ -122,6 +126,18 @@ TEST_F(Control, RefusesWhatItDoesNotUnderstand) {
     EXPECT_EQ(errorOf(R"("action": "save", "file": "/no/such/file")"), "/no/such/file: cannot be written");
 }
 
+std::string listInList(int levels) {
+    return std::string(static_cast<std::size_t>(levels), '[') +
+           std::string(static_cast<std::size_t>(levels), ']');
+}
+
+TEST_F(Control, RefusesARequestThatIsNestedTooDeepToBeWalked) {
+    EXPECT_EQ(control.answer(listInList(100000)), R"({"ok":false,"error":"nested deeper than 64 levels"})");
+    EXPECT_EQ(control.answer(listInList(65)), R"({"ok":false,"error":"nested deeper than 64 levels"})");
+    EXPECT_EQ(control.answer(listInList(64)),
+              R"({"ok":false,"error":")" + listInList(64) + R"( is no object"})");
+}
+
 class NamedFault : public Control, public testing::WithParamInterface<const char*> {};
 
 TEST_P(NamedFault, IsInjectedAndShownAsItWasSaid) {
@@ -190,6 +206,48 @@ TEST_F(ControlSocket, AnswersEachLineAndGoesWithItsServer) {
     }
     EXPECT_FALSE(std::filesystem::exists(path));
     EXPECT_THROW(askControl(path, "{}"), std::runtime_error);
+}
+
+std::string problemOf(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const std::runtime_error& problem) {
+        return problem.what();
+    }
+    return "none";
+}
+
+int listeningAt(const std::string& path) {
+    const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const sockaddr_un place = localPlace(path);
+    EXPECT_EQ(::bind(listener, reinterpret_cast<const sockaddr*>(&place), sizeof place), 0);
+    EXPECT_EQ(::listen(listener, 1), 0);
+    return listener;
+}
+
+TEST_F(ControlSocket, IsNotAskedWhenAnotherUserServesIt) {
+    constexpr uid_t kOther = 12345;
+    if (::geteuid() != 0 || ::seteuid(kOther) != 0)
+        GTEST_SKIP() << "only root can be somebody else";
+    ASSERT_EQ(::seteuid(0), 0);
+    ASSERT_EQ(::chmod(folder.file("").c_str(), 0777), 0);
+    ASSERT_EQ(::seteuid(kOther), 0); // the kernel keeps who listens
+    const FileDescriptor listener(listeningAt(path));
+    ASSERT_EQ(::seteuid(0), 0);
+    EXPECT_EQ(problemOf([&] { askControl(path, "{}"); }),
+              "user 12345 serves " + path + ", neither you nor root");
+}
+
+TEST_F(ControlSocket, IsGivenUpWhenItsAnswerNeverEnds) {
+    const FileDescriptor listener(listeningAt(path));
+    std::thread stalling([&] {
+        const FileDescriptor connection(::accept(listener.get(), nullptr, nullptr));
+        while (::send(connection.get(), "x", 1, MSG_NOSIGNAL) == 1)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    });
+    EXPECT_EQ(problemOf([&] { askControl(path, "{}", std::chrono::milliseconds(200)); }),
+              "the lab at " + path + " took too long to answer");
+    stalling.join();
 }
 
 TEST_F(ControlSocket, TakesThePlaceOfOneThatNobodyServesAndOfNoOther) {

@@ -2,7 +2,10 @@
 #include "tests/support/simulator/Client.h"
 
 #include <cerrno>
+#include <cstdlib>
+#include <fstream>
 #include <thread>
+#include <unistd.h>
 
 namespace OrvaneSim {
 namespace {
@@ -65,6 +68,29 @@ TEST_F(RemoteCommand, RunsInAShellOnlyWhereThatIsAllowed) {
     EXPECT_EQ(errors(), "err");
     ASSERT_EQ(run(board, "kill -9 $$"), RPC_SUCCESS);
     EXPECT_EQ(answer->status, 137);
+}
+
+/// The user a shell runs as: nobody, where root can become somebody else.
+std::string shellUser() {
+    if (::geteuid() != 0)
+        return std::to_string(::geteuid());
+    std::ifstream map("/proc/self/uid_map");
+    for (unsigned long inside = 0, outside = 0, count = 0; map >> inside >> outside >> count;)
+        if (inside <= 65534 && 65534 - inside < count)
+            return "65534";
+    return "0"; // of a user namespace that an ordinary user made
+}
+
+TEST_F(RemoteCommand, InAShellHasNoneOfRootsRights) {
+    Board& board = lab.add({"", "A", {}, "host", 1, true});
+    ASSERT_EQ(run(board, "id -u; id -ru"), RPC_SUCCESS);
+    EXPECT_EQ(output(), shellUser() + "\n" + shellUser() + "\n");
+    if (shellUser() != "65534")
+        return;
+    ASSERT_EQ(::setenv("ORVANE_TEST_SECRET", "of root", 1), 0);
+    ASSERT_EQ(run(board, "id -G; pwd; grep NoNewPrivs /proc/self/status; echo \"$ORVANE_TEST_SECRET\""),
+              RPC_SUCCESS);
+    EXPECT_EQ(output(), "65534\n/\nNoNewPrivs:\t1\n\n");
 }
 
 TEST_F(RemoteCommand, InAShellIsKilledWhenItsTimeIsUpAndHoldsNobodyUp) {

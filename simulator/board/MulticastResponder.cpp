@@ -17,8 +17,8 @@ constexpr const char* kGroup = "239.255.255.38";
 constexpr std::size_t kRepliesAtOnce = 64;
 constexpr std::chrono::milliseconds kReplyGap{2};
 
-FileDescriptor openGroupSocket() {
-    FileDescriptor socket(::socket(AF_INET, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+Orvane::FileDescriptor openGroupSocket() {
+    Orvane::FileDescriptor socket(::socket(AF_INET, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     setOption(socket, SOL_SOCKET, SO_REUSEADDR, 1);
     // Bound to the group, not to any address: what a host receives on the same port is not for boards.
     const sockaddr_in point = endPoint(kGroup, kDiscoveryPort);

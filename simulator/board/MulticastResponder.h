@@ -39,7 +39,7 @@ private:
     void send(const Reply& reply);
 
     EventLoop& loop_;
-    FileDescriptor socket_;
+    Orvane::FileDescriptor socket_;
     std::map<std::string, Member> members_;
     std::deque<Reply> replies_;
     EventLoop::Watch watch_;

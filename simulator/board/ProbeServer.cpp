@@ -21,9 +21,9 @@ ProbeServer::ProbeServer(EventLoop& loop, const std::string& address, DiscoveryV
       voice_(voice),
       faults_(faults),
       acceptor_(loop, endPoint(address, kDiscoveryPort),
-                [this](FileDescriptor s) { addConnection(std::move(s)); }) {}
+                [this](Orvane::FileDescriptor s) { addConnection(std::move(s)); }) {}
 
-void ProbeServer::addConnection(FileDescriptor socket) {
+void ProbeServer::addConnection(Orvane::FileDescriptor socket) {
     const std::uint64_t id = ++lastConnection_;
     setOption(socket, IPPROTO_TCP, TCP_NODELAY, 1);
     Connection& connection = connections_[id];

@@ -21,13 +21,13 @@ public:
 
 private:
     struct Connection {
-        FileDescriptor socket;
+        Orvane::FileDescriptor socket;
         std::string request;
         std::vector<std::string> pieces;
         std::size_t sent = 0;
         EventLoop::Watch watch;
     };
-    void addConnection(FileDescriptor socket);
+    void addConnection(Orvane::FileDescriptor socket);
     void receive(std::uint64_t id);
     void sendPiece(std::uint64_t id);
 

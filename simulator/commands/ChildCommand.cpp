@@ -21,15 +21,15 @@ constexpr std::chrono::milliseconds kPatience{2000}; // between SIGTERM and SIGK
 constexpr int kLookAgain = 50;                       // milliseconds
 
 struct Pipe {
-    FileDescriptor read;
-    FileDescriptor write;
+    Orvane::FileDescriptor read;
+    Orvane::FileDescriptor write;
 };
 
 Pipe makePipe() {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0)
         throw std::system_error(errno, std::generic_category(), "cannot make a pipe");
-    return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
+    return {Orvane::FileDescriptor(ends[0]), Orvane::FileDescriptor(ends[1])};
 }
 
 /// Children of any thread of this process.

@@ -1,8 +1,8 @@
 // A command run as a child process, with everything that it leaves running.
 #pragma once
 
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "simulator/commands/Signals.h"
-#include "simulator/engine/FileDescriptor.h"
 
 #include <string>
 #include <sys/types.h>
@@ -36,8 +36,8 @@ private:
     pid_t child_ = -1;
     bool finished_ = false;
     int status_ = 0;
-    FileDescriptor startPipe_;
-    FileDescriptor errorPipe_;
+    Orvane::FileDescriptor startPipe_;
+    Orvane::FileDescriptor errorPipe_;
 };
 
 } // namespace OrvaneSim

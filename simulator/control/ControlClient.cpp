@@ -22,7 +22,7 @@ namespace {
 constexpr timeval kConnectLimit{5, 0};
 
 /// The user who serves the other end; nobody when the kernel does not say.
-uid_t userBehind(const FileDescriptor& connection) {
+uid_t userBehind(const Orvane::FileDescriptor& connection) {
     ucred peer{};
     socklen_t size = sizeof peer;
     constexpr uid_t kNobody = 65534;
@@ -83,7 +83,7 @@ private:
 
     const std::string& path_;
     std::chrono::steady_clock::time_point end_;
-    FileDescriptor socket_;
+    Orvane::FileDescriptor socket_;
 };
 
 } // namespace
@@ -106,16 +106,16 @@ sockaddr_un localPlace(const std::string& path) {
     return place;
 }
 
-FileDescriptor connectLocal(const std::string& path) {
+Orvane::FileDescriptor connectLocal(const std::string& path) {
     const sockaddr_un place = localPlace(path);
-    FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    Orvane::FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     ::setsockopt(socket.get(), SOL_SOCKET, SO_SNDTIMEO, &kConnectLimit, sizeof kConnectLimit);
     if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0)
         return {};
     return socket;
 }
 
-bool isOurs(const FileDescriptor& connection) {
+bool isOurs(const Orvane::FileDescriptor& connection) {
     const uid_t user = userBehind(connection);
     return user == ::geteuid() || user == 0;
 }
@@ -130,7 +130,7 @@ std::string findControlPath() {
         for (const auto& entry : std::filesystem::directory_iterator(folder, ignored)) {
             const std::string name = entry.path().filename();
             if (name.rfind(kLocalPrefix, 0) == 0 && entry.path().extension() == kLocalSuffix) {
-                const FileDescriptor connection = connectLocal(entry.path());
+                const Orvane::FileDescriptor connection = connectLocal(entry.path());
                 if (connection && isOurs(connection))
                     served.push_back(entry.path());
             }

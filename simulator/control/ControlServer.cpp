@@ -24,11 +24,11 @@ bool removeSocket(const std::string& path) {
     return S_ISSOCK(found.st_mode) && ::unlink(path.c_str()) == 0;
 }
 
-FileDescriptor listenAt(const std::string& path) {
+Orvane::FileDescriptor listenAt(const std::string& path) {
     if (connectLocal(path))
         throw std::runtime_error("another lab is controlled through " + path);
     const sockaddr_un place = localPlace(path);
-    FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    Orvane::FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     if (!removeSocket(path)) // left over: nobody serves it
         throw std::runtime_error("cannot make the control socket " + path + ": there is a file of that name");
     const mode_t mask = ::umask(0077);
@@ -64,7 +64,7 @@ ControlServer::~ControlServer() {
 }
 
 void ControlServer::accept() {
-    FileDescriptor socket(::accept4(listener_.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+    Orvane::FileDescriptor socket(::accept4(listener_.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (!socket)
         return;
     const std::uint64_t id = ++lastConnection_;

@@ -35,7 +35,7 @@ public:
 
 private:
     struct Connection {
-        FileDescriptor socket;
+        Orvane::FileDescriptor socket;
         std::string received;
         std::string unsent;
         EventLoop::Watch watch;
@@ -46,7 +46,7 @@ private:
 
     LabControl control_;
     std::string path_;
-    FileDescriptor listener_;
+    Orvane::FileDescriptor listener_;
     EventLoop loop_;
     EventLoop::Watch watch_;
     std::map<std::uint64_t, Connection> connections_;

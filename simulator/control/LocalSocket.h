@@ -1,7 +1,7 @@
 // Unix domain sockets of labs: where they are and how they are reached.
 #pragma once
 
-#include "simulator/engine/FileDescriptor.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 
 #include <string>
 #include <sys/un.h>
@@ -19,9 +19,9 @@ std::vector<std::string> localFolders();
 sockaddr_un localPlace(const std::string& path);
 
 /// A connection to a path; none, and errno, when nobody serves there or nobody takes it within 5 s.
-FileDescriptor connectLocal(const std::string& path);
+Orvane::FileDescriptor connectLocal(const std::string& path);
 
 /// Whether the other end of a connection is served by this user or by root, who are believed.
-bool isOurs(const FileDescriptor& connection);
+bool isOurs(const Orvane::FileDescriptor& connection);
 
 } // namespace OrvaneSim

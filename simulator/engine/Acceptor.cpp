@@ -19,7 +19,7 @@ Acceptor::Acceptor(EventLoop& loop, const sockaddr_in& point, Accepted accepted)
       watch_(loop.watch(listener_.get(), EPOLLIN, [this](std::uint32_t) { accept(); })) {}
 
 void Acceptor::accept() {
-    FileDescriptor socket(::accept4(listener_.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+    Orvane::FileDescriptor socket(::accept4(listener_.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (socket) {
         accepted_(std::move(socket));
         return;

@@ -13,7 +13,7 @@ namespace OrvaneSim {
 class Acceptor {
 public:
     /// Receives each connected socket, non-blocking.
-    using Accepted = std::function<void(FileDescriptor socket)>;
+    using Accepted = std::function<void(Orvane::FileDescriptor socket)>;
 
     /// `loop` must outlive the acceptor. Throws std::system_error.
     Acceptor(EventLoop& loop, const sockaddr_in& point, Accepted accepted);
@@ -26,7 +26,7 @@ private:
 
     EventLoop& loop_;
     Accepted accepted_;
-    FileDescriptor listener_;
+    Orvane::FileDescriptor listener_;
     EventLoop::Watch watch_;
     EventLoop::Life life_ = EventLoop::makeLife();
 };

@@ -1,7 +1,7 @@
 // The one thread that serves every board: descriptors, timers and tasks from other threads.
 #pragma once
 
-#include "simulator/engine/FileDescriptor.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 
 #include <chrono>
 #include <cstdint>
@@ -105,8 +105,8 @@ private:
     int millisecondsToNextTimer() const;
     void wake();
 
-    FileDescriptor epoll_;
-    FileDescriptor wakeUp_;
+    Orvane::FileDescriptor epoll_;
+    Orvane::FileDescriptor wakeUp_;
     std::vector<Slot> slots_;
     std::vector<std::uint32_t> freeSlots_;
     std::multimap<Clock::time_point, Timer> timers_;

@@ -31,7 +31,7 @@ std::uint32_t markOf(std::string_view record) {
 
 } // namespace
 
-RpcConnection::RpcConnection(EventLoop& loop, FileDescriptor socket, EventLoop::Ready ready)
+RpcConnection::RpcConnection(EventLoop& loop, Orvane::FileDescriptor socket, EventLoop::Ready ready)
     : loop_(loop), socket_(std::move(socket)), watch_(loop.watch(socket_.get(), EPOLLIN, std::move(ready))) {}
 
 void RpcConnection::transfer(std::uint32_t events) {

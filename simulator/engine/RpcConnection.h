@@ -17,7 +17,7 @@ namespace OrvaneSim {
 class RpcConnection {
 public:
     /// Takes over a connected non-blocking socket; `ready` is called whenever `transfer` has something to do.
-    RpcConnection(EventLoop& loop, FileDescriptor socket, EventLoop::Ready ready);
+    RpcConnection(EventLoop& loop, Orvane::FileDescriptor socket, EventLoop::Ready ready);
 
     /// Reads or writes what is possible.
     void transfer(std::uint32_t events);
@@ -45,7 +45,7 @@ private:
     void flush();
 
     EventLoop& loop_;
-    FileDescriptor socket_;
+    Orvane::FileDescriptor socket_;
     bool open_ = true;
     std::string unread_; // received, not yet joined
     std::string record_; // fragments joined so far

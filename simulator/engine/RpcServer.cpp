@@ -29,7 +29,7 @@ RpcServer::RpcServer(EventLoop& loop, const std::string& address, std::uint16_t 
       udp_(openUdp(endPoint(address, port))),
       udpWatch_(loop.watch(udp_.get(), EPOLLIN, [this](std::uint32_t) { receiveDatagram(); })),
       acceptor_(loop, endPoint(address, port),
-                [this](FileDescriptor socket) { addConnection(std::move(socket)); }) {}
+                [this](Orvane::FileDescriptor socket) { addConnection(std::move(socket)); }) {}
 
 RpcServer::~RpcServer() = default;
 
@@ -155,12 +155,12 @@ void RpcServer::receiveDatagram() {
 void RpcServer::sendDatagram(const sockaddr_in& peer, std::string_view bytes, bool otherPort) {
     if (otherPort && !otherUdp_)
         otherUdp_ = openUdp(endPoint(address_, 0));
-    const FileDescriptor& socket = otherPort ? otherUdp_ : udp_;
+    const Orvane::FileDescriptor& socket = otherPort ? otherUdp_ : udp_;
     ::sendto(socket.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL, reinterpret_cast<const sockaddr*>(&peer),
              sizeof peer);
 }
 
-void RpcServer::addConnection(FileDescriptor socket) {
+void RpcServer::addConnection(Orvane::FileDescriptor socket) {
     const std::uint64_t id = ++lastConnection_;
     connections_.emplace(
         id, std::make_unique<RpcConnection>(

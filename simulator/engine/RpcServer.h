@@ -67,7 +67,7 @@ private:
     };
     void receiveDatagram();
     void rememberPeer(const sockaddr_in& peer);
-    void addConnection(FileDescriptor socket);
+    void addConnection(Orvane::FileDescriptor socket);
     void serveConnection(std::uint64_t id, std::uint32_t events);
     bool answerRecord(std::uint64_t id, std::string_view record);
     void answer(RpcCall& call, const Client& client);
@@ -81,8 +81,8 @@ private:
     EventLoop& loop_;
     RpcHandler& handler_;
     std::string address_;
-    FileDescriptor udp_;
-    FileDescriptor otherUdp_; // opened when first needed
+    Orvane::FileDescriptor udp_;
+    Orvane::FileDescriptor otherUdp_; // opened when first needed
     EventLoop::Watch udpWatch_;
     Acceptor acceptor_;
     std::unordered_map<std::uint64_t, std::unique_ptr<RpcConnection>> connections_;

@@ -18,12 +18,12 @@ namespace {
 constexpr std::size_t kMostKept = 65536;
 
 /// Makes a pipe, keeps its reading end in `reader` and returns the writing end.
-FileDescriptor openPipe(FileDescriptor& reader) {
+Orvane::FileDescriptor openPipe(Orvane::FileDescriptor& reader) {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0)
         throw std::system_error(errno, std::generic_category(), "cannot make a pipe");
-    reader = FileDescriptor(ends[0]);
-    FileDescriptor writer(ends[1]);
+    reader = Orvane::FileDescriptor(ends[0]);
+    Orvane::FileDescriptor writer(ends[1]);
     if (::fcntl(reader.get(), F_SETFL, O_NONBLOCK) != 0)
         throw std::system_error(errno, std::generic_category(), "cannot set up a pipe");
     return writer;
@@ -41,15 +41,15 @@ ShellRunner::~ShellRunner() {
 void ShellRunner::run(const std::string& command, std::chrono::seconds limit, Done done) {
     const auto process = processes_.emplace(processes_.end());
     try {
-        const FileDescriptor output = openPipe(process->output.pipe);
-        const FileDescriptor errors = openPipe(process->errors.pipe);
+        const Orvane::FileDescriptor output = openPipe(process->output.pipe);
+        const Orvane::FileDescriptor errors = openPipe(process->errors.pipe);
         process->pid = startShell(command, output.get(), errors.get(), rights_);
     } catch (...) {
         processes_.erase(process);
         throw;
     }
     process->done = std::move(done);
-    process->end = FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, process->pid, 0)));
+    process->end = Orvane::FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, process->pid, 0)));
     watchStream(process->output);
     watchStream(process->errors);
     process->endWatch =

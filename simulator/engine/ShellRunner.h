@@ -36,7 +36,7 @@ public:
 
 private:
     struct Stream {
-        FileDescriptor pipe;
+        Orvane::FileDescriptor pipe;
         std::string text;
         EventLoop::Watch watch;
     };
@@ -44,7 +44,7 @@ private:
         pid_t pid = -1;
         Stream output;
         Stream errors;
-        FileDescriptor end; // readable when the shell has ended
+        Orvane::FileDescriptor end; // readable when the shell has ended
         EventLoop::Watch endWatch;
         bool timedOut = false;
         Done done;

@@ -19,13 +19,13 @@ const sockaddr* generic(const sockaddr_in& point) {
     return reinterpret_cast<const sockaddr*>(&point);
 }
 
-FileDescriptor openBound(int type, const sockaddr_in& point) {
+Orvane::FileDescriptor openBound(int type, const sockaddr_in& point) {
     const auto fail = [&](const char* what) {
         throw std::system_error(errno, std::generic_category(),
                                 std::string(what) + (type == SOCK_DGRAM ? " UDP " : " TCP ") +
                                     addressText(point) + ":" + std::to_string(ntohs(point.sin_port)));
     };
-    FileDescriptor socket(::socket(AF_INET, type | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+    Orvane::FileDescriptor socket(::socket(AF_INET, type | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     if (!socket)
         fail("cannot open");
     // A restarted board listens at once, whatever connections of its former life still linger. Two boards may
@@ -56,15 +56,15 @@ std::string addressText(const sockaddr_in& point) {
     return text.data();
 }
 
-FileDescriptor openUdp(const sockaddr_in& point) {
+Orvane::FileDescriptor openUdp(const sockaddr_in& point) {
     return openBound(SOCK_DGRAM, point);
 }
 
-FileDescriptor openTcpListener(const sockaddr_in& point) {
+Orvane::FileDescriptor openTcpListener(const sockaddr_in& point) {
     return openBound(SOCK_STREAM, point);
 }
 
-std::uint16_t localPort(const FileDescriptor& socket) {
+std::uint16_t localPort(const Orvane::FileDescriptor& socket) {
     sockaddr_in point{};
     socklen_t size = sizeof point;
     if (::getsockname(socket.get(), reinterpret_cast<sockaddr*>(&point), &size) != 0)
@@ -72,7 +72,7 @@ std::uint16_t localPort(const FileDescriptor& socket) {
     return ntohs(point.sin_port);
 }
 
-void setOption(const FileDescriptor& socket, int level, int option, int value) {
+void setOption(const Orvane::FileDescriptor& socket, int level, int option, int value) {
     if (::setsockopt(socket.get(), level, option, &value, sizeof value) != 0)
         throw std::system_error(errno, std::generic_category(), "cannot set a socket option");
 }

@@ -1,7 +1,7 @@
 // IPv4 end points and the sockets that boards are reached through.
 #pragma once
 
-#include "simulator/engine/FileDescriptor.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 
 #include <cstdint>
 #include <netinet/in.h>
@@ -17,16 +17,16 @@ sockaddr_in endPoint(const std::string& address, std::uint16_t port);
 std::string addressText(const sockaddr_in& point);
 
 /// A non-blocking UDP socket bound to `point`. Throws std::system_error naming the end point.
-FileDescriptor openUdp(const sockaddr_in& point);
+Orvane::FileDescriptor openUdp(const sockaddr_in& point);
 
 /// A non-blocking TCP socket listening at `point`. Throws std::system_error naming the end point.
-FileDescriptor openTcpListener(const sockaddr_in& point);
+Orvane::FileDescriptor openTcpListener(const sockaddr_in& point);
 
 /// The local port of a bound socket, in host byte order.
-std::uint16_t localPort(const FileDescriptor& socket);
+std::uint16_t localPort(const Orvane::FileDescriptor& socket);
 
 /// Sets an integer socket option. Throws std::system_error.
-void setOption(const FileDescriptor& socket, int level, int option, int value);
+void setOption(const Orvane::FileDescriptor& socket, int level, int option, int value);
 
 /// Raises this process's soft limit of open descriptors to its hard limit, for many boards in one process.
 void raiseDescriptorLimit();

@@ -1,7 +1,7 @@
 // Configures the interfaces and routes of the calling thread's network namespace.
 #pragma once
 
-#include "simulator/engine/FileDescriptor.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 
 #include <array>
 #include <cstdint>
@@ -47,7 +47,7 @@ private:
     /// As RFC 2863 numbers it.
     int operationalState(const std::string& interface);
 
-    FileDescriptor socket_;
+    Orvane::FileDescriptor socket_;
     alignas(4) std::array<char, 32768> answer_{};
 };
 

@@ -1,7 +1,7 @@
 // Namespaces, cables and routes of the private network.
 #include "simulator/network/PrivateNetwork.h"
 
-#include "simulator/engine/FileDescriptor.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "simulator/network/Netlink.h"
 #include "simulator/network/PrivateFiles.h"
 
@@ -27,7 +27,7 @@ constexpr std::uint8_t kBoardsBits = 17;
 
 struct State {
     bool entered = false;
-    FileDescriptor boardSide;
+    Orvane::FileDescriptor boardSide;
     std::vector<int> boardInterfaces;
 };
 
@@ -55,8 +55,8 @@ void check(int result, const char* step) {
         throw std::system_error(errno, std::generic_category(), step);
 }
 
-FileDescriptor currentNetwork() {
-    FileDescriptor network(::open("/proc/thread-self/ns/net", O_RDONLY | O_CLOEXEC));
+Orvane::FileDescriptor currentNetwork() {
+    Orvane::FileDescriptor network(::open("/proc/thread-self/ns/net", O_RDONLY | O_CLOEXEC));
     if (!network)
         throw std::system_error(errno, std::generic_category(), "cannot open /proc/thread-self/ns/net");
     return network;
@@ -149,7 +149,7 @@ void plugBoardSideIn(int interfaces) {
 void makeNetwork(const PrivateNetworkOptions& options) {
     makeBoardSide();
     makeHostSide(options.hostInterfaces);
-    const FileDescriptor hostSide = currentNetwork();
+    const Orvane::FileDescriptor hostSide = currentNetwork();
     plugBoardSideIn(options.hostInterfaces);
     check(::setns(hostSide.get(), CLONE_NEWNET), "cannot return to the host side");
     Netlink netlink;
@@ -170,7 +170,7 @@ void PrivateNetwork::enter(const PrivateNetworkOptions& options) {
     const int granted = grantedNamespaces();
     const uid_t user = ::geteuid();
     const gid_t group = ::getegid();
-    const FileDescriptor outside = currentNetwork();
+    const Orvane::FileDescriptor outside = currentNetwork();
     try {
         check(::unshare(granted & ~CLONE_NEWNET), "cannot make the private namespaces");
         if ((granted & CLONE_NEWUSER) != 0)

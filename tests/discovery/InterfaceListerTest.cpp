@@ -1,7 +1,7 @@
 // The listing of the host's IPv4 interfaces.
 #include "ov_sys/Interface/discovery/InterfaceLister.h"
 
-#include "simulator/engine/FileDescriptor.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "simulator/network/Netlink.h"
 #include "tests/support/discovery/Limits.h"
 #include "tests/support/discovery/OwnNetwork.h"
@@ -21,8 +21,8 @@ using Records = std::vector<AddressResponse>;
 
 // An interface without a hardware address, which the system lists with no address at all. False where the
 // machine has no such interfaces.
-bool addAddresslessInterface(OrvaneSim::FileDescriptor& owner) {
-    owner = OrvaneSim::FileDescriptor(open("/dev/net/tun", O_RDWR | O_CLOEXEC));
+bool addAddresslessInterface(Orvane::FileDescriptor& owner) {
+    owner = Orvane::FileDescriptor(open("/dev/net/tun", O_RDWR | O_CLOEXEC));
     ifreq request{};
     request.ifr_flags = IFF_TUN | IFF_NO_PI;
     std::strncpy(request.ifr_name, "bare0", IFNAMSIZ - 1);
@@ -82,7 +82,7 @@ TEST(UnixIpList, KeepsTheSystemsOrderAndEveryAddress) {
 TEST(UnixIpList, SkipsAnInterfaceWithoutAnyAddress) {
     OrvaneTest::inOwnNetwork([] {
         OrvaneTest::bringLoopbackUp();
-        OrvaneSim::FileDescriptor owner;
+        Orvane::FileDescriptor owner;
         if (!addAddresslessInterface(owner))
             GTEST_SKIP() << "no /dev/net/tun here";
         Records list;

@@ -1,7 +1,7 @@
 // The multicast resolver's listener thread and its queue of replies.
 #include "ov_sys/Interface/discovery/BoardFinder.h"
 #include "ov_sys/Interface/discovery/MulticastBoardResolver.h"
-#include "simulator/engine/FileDescriptor.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "tests/support/discovery/Limits.h"
 #include "tests/support/WrittenText.h"
 
@@ -27,7 +27,7 @@ using Records = std::vector<AddressResponse>;
 
 // Sends one datagram from 127.0.0.`sender` to the port that the listener is bound to.
 void sendReply(const std::string& text, int sender = 1) {
-    const OrvaneSim::FileDescriptor socket(::socket(AF_INET, SOCK_DGRAM, 0));
+    const Orvane::FileDescriptor socket(::socket(AF_INET, SOCK_DGRAM, 0));
     sockaddr_in from{};
     from.sin_family = AF_INET;
     from.sin_addr.s_addr = htonl(0x7F000000U + static_cast<unsigned>(sender));

@@ -274,13 +274,13 @@ TEST(Search, EndsInTimeWhenTheClockIsSetBackMeanwhile) {
 
 TEST(Search, GivesUpAnAddressThatStaysSilent) {
     // A listener whose queue is full leaves further connections unanswered.
-    const OrvaneSim::FileDescriptor listener = OrvaneTest::listenOnLoopback(1, 0, 0);
+    const Orvane::FileDescriptor listener = OrvaneTest::listenOnLoopback(1, 0, 0);
     const int port = OrvaneTest::boundPort(listener.get());
     sockaddr_in there{};
     there.sin_family = AF_INET;
     there.sin_port = htons(static_cast<std::uint16_t>(port));
     there.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    const OrvaneSim::FileDescriptor queued(::socket(AF_INET, SOCK_STREAM, 0));
+    const Orvane::FileDescriptor queued(::socket(AF_INET, SOCK_STREAM, 0));
     ASSERT_EQ(connect(queued.get(), reinterpret_cast<const sockaddr*>(&there), sizeof there), 0);
     const Outcome outcome = probe(port);
     EXPECT_EQ(outcome.line, "send failed with error: Connection timed out\n");

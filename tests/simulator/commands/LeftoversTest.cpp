@@ -1,5 +1,5 @@
 // What a lab leaves behind when it is interrupted: nothing.
-#include "simulator/engine/FileDescriptor.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "tests/support/EnvironmentVariable.h"
 #include "tests/support/simulator/Shell.h"
 
@@ -42,7 +42,7 @@ public:
             ::execv(arguments[0], arguments.data());
             ::_exit(127);
         }
-        master_ = FileDescriptor(master);
+        master_ = Orvane::FileDescriptor(master);
     }
 
     ~Terminal() {
@@ -91,7 +91,7 @@ public:
 private:
     pid_t child_ = -1;
     bool ended_ = false;
-    FileDescriptor master_;
+    Orvane::FileDescriptor master_;
     std::string output_;
 };
 

@@ -232,16 +232,16 @@ TEST_F(ControlSocket, IsNotAskedWhenAnotherUserServesIt) {
     ASSERT_EQ(::seteuid(0), 0);
     ASSERT_EQ(::chmod(folder.file("").c_str(), 0777), 0);
     ASSERT_EQ(::seteuid(kOther), 0); // the kernel keeps who listens
-    const FileDescriptor listener(listeningAt(path));
+    const Orvane::FileDescriptor listener(listeningAt(path));
     ASSERT_EQ(::seteuid(0), 0);
     EXPECT_EQ(problemOf([&] { askControl(path, "{}"); }),
               "user 12345 serves " + path + ", neither you nor root");
 }
 
 TEST_F(ControlSocket, IsGivenUpWhenItsAnswerNeverEnds) {
-    const FileDescriptor listener(listeningAt(path));
+    const Orvane::FileDescriptor listener(listeningAt(path));
     std::thread stalling([&] {
-        const FileDescriptor connection(::accept(listener.get(), nullptr, nullptr));
+        const Orvane::FileDescriptor connection(::accept(listener.get(), nullptr, nullptr));
         while (::send(connection.get(), "x", 1, MSG_NOSIGNAL) == 1)
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
     });
@@ -253,7 +253,7 @@ TEST_F(ControlSocket, IsGivenUpWhenItsAnswerNeverEnds) {
 TEST_F(ControlSocket, TakesThePlaceOfOneThatNobodyServesAndOfNoOther) {
     {
         const sockaddr_un place = localPlace(path);
-        const FileDescriptor leftOver(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        const Orvane::FileDescriptor leftOver(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
         ASSERT_EQ(::bind(leftOver.get(), reinterpret_cast<const sockaddr*>(&place), sizeof place), 0);
     }
     ControlServer server(lab, path);

@@ -26,7 +26,7 @@ protected:
     static inline timeval kLimit{0, 200000};
 
     int connectionError(std::uint16_t toPort) {
-        const FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        const Orvane::FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
         const sockaddr_in point = endPoint(board.address(), toPort);
         return ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&point), sizeof point) == 0 ? 0
                                                                                                      : errno;

@@ -14,7 +14,7 @@ namespace {
 
 /// Why a connection cannot be had; 0 when it can.
 int connectionError(const std::string& address, std::uint16_t port) {
-    const FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    const Orvane::FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     const sockaddr_in point = endPoint(address, port);
     return ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&point), sizeof point) == 0 ? 0 : errno;
 }
@@ -117,7 +117,7 @@ TEST_F(OneBoard, ServesSeveralThreadsWhileItIsInspected) {
 
 TEST(NetworkOfTheLab, HasNoWayOut) {
     ASSERT_TRUE(PrivateNetwork::entered());
-    const FileDescriptor socket(::socket(AF_INET, SOCK_DGRAM, 0));
+    const Orvane::FileDescriptor socket(::socket(AF_INET, SOCK_DGRAM, 0));
     const sockaddr_in outside = endPoint("192.0.2.99", 9);
     EXPECT_EQ(::connect(socket.get(), reinterpret_cast<const sockaddr*>(&outside), sizeof outside), -1);
     EXPECT_EQ(errno, ENETUNREACH);

@@ -16,8 +16,8 @@ namespace {
 constexpr int kPort = 12345;
 constexpr char kMark[] = "mark ";
 
-OrvaneSim::FileDescriptor datagramSocket() {
-    return OrvaneSim::FileDescriptor(socket(AF_INET, SOCK_DGRAM, 0));
+Orvane::FileDescriptor datagramSocket() {
+    return Orvane::FileDescriptor(socket(AF_INET, SOCK_DGRAM, 0));
 }
 
 sockaddr_in endPoint(in_addr_t address, int port) {
@@ -55,7 +55,7 @@ BoardSide::~BoardSide() {
 
 // A mark sent after the requests arrives after them.
 std::vector<std::string> BoardSide::requests() {
-    const OrvaneSim::FileDescriptor host = datagramSocket();
+    const Orvane::FileDescriptor host = datagramSocket();
     std::unique_lock<std::mutex> guard(lock_);
     const int mark = ++sentMarks_;
     bool seen = false;
@@ -104,7 +104,7 @@ void BoardSide::handle(const std::string& text, unsigned requester) {
         number = static_cast<int>(requests_.size());
     }
     for (const Reply& reply : answer_(number)) {
-        const OrvaneSim::FileDescriptor board = datagramSocket();
+        const Orvane::FileDescriptor board = datagramSocket();
         EXPECT_TRUE(bindTo(board.get(), endPoint(inet_addr(reply.address.c_str()), 0)));
         sendTo(board.get(), reply.text, endPoint(requester, kPort));
     }

@@ -1,7 +1,7 @@
 // Boards of a test's own making on the board side of the private network: they answer as the test says.
 #pragma once
 
-#include "simulator/engine/FileDescriptor.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 
 #include <condition_variable>
 #include <functional>
@@ -35,7 +35,7 @@ private:
     void handle(const std::string& text, unsigned requester);
 
     Answer answer_;
-    OrvaneSim::FileDescriptor socket_;
+    Orvane::FileDescriptor socket_;
     std::mutex lock_; // guards the members below
     std::condition_variable changed_;
     std::vector<std::string> requests_;

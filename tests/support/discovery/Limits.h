@@ -1,7 +1,7 @@
 // Makes system calls fail, and descriptors large, for the length of a test.
 #pragma once
 
-#include "simulator/engine/FileDescriptor.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 
 #include <sys/resource.h>
 #include <vector>
@@ -30,7 +30,7 @@ public:
 
 private:
     rlimit before_{};
-    std::vector<OrvaneSim::FileDescriptor> occupied_;
+    std::vector<Orvane::FileDescriptor> occupied_;
 };
 
 // From now on the calling thread is refused to set this socket option. For a thread that ends with the test.

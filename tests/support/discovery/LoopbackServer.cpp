@@ -10,7 +10,7 @@ namespace OrvaneTest {
 
 LoopbackServer::LoopbackServer(Script script, int host, int port) : socket_(listenOnLoopback(host, port, 1)) {
     thread_ = std::thread([this, play = std::move(script)] {
-        const OrvaneSim::FileDescriptor connection(accept(socket_.get(), nullptr, nullptr));
+        const Orvane::FileDescriptor connection(accept(socket_.get(), nullptr, nullptr));
         if (connection)
             play(connection.get());
     });
@@ -30,8 +30,8 @@ void LoopbackServer::join() {
         thread_.join();
 }
 
-OrvaneSim::FileDescriptor listenOnLoopback(int host, int port, int backlog) {
-    OrvaneSim::FileDescriptor listener(socket(AF_INET, SOCK_STREAM, 0));
+Orvane::FileDescriptor listenOnLoopback(int host, int port, int backlog) {
+    Orvane::FileDescriptor listener(socket(AF_INET, SOCK_STREAM, 0));
     const int on = 1;
     setsockopt(listener.get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     sockaddr_in here{};

@@ -1,7 +1,7 @@
 // A TCP server on the loop-back network that plays one conversation.
 #pragma once
 
-#include "simulator/engine/FileDescriptor.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 
 #include <functional>
 #include <string>
@@ -27,12 +27,12 @@ public:
     void join();
 
 private:
-    OrvaneSim::FileDescriptor socket_;
+    Orvane::FileDescriptor socket_;
     std::thread thread_;
 };
 
 // A socket that listens on 127.0.0.`host` and takes `backlog` connections in.
-OrvaneSim::FileDescriptor listenOnLoopback(int host, int port, int backlog);
+Orvane::FileDescriptor listenOnLoopback(int host, int port, int backlog);
 
 // The port that a socket is bound to.
 int boundPort(int socket);

@@ -1,6 +1,6 @@
 #include "tests/support/discovery/OwnNetwork.h"
 
-#include "simulator/engine/FileDescriptor.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "simulator/network/Netlink.h"
 #include "tests/support/discovery/RequestTap.h"
 
@@ -23,7 +23,7 @@ constexpr int kDiscardPort = 9;
 // A new cable loses what is sent before the kernel has noticed that both ends are up.
 void awaitCarrying(const std::string& name, const std::string& address) {
     RequestTap far(name + "Far", kDiscardPort);
-    const OrvaneSim::FileDescriptor socket(::socket(AF_INET, SOCK_DGRAM, 0));
+    const Orvane::FileDescriptor socket(::socket(AF_INET, SOCK_DGRAM, 0));
     const in_addr outgoing = {inet_addr(address.c_str())};
     ASSERT_EQ(setsockopt(socket.get(), IPPROTO_IP, IP_MULTICAST_IF, &outgoing, sizeof outgoing), 0);
     sockaddr_in everyHost{};
@@ -56,7 +56,7 @@ void bringLoopbackUp() {
 }
 
 void addInterface(const std::string& name, const std::string& address) {
-    const OrvaneSim::FileDescriptor here(open("/proc/thread-self/ns/net", O_RDONLY | O_CLOEXEC));
+    const Orvane::FileDescriptor here(open("/proc/thread-self/ns/net", O_RDONLY | O_CLOEXEC));
     OrvaneSim::Netlink netlink;
     netlink.addCable(name, kAnyIndex, name + "Far", kAnyIndex, here.get());
     netlink.addAddress(name, address, 24);

@@ -1,7 +1,7 @@
 // Sees the datagrams to one port that arrive at one interface, whoever they are for.
 #pragma once
 
-#include "simulator/engine/FileDescriptor.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 
 #include <string>
 
@@ -29,7 +29,7 @@ public:
 private:
     bool readDatagram(int timeoutMs, Datagram& datagram);
 
-    OrvaneSim::FileDescriptor socket_;
+    Orvane::FileDescriptor socket_;
     int port_;
 };
 

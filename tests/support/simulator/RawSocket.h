@@ -72,7 +72,7 @@ public:
 
 private:
     explicit RawSocket(int descriptor) : descriptor_(descriptor) {}
-    FileDescriptor descriptor_;
+    Orvane::FileDescriptor descriptor_;
 };
 
 /// Big-endian words, as XDR has them.

@@ -17,13 +17,13 @@ std::optional<std::string> discoveryWord(std::string_view message) {
     return std::string(message.substr(kRequest.size()));
 }
 
-void DiscoveryVoice::remember(std::deque<std::string>& heard, const std::string& word) {
+void DiscoveryResponder::remember(std::deque<std::string>& heard, const std::string& word) {
     heard.push_back(word);
     if (heard.size() > kMostRemembered)
         heard.pop_front();
 }
 
-std::vector<std::string> DiscoveryVoice::repliesTo(const std::string& word, FaultQueue& faults) {
+std::vector<std::string> DiscoveryResponder::repliesTo(const std::string& word, FaultQueue& faults) {
     {
         const std::lock_guard<std::mutex> lock(heardMutex_);
         remember(requests_, word);
@@ -49,8 +49,8 @@ std::vector<std::string> DiscoveryVoice::repliesTo(const std::string& word, Faul
     return texts;
 }
 
-std::optional<std::vector<std::string>> DiscoveryVoice::probeReplyTo(const std::string& word,
-                                                                     FaultQueue& faults) {
+std::optional<std::vector<std::string>> DiscoveryResponder::probeReplyTo(const std::string& word,
+                                                                         FaultQueue& faults) {
     {
         const std::lock_guard<std::mutex> lock(heardMutex_);
         remember(probes_, word);
@@ -71,12 +71,12 @@ std::optional<std::vector<std::string>> DiscoveryVoice::probeReplyTo(const std::
     return pieces;
 }
 
-std::vector<std::string> DiscoveryVoice::requestsHeard() const {
+std::vector<std::string> DiscoveryResponder::requestsHeard() const {
     const std::lock_guard<std::mutex> lock(heardMutex_);
     return {requests_.begin(), requests_.end()};
 }
 
-std::vector<std::string> DiscoveryVoice::probesHeard() const {
+std::vector<std::string> DiscoveryResponder::probesHeard() const {
     const std::lock_guard<std::mutex> lock(heardMutex_);
     return {probes_.begin(), probes_.end()};
 }

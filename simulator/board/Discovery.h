@@ -23,9 +23,9 @@ std::optional<std::string> discoveryWord(std::string_view message);
 
 /// What one board hears and says in discovery. Belongs to the loop's thread, but for the lists of requests
 /// heard, which any thread may read.
-class DiscoveryVoice {
+class DiscoveryResponder {
 public:
-    explicit DiscoveryVoice(BoardName name) : name_(std::move(name)) {}
+    explicit DiscoveryResponder(BoardName name) : name_(std::move(name)) {}
 
     const BoardName& name() const { return name_; }
 

@@ -47,11 +47,11 @@ void MulticastResponder::join(const in_addr& address, int interface) {
     ::setsockopt(socket_.get(), IPPROTO_IP, IP_ADD_MEMBERSHIP, &request, sizeof request);
 }
 
-void MulticastResponder::add(const std::string& address, DiscoveryVoice& voice, FaultQueue& faults) {
+void MulticastResponder::add(const std::string& address, DiscoveryResponder& discovery, FaultQueue& faults) {
     while (receive()) { // what was sent before was not for this board
     }
     const sockaddr_in source = endPoint(address, 0);
-    members_[address] = {source, &voice, &faults};
+    members_[address] = {source, &discovery, &faults};
     if (!PrivateNetwork::entered())
         join(source.sin_addr, 0);
 }
@@ -75,7 +75,7 @@ bool MulticastResponder::receive() {
     requester.sin_port = htons(kDiscoveryPort);
     const bool idle = replies_.empty();
     for (auto& [address, member] : members_)
-        for (std::string& text : member.voice->repliesTo(*word, *member.faults))
+        for (std::string& text : member.discovery->repliesTo(*word, *member.faults))
             replies_.push_back({member.source, requester, std::move(text)});
     if (idle)
         sendSome();

@@ -18,14 +18,15 @@ public:
     /// `loop` must outlive the responder. Throws std::system_error.
     explicit MulticastResponder(EventLoop& loop);
 
-    /// Lets a board hear and answer what is sent from now on; `voice` and `faults` must live until `remove`.
-    void add(const std::string& address, DiscoveryVoice& voice, FaultQueue& faults);
+    /// Lets a board hear and answer what is sent from now on; `discovery` and `faults` must live until
+    /// `remove`.
+    void add(const std::string& address, DiscoveryResponder& discovery, FaultQueue& faults);
     void remove(const std::string& address);
 
 private:
     struct Member {
         sockaddr_in source{};
-        DiscoveryVoice* voice = nullptr;
+        DiscoveryResponder* discovery = nullptr;
         FaultQueue* faults = nullptr;
     };
     struct Reply {

@@ -15,10 +15,10 @@ constexpr std::size_t kLongestRequest = 4096;
 
 } // namespace
 
-ProbeServer::ProbeServer(EventLoop& loop, const std::string& address, DiscoveryVoice& voice,
+ProbeServer::ProbeServer(EventLoop& loop, const std::string& address, DiscoveryResponder& discovery,
                          FaultQueue& faults)
     : loop_(loop),
-      voice_(voice),
+      discovery_(discovery),
       faults_(faults),
       acceptor_(loop, endPoint(address, kDiscoveryPort),
                 [this](Orvane::FileDescriptor s) { addConnection(std::move(s)); }) {}
@@ -46,7 +46,7 @@ void ProbeServer::receive(std::uint64_t id) {
     const auto word = discoveryWord(connection.request);
     if (!word)
         return; // more of the request may come
-    auto pieces = voice_.probeReplyTo(*word, faults_);
+    auto pieces = discovery_.probeReplyTo(*word, faults_);
     if (!pieces)
         return;
     connection.pieces = std::move(*pieces);

@@ -12,12 +12,13 @@
 
 namespace OrvaneSim {
 
-/// Reads a discovery request from each connection, answers in the board's voice and closes. Belongs to the
+/// Reads a discovery request from each connection, answers as the board does and closes. Belongs to the
 /// loop's thread.
 class ProbeServer {
 public:
     /// Listens at dotted `address`; the three others must outlive the server. Throws std::system_error.
-    ProbeServer(EventLoop& loop, const std::string& address, DiscoveryVoice& voice, FaultQueue& faults);
+    ProbeServer(EventLoop& loop, const std::string& address, DiscoveryResponder& discovery,
+                FaultQueue& faults);
 
 private:
     struct Connection {
@@ -32,7 +33,7 @@ private:
     void sendPiece(std::uint64_t id);
 
     EventLoop& loop_;
-    DiscoveryVoice& voice_;
+    DiscoveryResponder& discovery_;
     FaultQueue& faults_;
     std::unordered_map<std::uint64_t, Connection> connections_;
     std::uint64_t lastConnection_ = 0;

@@ -4,7 +4,7 @@
 
 #include "simulator/board/ProcedureCall.h"
 #include "simulator/board/ReplyBending.h"
-#include "simulator/protocol/Decoded.h"
+#include "simulator/protocol/DecodedRecord.h"
 #include "simulator/protocol/RecordText.h"
 
 #include <cerrno>
@@ -77,7 +77,7 @@ struct HandlerOf;
 template <class Argument, class Result, void (*function)(ProcedureCall&, const Argument&, Result&)>
 struct HandlerOf<void (*)(ProcedureCall&, const Argument&, Result&), function> {
     static void serve(ProcedureCall& call) {
-        Decoded<Argument> argument(call.rpc.arguments());
+        DecodedRecord<Argument> argument(call.rpc.arguments());
         Result result{};
         if (!argument)
             call.rpc.refuse(GARBAGE_ARGS);
@@ -85,7 +85,7 @@ struct HandlerOf<void (*)(ProcedureCall&, const Argument&, Result&), function> {
             call.rpc.succeed(openRoutine<Result>(), &result);
     }
     static std::string describe(std::string_view arguments) {
-        Decoded<Argument> argument(arguments);
+        DecodedRecord<Argument> argument(arguments);
         return argument ? jsonText(*argument) : "{}";
     }
 };

@@ -10,7 +10,7 @@
 namespace OrvaneSim {
 namespace {
 
-constexpr std::size_t kUsualReplyMemory = 2048;
+constexpr std::size_t kReplyMemory = 2048;
 
 } // namespace
 
@@ -47,7 +47,7 @@ void ProgramSet::serve(RpcCall& call, const Program& program) {
         return;
     }
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): raw memory
-    alignas(std::max_align_t) std::array<std::byte, kUsualReplyMemory> room;
+    alignas(std::max_align_t) std::array<std::byte, kReplyMemory> room;
     std::pmr::monotonic_buffer_resource memory(room.data(), room.size());
     ProcedureCall procedureCall{board_, call, program, *procedure, memory};
     procedure->handler.serve(procedureCall);

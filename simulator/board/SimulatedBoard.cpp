@@ -14,7 +14,7 @@ constexpr std::uint16_t kPortMapperPort = 111;
 SimulatedBoard::Sockets::Sockets(EventLoop& loop, SimulatedBoard& board)
     : portMapper(board.portMapperOpen_ ? board.openPortMapper() : nullptr),
       services(loop, board.address_, 0, board.serviceSet_),
-      probe(loop, board.address_, board.voice_, board.parts_.faults) {}
+      probe(loop, board.address_, board.discovery_, board.parts_.faults) {}
 
 SimulatedBoard::SimulatedBoard(EventLoop& loop, MulticastResponder& responder, std::string address,
                                BoardName name, const BoardPrograms& programs, std::uint64_t seed)
@@ -23,7 +23,7 @@ SimulatedBoard::SimulatedBoard(EventLoop& loop, MulticastResponder& responder, s
       programs_(programs),
       address_(std::move(address)),
       parts_(name.serial, name.line(), seed),
-      voice_(std::move(name)),
+      discovery_(std::move(name)),
       portMapperSet_(parts_, programs.portMapper),
       serviceSet_(parts_, programs.services) {}
 
@@ -36,7 +36,7 @@ void SimulatedBoard::start() {
         return;
     sockets_ = std::make_unique<Sockets>(loop_, *this);
     registerPrograms();
-    responder_.add(address_, voice_, parts_.faults);
+    responder_.add(address_, discovery_, parts_.faults);
 }
 
 void SimulatedBoard::stop() {

@@ -1,4 +1,4 @@
-// A board with its sockets: port mapper, programs, probe and its voice in discovery.
+// A board with its sockets: port mapper, programs, probe and its answers in discovery.
 #pragma once
 
 #include "simulator/board/BoardParts.h"
@@ -51,7 +51,7 @@ public:
     const std::string& address() const { return address_; }
     bool serving() const { return sockets_ != nullptr; }
     BoardParts& parts() { return parts_; }
-    DiscoveryVoice& voice() { return voice_; }
+    DiscoveryResponder& discovery() { return discovery_; }
 
 private:
     /// What exists only while the board serves.
@@ -70,7 +70,7 @@ private:
     const BoardPrograms& programs_;
     std::string address_;
     BoardParts parts_;
-    DiscoveryVoice voice_;
+    DiscoveryResponder discovery_;
     ProgramSet portMapperSet_;
     ProgramSet serviceSet_;
     bool portMapperOpen_ = true;

@@ -54,7 +54,7 @@ std::string verbs() {
     for (const FaultForm& form : faultForms()) {
         std::string members;
         if (form.valueName)
-            members = std::string(form.valueName) + "=" + std::to_string(form.usual);
+            members = std::string(form.valueName) + "=" + std::to_string(form.fallback);
         if (form.kind == Fault::Kind::ReplyBody)
             members = "hex=BYTES";
         text += helpLine(form.name, members, form.effect);

@@ -65,7 +65,7 @@ std::vector<BoardSetup> LabFlags::boardsOfFlags() const {
         if (i < addresses.size())
             board.address = addresses[i];
         board.serial = i < serials.size() ? serials[i] : numberedSerial(serialPrefix, i + 1);
-        board.devices = devices.empty() ? usualDevices(board.serial) : devices;
+        board.devices = devices.empty() ? defaultDevices(board.serial) : devices;
         board.firstWord = firstWord;
         board.seed = seed + i;
         board.allowShell = allowShell;

@@ -57,7 +57,7 @@ std::string contentOf(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-std::string usualShell() {
+std::string defaultShell() {
     const char* shell = std::getenv("SHELL"); // NOLINT(concurrency-mt-unsafe): no other thread yet
     return shell && *shell ? shell : "/bin/sh";
 }
@@ -87,7 +87,7 @@ int run(int argc, char** argv) {
         if (shell->parsed() == !flags.command.empty())
             throw CLI::ParseError("give a command after --, or shell", kFailed);
         if (shell->parsed())
-            flags.command = {usualShell()};
+            flags.command = {defaultShell()};
         return runInLab(flags);
     } catch (const CLI::ParseError& problem) {
         return app.exit(problem) == 0 ? 0 : kFailed;

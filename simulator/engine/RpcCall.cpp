@@ -7,12 +7,12 @@
 namespace OrvaneSim {
 namespace {
 
-constexpr std::size_t kUsualReply = 65536;
+constexpr std::size_t kFirstReplyRoom = 65536;
 constexpr std::size_t kLargestReply = std::size_t{16} << 20;
 
 /// Room for the reply being encoded, kept from call to call.
 std::vector<char>& replyRoom() {
-    static thread_local std::vector<char> room(kUsualReply);
+    static thread_local std::vector<char> room(kFirstReplyRoom);
     return room;
 }
 

@@ -171,10 +171,10 @@ public:
 
 private:
     friend class Lab;
-    struct Inside;
-    explicit Board(std::unique_ptr<Inside> inside);
+    struct Impl;
+    explicit Board(std::unique_ptr<Impl> impl);
     void disturb(std::function<void()> work);
-    std::unique_ptr<Inside> inside_;
+    std::unique_ptr<Impl> impl_;
 };
 
 } // namespace OrvaneSim

@@ -1,5 +1,5 @@
 // What disturbs a lab's board.
-#include "simulator/lab/BoardInside.h"
+#include "simulator/lab/BoardImpl.h"
 #include "simulator/network/PrivateNetwork.h"
 
 #include <stdexcept>
@@ -17,89 +17,89 @@ void checkShellPlace(const std::string& address) {
 
 /// Does what opens or closes sockets: at once, or, while a request may be being served, after it.
 void Board::disturb(std::function<void()> work) {
-    if (inside_->loop.isHere())
-        inside_->loop.post([this, work = std::move(work)] {
-            if (inside_->board) // the lab may be ending
+    if (impl_->loop.isHere())
+        impl_->loop.post([this, work = std::move(work)] {
+            if (impl_->board) // the lab may be ending
                 work();
         });
     else
-        inside_->loop.call(std::move(work));
+        impl_->loop.call(std::move(work));
 }
 
 void Board::inject(const Fault& fault) {
-    inside_->withParts([&](BoardParts& parts) { parts.faults.add(fault); });
+    impl_->withParts([&](BoardParts& parts) { parts.faults.add(fault); });
 }
 
 void Board::clearFaults() {
-    inside_->withParts([](BoardParts& parts) { parts.faults.clear(); });
+    impl_->withParts([](BoardParts& parts) { parts.faults.clear(); });
 }
 
 std::vector<Fault> Board::faults() const {
-    return inside_->withParts([](BoardParts& parts) {
+    return impl_->withParts([](BoardParts& parts) {
         const auto& waiting = parts.faults.waiting();
         return std::vector<Fault>(waiting.begin(), waiting.end());
     });
 }
 
 void Board::sendStrays(const StrayDatagrams& what) {
-    disturb([this, what] { inside_->board->sendStrays(what); });
+    disturb([this, what] { impl_->board->sendStrays(what); });
 }
 
 void Board::stop() {
-    disturb([this] { inside_->board->stop(); });
+    disturb([this] { impl_->board->stop(); });
 }
 
 void Board::hang() {
-    inside_->withParts([](BoardParts& parts) { parts.faults.setHanging(true); });
+    impl_->withParts([](BoardParts& parts) { parts.faults.setHanging(true); });
 }
 
 void Board::start() {
     disturb([this] {
-        inside_->board->parts().faults.setHanging(false);
-        inside_->board->start();
+        impl_->board->parts().faults.setHanging(false);
+        impl_->board->start();
     });
 }
 
 void Board::restart(bool forgetSessions) {
     disturb([this, forgetSessions] {
         if (forgetSessions)
-            inside_->board->parts().sessions.clear();
-        inside_->board->parts().faults.setHanging(false);
-        inside_->board->restart();
+            impl_->board->parts().sessions.clear();
+        impl_->board->parts().faults.setHanging(false);
+        impl_->board->restart();
     });
 }
 
 void Board::moveTo(const std::string& address) {
     disturb([this, address] {
-        const std::string former = inside_->board->address();
+        const std::string former = impl_->board->address();
         if (address == former)
             return;
-        if (inside_->board->parts().shell)
+        if (impl_->board->parts().shell)
             checkShellPlace(address);
-        if (!inside_->addresses.take(address))
+        if (!impl_->addresses.take(address))
             throw std::invalid_argument("the lab has a board at " + address + " already");
         try {
-            inside_->board->move(address);
+            impl_->board->move(address);
         } catch (...) {
-            inside_->addresses.giveBack(address);
+            impl_->addresses.giveBack(address);
             throw;
         }
-        inside_->addresses.giveBack(former);
+        impl_->addresses.giveBack(former);
     });
 }
 
 void Board::closePortMapper() {
-    disturb([this] { inside_->board->setPortMapper(false); });
+    disturb([this] { impl_->board->setPortMapper(false); });
 }
 
 void Board::openPortMapper() {
-    disturb([this] { inside_->board->setPortMapper(true); });
+    disturb([this] { impl_->board->setPortMapper(true); });
 }
 
 namespace {
 
 /// Calls the member function of a board that an action stands for.
-struct Doer {
+struct ActionVisitor {
     Board& board;
     void operator()(const Fault& fault) const { board.inject(fault); }
     void operator()(const StrayDatagrams& strays) const { board.sendStrays(strays); }
@@ -122,7 +122,7 @@ struct Doer {
 } // namespace
 
 void Board::apply(const Action& action) {
-    std::visit(Doer{*this}, action);
+    std::visit(ActionVisitor{*this}, action);
 }
 
 } // namespace OrvaneSim

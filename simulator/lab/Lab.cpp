@@ -1,7 +1,7 @@
 // The thread-safe face of the simulator.
 #include "simulator/lab/Lab.h"
 
-#include "simulator/lab/BoardInside.h"
+#include "simulator/lab/BoardImpl.h"
 #include "simulator/network/PrivateNetwork.h"
 #include "simulator/programs/Programs.h"
 
@@ -34,7 +34,7 @@ BoardName nameOf(const BoardOptions& options) {
 
 } // namespace
 
-struct Lab::Inside {
+struct Lab::Impl {
     EventLoop loop{[] {
         if (PrivateNetwork::entered())
             PrivateNetwork::joinBoardSide();
@@ -94,53 +94,53 @@ struct Lab::Inside {
     }
 };
 
-Lab::Lab() : inside_(std::make_unique<Inside>()) {
-    inside_->loop.call([this] { inside_->responder = std::make_unique<MulticastResponder>(inside_->loop); });
+Lab::Lab() : impl_(std::make_unique<Impl>()) {
+    impl_->loop.call([this] { impl_->responder = std::make_unique<MulticastResponder>(impl_->loop); });
 }
 
 // NOLINTNEXTLINE(bugprone-exception-escape): a loop that takes no more calls is past help
 Lab::~Lab() {
-    inside_->loop.call([this] {
-        inside_->life.reset();
-        for (const auto& board : inside_->boards)
-            board->inside_->board.reset();
-        inside_->responder.reset();
+    impl_->loop.call([this] {
+        impl_->life.reset();
+        for (const auto& board : impl_->boards)
+            board->impl_->board.reset();
+        impl_->responder.reset();
     });
-    inside_->loop.stop();
+    impl_->loop.stop();
 }
 
 Board& Lab::add(const BoardOptions& options) {
-    const std::lock_guard<std::mutex> lock(inside_->mutex);
-    if (inside_->serials.count(options.serial) != 0)
+    const std::lock_guard<std::mutex> lock(impl_->mutex);
+    if (impl_->serials.count(options.serial) != 0)
         throw std::invalid_argument("the lab has a board " + options.serial + " already");
-    auto served = options.address.empty() ? inside_->serveAnywhere(options)
-                                          : inside_->serveAt(options, options.address);
-    inside_->serials.insert(options.serial);
-    auto inside = std::make_unique<Board::Inside>(
-        Board::Inside{inside_->loop, inside_->addresses, options.serial, std::move(served)});
-    inside_->boards.push_back(std::unique_ptr<Board>(new Board(std::move(inside))));
-    return *inside_->boards.back();
+    auto served =
+        options.address.empty() ? impl_->serveAnywhere(options) : impl_->serveAt(options, options.address);
+    impl_->serials.insert(options.serial);
+    auto impl = std::make_unique<Board::Impl>(
+        Board::Impl{impl_->loop, impl_->addresses, options.serial, std::move(served)});
+    impl_->boards.push_back(std::unique_ptr<Board>(new Board(std::move(impl))));
+    return *impl_->boards.back();
 }
 
 Board& Lab::board(const std::string& serial) {
-    const std::lock_guard<std::mutex> lock(inside_->mutex);
-    const auto found = std::find_if(inside_->boards.begin(), inside_->boards.end(),
+    const std::lock_guard<std::mutex> lock(impl_->mutex);
+    const auto found = std::find_if(impl_->boards.begin(), impl_->boards.end(),
                                     [&](const auto& board) { return board->serial() == serial; });
-    if (found == inside_->boards.end())
+    if (found == impl_->boards.end())
         throw std::out_of_range("the lab has no board " + serial);
     return **found;
 }
 
 std::vector<Board*> Lab::boards() {
-    const std::lock_guard<std::mutex> lock(inside_->mutex);
+    const std::lock_guard<std::mutex> lock(impl_->mutex);
     std::vector<Board*> boards;
-    for (const auto& board : inside_->boards)
+    for (const auto& board : impl_->boards)
         boards.push_back(board.get());
     return boards;
 }
 
 void Lab::after(std::chrono::milliseconds delay, std::function<void()> task) {
-    inside_->loop.call([&] { inside_->loop.after(delay, inside_->life, std::move(task)); });
+    impl_->loop.call([&] { impl_->loop.after(delay, impl_->life, std::move(task)); });
 }
 
 } // namespace OrvaneSim

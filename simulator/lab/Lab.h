@@ -38,8 +38,8 @@ public:
     void after(std::chrono::milliseconds delay, std::function<void()> task);
 
 private:
-    struct Inside;
-    std::unique_ptr<Inside> inside_;
+    struct Impl;
+    std::unique_ptr<Impl> impl_;
 };
 
 } // namespace OrvaneSim

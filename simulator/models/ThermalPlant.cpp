@@ -36,7 +36,7 @@ void ThermalPlant::disconnect() {
 void ThermalPlant::stopControl() {
     for (Channel& channel : channels_) {
         channel.controlled = false;
-        channel.target = channel.usualTarget;
+        channel.target = channel.defaultTarget;
     }
 }
 

@@ -27,7 +27,7 @@ public:
     /// `channel` must be less than `kChannels`, here and below.
     void setTarget(std::size_t channel, double celsius) { channels_[channel].target = celsius; }
     /// The set point that a channel returns to when its control ends; at first the ambient temperature.
-    void setDefaultTarget(std::size_t channel, double celsius) { channels_[channel].usualTarget = celsius; }
+    void setDefaultTarget(std::size_t channel, double celsius) { channels_[channel].defaultTarget = celsius; }
     void startControl(std::size_t channel) { channels_[channel].controlled = true; }
     /// Ends control on every channel.
     void stopControl();
@@ -48,7 +48,7 @@ private:
     struct Channel {
         double temperature = kAmbient;
         double target = kAmbient;
-        double usualTarget = kAmbient;
+        double defaultTarget = kAmbient;
         bool controlled = false;
     };
     double goal(const Channel& channel) const { return channel.controlled ? channel.target : ambient_; }

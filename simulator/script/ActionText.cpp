@@ -103,9 +103,9 @@ std::string bytesOf(const std::string& hex, const std::string& path) {
 Fault readFault(const FaultForm& form, ObjectReader& object) {
     Fault fault;
     fault.kind = form.kind;
-    fault.value = form.usual;
+    fault.value = form.fallback;
     if (form.valueName)
-        fault.value = object.number(form.valueName, form.usual, form.lowest, form.highest);
+        fault.value = object.number(form.valueName, form.fallback, form.lowest, form.highest);
     fault.program = form.program ? form.program : object.text("program", "");
     fault.procedure = form.program ? form.procedure : object.text("procedure", "");
     fault.count = static_cast<int>(object.number("count", 1, -1, INT32_MAX));

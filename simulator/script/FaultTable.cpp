@@ -16,11 +16,11 @@ constexpr std::int64_t kMostBytes = 60000;
 FaultForm plain(const char* name, Kind kind, const char* effect) {
     return {name, kind, nullptr, 0, 0, 0, nullptr, nullptr, effect};
 }
-FaultForm timed(const char* name, Kind kind, std::int64_t usual, const char* effect) {
-    return {name, kind, "milliseconds", usual, 0, kHour, nullptr, nullptr, effect};
+FaultForm timed(const char* name, Kind kind, std::int64_t fallback, const char* effect) {
+    return {name, kind, "milliseconds", fallback, 0, kHour, nullptr, nullptr, effect};
 }
-FaultForm sized(const char* name, Kind kind, std::int64_t usual, const char* effect) {
-    return {name, kind, "bytes", usual, 0, kMostBytes, nullptr, nullptr, effect};
+FaultForm sized(const char* name, Kind kind, std::int64_t fallback, const char* effect) {
+    return {name, kind, "bytes", fallback, 0, kMostBytes, nullptr, nullptr, effect};
 }
 FaultForm preset(const char* name, Kind kind, std::int64_t value, const char* program, const char* procedure,
                  const char* effect) {

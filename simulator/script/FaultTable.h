@@ -15,7 +15,7 @@ struct FaultForm {
     Fault::Kind kind;
     /// Name of the member that sets the fault's value, null when it has none to set.
     const char* valueName;
-    std::int64_t usual; ///< the value when it is not said
+    std::int64_t fallback; ///< the value when it is not said
     std::int64_t lowest;
     std::int64_t highest;
     /// The program and procedure that it is for when none is said; null when the user may say.

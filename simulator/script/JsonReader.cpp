@@ -141,19 +141,19 @@ const Json& ObjectReader::need(const std::string& member) {
     return *value;
 }
 
-std::string ObjectReader::text(const std::string& member, const std::string& usual) {
+std::string ObjectReader::text(const std::string& member, const std::string& fallback) {
     const Json* value = find(member);
     if (!value)
-        return usual;
+        return fallback;
     if (!value->is_string())
         throw ScriptError(at(member), shown(*value) + " is no text");
     return value->get<std::string>();
 }
 
-bool ObjectReader::flag(const std::string& member, bool usual) {
+bool ObjectReader::flag(const std::string& member, bool fallback) {
     const Json* value = find(member);
     if (!value)
-        return usual;
+        return fallback;
     if (*value == "true" || *value == "false")
         return *value == "true";
     if (!value->is_boolean())
@@ -161,16 +161,16 @@ bool ObjectReader::flag(const std::string& member, bool usual) {
     return value->get<bool>();
 }
 
-std::int64_t ObjectReader::number(const std::string& member, std::int64_t usual, std::int64_t lowest,
+std::int64_t ObjectReader::number(const std::string& member, std::int64_t fallback, std::int64_t lowest,
                                   std::int64_t highest) {
     const Json* value = find(member);
-    return value ? wholeNumber(*value, at(member), lowest, highest) : usual;
+    return value ? wholeNumber(*value, at(member), lowest, highest) : fallback;
 }
 
-double ObjectReader::real(const std::string& member, double usual, double lowest, double highest) {
+double ObjectReader::real(const std::string& member, double fallback, double lowest, double highest) {
     const Json* value = find(member);
     if (!value)
-        return usual;
+        return fallback;
     double number = NAN;
     if (value->is_number())
         number = value->get<double>();

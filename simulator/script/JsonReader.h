@@ -45,13 +45,13 @@ public:
     /// A member that must be there.
     const Json& need(const std::string& member);
 
-    // A member of some type; `usual` when it is not there. They throw ScriptError for another type, and for
-    // numbers outside the limits.
-    std::string text(const std::string& member, const std::string& usual);
-    bool flag(const std::string& member, bool usual);
-    std::int64_t number(const std::string& member, std::int64_t usual, std::int64_t lowest,
+    // A member of some type; `fallback` when it is not there. They throw ScriptError for another type, and
+    // for numbers outside the limits.
+    std::string text(const std::string& member, const std::string& fallback);
+    bool flag(const std::string& member, bool fallback);
+    std::int64_t number(const std::string& member, std::int64_t fallback, std::int64_t lowest,
                         std::int64_t highest);
-    double real(const std::string& member, double usual, double lowest, double highest);
+    double real(const std::string& member, double fallback, double lowest, double highest);
     /// The elements of an array; none when it is not there.
     std::vector<const Json*> list(const std::string& member);
     std::vector<std::string> texts(const std::string& member);

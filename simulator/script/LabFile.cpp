@@ -82,7 +82,7 @@ void readNames(ObjectReader& reader, BoardOptions& options) {
     for (std::size_t i = 0; i < options.devices.size(); ++i)
         checkDevice(options.devices[i], elementPath(reader.at("devices"), i));
     if (options.devices.empty())
-        options.devices = usualDevices(options.serial);
+        options.devices = defaultDevices(options.serial);
 }
 
 BoardSetup readBoard(ObjectReader& reader, const LabPlace& place, std::uint64_t seed,
@@ -131,7 +131,7 @@ void fillAddresses(std::vector<BoardSetup>& boards, const std::map<std::string, 
     unsigned number = 0;
     for (BoardSetup& board : boards)
         while (board.options.address.empty())
-            if (const std::string next = place.usual(++number); taken.count(next) == 0)
+            if (const std::string next = place.defaultAddress(++number); taken.count(next) == 0)
                 board.options.address = next;
 }
 
@@ -151,7 +151,7 @@ void checkTimeline(const std::vector<TimelineEntry>& entries, const std::string&
 
 } // namespace
 
-std::vector<std::string> usualDevices(const std::string& serial) {
+std::vector<std::string> defaultDevices(const std::string& serial) {
     return {serial + ":0", serial + ":1", serial + ":10"};
 }
 

@@ -31,7 +31,7 @@ struct LabSetup {
 };
 
 /// Serial number and devices that a board has unless told otherwise: ports 0, 1 and 10.
-std::vector<std::string> usualDevices(const std::string& serial);
+std::vector<std::string> defaultDevices(const std::string& serial);
 
 /// Reads a lab whose boards are to be served at `place`. Nothing is started. Throws ScriptError.
 LabSetup readLab(const Json& json, const LabPlace& place);

@@ -38,7 +38,7 @@ class PrivatePlace : public LabPlace {
         const auto number = numberOf(address);
         return number && *number > 0x0A530000 && *number <= 0x0A537FFF;
     }
-    std::string usual(unsigned number) const override { return numbered("10.83.", number); }
+    std::string defaultAddress(unsigned number) const override { return numbered("10.83.", number); }
     const char* text() const override { return "10.83.0.1 to 10.83.127.255"; }
 };
 
@@ -48,7 +48,7 @@ class LoopbackPlace : public LabPlace {
         return number && (*number >> 24 == 127 || isOwn(*number));
     }
     // 127.0.0.1 is left alone.
-    std::string usual(unsigned number) const override { return numbered("127.0.", number + 1); }
+    std::string defaultAddress(unsigned number) const override { return numbered("127.0.", number + 1); }
     const char* text() const override { return "127.0.0.0/8 and this machine's addresses"; }
 };
 

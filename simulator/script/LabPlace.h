@@ -12,7 +12,7 @@ public:
     /// Whether a board can be served at a dotted address; false for a text that is none.
     virtual bool contains(const std::string& address) const = 0;
     /// The address that the board number `number` (from 1) gets when nothing else is said.
-    virtual std::string usual(unsigned number) const = 0;
+    virtual std::string defaultAddress(unsigned number) const = 0;
     /// What `contains` accepts, in words.
     virtual const char* text() const = 0;
 };

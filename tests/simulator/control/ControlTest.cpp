@@ -150,7 +150,7 @@ TEST_P(NamedFault, IsInjectedAndShownAsItWasSaid) {
     const Fault fault = board.faults()[0];
     EXPECT_EQ(fault.kind, form.kind);
     EXPECT_EQ(fault.count, 4);
-    EXPECT_EQ(fault.value, form.usual);
+    EXPECT_EQ(fault.value, form.fallback);
     EXPECT_EQ(fault.program, form.program ? form.program : "");
     const Json shown = faultText(fault);
     ObjectReader reader(shown, "");
@@ -182,7 +182,7 @@ TEST(DocumentationOfTheSimulator, HasARowForEveryFaultAndAction) {
     for (const FaultForm& form : faultForms()) {
         std::string row = "| `" + std::string(form.name) + "` | ";
         if (form.valueName)
-            row += "`" + std::string(form.valueName) + "` (" + std::to_string(form.usual) + ") |";
+            row += "`" + std::string(form.valueName) + "` (" + std::to_string(form.fallback) + ") |";
         EXPECT_TRUE(documented(row)) << row;
     }
     for (const ActionForm& form : actionForms())

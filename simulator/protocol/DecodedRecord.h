@@ -53,21 +53,21 @@ xdrproc_t openRoutine() {
 
 /// A decoded record with all that XDR allocated for it.
 template <class Record>
-class Decoded {
+class DecodedRecord {
 public:
-    explicit Decoded(std::string_view bytes) {
+    explicit DecodedRecord(std::string_view bytes) {
         XDR xdr{};
         // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): only read
         xdrmem_create(&xdr, const_cast<char*>(bytes.data()), static_cast<u_int>(bytes.size()), XDR_DECODE);
         whole_ = kRoutine<Record>(&xdr, &record_) != 0;
     }
-    ~Decoded() {
+    ~DecodedRecord() {
         XDR xdr{};
         xdr.x_op = XDR_FREE;
         kRoutine<Record>(&xdr, &record_);
     }
-    Decoded(const Decoded&) = delete;
-    Decoded& operator=(const Decoded&) = delete;
+    DecodedRecord(const DecodedRecord&) = delete;
+    DecodedRecord& operator=(const DecodedRecord&) = delete;
 
     /// False when the bytes were not such a record; it then holds what came before the place where they fail.
     explicit operator bool() const { return whole_; }

@@ -34,7 +34,7 @@ private:
 /// `address` is neither a loopback address nor in a private network.
 void checkShellPlace(const std::string& address);
 
-struct Board::Inside {
+struct Board::Impl {
     EventLoop& loop;
     AddressBook& addresses;
     std::string serial;

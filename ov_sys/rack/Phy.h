@@ -5,6 +5,7 @@
 #include "ov_sys/rack/Batch.h"
 #include "ov_sys/rack/Failure.h"
 #include "ov_sys/rack/RegisterAddress.h"
+#include "ov_sys/rack/Services.h"
 #include "ov_sys/rack/SmbusProtocol.h"
 #include "ov_sys/rack/Within.h"
 
@@ -47,6 +48,15 @@ public:
                                     const Within& within = {}) const;
     // Throws Failure for arguments that cannot be sent; what went wrong with the board is in the result.
     BatchResult run(const Batch& batch, const Within& within = {}) const;
+
+    // The board's services, through this PHY's session.
+    I2cBus i2c() const noexcept { return I2cBus(session_); }
+    GpioLines gpio() const noexcept { return GpioLines(session_); }
+    JtagChain jtag() const noexcept { return JtagChain(session_); }
+    AdcCapture adc() const noexcept { return AdcCapture(session_); }
+    ThermalControl thermal() const noexcept { return ThermalControl(session_); }
+    BoardShell shell() const noexcept { return BoardShell(session_); }
+    MdioBus mdio() const noexcept { return MdioBus(session_); }
 
     // Opens the session now; otherwise its first use does.
     void open(const Within& within = {}) const;

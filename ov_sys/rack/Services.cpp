@@ -1,0 +1,206 @@
+#include "ov_sys/rack/Services.h"
+
+#include "ov_sys/rack/core/ServiceCall.h"
+
+#include <utility>
+
+namespace Orvane {
+
+using RackCore::listOf;
+using RackCore::OpenSession;
+using RackCore::pointAt;
+using RackCore::require;
+using RackCore::requireCount;
+using RackCore::runSimple;
+using RackCore::ServiceCall;
+using RackLink::Effect;
+using RackLink::Program;
+
+#define ORVANE_HANDLE(Service)                                                                               \
+    Service::Service(std::shared_ptr<OpenSession> session) noexcept : session_(std::move(session)) {}
+ORVANE_HANDLE(I2cBus)
+ORVANE_HANDLE(GpioLines)
+ORVANE_HANDLE(JtagChain)
+ORVANE_HANDLE(AdcCapture)
+ORVANE_HANDLE(ThermalControl)
+ORVANE_HANDLE(BoardShell)
+ORVANE_HANDLE(MdioBus)
+#undef ORVANE_HANDLE
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+// ---- GPIO ----
+
+using GpioProcedure = Programs::GPIOProcedure;
+
+Bytes readLines(OpenSession& session, GpioProcedure procedure, const Bytes& lines, const char* operation,
+                const Within& within) {
+    ServiceCall<GPIO_Indexes_Param, GPIO_Read_Result> call(session, Program::Gpio, procedure, Effect::Reads);
+    pointAt(call.argument.indexes, lines);
+    call.run(operation, within);
+    requireCount(call.result.states.states_len, lines.size(), session, operation);
+    return listOf<std::uint8_t>(call.result.states);
+}
+
+void writeLines(OpenSession& session, GpioProcedure procedure, const Bytes& lines, const Bytes& states,
+                const char* operation, const Within& within) {
+    require(lines.size() == states.size(), session, operation, "Give as many states as lines.");
+    ServiceCall<GPIO_States_Param, Simple_Result> call(session, Program::Gpio, procedure, Effect::Writes);
+    pointAt(call.argument.indexes, lines);
+    pointAt(call.argument.states, states);
+    call.run(operation, within);
+}
+
+} // namespace
+
+GpioLines::Bytes GpioLines::read(const Bytes& lines, const Within& within) const {
+    return readLines(*session_, GpioProcedure::Read, lines, "GPIO read", within);
+}
+
+void GpioLines::write(const Bytes& lines, const Bytes& states, const Within& within) const {
+    writeLines(*session_, GpioProcedure::Write, lines, states, "GPIO write", within);
+}
+
+void GpioLines::enableOutput(const Bytes& lines, const Bytes& enables, const Within& within) const {
+    writeLines(*session_, GpioProcedure::EnableOutput, lines, enables, "GPIO enable", within);
+}
+
+GpioLines::Bytes GpioLines::outputEnables(const Bytes& lines, const Within& within) const {
+    return readLines(*session_, GpioProcedure::ReadOutputEnable, lines, "GPIO enables", within);
+}
+
+void GpioLines::setDefault(const Bytes& lines, const Within& within) const {
+    ServiceCall<GPIO_Indexes_Param, Simple_Result> call(*session_, Program::Gpio, GpioProcedure::SetDefault,
+                                                        Effect::Writes);
+    pointAt(call.argument.indexes, lines);
+    call.run("GPIO default", within);
+}
+
+void GpioLines::reset(const Within& within) const {
+    runSimple<Simple_Result>(*session_, Program::Gpio, GpioProcedure::Reset, Effect::Writes, 0, "GPIO reset",
+                             within);
+}
+
+GpioLines::Bytes GpioLines::bitBang(const Bytes& first, const Bytes& second, const Bytes& third,
+                                    const Within& within) const {
+    require(first.size() == second.size() && first.size() == third.size(), *session_, "GPIO bit-bang",
+            "The three lists are of one length.");
+    ServiceCall<GPIO_BitBang_Param, GPIO_Read_Result> call(*session_, Program::Gpio, GpioProcedure::BitBang,
+                                                           Effect::Alone);
+    pointAt(call.argument.bytes1, first);
+    pointAt(call.argument.bytes2, second);
+    pointAt(call.argument.bytes3, third);
+    call.run("GPIO bit-bang", within);
+    requireCount(call.result.states.states_len, first.size(), *session_, "GPIO bit-bang");
+    return listOf<std::uint8_t>(call.result.states);
+}
+
+// ---- I2C ----
+
+namespace {
+
+using I2cProcedure = Programs::I2CProcedure;
+
+// The lists of a block, as the wire has them: one for each member of a transfer.
+struct Lists {
+    std::vector<u_char> buses;
+    std::vector<u_int> devices, registers, lengths, formats;
+    std::vector<u_char> data;
+
+    Lists(const std::vector<I2cBus::Transfer>& transfers, bool writes) {
+        for (const I2cBus::Transfer& one : transfers) {
+            buses.push_back(one.bus);
+            devices.push_back(one.device);
+            registers.push_back(one.reg);
+            lengths.push_back(writes ? static_cast<u_int>(one.bytes.size()) : one.length);
+            formats.push_back(one.format);
+            data.insert(data.end(), one.bytes.begin(), one.bytes.end());
+        }
+    }
+
+    void into(I2C_Block_Trans_Param& record) const {
+        pointAt(record.bytes, buses);
+        pointAt(record.words1, devices);
+        pointAt(record.words2, registers);
+        pointAt(record.words3, lengths);
+        pointAt(record.words4, formats);
+    }
+};
+
+} // namespace
+
+void I2cBus::write(std::uint8_t bus, std::uint32_t device, const Bytes& bytes, const Within& within) const {
+    ServiceCall<I2C_Write_Param, Simple_Result> call(*session_, Program::I2c, I2cProcedure::Write,
+                                                     Effect::Alone);
+    call.argument.byte1 = bus;
+    call.argument.word1 = device;
+    pointAt(call.argument.data, bytes);
+    call.run("I2C write", within);
+}
+
+Bytes I2cBus::read(std::uint8_t bus, std::uint32_t device, std::uint8_t command, std::uint32_t length,
+                   const Within& within) const {
+    require(length >= 1 && length <= 255, *session_, "I2C read", "A read is of 1 to 255 bytes.");
+    ServiceCall<I2C_Read_Param, I2C_Read_Result> call(*session_, Program::I2c, I2cProcedure::Read,
+                                                      Effect::Alone);
+    call.argument.byte1 = bus;
+    call.argument.word1 = device;
+    call.argument.byte2 = command;
+    call.argument.byte3 = static_cast<u_char>(length);
+    call.run("I2C read", within);
+    requireCount(call.result.data.data_len, length, *session_, "I2C read");
+    return listOf<std::uint8_t>(call.result.data);
+}
+
+Bytes I2cBus::readRegister(std::uint8_t bus, std::uint32_t device, std::uint32_t reg, std::uint8_t format,
+                           std::uint32_t length, const Within& within) const {
+    require(length >= 1 && length <= 255, *session_, "I2C read", "A read is of 1 to 255 bytes.");
+    require(format <= 4, *session_, "I2C read", "A register number has 0 to 4 bytes.");
+    ServiceCall<I2C_Read_Reg_Param, I2C_Read_Result> call(*session_, Program::I2c, I2cProcedure::ReadRegister,
+                                                          Effect::Alone);
+    call.argument.byte1 = bus;
+    call.argument.word1 = device;
+    call.argument.word2 = reg;
+    call.argument.byte2 = format;
+    call.argument.byte3 = static_cast<u_char>(length);
+    call.run("I2C read", within);
+    requireCount(call.result.data.data_len, length, *session_, "I2C read");
+    return listOf<std::uint8_t>(call.result.data);
+}
+
+Bytes I2cBus::readBlock(const std::vector<Transfer>& transfers, const Within& within) const {
+    const Lists lists(transfers, false);
+    std::size_t total = 0;
+    for (const u_int length : lists.lengths)
+        total += length;
+    ServiceCall<I2C_Block_Reg_Read_Param, I2C_Read_Result> call(
+        *session_, Program::I2c, I2cProcedure::BlockReadRegister, Effect::Alone);
+    lists.into(call.argument.trans);
+    call.run("I2C block read", within);
+    requireCount(call.result.data.data_len, total, *session_, "I2C block read");
+    return listOf<std::uint8_t>(call.result.data);
+}
+
+void I2cBus::writeBlock(const std::vector<Transfer>& transfers, const Within& within) const {
+    const Lists lists(transfers, true);
+    ServiceCall<I2C_Block_Reg_Write_Param, Simple_Result> call(
+        *session_, Program::I2c, I2cProcedure::BlockWriteRegister, Effect::Alone);
+    lists.into(call.argument.trans);
+    pointAt(call.argument.data, lists.data);
+    call.run("I2C block write", within);
+}
+
+void I2cBus::writeBlockMasked(const std::vector<Transfer>& transfers, std::uint8_t mask,
+                              const Within& within) const {
+    const Lists lists(transfers, true);
+    ServiceCall<I2C_Block_Mask_Write_Param, Simple_Result> call(*session_, Program::I2c,
+                                                                I2cProcedure::BlockWriteMask, Effect::Alone);
+    lists.into(call.argument.trans);
+    pointAt(call.argument.data, lists.data);
+    call.argument.mask = mask;
+    call.run("I2C block write", within);
+}
+
+} // namespace Orvane

@@ -1,0 +1,171 @@
+// The board's services at work on its devices.
+#include "ov_sys/rack/Services.h"
+
+#include "tests/support/rack/RackOnBoard.h"
+
+#include <gmock/gmock.h>
+
+namespace OrvaneTest {
+namespace {
+
+using namespace Orvane;
+using testing::ElementsAre;
+using testing::FloatNear;
+using Bytes = std::vector<std::uint8_t>;
+using OrvaneSim::Waveform;
+
+class ServicesTest : public testing::Test, protected RackOnBoard {
+protected:
+    static constexpr unsigned kEeprom = 0x50;
+};
+
+TEST_F(ServicesTest, I2cReadsWhatItWrote) {
+    const I2cBus i2c = phy.i2c();
+    i2c.write(2, kEeprom, {0x40, 'O', 'r', 'v'});
+    EXPECT_THAT(i2c.read(2, kEeprom, 0x40, 4), ElementsAre('O', 'r', 'v', 0xFF));
+    EXPECT_THAT(i2c.readRegister(2, kEeprom, 0x41, 1, 2), ElementsAre('r', 'v'));
+}
+
+TEST_F(ServicesTest, I2cBlocksReachSeveralBuses) {
+    const I2cBus i2c = phy.i2c();
+    i2c.writeBlock({{0, kEeprom, 0x20, 1, 0, {1, 2}}, {1, kEeprom, 0x30, 1, 0, {3, 4, 5}}});
+    EXPECT_THAT(i2c.readBlock({{0, kEeprom, 0x20, 1, 2}, {1, kEeprom, 0x30, 1, 3}}),
+                ElementsAre(1, 2, 3, 4, 5));
+    i2c.writeBlockMasked({{0, kEeprom, 0x20, 1, 0, {0xFF}}}, 0x0F);
+    EXPECT_THAT(i2c.read(0, kEeprom, 0x20, 1), ElementsAre(0x0F));
+}
+
+TEST_F(ServicesTest, I2cFailureNamesTheBoardsCode) {
+    EXPECT_EQ(failureOf([&] { phy.i2c().read(0, 0x51, 0, 1); }).codeName(), "EREMOTEIO");
+    EXPECT_EQ(failureOf([&] { phy.i2c().read(0, kEeprom, 0, 256); }).kind(), FailureKind::InvalidArgument);
+}
+
+TEST_F(ServicesTest, TransferWithoutAnswerIsNotRepeated) {
+    phy.open();
+    inject(Fault::Kind::LoseReply, "i2c", "i2c_write");
+    const I2cBus i2c = phy.i2c();
+    EXPECT_EQ(failureOf([&] {
+                  i2c.write(0, kEeprom, {1, 2}, within(400ms).once());
+              }).kind(),
+              FailureKind::TimedOut);
+    EXPECT_EQ(count("i2c_write"), 1U);
+}
+
+TEST_F(ServicesTest, GpioShowsTheOutputAtTheInput) {
+    board.wireGpio(1, 2);
+    const GpioLines gpio = phy.gpio();
+    gpio.enableOutput({1}, {1});
+    gpio.write({1}, {1});
+    EXPECT_THAT(gpio.read({1, 2}), ElementsAre(1, 1));
+    EXPECT_THAT(gpio.outputEnables({1, 2}), ElementsAre(1, 0));
+    EXPECT_THAT(gpio.bitBang({1, 2}, {0, 0}, {0, 1}), ElementsAre(0, 0));
+    gpio.setDefault({1});
+    gpio.reset();
+    EXPECT_THAT(gpio.outputEnables({1}), ElementsAre(0));
+}
+
+TEST_F(ServicesTest, GpioListsOfDifferentLengthsAreRefusedUnsent) {
+    EXPECT_EQ(failureOf([&] { phy.gpio().write({1, 2}, {1}); }).kind(), FailureKind::InvalidArgument);
+    EXPECT_EQ(failureOf([&] { phy.gpio().bitBang({1}, {1}, {}); }).kind(), FailureKind::InvalidArgument);
+    EXPECT_EQ(procedures(), std::vector<std::string>{});
+}
+
+TEST_F(ServicesTest, ShortAnswersAreFailures) {
+    phy.open();
+    inject(Fault::Kind::ReplyCount, "gpio", "gpio_read", 1, 1);
+    inject(Fault::Kind::ReplyCount, "i2c", "i2c_read", 1, 3);
+    inject(Fault::Kind::ReplyCount, "jtag", "jtag_shiftmulti", 1, 0);
+    EXPECT_EQ(failureOf([&] { phy.gpio().read({1, 2}); }).kind(), FailureKind::BadReply);
+    EXPECT_EQ(failureOf([&] { phy.i2c().read(0, kEeprom, 0, 2); }).kind(), FailureKind::BadReply);
+    EXPECT_EQ(failureOf([&] { phy.jtag().shift({"", "11", ""}); }).kind(), FailureKind::BadReply);
+}
+
+TEST_F(ServicesTest, JtagShiftsSeveralTimesInOneCall) {
+    const JtagChain jtag = phy.jtag();
+    const std::string bypass(13, '1'); // instruction registers of 5 and 8 bits
+    EXPECT_THAT(jtag.shift({{"", "1111101100", ""},
+                            {bypass, "0000000000001", "10100"},
+                            {"", "", ""},
+                            {"10110000", "00000001", "10"}}),
+                ElementsAre("1111111111", "1000010000000", "", "00101100"));
+    EXPECT_GT(jtag.maxBytes(), 0U);
+}
+
+TEST_F(ServicesTest, AdcShowsTheWaveformOverTcp) {
+    board.setWaveform(0, {Waveform::Shape::Sine, 128, 300, 4});
+    const AdcCapture adc = phy.adc();
+    adc.initialize();
+    adc.setDumpFile("capture.bin");
+    adc.setChannelMask(1);
+    adc.start();
+    EXPECT_THAT(adc.data(6), ElementsAre(128, 255, 128, 0, 128, 255));
+    EXPECT_THAT(adc.maxAdc(), ElementsAre(255));
+    adc.setEventName("overload");
+    const Bytes events = adc.events();
+    EXPECT_THAT(std::string(events.begin(), events.end()), testing::EndsWith(" overload\n"));
+    adc.stop();
+    EXPECT_EQ(adc.data(6), Bytes());
+    EXPECT_EQ(board.adcDumpFile(), "capture.bin");
+    EXPECT_EQ(board.requestsOf("adc_start").at(0).transport, "tcp");
+}
+
+TEST_F(ServicesTest, ThermalUnitSettlesAtItsSetPoint) {
+    const ThermalControl thermal = phy.thermal();
+    thermal.connect();
+    thermal.setTemperature(0, 85, 1);
+    EXPECT_EQ(thermal.temperature(0), 40.0F);
+    EXPECT_THAT(thermal.settledTemperature(0), FloatNear(85, 0.1F));
+    EXPECT_EQ(thermal.state(), 3);
+    thermal.setDefaultTemperature(0, -20);
+    thermal.stopControl();
+    thermal.startControl(0);
+    EXPECT_THAT(thermal.settledTemperature(0), FloatNear(-20, 0.1F));
+    thermal.disconnect();
+    EXPECT_EQ(failureOf([&] { thermal.temperature(0); }).kind(), FailureKind::BoardError);
+}
+
+TEST_F(ServicesTest, ShellReturnsStatusAndBothOutputs) {
+    board.setCommand("uname", {3, "Linux\n", "oops", 0});
+    const BoardShell::Outcome outcome = phy.shell().run("uname", 10s);
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.output, "Linux\n");
+    EXPECT_EQ(outcome.errors, "oops");
+    EXPECT_GE(phy.shell().ping().count(), 0);
+}
+
+TEST_F(ServicesTest, MdioBusMovesTheAddressOfTheExtension) {
+    const MdioBus mdio = phy.mdio();
+    board.setRegister(Space::Ext32, 1, 3, 0x104, 0x44);
+    phy.write(ext32(0x100), 1);
+    EXPECT_EQ(mdio.readNext(), 0x44U);
+    mdio.writeCurrent(0x45);
+    EXPECT_EQ(mdio.readCurrent(), 0x45U);
+    mdio.writeNext(0x46);
+    EXPECT_EQ(board.registerValue(Space::Ext32, 1, 3, 0x108), 0x46U);
+}
+
+TEST_F(ServicesTest, MdioBusSwitchesAreSent) {
+    const MdioBus mdio = phy.mdio();
+    mdio.flush();
+    mdio.setSingleWire(true);
+    mdio.setPreambleCount(17);
+    EXPECT_EQ(board.requestsOf("mdio_flushport").at(0).arguments().back(), 3);
+    EXPECT_EQ(board.requestsOf("mdio_singlewire").at(0).arguments()["value"], 1);
+    EXPECT_EQ(board.requestsOf("mdio_setpreamblecount").at(0).arguments()["value"], 17);
+    inject(Fault::Kind::OverrideWord, "mdio", "mdio_setpreamblecount", 1, 16);
+    EXPECT_EQ(failureOf([&] { mdio.setPreambleCount(17); }).kind(), FailureKind::BadReply);
+}
+
+TEST_F(ServicesTest, InterruptsReachTheBoard) {
+    const MdioBus mdio = phy.mdio();
+    EXPECT_EQ(mdio.requestInterrupt(1, 2, 3, 4), 0);
+    EXPECT_EQ(mdio.waitForInterrupt(5), 0);
+    EXPECT_EQ(mdio.interruptProcessed(6), 0);
+    EXPECT_EQ(mdio.releaseInterrupt(7), 0);
+    EXPECT_EQ(procedures(),
+              (std::vector<std::string>{"open_connection", "mdio_interruptrequest", "mdio_interruptwait",
+                                        "mdio_interruptprocessed", "mdio_interrutprelease"}));
+}
+
+} // namespace
+} // namespace OrvaneTest

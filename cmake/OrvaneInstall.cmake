@@ -2,22 +2,16 @@
 # simulated boards. The component of an install() says which Debian package it goes into (OrvanePackages.cmake).
 include(CMakePackageConfigHelpers)
 
-# One include folder, include/orvane: <orvane/orvane.h>, <orvane/orvane.hpp>, and beneath it the class headers
-# under the names by which they include each other ("ov_sys/Interface/..."). Headers that neither declare something
-# exported nor are included by one that does stay at home; './check package' compiles every installed one alone.
-set(ORVANE_PRIVATE_HEADERS CallInto WireLists WireResult DiscoveryProtocol DottedAddress
-  FileDescriptor FoundBoards SearchLimits Diagnostics Stopwatch Programs XdrHelpers CallMessage CallTransport
-  DatagramTransport Deadline PortMapperCall ProgramSocket StreamTransport)
-list(JOIN ORVANE_PRIVATE_HEADERS "|" ORVANE_PRIVATE_HEADERS)
-set(ORVANE_HEADERS ${CMAKE_INSTALL_INCLUDEDIR}/orvane)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/ov_sys/include/orvane/ DESTINATION ${ORVANE_HEADERS}
-  COMPONENT development FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/ov_sys/Interface DESTINATION ${ORVANE_HEADERS}/ov_sys
-  COMPONENT development FILES_MATCHING PATTERN "*.h" REGEX "/(${ORVANE_PRIVATE_HEADERS})\\.h$" EXCLUDE)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/ov_sys/rack DESTINATION ${ORVANE_HEADERS}/ov_sys
-  COMPONENT development FILES_MATCHING PATTERN "*.h" REGEX "/(access|core|link|search)$" EXCLUDE)
-
-install(TARGETS orvane EXPORT orvane-targets
+# One include folder, include/orvane-MAJOR, and one -I: <orvane/orvane.h>, <orvane/orvane.hpp>, <orvane/lab.h>, and beside
+# them the headers that these include ("ov_sys/...", "simulator/..."); no other name is found there. Which headers are
+# public stands in the file sets of each room. './check install' compiles each of them alone.
+set(ORVANE_HEADERS ${CMAKE_INSTALL_INCLUDEDIR}/orvane-${PROJECT_VERSION_MAJOR})
+function(orvane_install_library target)
+  install(TARGETS ${target} ${ARGN}
+    FILE_SET interface DESTINATION ${ORVANE_HEADERS} COMPONENT development
+    FILE_SET HEADERS DESTINATION ${ORVANE_HEADERS} COMPONENT development)
+endfunction()
+orvane_install_library(orvane EXPORT orvane-targets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development)
 
 set(ORVANE_PACKAGE ${CMAKE_INSTALL_LIBDIR}/cmake/orvane)
@@ -43,20 +37,12 @@ install(DIRECTORY examples/tasks/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples C
   FILES_MATCHING PATTERN "*.c" PATTERN "*.cpp")
 
 # The simulated boards come along, for users who test against them: two commands, and the library orvane::lab
-# with <orvane/lab.h> and the headers that it includes.
+# with <orvane/lab.h>.
 if(ORVANE_BUILD_SIMULATOR)
   install(TARGETS orvane-sim orvane-lab RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
-  install(TARGETS orvane_simulator EXPORT orvane-lab-targets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    COMPONENT development)
+  orvane_install_library(orvane_simulator EXPORT orvane-lab-targets
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
   install(EXPORT orvane-lab-targets NAMESPACE orvane:: DESTINATION ${ORVANE_PACKAGE} COMPONENT development)
-  install(FILES ${PROJECT_SOURCE_DIR}/simulator/include/orvane/lab.h
-    ${PROJECT_SOURCE_DIR}/simulator/include/orvane/lab_json.h DESTINATION ${ORVANE_HEADERS} COMPONENT development)
-  foreach(header lab/Lab lab/Board board/Action board/CallCounts board/Fault board/Request board/StrayDatagrams
-          models/AnalogueInputs models/CommandTable models/MdioPorts models/PathTroubles network/PrivateNetwork)
-    get_filename_component(room ${header} DIRECTORY)
-    install(FILES ${PROJECT_SOURCE_DIR}/simulator/${header}.h DESTINATION ${ORVANE_HEADERS}/simulator/${room}
-      COMPONENT development)
-  endforeach()
   install(FILES ${PROJECT_SOURCE_DIR}/simulator/script/lab-file.schema.json
     DESTINATION ${CMAKE_INSTALL_DATADIR}/orvane COMPONENT tools)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/orvane-lab.pc.in ${PROJECT_BINARY_DIR}/orvane-lab.pc @ONLY)

@@ -1,4 +1,4 @@
-// The class interface of Orvane, for C++17: the device list, sessions and bus services.
+// The class interface of Orvane, for C++17: discovery, connections, sessions, bus services and the device list.
 #pragma once
 
 #include "ov_sys/Interface/buses/ADC.h"
@@ -7,12 +7,22 @@
 #include "ov_sys/Interface/buses/JTAG.h"
 #include "ov_sys/Interface/buses/KeepAlive.h"
 #include "ov_sys/Interface/buses/MDIO.h"
+#include "ov_sys/Interface/buses/MdioAsync.h"
 #include "ov_sys/Interface/buses/Setup.h"
 #include "ov_sys/Interface/buses/Thermal.h"
+#include "ov_sys/Interface/connection/BoardConnection.h"
+#include "ov_sys/Interface/connection/RPCClient.h"
 #include "ov_sys/Interface/devices/HWInterface.h"
+#include "ov_sys/Interface/discovery/BoardFinder.h"
+#include "ov_sys/Interface/discovery/InterfaceLister.h"
+#include "ov_sys/Interface/discovery/MulticastBoardResolver.h"
+#include "ov_sys/Interface/discovery/TcpBoardResolver.h"
+#include "ov_sys/Interface/foundation/AddressResponse.h"
 #include "ov_sys/Interface/foundation/DiagnosticsSink.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
+#include "ov_sys/Interface/foundation/HWIHelper.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
+#include "ov_sys/Interface/sessions/SessionWrapper.h"
 
 #include <orvane/orvane.h>
 #include <string>

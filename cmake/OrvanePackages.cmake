@@ -20,8 +20,6 @@ set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME liborvane${PROJECT_VERSION_MAJOR})
 set(ORVANE_LIBRARY_PACKAGE "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} (= ${PROJECT_VERSION})")
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION "The shared library: finds evaluation boards on the local networks, opens sessions on them and forwards
 MDIO, I2C, GPIO, JTAG, ADC and thermal operations to the board's own server.")
-# libtirpc reads /etc/services, which is in netbase.
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_DEPENDS netbase)
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME liborvane-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
@@ -34,6 +32,6 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME orvane-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION electronics)
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION "The command line tools and the simulated boards: orvane-sim serves them, orvane-lab runs a command
 in a private network with boards in it.")
-set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${ORVANE_LIBRARY_PACKAGE}, netbase")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${ORVANE_LIBRARY_PACKAGE}")
 
 include(CPack)

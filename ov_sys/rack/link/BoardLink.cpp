@@ -101,15 +101,13 @@ void BoardLink::transmit(Call& call, TimePoint now) {
 
 void BoardLink::transmitOverStream(Call& call) {
     constexpr std::size_t kLargestRequest = std::size_t{1} << 20U;
-    thread_local std::vector<std::uint32_t> buffer;
-    buffer.resize(kLargestRequest / sizeof(std::uint32_t));
-    auto* const request = reinterpret_cast<char*>(buffer.data());
-    call.size = static_cast<std::uint32_t>(call.encode(request, kLargestRequest));
+    const std::unique_ptr<char[]> request(new char[kLargestRequest]); // few of its pages are ever touched
+    call.size = static_cast<std::uint32_t>(call.encode(request.get(), kLargestRequest));
     Stream& stream = streamOf(call.program).stream;
     if (!stream.isOpen())
         stream.open(endpoint(address(), ports_[indexOf(call.program)]));
     if (stream.isOpen() && call.size != 0)
-        stream.send(request, call.size);
+        stream.send(request.get(), call.size);
 }
 
 void BoardLink::finish(Call& call, Trouble trouble, TimePoint now) {

@@ -41,6 +41,8 @@ expect("assertions of the standard library" "${symbols}" "UND _ZSt21__glibcxx_as
 if(FORTIFIED)
   expect("fortified calls" "${symbols}" "UND __[a-z]+_chk@")
 endif()
+expect_no("an object that threads destroy, which keeps the library from being unloaded" "${symbols}"
+  "UND __cxa_thread_atexit")
 expect_no("a text of libtirpc that threads share" "${symbols}" "UND clnt_(sperror|spcreateerror|perror|pcreateerror)@?")
 
 if(failed)

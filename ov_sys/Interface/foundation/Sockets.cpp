@@ -6,6 +6,7 @@
 #include <arpa/inet.h>
 #include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -34,8 +35,12 @@ void close_socket(int socket) {
 }
 
 const char* get_last_error() {
-    thread_local char text[128];
-    return strerror_r(errno, text, sizeof text);
+    const int number = errno;
+    if (const char* const text = strerrordesc_np(number))
+        return text;
+    thread_local char text[32];
+    std::snprintf(text, sizeof text, "Unknown error %d", number);
+    return text;
 }
 
 } // namespace Orvane

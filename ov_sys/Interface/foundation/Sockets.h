@@ -18,7 +18,8 @@ ORVANE_API int connect_socket(int socket, const char* ip, int port);
 // Closes the socket; ignores -1.
 ORVANE_API void close_socket(int socket);
 
-// The text of the current errno, never null. It stays valid until the calling thread's next call.
+// The text of the current errno, in English whatever the locale, never null. It stays valid until the calling
+// thread's next call.
 ORVANE_API const char* get_last_error();
 
 } // namespace Orvane

@@ -1,6 +1,7 @@
 #include "ov_sys/capi/ErrorState.h"
 
 #include "ov_sys/Interface/foundation/Diagnostics.h"
+#include "ov_sys/Interface/foundation/ProcessExit.h"
 
 #include <algorithm>
 #include <array>
@@ -53,8 +54,11 @@ void record(const char* text) noexcept {
         Orvane::Diagnostics::error("\nError: Out of memory. Couldn't save interface error message:", text);
 }
 
-// When the library is unloaded or the process ends, behind atexit functions and the destructors of objects.
+// When the library is unloaded, as the last thing that it does. At the exit of the process other threads may
+// be reading a text.
 [[gnu::destructor(101)]] void dropTexts() {
+    if (Orvane::ProcessExit::begun())
+        return;
     const std::lock_guard<std::mutex> lock(textsMutex);
     lastText = nullptr;
     for (char*& text : texts)

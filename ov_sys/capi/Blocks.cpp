@@ -46,7 +46,8 @@ void HW_BlockReadAdapter(unsigned adapter, unsigned phy, unsigned mmd, unsigned 
     HW_Logging_BlockMDIORead(adapter, phy, mmd, reg);
 }
 
-// MMD 11 and 27 are not queued but written at once, whatever the delegation flags say.
+// MMD 11 and 27 are not queued but written at once, whatever the delegation flags say: docs/limits.md, "Odd
+// on purpose".
 void HW_BlockWriteAdapter(unsigned adapter, unsigned phy, unsigned mmd, unsigned reg, unsigned data) {
     if (reachedByDefaultAdapterOnly(mmd))
         return;

@@ -61,6 +61,7 @@ int HW_OpenAdapter(unsigned int adapter) {
     return guarded(kReported, [adapter] { return theInterface().openAdapter(adapter) ? 1 : 0; });
 }
 
+// The other way round than HW_OpenAdapter(): docs/limits.md, "Odd on purpose".
 unsigned int HW_CloseAdapter(unsigned int adapter) {
     return guarded(kReported, [adapter] { return theInterface().closeAdapter(adapter); });
 }
@@ -87,6 +88,7 @@ unsigned int HW_Device_Revision(void) {
     return 0;
 }
 
+// 0 for a device that does not exist, too: docs/limits.md, "Odd on purpose".
 int HW_DeviceNumber(const char* name) {
     return guarded(kReported, [name] { return theInterface().deviceNumber(given(name), ""); });
 }

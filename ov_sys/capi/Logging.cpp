@@ -103,7 +103,8 @@ void HW_Logging_BlockMDIOFetch(unsigned int adapter, unsigned int phy, unsigned 
         std::fprintf(log, "%u,%u,AF,,,%04X\n", adapter, phy, value);
 }
 
-// ---- 32-bit, 64-bit and configuration-space records, which carry no line end ----
+// ---- 32-bit, 64-bit and configuration-space records, which carry no line end: docs/limits.md, "Odd on
+// purpose" ----
 
 void HW_Logging_Write32(unsigned int adapter, unsigned int phy, unsigned int address, unsigned int value) {
     if (FILE* log = activeLog())

@@ -92,7 +92,8 @@ void ZR_API_BlockWrite64(int phyArg, unsigned address, unsigned long long data) 
     HW_Logging_BlockWrite64(HW_GetDefaultAdapter(), static_cast<unsigned>(phyArg), address, data);
 }
 
-// ---- Execution: logged for a PHY id on the default adapter, not for an argument that names its adapter ----
+// ---- Execution, under names that are misspelled on purpose (docs/limits.md): logged for a PHY id on the
+// default adapter, not for an argument that names its adapter ----
 
 unsigned* ZR_API_MDIO_BlockOperationExecute_Abstarcted(int phyArg) {
     return phyArg < 0 ? forwardedTo(phyArg, &HWInterface::blockOperationExecuteAdapter)

@@ -18,7 +18,7 @@ void writeWord(PhyTarget phy, unsigned address, unsigned word) {
     theInterface().write32Adapter(phy.adapter, phy.phy, address, word);
 }
 
-// The shifts count bits, and the result is not masked.
+// The shifts count bits, and the result is not masked: docs/limits.md, "Odd on purpose".
 unsigned read8(PhyTarget phy, unsigned address) {
     return readWord(phy, address) >> (address & 3U);
 }
@@ -33,7 +33,7 @@ void write8(PhyTarget phy, unsigned address, unsigned data) {
     writeWord(phy, alignedTo32(address), (word & ~(0xFFU << shift)) | (data & 0xFFU) << shift);
 }
 
-// The word goes back unchanged, to `target`; the new half-word stays here.
+// The word goes back unchanged, to `target`; the new half-word stays here: docs/limits.md, "Odd on purpose".
 void write16(PhyTarget phy, unsigned address, unsigned target) {
     writeWord(phy, target, readWord(phy, address));
 }

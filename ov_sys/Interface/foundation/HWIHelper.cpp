@@ -89,7 +89,7 @@ std::vector<std::string> split(std::string text, std::string delimiter) {
         const std::size_t end = std::min(text.find(delimiter, start), length);
         if (end > start)
             pieces.push_back(text.substr(start, end - start));
-        start = end + 1;
+        start = end + 1; // docs/limits.md, "Odd on purpose"
     }
     return pieces;
 }

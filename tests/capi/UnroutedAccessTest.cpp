@@ -70,5 +70,19 @@ TEST_P(UnloggedAccess, OfAnAdapterThatIsNotOpenGivesZeroAndIsReported) {
 
 INSTANTIATE_TEST_SUITE_P(ZrApi, UnloggedAccess, testing::ValuesIn(kPlain), NamedParam());
 
+// ---- What a PHY argument carries ----
+
+using AdapterInAPhyArgument = FlatInterface;
+
+TEST_F(AdapterInAPhyArgument, TakesTheArgumentsBits16To30) {
+    for (unsigned bit = 3; bit < 15; ++bit) { // the adapters are 0 to 7
+        const int argument = phyOn(1U << bit, 6);
+        EXPECT_EQ(outcomeOf([=] { return ZR_API_MDIO_Read_Abstracted(argument, 28, 0x10); }).error,
+                  "\nError: Invalid adapter index\n")
+            << bit;
+    }
+    EXPECT_EQ(frames(), std::vector<std::string>{});
+}
+
 } // namespace
 } // namespace OrvaneTest

@@ -8,8 +8,11 @@
 #include "tests/support/WrittenText.h"
 
 #include <algorithm>
+#include <chrono>
 #include <gtest/gtest.h>
 #include <map>
+#include <memory>
+#include <string>
 #include <thread>
 #include <utility>
 
@@ -127,6 +130,18 @@ TEST_F(BoardRecovery, RetrieveConnectionToABoardThatAnswersPingsItOnce) {
     EXPECT_EQ(written.error, kRetrieving);
     EXPECT_EQ(written.output, kPinging);
     EXPECT_EQ(lab.count("ping"), 1U);
+}
+
+TEST_F(BoardRecovery, RetrieveConnectionGivesAMovedBoardAQuarterOfASecondBeforeThePing) {
+    using Clock = std::chrono::steady_clock;
+    const HostsFile hosts(lab.board.address() + " board7\n");
+    pointTo(kRefusingAddress);
+    const auto times = std::make_shared<std::map<std::string, Clock::time_point>>(); // newest of each kind
+    lab.board.onRequest(
+        [times](const OrvaneSim::Request& request) { (*times)[request.procedure] = Clock::now(); });
+    textWritten([&] { connection.retrieveConnection(); });
+    ASSERT_EQ(lab.count("ping"), 1U); // and the lab's thread is done with the times
+    EXPECT_GE(times->at("ping") - times->at("portmap_getport"), std::chrono::milliseconds(250));
 }
 
 TEST_F(BoardRecovery, RetrieveConnectionThrowsNoDeviceAfterOneFailedPing) {

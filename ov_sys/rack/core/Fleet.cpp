@@ -184,11 +184,12 @@ void Fleet::stepLane(Lane& lane) {
         begin(lane);
         if (yields_ && link.turn.wanted())
             cancel(lane, FailureKind::Cancelled);
-        if (lane.begun.empty())
+        if (lane.begun.empty()) {
             leaveTurn(lane);
-        else
+        } else {
             watch(lane);
-        lane.wake = std::min(lane.wake, link.wake(now_));
+            lane.wake = std::min(lane.wake, link.wake(now_));
+        }
     }
     if (!lane.waiting.empty() || (!lane.begun.empty() && cancelled(*lane.begun.front())))
         lane.wake = std::min(lane.wake, now_ + kLook);

@@ -69,7 +69,7 @@ public:
 
     // Whether every operation was done.
     bool complete() const noexcept { return !failure_; }
-    // The first thing that went wrong, after which nothing more was sent.
+    // The first thing that went wrong. No block was begun after it; reads may have been under way beside it.
     const std::optional<Failure>& failure() const noexcept { return failure_; }
     // Throws std::out_of_range.
     const OperationOutcome& outcome(std::size_t index) const { return outcomes_.at(index); }

@@ -122,6 +122,13 @@ TEST_F(PhyTest, OnceSendsNothingTwice) {
     EXPECT_EQ(count("mdio_read"), 2U);
 }
 
+TEST_F(PhyTest, ReadsThatMayNotBeRepeatedAreNotThoughWritesMay) {
+    phy.read({1, 0});
+    inject(Fault::Kind::LoseReply, "mdio", "mdio_read", -1);
+    failureOf([&] { phy.read({1, 2}, within(400ms).repeating({0, 16})); });
+    EXPECT_EQ(count("mdio_read"), 2U);
+}
+
 TEST_F(PhyTest, WritesAreRepeatedAsOftenAsTold) {
     phy.read({1, 0});
     inject(Fault::Kind::LoseReply, "mdio", "mdio_write", -1);

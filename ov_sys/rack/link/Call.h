@@ -5,6 +5,7 @@
 #include "ov_sys/rack/link/Trouble.h"
 #include "ov_sys/rack/Within.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -37,7 +38,10 @@ public:
     void limit(const Within& within, TimePoint now, TimePoint end) noexcept {
         begun = now;
         deadline = end;
-        repeatsLeft = effect == Effect::Reads ? within.repeat.reads : within.repeat.writes;
+        const Repeat& most = within.repeat;
+        repeatsLeft = effect == Effect::Reads    ? most.reads
+                      : effect == Effect::Writes ? most.writes
+                                                 : std::min(most.reads, most.writes);
         heals = within.heal;
     }
 

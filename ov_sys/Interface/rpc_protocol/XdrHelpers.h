@@ -95,29 +95,36 @@ void freeElements(XDR* stream, std::size_t count, T* values) {
         Codec<T>::run(stream, values + i);
 }
 
-// xdr_array over a record's pair of count and pointer.
+// xdr_array itself, but for lists that are not to be freed.
 template <class Counted>
-bool_t array(XDR* stream, Counted& member) {
+bool_t plainArray(XDR* stream, Counted& member) {
     auto& [count, values] = member;
     using Element = std::remove_pointer_t<std::remove_reference_t<decltype(values)>>;
-    std::size_t capacity = 0;
-    if (stream->x_op == XDR_DECODE && values == nullptr)
-        return decodeAllocating(stream, count, values);
-    if (stream->x_op != XDR_ENCODE && DecodeGuard::announced(values, capacity)) {
-        if (stream->x_op == XDR_DECODE)
-            return decodeWithin(stream, count, values, capacity);
-        freeElements(stream, std::min<std::size_t>(count, capacity), values);
-        return TRUE;
-    }
     if (stream->x_op == XDR_FREE && isKept(&values))
         return TRUE;
-    if constexpr (std::is_same_v<Element, u_int>)
-        if (stream->x_op == XDR_ENCODE)
-            return encodeWords(stream, count, values);
     char* raw = reinterpret_cast<char*>(values);
     const bool_t done = xdr_array(stream, &raw, &count, ~u_int{0}, sizeof(Element), xdrProcedure<Element>);
     values = reinterpret_cast<Element*>(raw);
     return done;
+}
+
+// xdr_array over a record's pair of count and pointer.
+template <class Counted>
+inline bool_t array(XDR* stream, Counted& member) {
+    auto& [count, values] = member;
+    using Element = std::remove_pointer_t<std::remove_reference_t<decltype(values)>>;
+    std::size_t capacity = 0;
+    if constexpr (std::is_same_v<Element, u_int>)
+        if (stream->x_op == XDR_ENCODE)
+            return encodeWords(stream, count, values);
+    if (stream->x_op == XDR_DECODE && values == nullptr)
+        return decodeAllocating(stream, count, values);
+    if (stream->x_op == XDR_ENCODE || !DecodeGuard::announced(values, capacity))
+        return plainArray(stream, member);
+    if (stream->x_op == XDR_DECODE)
+        return decodeWithin(stream, count, values, capacity);
+    freeElements(stream, std::min<std::size_t>(count, capacity), values);
+    return TRUE;
 }
 
 // xdr_bytes over a record's pair of length and pointer.

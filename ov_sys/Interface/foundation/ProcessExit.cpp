@@ -1,7 +1,7 @@
 #include "ov_sys/Interface/foundation/ProcessExit.h"
 
-#include <cstdlib>
 #include <semaphore.h>
+#include <sys/mman.h>
 
 extern "C" int __cxa_atexit(void (*function)(void*), void* argument, void* library);
 
@@ -9,10 +9,12 @@ namespace Orvane {
 namespace {
 
 // What is registered for no library is called at the exit alone. Function and argument must still be there
-// when the library is not; so the argument is never freed.
+// when the library is not; so the argument has a page of its own, which is never given back.
 sem_t* noticeOfExit() noexcept {
-    auto* const notice = static_cast<sem_t*>(std::malloc(sizeof(sem_t)));
-    if (notice == nullptr || sem_init(notice, 0, 0) != 0)
+    void* const page =
+        mmap(nullptr, sizeof(sem_t), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    auto* const notice = static_cast<sem_t*>(page);
+    if (page == MAP_FAILED || sem_init(notice, 0, 0) != 0)
         return nullptr;
     const auto post = reinterpret_cast<void (*)()>(sem_post);
     __cxa_atexit(reinterpret_cast<void (*)(void*)>(post), notice, nullptr);

@@ -73,7 +73,7 @@ TEST_F(CInterfaceTest, LimitsAreObeyed) {
 
 TEST_F(CInterfaceTest, BatchTellsWhatBecameOfEachOperation) {
     orvane_operation operations[3] = {
-        {kRegister, 1, 5, 0, 0}, {{ORVANE_CLAUSE22, 0, 4}, 0, 0, 0, 0}, {kRegister, 0, 0, 0, 0}};
+        {kRegister, 1, 5, 0, 0}, {{ORVANE_CLAUSE22, 0, 4}, 0, 0, 0, 0}, {kRegister, 1, 0, 0, 0}};
     inject(Fault::Kind::ResultCode, "mdio", "mdio_mixedblock_c22", 1, -5);
     EXPECT_EQ(orvane_phy_run(phy, operations, 3, nullptr, &failure), ORVANE_BOARD_ERROR);
     EXPECT_EQ(operations[0].state, ORVANE_OPERATION_DONE);

@@ -149,9 +149,9 @@ TEST_F(ServicesTest, MdioBusSwitchesAreSent) {
     mdio.flush();
     mdio.setSingleWire(true);
     mdio.setPreambleCount(17);
-    EXPECT_EQ(board.requestsOf("mdio_flushport").at(0).arguments().back(), 3);
-    EXPECT_EQ(board.requestsOf("mdio_singlewire").at(0).arguments()["value"], 1);
-    EXPECT_EQ(board.requestsOf("mdio_setpreamblecount").at(0).arguments()["value"], 17);
+    EXPECT_EQ(argumentsOf(board.requestsOf("mdio_flushport").at(0)).back(), 3);
+    EXPECT_EQ(argumentsOf(board.requestsOf("mdio_singlewire").at(0))["value"], 1);
+    EXPECT_EQ(argumentsOf(board.requestsOf("mdio_setpreamblecount").at(0))["value"], 17);
     inject(Fault::Kind::OverrideWord, "mdio", "mdio_setpreamblecount", 1, 16);
     EXPECT_EQ(failureOf([&] { mdio.setPreambleCount(17); }).kind(), FailureKind::BadReply);
 }

@@ -1,6 +1,5 @@
 #include "ov_sys/Interface/devices/SessionClosing.h"
 
-#include "ov_sys/Interface/connection/BoardConnection.h"
 #include "ov_sys/Interface/foundation/Threads.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
 

@@ -13,6 +13,7 @@
 #include <unistd.h>
 #include <vector>
 
+// NOLINTBEGIN(concurrency-mt-unsafe): to exit beside threads is what it is about
 namespace {
 
 constexpr unsigned kValue = 0xCAFE;
@@ -107,3 +108,4 @@ int main(int argc, char** argv) {
     awaitEndOfInput();
     return 0;
 }
+// NOLINTEND(concurrency-mt-unsafe)

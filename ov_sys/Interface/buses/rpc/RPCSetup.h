@@ -19,8 +19,8 @@ namespace RPC {
 // key that the board gave. Returns the board's key. Blocks and throws as DO_RPC_OPEN.
 ORVANE_API unsigned int openConnection(PhySession& session);
 
-// Tells the board that the session ends and forgets its id. Failures are reported, not thrown. Blocks for the
-// setup client's time-out at most.
+// Tells the board that the session ends and forgets its id. Failures are reported, not thrown. Blocks for 2 s
+// at most, after a call that another thread has under way on the setup client.
 ORVANE_API void closeConnection(PhySession& session);
 
 // Pings the board, session or not; returns the round trip in whole milliseconds. Throws as

@@ -32,30 +32,10 @@ bool readPiece(std::string_view text, MapField& field) {
     return true;
 }
 
-// "15", "15:12" or "13,6": pieces from the most significant on.
 void readBits(std::string_view text, const JsonValue& place, MapField& field, Problems& problems) {
-    field.bits.clear();
-    field.mask = 0;
-    field.width = 0;
-    std::string_view left = text;
-    bool isMore = true;
-    while (isMore) {
-        isMore = left.find(',') != std::string_view::npos;
-        if (readPiece(cutFrom(left, ","), field))
-            continue;
-        problems.add(place,
-                     "'" + printable(text) + "' are no bits: \"15\", \"15:12\" and \"13,6\" are, up to 63");
-        field.bits.clear();
-        return;
-    }
-    for (const MapBits& piece : field.bits) {
-        const unsigned width = piece.high - piece.low + 1U;
-        const std::uint64_t mask = lowBits(width) << piece.low;
-        if ((field.mask & mask) != 0)
-            problems.add(place, "has a bit twice");
-        field.mask |= mask;
-        field.width += width;
-    }
+    std::string problem = takeBits(text, field);
+    if (!problem.empty())
+        problems.add(place, std::move(problem));
 }
 
 void readAccess(std::string_view word, const JsonValue& place, MapField& field, Problems& problems) {
@@ -118,6 +98,30 @@ void readLongForm(const JsonValue& value, const Enumerations& enumerations, MapF
 }
 
 } // namespace
+
+std::string takeBits(std::string_view text, MapField& field) {
+    field.bits.clear();
+    field.mask = 0;
+    field.width = 0;
+    std::string_view left = text;
+    bool isMore = true;
+    while (isMore) {
+        isMore = left.find(',') != std::string_view::npos;
+        if (readPiece(cutFrom(left, ","), field))
+            continue;
+        field.bits.clear();
+        return "'" + printable(text) + R"(' are no bits: "15", "15:12" and "13,6" are, up to 63)";
+    }
+    bool isTwice = false;
+    for (const MapBits& piece : field.bits) {
+        const unsigned width = piece.high - piece.low + 1U;
+        const std::uint64_t mask = lowBits(width) << piece.low;
+        isTwice = isTwice || (field.mask & mask) != 0;
+        field.mask |= mask;
+        field.width += width;
+    }
+    return isTwice ? "has a bit twice" : "";
+}
 
 std::optional<MapAccess> accessOf(std::string_view word) {
     for (const MapAccess each : kAccesses)

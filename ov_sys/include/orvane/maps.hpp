@@ -1,6 +1,6 @@
 /* Register maps: names, fields and meanings of a PHY's registers, for C++17.
  *
- * A map is loaded from a JSON file (docs/maps.md), or built in (RegisterMap::ieee8023()). It knows
+ * A map is loaded from a JSON file (docs/maps.md), imported, or built in (RegisterMap::ieee8023()). It knows
  * nothing of boards: it turns names into addresses and values into text.
  *
  * Names. A register is named by the blocks that it lies in and itself, "AN.STATUS"; an element of an array
@@ -12,7 +12,7 @@
  *
  * Threads. Any thread may use any map, without locks.
  *
- * Errors. Functions throw MapError, and std::bad_alloc; nothing is printed. Only load() reads
+ * Errors. Functions throw MapError, and std::bad_alloc; nothing is printed. Only load() and importFile() read
  * files and may block on them; no other function blocks. */
 #pragma once
 
@@ -236,6 +236,16 @@ struct MapOptions {
                                              // override applies that asks for one
 };
 
+// Where imported registers are put; a CSV table says so itself.
+struct ImportOptions {
+    MapSpace space = MapSpace::ext32;
+    std::uint8_t mmd = 0;   // of c45
+    std::uint32_t base = 0; // added to each address
+    // Bytes of the file for each number of the space, 1 to 8; 0: 1 in ext32, else 2.
+    std::uint32_t addressUnit = 0;
+};
+
+struct ImportedMap;
 struct MapContent;
 
 // A map. A default-constructed one is empty.
@@ -251,6 +261,10 @@ public:
     // The registers of IEEE 802.3: Clause 22 registers 0 to 15 and those of the MMDs of Clause 45. Read once,
     // at the first call.
     static const RegisterMap &ieee8023();
+    // Translates a file of another kind, told by its content or ending: CMSIS-SVD, uHAL address tables (both
+    // XML), CSV. Throws MapError when the file cannot be read at all.
+    static ImportedMap importFile(const std::string &path, const ImportOptions &options = {});
+
     const std::string &name() const noexcept;
     const std::string &text() const noexcept;
     const std::vector<MapIdentifier> &identifiers() const noexcept;
@@ -287,10 +301,23 @@ public:
     // The fields of a register's value, most significant first.
     static std::vector<DecodedField> decode(const MapRegister &reg, std::uint64_t value);
 
+    // The whole map as one file of the source form; includes and overrides are worked in.
+    std::string toJson() const;
+    // A C header of addresses, masks, shifts and values; names begin with PREFIX_.
+    std::string toCHeader(std::string_view prefix) const;
+    // Tables for people.
+    std::string toMarkdown() const;
+
 private:
     explicit RegisterMap(std::shared_ptr<const MapContent> content);
     friend struct MapBuilder;
     std::shared_ptr<const MapContent> content_;
+};
+
+// The outcome of an import.
+struct ImportedMap {
+    RegisterMap map;
+    std::vector<MapProblem> notCarriedOver; // what the file says and the map does not
 };
 
 } // namespace Orvane

@@ -1,0 +1,94 @@
+// Maps written out: as the source form, as a C header, as Markdown.
+#include "tests/support/maps/MapTexts.h"
+
+#include <cstdio>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace OrvaneTest {
+namespace {
+
+using namespace Orvane;
+
+// Everything that a register says.
+std::string describe(const MapRegister& reg) {
+    std::string all = reg.name() + ' ' + reg.address().text() + ' ' + std::to_string(reg.width()) + ' ' +
+                      std::to_string(reg.reset().value_or(7)) + nameOf(reg.access()) + reg.text() +
+                      (reg.isSafeToRead() ? "safe" : "unsafe") +
+                      (reg.page() ? reg.page()->select->name() : "");
+    for (const MapField& field : reg.fields()) {
+        all += '\n' + field.name + ' ' + field.bitsText() + nameOf(field.access) + field.text + field.unit +
+               std::to_string(field.scale) + std::to_string(field.offset) + (field.isSigned ? "signed" : "") +
+               (field.sideEffects ? "effects" : "");
+        for (const MapChoice& choice : field.choices)
+            all += std::to_string(choice.value) + choice.name;
+    }
+    return all;
+}
+
+TEST(Export, ToJsonReadsBackAsTheSameMap) {
+    for (const RegisterMap& map : {RegisterMap::ieee8023(), RegisterMap::load(std::string(ORVANE_MAP_FILES) +
+                                                                              "/accepted/everything.json")}) {
+        const RegisterMap copy = RegisterMap::parse(map.toJson(), "copy");
+        EXPECT_EQ(copy.name(), map.name());
+        EXPECT_EQ(copy.text(), map.text());
+        EXPECT_EQ(copy.identifiers().size(), map.identifiers().size());
+        ASSERT_EQ(copy.size(), map.size());
+        for (std::size_t i = 0; i < map.size(); ++i)
+            EXPECT_EQ(describe(copy.registers()[i]), describe(map.registers()[i]));
+    }
+}
+
+TEST(Export, ToJsonEscapesWhatJsonDoesNotHold) {
+    const RegisterMap map = registerOf(R"("text": "a\"b\\c\u0001d\né")");
+    EXPECT_EQ(RegisterMap::parse(map.toJson()).find("R")->text(), "a\"b\\c\x01"
+                                                                  "d\n\xC3\xA9");
+}
+
+TEST(Export, ToCHeaderHasAddressesMasksShiftsAndValues) {
+    const RegisterMap map =
+        mapOf(R"("registers": {"CTRL": {"at": "30.0xC000", "reset": 64, "text": "Ends */ here", "fields": {
+        "SPEED": {"bits": "6,13", "values": {"0": "10 Mb/s", "2": "1000 Mb/s"}}, "LEVEL": "3:2"}}})");
+    EXPECT_EQ(map.toCHeader("CHIP"), "/* Registers of the map test */\n"
+                                     "#ifndef CHIP_REGISTERS_H\n"
+                                     "#define CHIP_REGISTERS_H\n"
+                                     "\n/* CTRL at 30.0xC000: Ends * / here */\n"
+                                     "#define CHIP_CTRL_MMD 30\n"
+                                     "#define CHIP_CTRL_ADDRESS 0xC000U\n"
+                                     "#define CHIP_CTRL_RESET_VALUE 0x0040U\n"
+                                     "#define CHIP_CTRL_SPEED_MASK 0x2040U\n"
+                                     "#define CHIP_CTRL_SPEED_IS_10_MB_S 0x0000U\n"
+                                     "#define CHIP_CTRL_SPEED_IS_1000_MB_S 0x0040U\n"
+                                     "#define CHIP_CTRL_LEVEL_MASK 0x000CU\n"
+                                     "#define CHIP_CTRL_LEVEL_SHIFT 2\n"
+                                     "\n#endif\n");
+}
+
+TEST(Export, ToCHeaderNeedsAPrefixThatIsAnIdentifier) {
+    EXPECT_THROW(RegisterMap::ieee8023().toCHeader("9x"), MapError);
+    EXPECT_THROW(RegisterMap::ieee8023().toCHeader(""), MapError);
+}
+
+TEST(Export, ToCHeaderOfTheWholeStandardCompiles) {
+    const std::string path = "/tmp/orvane-header-" + std::to_string(getpid()) + ".h";
+    std::ofstream(path) << RegisterMap::ieee8023().toCHeader("IEEE")
+                        << "int holds[IEEE_AN_STATUS_LINK_MASK == 4 && IEEE_PMA_CONTROL1_SPEED_IS_10_GB_S == "
+                           "0x2040 ? 1 : -1];\n";
+    EXPECT_EQ(std::system(("cc -std=c99 -pedantic -Wall -Werror -fsyntax-only -x c " + path).c_str()), 0);
+    std::remove(path.c_str());
+}
+
+TEST(Export, ToMarkdownHasATableForEachRegister) {
+    const RegisterMap map =
+        mapOf(R"("text": "Made up", "registers": {"R": {"at": "7.1", "access": "ro", "reset": 1,
+        "text": "a|b <i>", "fields": {"LINK": "2 latching-low: Up", "M": {"bits": "1:0", "values": {"1": "one"}}}}})");
+    EXPECT_EQ(map.toMarkdown(), "# test\n\nMade up\n\n## R\n\n"
+                                "7.0x0001, 16 bits, ro, reset 0x0001, not read by the way. a\\|b \\<i\\>\n\n"
+                                "| bits | field | access | meaning |\n|---|---|---|---|\n"
+                                "| 2 | LINK | latching-low | Up |\n"
+                                "| 1:0 | M | ro | 1: one |\n");
+}
+
+} // namespace
+} // namespace OrvaneTest

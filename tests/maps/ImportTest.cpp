@@ -1,0 +1,176 @@
+// Files of other kinds made into maps: what arrives, and what is reported as left behind.
+#include "tests/support/maps/MapTexts.h"
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace OrvaneTest {
+namespace {
+
+using namespace Orvane;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+ImportedMap importOf(const std::string& name, const ImportOptions& options = {}) {
+    return RegisterMap::importFile(std::string(ORVANE_MAP_FILES) + "/imported/" + name, options);
+}
+
+std::vector<std::string> reportsOf(const ImportedMap& imported) {
+    std::vector<std::string> reports;
+    for (const MapProblem& each : imported.notCarriedOver)
+        reports.push_back(std::to_string(each.line) + ' ' + each.path + ": " + each.message);
+    return reports;
+}
+
+std::vector<std::string> linesOf(const RegisterMap& map) {
+    std::vector<std::string> lines;
+    for (const MapRegister& each : map.registers())
+        lines.push_back(each.name() + ' ' + each.address().text());
+    return lines;
+}
+
+// What is said of a text that is imported as a file.
+std::string errorOf(const std::string& text) {
+    const std::string path = "/tmp/orvane-import-" + std::to_string(getpid());
+    std::ofstream(path) << text;
+    std::string error = "none";
+    try {
+        RegisterMap::importFile(path);
+    } catch (const MapError& problem) {
+        error = problem.what();
+    }
+    std::filesystem::remove(path);
+    return error.substr(error.find(path) == 0 ? path.size() : 0);
+}
+
+TEST(ImportSvd, PlacesPeripheralsClustersAndArrays) {
+    EXPECT_THAT(linesOf(importOf("board.svd").map),
+                ElementsAre("TIMER0.CTRL ext32:0x80001000", "TIMER0.COUNT ext32:0x80001004",
+                            "TIMER0.MATCH[0] ext32:0x80001010", "TIMER0.MATCH[1] ext32:0x80001014",
+                            "TIMER0.MATCH[2] ext32:0x80001018", "TIMER0.MATCH[3] ext32:0x8000101C",
+                            "TIMER0.PORTA_IN ext32:0x80001020", "TIMER0.PORTB_IN ext32:0x80001024",
+                            "TIMER0.CH[0].LEVEL ext32:0x80001044", "TIMER0.CH[1].LEVEL ext32:0x8000104C",
+                            "TIMER1.CTRL ext32:0x80002000", "TIMER1.COUNT ext32:0x80002004",
+                            "TIMER1.MATCH[0] ext32:0x80002010", "TIMER1.MATCH[1] ext32:0x80002014",
+                            "TIMER1.MATCH[2] ext32:0x80002018", "TIMER1.MATCH[3] ext32:0x8000201C",
+                            "TIMER1.PORTA_IN ext32:0x80002020", "TIMER1.PORTB_IN ext32:0x80002024",
+                            "TIMER1.CH[0].LEVEL ext32:0x80002044", "TIMER1.CH[1].LEVEL ext32:0x8000204C"));
+}
+
+TEST(ImportSvd, CarriesFieldsValuesAndAccessesOver) {
+    const RegisterMap map = importOf("board.svd").map;
+    EXPECT_EQ(map.text(), "A device that nobody makes.");
+    EXPECT_EQ(map.find("TIMER0.CTRL")->reset(), 0x10U);
+    EXPECT_EQ(map.at("TIMER0.CTRL.EN").field->choice(1)->name, "on");
+    EXPECT_EQ(map.at("TIMER0.CTRL.MODE").field->mask, 0x70U);
+    EXPECT_EQ(map.at("TIMER0.CTRL.DONE").field->access, MapAccess::w1c);
+    EXPECT_EQ(map.find("TIMER0.COUNT")->access(), MapAccess::clearOnRead);
+    EXPECT_EQ(map.find("TIMER0.MATCH[1]")->width(), 16U);
+}
+
+TEST(ImportSvd, ReportsWhatIsLeftBehind) {
+    EXPECT_THAT(
+        reportsOf(importOf("board.svd")),
+        ElementsAre("16 TIMER0.CTRL.CLASH: its name or bits are taken or beyond the register; left out",
+                    "42 TIMER0.OTHER: its place at ext32:0x80001000 is taken; left out",
+                    "16 TIMER1.CTRL.CLASH: its name or bits are taken or beyond the register; left out",
+                    "42 TIMER1.OTHER: its place at ext32:0x80002000 is taken; left out",
+                    "50 LOOP: is derived over more than 8 others, or from itself",
+                    "0 : element alternateRegister: 2 not carried over",
+                    "0 : element cpu: 1 not carried over", "0 : element interrupt: 2 not carried over",
+                    "0 : enumerated values without one value and name of their own: 2 not carried over"));
+}
+
+TEST(ImportUhal, PlacesNodesByWordsAndMakesMasksFields) {
+    const ImportedMap imported = importOf("board.xml");
+    const RegisterMap& map = imported.map;
+    EXPECT_EQ(map.find("CTRL.REG")->address().text(), "ext32:0x00004000");
+    EXPECT_EQ(map.at("CTRL.REG.ENABLE").field->text, "Runs");
+    EXPECT_EQ(map.at("CTRL.REG.SPEED").field->bitsText(), "13,6");
+    EXPECT_EQ(map.at("CTRL.REG.SPEED").field->access, MapAccess::ro);
+    EXPECT_EQ(map.find("CTRL.COUNT")->address().text(), "ext32:0x00004004");
+    EXPECT_EQ(map.find("MEMORY[15]")->address().text(), "ext32:0x0000803C");
+    EXPECT_EQ(map.find("QUEUE")->access(), MapAccess::wo);
+    EXPECT_FALSE(map.find("QUEUE")->isSafeToRead());
+    EXPECT_THAT(reportsOf(imported),
+                ElementsAre("11 QUEUE: is a port of 64 words; it became one register",
+                            "12 ELSEWHERE: the file 'file://other.xml' is not followed; import it by itself",
+                            "13 TWICE: its place at ext32:0x00004000 is taken; left out",
+                            "0 : attribute fwinfo: 1 not carried over"));
+}
+
+TEST(ImportUhal, LeavesOutWhatIsTooWideForTheSpaceThatIsAskedFor) {
+    ImportOptions options;
+    options.space = MapSpace::c45;
+    options.mmd = 30;
+    options.addressUnit = 4;
+    EXPECT_EQ(importOf("board.xml", options).map.find("CTRL.REG"), nullptr)
+        << "a register of 32 bits in Clause 45";
+}
+
+TEST(ImportSvd, PutsRegistersIntoTheSpaceThatIsAskedFor) {
+    ImportOptions options;
+    options.space = MapSpace::smbus;
+    options.addressUnit = 4;
+    EXPECT_EQ(importOf("board.svd", options).map.find("TIMER0.MATCH[1]")->address().text(),
+              "smbus:0x20000405");
+}
+
+TEST(ImportCsv, ReadsRegistersAndTheirFields) {
+    const ImportedMap imported = importOf("board.csv");
+    const RegisterMap& map = imported.map;
+    ASSERT_EQ(map.size(), 2U);
+    EXPECT_EQ(map.find("VEND1.CONTROL")->text(), "Control, of \"all\"");
+    EXPECT_EQ(map.find("VEND1.CONTROL")->reset(), 0x40U);
+    EXPECT_EQ(map.at("VEND1.CONTROL.RESET").field->access, MapAccess::selfClearing);
+    EXPECT_EQ(map.at("VEND1.CONTROL.SPEED").field->bitsText(), "6,13");
+    EXPECT_EQ(map.at("VEND1.CONTROL.SPEED").field->choice(2)->name, "fast");
+    EXPECT_EQ(map.find(MapAddress::parse("c22:20"))->access(), MapAccess::clearOnRead);
+    EXPECT_THAT(reportsOf(imported),
+                ElementsAre("4 VEND1.CONTROL.SPEED: '9=wrong' is no value of it; left out",
+                            "6 BAD: 'nowhere' is no address; left out",
+                            "0 : column owner: 1 not carried over"));
+}
+
+TEST(Import, RefusesWhatItDoesNotKnow) {
+    EXPECT_THAT(errorOf("{}"), HasSubstr("is a map already: load it"));
+    EXPECT_THAT(errorOf("<html></html>"), HasSubstr("is neither CMSIS-SVD nor an address table of uHAL"));
+    EXPECT_THAT(errorOf("<device><name>"), HasSubstr("is no XML: "));
+    EXPECT_THAT(errorOf("a,b\n1,2\n"), HasSubstr("is no table of registers"));
+    EXPECT_THAT(errorOf(""), HasSubstr("is no table of registers"));
+}
+
+TEST(Import, RefusesDocumentTypesWithTheirEntities) {
+    EXPECT_THAT(errorOf("<?xml version=\"1.0\"?>\n<!DOCTYPE d [<!ENTITY a \"aaaa\"><!ENTITY b "
+                        "\"&a;&a;\">]>\n<device>&b;</device>"),
+                HasSubstr(":2: has a document type"));
+}
+
+std::string times(const std::string& piece, std::size_t count) {
+    std::string all;
+    for (std::size_t i = 0; i < count; ++i)
+        all += piece;
+    return all;
+}
+
+TEST(Import, EndsOnHostileXml) {
+    EXPECT_THAT(errorOf("<device>" + times("<a/>", 250000)),
+                HasSubstr("more elements and attributes than 200000"));
+    EXPECT_THAT(errorOf("<node>" + times("<node id='a'>", 60000) + times("</node>", 60000) + "</node>"),
+                "none");
+    EXPECT_THAT(errorOf("<device><peripherals><peripheral><name>P</name><registers><register><name>R%s</name>"
+                        "<dim>1000000000</dim></register></registers></peripheral></peripherals></device>"),
+                "none");
+    const std::string cluster = "<cluster><name>C[%s]</name><dim>1000</dim><dimIncrement>4</dimIncrement>";
+    EXPECT_THAT(errorOf("<device><peripherals><peripheral><name>P</name><registers>" + times(cluster, 7) +
+                        "<register><name>R</name></register>" + times("</cluster>", 7) +
+                        "</registers></peripheral></peripherals></device>"),
+                HasSubstr("becomes more than a map may have"));
+}
+
+} // namespace
+} // namespace OrvaneTest

@@ -8,7 +8,7 @@ is treated as the HTML comment in front of it says (CONTRIBUTING.md, "Documentat
 
     (none)            sh: runs in a lab with two boards; c, cpp: compiles and runs there
     <!-- frame: F --> c, cpp: a fragment; it stands where tests/docs/frames/F says SAMPLE
-    <!-- file: F -->  is written to the file F, for blocks that follow
+    <!-- file: F -->  is written to the file F, for blocks that follow; so are blocks of other languages
     <!-- example: F --> is the file examples/tasks/F, which has a test of its own
     <!-- run: source --> sh: runs at the root of the source tree, outside a lab
     <!-- run: skip (why) --> is not run
@@ -111,7 +111,7 @@ class Page:
     def treat(self, block):
         if "prints" in block.marks:
             self.compare(block)
-        elif block.language in RUNNABLE:
+        elif block.language in RUNNABLE or "file" in block.marks:
             self.printed = None
             self.treat_sample(block)
 

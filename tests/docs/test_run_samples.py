@@ -66,6 +66,10 @@ class Samples(unittest.TestCase):
         counts = self.run_page("<!-- file: a.txt -->\n```yaml\nkey: 1\n```\n```sh\ngrep -q key: a.txt\n```\n")
         self.assertEqual(counts["run"], 1)
 
+    def test_a_file_of_a_language_that_is_not_run_is_there_too(self):
+        counts = self.run_page("<!-- file: a.json -->\n```json\n{}\n```\n```sh\ngrep -q {} a.json\n```\n")
+        self.assertEqual(counts["run"], 1)
+
 
 if __name__ == "__main__":
     unittest.main()

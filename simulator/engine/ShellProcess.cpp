@@ -50,7 +50,7 @@ bool becomeNobody() {
     ::setpgid(0, 0);
     sigset_t none;
     ::sigemptyset(&none);
-    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    ::pthread_sigmask(SIG_SETMASK, &none, nullptr);
     const int input = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
     if (::dup2(input, STDIN_FILENO) < 0 || ::dup2(output, STDOUT_FILENO) < 0 ||
         ::dup2(errors, STDERR_FILENO) < 0)

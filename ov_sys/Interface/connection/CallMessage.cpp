@@ -57,11 +57,6 @@ std::size_t CallMessage::encodeTo(char* buffer, std::size_t capacity) const {
     return encode_(&stream, argument_) ? sizeof header + XDR_GETPOS(&stream) : 0;
 }
 
-bool CallMessage::isAnsweredBy(const char* message, std::size_t length) const noexcept {
-    const std::uint32_t id = wire(id_);
-    return length >= sizeof id && std::memcmp(message, &id, sizeof id) == 0;
-}
-
 clnt_stat CallMessage::decodeFrom(char* message, std::size_t length, rpc_err& error) const {
     XDR stream;
     xdrmem_create(&stream, message, static_cast<u_int>(length), XDR_DECODE);

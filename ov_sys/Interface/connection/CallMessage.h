@@ -1,8 +1,10 @@
 // One RPC call as bytes: the request that is sent, and what its reply says.
 #pragma once
 
+#include <arpa/inet.h>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <rpc/rpc.h>
 
 namespace Orvane {
@@ -33,7 +35,10 @@ public:
     std::size_t encodeTo(char* buffer, std::size_t capacity) const;
 
     // Whether a message is long enough for a transaction id, and has this call's.
-    bool isAnsweredBy(const char* message, std::size_t length) const noexcept;
+    bool isAnsweredBy(const char* message, std::size_t length) const noexcept {
+        const std::uint32_t id = htonl(id_);
+        return length >= sizeof id && std::memcmp(message, &id, sizeof id) == 0;
+    }
 
     // Reads the reply: the outcome, with its details in `error`; the result is decoded only after
     // RPC_SUCCESS, and with RPC_CANTDECODERES perhaps in part.

@@ -94,7 +94,7 @@ bool RPCHandle::getTimeout(timeval& timeout) const noexcept {
     return set != kNoTimeout;
 }
 
-std::int64_t RPCHandle::timeoutOr(std::int64_t fallback) const noexcept {
+inline std::int64_t RPCHandle::timeoutOr(std::int64_t fallback) const noexcept {
     const std::int64_t set = timeout_;
     return set == kNoTimeout ? fallback : set;
 }

@@ -1,5 +1,5 @@
 // Rows as text, JSON and CSV, with hostile text in them.
-#include "tools/orvane/shared/Table.h"
+#include "tools/orvane/output/Table.h"
 
 #include "ov_sys/Interface/foundation/FileDescriptor.h"
 

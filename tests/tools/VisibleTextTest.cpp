@@ -1,5 +1,5 @@
 // Text that may hold anything, made visible.
-#include "tools/orvane/shared/VisibleText.h"
+#include "tools/orvane/output/VisibleText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // orvane: boards and their PHYs from the command line.
-#include "tools/orvane/shared/Device.h"
-#include "tools/orvane/shared/HelpFormatter.h"
+#include "tools/orvane/board/Device.h"
+#include "tools/orvane/cli/HelpFormatter.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <array>

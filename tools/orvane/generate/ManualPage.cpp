@@ -1,6 +1,6 @@
 #include "tools/orvane/generate/Generate.h"
 
-#include "tools/orvane/shared/HelpFormatter.h"
+#include "tools/orvane/cli/HelpFormatter.h"
 
 #include <fmt/format.h>
 #include <sstream>

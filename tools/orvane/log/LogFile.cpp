@@ -1,6 +1,6 @@
 #include "tools/orvane/log/LogFile.h"
 
-#include "tools/orvane/shared/Errors.h"
+#include "tools/orvane/output/Errors.h"
 
 #include <algorithm>
 #include <cctype>

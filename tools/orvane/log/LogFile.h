@@ -1,7 +1,7 @@
 // Transaction logs of the library.
 #pragma once
 
-#include "tools/orvane/shared/RegisterAddress.h"
+#include "tools/orvane/board/RegisterAddress.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,6 +1,6 @@
 // orvane adc: captures of a board's analogue inputs.
-#include "tools/orvane/shared/Numbers.h"
-#include "tools/orvane/shared/Service.h"
+#include "tools/orvane/board/Numbers.h"
+#include "tools/orvane/cli/Service.h"
 #include "tools/orvane/verbs/Capture.h"
 #include "tools/orvane/verbs/Verbs.h"
 

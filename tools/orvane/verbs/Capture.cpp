@@ -1,8 +1,8 @@
 #include "tools/orvane/verbs/Capture.h"
 
-#include "tools/orvane/shared/Numbers.h"
-#include "tools/orvane/shared/Plot.h"
-#include "tools/orvane/shared/Service.h"
+#include "tools/orvane/board/Numbers.h"
+#include "tools/orvane/cli/Service.h"
+#include "tools/orvane/output/Plot.h"
 
 #include <cerrno>
 #include <cmath>

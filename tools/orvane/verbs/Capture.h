@@ -1,7 +1,7 @@
 // orvane adc capture: a whole capture, drawn and saved.
 #pragma once
 
-#include "tools/orvane/shared/Verb.h"
+#include "tools/orvane/cli/Verb.h"
 
 namespace OrvaneTool {
 

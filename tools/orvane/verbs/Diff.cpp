@@ -1,7 +1,7 @@
 // orvane diff: two dumps, or a dump and a PHY as it is now.
-#include "tools/orvane/shared/Bits.h"
-#include "tools/orvane/shared/DumpFile.h"
-#include "tools/orvane/shared/RegisterOptions.h"
+#include "tools/orvane/board/Bits.h"
+#include "tools/orvane/board/DumpFile.h"
+#include "tools/orvane/cli/RegisterOptions.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <fmt/format.h>

@@ -1,7 +1,7 @@
 // orvane dump: many registers into a file.
-#include "tools/orvane/shared/DumpFile.h"
-#include "tools/orvane/shared/Progress.h"
-#include "tools/orvane/shared/RegisterOptions.h"
+#include "tools/orvane/board/DumpFile.h"
+#include "tools/orvane/cli/RegisterOptions.h"
+#include "tools/orvane/output/Progress.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 // orvane exec: a command on the board.
-#include "tools/orvane/shared/Service.h"
+#include "tools/orvane/board/OpenSessions.h"
+#include "tools/orvane/cli/Service.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <chrono>

@@ -1,6 +1,6 @@
 // orvane generate: manual page and shell completion, made from the definitions that --help shows.
 #include "tools/orvane/generate/Generate.h"
-#include "tools/orvane/shared/Errors.h"
+#include "tools/orvane/output/Errors.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 namespace OrvaneTool {

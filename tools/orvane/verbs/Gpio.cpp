@@ -1,6 +1,6 @@
 // orvane gpio: a board's general-purpose lines.
-#include "tools/orvane/shared/Numbers.h"
-#include "tools/orvane/shared/Service.h"
+#include "tools/orvane/board/Numbers.h"
+#include "tools/orvane/cli/Service.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <array>

@@ -1,6 +1,6 @@
 // orvane i2c: devices on a board's I2C buses.
-#include "tools/orvane/shared/Numbers.h"
-#include "tools/orvane/shared/Service.h"
+#include "tools/orvane/board/Numbers.h"
+#include "tools/orvane/cli/Service.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // orvane info: what there is to know about one device.
 #include "ov_sys/Interface/connection/BoardConnection.h"
-#include "tools/orvane/shared/Bits.h"
-#include "tools/orvane/shared/RegisterOptions.h"
+#include "tools/orvane/board/Bits.h"
+#include "tools/orvane/cli/RegisterOptions.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <array>

@@ -1,5 +1,5 @@
 // orvane jtag: a board's JTAG chain.
-#include "tools/orvane/shared/Service.h"
+#include "tools/orvane/cli/Service.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <array>

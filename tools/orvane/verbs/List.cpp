@@ -1,5 +1,5 @@
 // orvane list: the devices of the boards.
-#include "tools/orvane/shared/Device.h"
+#include "tools/orvane/board/Device.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <fmt/format.h>

@@ -1,6 +1,6 @@
 // orvane log: what is in a transaction log.
 #include "tools/orvane/log/HtmlReport.h"
-#include "tools/orvane/shared/Errors.h"
+#include "tools/orvane/output/Errors.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <algorithm>

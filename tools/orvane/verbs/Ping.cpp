@@ -1,5 +1,5 @@
 // orvane ping: round trips to a board's keep-alive service.
-#include "tools/orvane/shared/Device.h"
+#include "tools/orvane/board/Device.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 // orvane read: register values.
-#include "tools/orvane/shared/Bits.h"
-#include "tools/orvane/shared/RegisterOptions.h"
+#include "tools/orvane/board/Bits.h"
+#include "tools/orvane/cli/RegisterOptions.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <fmt/format.h>

@@ -1,6 +1,6 @@
 // orvane replay: the accesses of a transaction log once more.
+#include "tools/orvane/cli/RegisterOptions.h"
 #include "tools/orvane/log/LogFile.h"
-#include "tools/orvane/shared/RegisterOptions.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <fmt/format.h>

@@ -1,6 +1,6 @@
 // orvane thermal: a board's temperature forcing unit.
-#include "tools/orvane/shared/Numbers.h"
-#include "tools/orvane/shared/Service.h"
+#include "tools/orvane/board/Numbers.h"
+#include "tools/orvane/cli/Service.h"
 #include "tools/orvane/verbs/ThermalWatch.h"
 #include "tools/orvane/verbs/Verbs.h"
 

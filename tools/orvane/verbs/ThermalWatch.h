@@ -1,7 +1,7 @@
 // orvane thermal watch: a temperature on its way to a set point.
 #pragma once
 
-#include "tools/orvane/shared/Verb.h"
+#include "tools/orvane/cli/Verb.h"
 
 namespace OrvaneTool {
 

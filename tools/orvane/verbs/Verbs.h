@@ -2,7 +2,7 @@
 // action.
 #pragma once
 
-#include "tools/orvane/shared/Verb.h"
+#include "tools/orvane/cli/Verb.h"
 
 namespace OrvaneTool {
 

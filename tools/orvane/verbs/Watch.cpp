@@ -1,6 +1,6 @@
 // orvane watch: registers as they change.
-#include "tools/orvane/shared/Bits.h"
-#include "tools/orvane/shared/RegisterOptions.h"
+#include "tools/orvane/board/Bits.h"
+#include "tools/orvane/cli/RegisterOptions.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <chrono>

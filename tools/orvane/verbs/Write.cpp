@@ -1,7 +1,7 @@
 // orvane write: values into registers.
-#include "tools/orvane/shared/Bits.h"
-#include "tools/orvane/shared/Numbers.h"
-#include "tools/orvane/shared/RegisterOptions.h"
+#include "tools/orvane/board/Bits.h"
+#include "tools/orvane/board/Numbers.h"
+#include "tools/orvane/cli/RegisterOptions.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <fmt/format.h>

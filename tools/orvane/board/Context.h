@@ -1,0 +1,42 @@
+// What every command has at hand.
+#pragma once
+
+#include "tools/orvane/board/Interrupts.h"
+#include "tools/orvane/board/LibraryMessages.h"
+#include "tools/orvane/output/Console.h"
+#include "tools/orvane/output/Table.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace OrvaneTool {
+
+// Belongs to the main thread. Options are filled in by the parser before `action` runs.
+class Context {
+public:
+    Context() : console{Stream(messages.out()), Stream(messages.err())} {}
+
+    LibraryMessages messages;
+    Console console;
+
+    std::vector<std::string> addresses; // of boards, to be asked instead of a multicast
+    bool verbose = false;
+    bool json = false;
+    bool csv = false;
+    Format format() const { return json ? Format::Json : csv ? Format::Csv : Format::Text; }
+
+    std::function<int()> action; // of the verb that was given; returns the exit status
+
+    // Must be called before the library is used, which may start threads; signals are watched from then on.
+    Interrupts& interrupts();
+
+    // What the library wrote since the last call; with --verbose it is shown as well.
+    std::string libraryLines();
+
+private:
+    std::unique_ptr<Interrupts> interrupts_;
+};
+
+} // namespace OrvaneTool

@@ -1,0 +1,36 @@
+// The options that every verb on registers has.
+#pragma once
+
+#include "tools/orvane/board/Registers.h"
+#include "tools/orvane/cli/Verb.h"
+
+#include <string>
+
+namespace OrvaneTool {
+
+struct RegisterOptions {
+    std::string device;
+    unsigned phy = 0;
+    bool c22 = false;
+    bool ext32 = false;
+    bool routed = false;
+    bool direct = false;
+    unsigned step = 0; // 0: the space's own
+
+    Space space() const { return c22 ? Space::C22 : ext32 ? Space::Ext32 : Space::C45; }
+    Way way() const { return routed ? Way::Routed : Way::Queued; }
+    // Distance of neighbouring registers in a range: words of 4 bytes in the 32-bit extension.
+    std::uint32_t distance() const { return step > 0 ? step : ext32 ? 4 : 1; }
+    std::vector<Register> registers(const std::vector<std::string>& texts) const {
+        return parseRegisters(texts, space(), distance());
+    }
+};
+
+// The arguments DEVICE and PHY, and the options for how registers are named and reached.
+void addRegisterOptions(CLI::App& verb, Context& context, RegisterOptions& options);
+
+// Of those, the register space alone, and the PHY.
+void addSpaceOptions(CLI::App& verb, RegisterOptions& options);
+void addPhy(CLI::App& verb, unsigned& phy);
+
+} // namespace OrvaneTool

@@ -1,0 +1,73 @@
+#include "tools/orvane/cli/Service.h"
+
+#include "tools/orvane/board/Numbers.h"
+
+#include <fmt/format.h>
+
+namespace OrvaneTool {
+
+ServiceCall::ServiceCall(Context& context, const ServiceOptions& options, std::string operation)
+    : options_(options),
+      device_(context, options.device),
+      session_(device_.session(options.phy)),
+      operation_(fmt::format("{}{}{}", operation, options.words.empty() ? "" : " ",
+                             fmt::join(options.words, " "))) {}
+
+std::string ServiceCall::word(std::size_t place, const char* fallback) const {
+    return place < words().size() ? words()[place] : fallback;
+}
+
+CLI::App& addService(CLI::App& app, const VerbText& text) {
+    return addVerb(app, text);
+}
+
+void addServiceOptions(CLI::App& verb, Context& context, ServiceOptions& options) {
+    addDevice(verb, options.device);
+    verb.add_option("--phy", options.phy, "PHY whose session is used (0)")
+        ->type_name("PHY")
+        ->check(CLI::Range(0U, 127U).description(""));
+    addBoardOptions(verb, context);
+}
+
+void addOperation(CLI::App& service, Context& context, const Operation& operation) {
+    CLI::App& verb = addVerb(service, {operation.name, operation.summary, ""});
+    auto options = std::make_shared<ServiceOptions>();
+    addServiceOptions(verb, context, *options);
+    if (operation.most > 0) {
+        CLI::Option* words = verb.add_option(operation.arguments, options->words, "")
+                                 ->type_name("")
+                                 ->expected(operation.least, operation.most);
+        words->required(operation.least > 0);
+    }
+    const std::string name = service.get_name() + " " + operation.name;
+    setAction(verb, context, options,
+              [name, run = operation.run](Context& called, const ServiceOptions& given) {
+                  ServiceCall call(called, given, name);
+                  run(call);
+                  return kSuccess;
+              });
+}
+
+Pairs pairsOf(const std::vector<std::string>& words, bool loneAllowed) {
+    Pairs pairs;
+    for (const std::string& word : words) {
+        const std::size_t sign = word.find('=');
+        const bool lone = sign == std::string::npos;
+        if (lone && !loneAllowed)
+            throw UsageError(fmt::format("'{}' has no level: it is LINE=0 or LINE=1", word));
+        pairs.names.push_back(numberAs<unsigned char>(word.substr(0, sign), 255, "the line"));
+        pairs.levels.push_back(lone ? std::uint8_t{0}
+                                    : numberAs<unsigned char>(word.substr(sign + 1), 1, "the level"));
+        pairs.lonely.push_back(lone ? 1 : 0);
+    }
+    return pairs;
+}
+
+std::string bytesText(const std::vector<unsigned char>& bytes) {
+    std::string text;
+    for (const unsigned char byte : bytes)
+        text += fmt::format("{}0x{:02X}", text.empty() ? "" : " ", byte);
+    return text;
+}
+
+} // namespace OrvaneTool

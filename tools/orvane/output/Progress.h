@@ -1,0 +1,49 @@
+// Signs of life on a terminal: a spinner while something runs, a bar for what has a length.
+#pragma once
+
+#include "tools/orvane/output/Console.h"
+
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace OrvaneTool {
+
+// Turns on the stream while it lives, and leaves the line empty; does nothing when that is no terminal.
+// Nobody else may write to the stream meanwhile.
+class Spinner {
+public:
+    Spinner(Stream& stream, const std::string& text);
+    ~Spinner();
+    Spinner(const Spinner&) = delete;
+    Spinner& operator=(const Spinner&) = delete;
+
+private:
+    void turn();
+
+    Stream& stream_;
+    std::string text_;
+    std::mutex mutex_; // guards `done_`
+    std::condition_variable ended_;
+    bool done_ = false;
+    std::thread thread_;
+};
+
+// A bar of `total` steps; does nothing when the stream is no terminal. Leaves the line empty in the end.
+class ProgressBar {
+public:
+    ProgressBar(Stream& stream, const std::string& text, std::size_t total);
+    ~ProgressBar();
+    ProgressBar(const ProgressBar&) = delete;
+    ProgressBar& operator=(const ProgressBar&) = delete;
+
+    void show(std::size_t done);
+
+private:
+    Stream& stream_;
+    std::string text_;
+    std::size_t total_;
+};
+
+} // namespace OrvaneTool

@@ -1,7 +1,10 @@
 // orvane log.
 #include "tests/support/tools/Program.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <fmt/format.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <orvane/orvane.h>
 
@@ -124,6 +127,83 @@ TEST(OrvaneLogOfAnything, IsNotesWhereItIsNoRecord) {
                      "note: 99999999999,3,MR,01,0002,0003\n"
                      "ADAPTER  PHY  ADDRESS   READS  WRITES  CHANGES  FIRST READ  LAST READ\n"
                      "      0    3  1.0x0002      1       0        0  0x0003      0x0003\n"));
+}
+
+TEST(OrvaneLogOfAnything, HasLongLinesAsSeveralNotes) {
+    const Folder folder;
+    const std::string log = folder.write("odd", std::string(300'000, 'x') + "\n0,3,MR,01,0002,0003\n");
+    const Outcome outcome = orvane({"log", log});
+    const std::string notes =
+        "note: " + std::string(262'144, 'x') + "\nnote: " + std::string(37'856, 'x') + "\n";
+    EXPECT_THAT(outcome.output, testing::StartsWith("1 accesses: 1 reads, 0 writes, 1 registers\n" + notes));
+}
+
+// More queued reads, and more accesses, than are kept in memory or fit a page; every value is another one
+// than the one before.
+struct OrvaneLongLog : testing::Test {
+    static constexpr unsigned kReads = 1'100'000;
+
+    static std::string blockOfReads() {
+        std::string text = "0,4,MR,01,0003,0004\n";
+        for (unsigned i = 0; i < kReads; ++i)
+            text += "0,3,AR,01,0002,\n";
+        for (unsigned i = 0; i < kReads; ++i)
+            text += fmt::format("0,3,AF,,,{:04X}\n", i & 0xFFFFU);
+        return text;
+    }
+
+    // What the program prints in so much address space, on both streams.
+    static std::string inMegabytes(unsigned megabytes, const std::string& words) {
+        return shellOutput(fmt::format("ulimit -v {}; $ORVANE_TOOL {} 2>&1", megabytes * 1024, words));
+    }
+    // A sanitizer has its own address space beside the program's.
+    static bool canBeLimited() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+        return false;
+#elif defined(__has_feature)
+        return !__has_feature(address_sanitizer) && !__has_feature(thread_sanitizer);
+#else
+        return true;
+#endif
+    }
+    void SetUp() override {
+        if (!canBeLimited())
+            GTEST_SKIP() << "a sanitizer takes all the address space";
+    }
+
+    Folder folder;
+    const std::string log = folder.write("long.csv", blockOfReads());
+};
+
+TEST_F(OrvaneLongLog, IsSummedUpInMemoryThatDoesNotGrowWithIt) {
+    const std::string table = "adapter,phy,address,reads,writes,changes,first,last\n"
+                              "0,3,1.0x0002,1100000,0,1099999,0x0000,0xC8DF\n"
+                              "0,4,1.0x0003,1,0,0,0x0004,0x0004\n";
+    EXPECT_EQ(inMegabytes(128, "log --csv " + log), table);
+    EXPECT_EQ(shellOutput("cat " + log + " | $ORVANE_TOOL log --csv /dev/stdin"), table);
+}
+
+TEST_F(OrvaneLongLog, HasTheWholeHistoryOfARegister) {
+    const std::string history = inMegabytes(128, "log --csv --register 1.2 " + log);
+    EXPECT_EQ(std::count(history.begin(), history.end(), '\n'), kReads + 1);
+    EXPECT_THAT(history, testing::EndsWith("\n1100001,0,3,queued read,0xC8DF,0x0001\n"));
+}
+
+TEST_F(OrvaneLongLog, IsAReportThatSaysWhatIsLeftOut) {
+    const std::string page = folder.path("report.html");
+    EXPECT_EQ(inMegabytes(128, "log " + log + " --html " + page),
+              "orvane: " + page +
+                  ": the log is too long for one page: of each register it has the first 500000 and the last "
+                  "499999 accesses; all are counted\n");
+    const std::string content = folder.content("report.html");
+    EXPECT_THAT(content, testing::HasSubstr(R"("accesses":[[0,0,"0x0004"],[0,1,"0x0000"],[0,1,"0x0001"],)"));
+    EXPECT_THAT(content,
+                testing::HasSubstr(R"([0,1,"0xC8DF"]],"registers":[{"adapter":0,"phy":3,)"
+                                   R"("address":"1.0x0002","reads":1100000,"writes":0,)"
+                                   R"("changes":1099999,"first":"0x0000","last":"0xC8DF","at":[1,2,)"));
+    EXPECT_THAT(content, testing::HasSubstr(R"(,500000,600002,600003,)"));
+    EXPECT_THAT(content,
+                testing::HasSubstr(R"("of":{"accesses":1100001,"writes":0,"queued":1100000,"each":999999})"));
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 // The page that orvane log --html writes, as a browser shows it.
 #include "tests/support/tools/Program.h"
 
-#include <cstdio>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -15,15 +14,6 @@ using testing::StartsWith;
 constexpr const char* kLog = "0,3,MW,1E,C010,CAFE\n0,3,MR,1E,C010,CAFE\n0,3,MR,1E,C010,CAFF\n"
                              "0,4,MR,01,0002,0A5C\n0,3,MW,80004000,DEADBEEF\nlink <b>up</b> </script>\n";
 
-std::string outputOf(const std::string& command) {
-    FILE* pipe = ::popen(command.c_str(), "r");
-    std::string output;
-    for (int each = std::fgetc(pipe); each != EOF; each = std::fgetc(pipe))
-        output += static_cast<char>(each);
-    ::pclose(pipe);
-    return output;
-}
-
 struct OrvaneReport : testing::Test {
     Folder folder;
 
@@ -34,16 +24,16 @@ struct OrvaneReport : testing::Test {
 
     // Runs the browser, which is in the test's private network as well.
     std::string browse(const std::string& what) const {
-        return outputOf("timeout 100 chromium --headless --no-sandbox --disable-gpu --no-first-run"
-                        " --disable-background-networking --disable-component-update --disable-sync"
-                        " --user-data-dir=" +
-                        folder.path("profile") + " " + what + " file://" + folder.path("report.html") +
-                        " 2>/dev/null");
+        return shellOutput("timeout 100 chromium --headless --no-sandbox --disable-gpu --no-first-run"
+                           " --disable-background-networking --disable-component-update --disable-sync"
+                           " --user-data-dir=" +
+                           folder.path("profile") + " " + what + " file://" + folder.path("report.html") +
+                           " 2>/dev/null");
     }
 };
 
 #define NEEDS_CHROMIUM()                                                                                     \
-    if (outputOf("command -v chromium").empty())                                                             \
+    if (shellOutput("command -v chromium").empty())                                                          \
     GTEST_SKIP() << "the Debian package chromium is not installed"
 
 TEST_F(OrvaneReport, ReferencesNothingOutsideItself) {

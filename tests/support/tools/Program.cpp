@@ -3,6 +3,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
@@ -144,6 +145,16 @@ Outcome orvane(const Arguments& arguments, const Environment& environment) {
 
 Outcome orvaneOnTerminal(const Arguments& arguments, const Environment& environment) {
     return Program(arguments, environment, Program::Streams::Terminal).finish();
+}
+
+std::string shellOutput(const std::string& command) {
+    FILE* pipe = ::popen(("ORVANE_TOOL=" ORVANE_TOOL "\n" + command).c_str(), "r");
+    std::string output;
+    std::array<char, 65536> room{};
+    while (const std::size_t count = std::fread(room.data(), 1, room.size(), pipe))
+        output.append(room.data(), count);
+    ::pclose(pipe);
+    return output;
 }
 
 Outcome prints(const std::string& output) {

@@ -53,6 +53,9 @@ private:
 Outcome orvane(const Arguments& arguments, const Environment& environment = {});
 Outcome orvaneOnTerminal(const Arguments& arguments, const Environment& environment = {});
 
+// What a shell command prints. ORVANE_TOOL is the program's path in it.
+std::string shellOutput(const std::string& command);
+
 // The outcomes of a success and of a failure.
 Outcome prints(const std::string& output);
 Outcome fails(int status, const std::string& error, const std::string& output = "");

@@ -1,6 +1,11 @@
 #include "tools/orvane/log/HtmlReport.h"
 
+#include <algorithm>
+#include <array>
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
+#include <string_view>
+#include <vector>
 
 namespace OrvaneTool {
 
@@ -9,48 +14,147 @@ extern const char* const kReportPage;
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+constexpr std::size_t kMostNoteBytes = std::size_t{4} * 1024 * 1024;
+constexpr std::size_t kBars = 120; // of the picture of the activity
 
-Json accessesOf(const LogFile& log) {
-    Json list = Json::array();
-    for (const LoggedAccess& access : log.accesses)
-        list.push_back(
-            {access.write ? 1 : 0, access.queued ? 1 : 0, access.value ? Json(access.valueText()) : Json()});
-    return list;
+// JSON text. Nothing in it may end the script element that it stands in.
+std::string quoted(std::string_view text) {
+    std::string json = nlohmann::json(text).dump(-1, ' ', true, nlohmann::json::error_handler_t::replace);
+    for (std::size_t found = 0; (found = json.find('<', found)) != std::string::npos;)
+        json.replace(found, 1, "\\u003c");
+    return json;
 }
 
-Json registersOf(const std::vector<RegisterHistory>& histories) {
-    Json list = Json::array();
-    for (const RegisterHistory& each : histories)
-        list.push_back({{"adapter", each.adapter},
-                        {"phy", each.phy},
-                        {"address", each.reg.text()},
-                        {"reads", each.reads},
-                        {"writes", each.writes},
-                        {"changes", each.changes},
-                        {"first", each.first},
-                        {"last", each.last},
-                        {"at", each.accesses}});
-    return list;
+template <class List>
+std::string listed(const List& list) {
+    return fmt::format("[{}]", fmt::join(list, ","));
 }
+
+class Report {
+public:
+    Report(std::ostream& page, const LogFile& log, const Selection& selection, const LogSummary& summary)
+        : page_(page), log_(log), selection_(selection), summary_(summary), limits_(limitsFor(summary)) {}
+
+    void write(const std::string& title) {
+        page_ << "{\"title\":" << quoted(title) << ",\"accesses\":[";
+        writeAccesses();
+        page_ << "],\"registers\":[";
+        writeRegisters();
+        page_ << "],\"configuration\":" << log_.configurationAccesses() << ",\"stray\":" << log_.strayValues()
+              << ",\"notes\":[";
+        writeNotes();
+        if (limits_.thinned)
+            writeWhatIsLeftOut();
+        page_ << "}";
+    }
+
+private:
+    // Of a register: how many accesses came by, and those that are on the page.
+    struct Shown {
+        std::size_t seen = 0;
+        std::vector<std::uint32_t> at;
+    };
+
+    bool isShown(std::size_t place, std::size_t count) const {
+        const std::size_t last = limits_.accesses / 2;
+        return count <= limits_.accesses || place < limits_.accesses - last || place >= count - last;
+    }
+
+    void writeAccesses() {
+        LogFile::Accesses accesses = log_.accesses(selection_);
+        std::uint32_t written = 0;
+        std::size_t place = 0;
+        for (LoggedAccess access; accesses.next(access); ++place) {
+            const PhyRegister reg = registerOf(access);
+            Shown& shown = shown_[reg];
+            if (limits_.thinned)
+                ++(access.write ? writes_ : reads_)[place * kBars / summary_.accesses()];
+            if (!isShown(shown.seen++, summary_.registers.at(reg).accesses()))
+                continue;
+            page_ << (written > 0 ? "," : "")
+                  << fmt::format("[{:d},{:d},{}]", access.write, access.queued,
+                                 access.value ? '"' + access.valueText() + '"' : "null");
+            shown.at.push_back(written++);
+            if (limits_.thinned)
+                places_.push_back(place);
+        }
+    }
+
+    void writeRegisters() {
+        const char* comma = "";
+        for (const auto& [reg, history] : summary_.registers) {
+            page_ << comma
+                  << fmt::format(
+                         R"({{"adapter":{},"phy":{},"address":"{}","reads":{},"writes":{},"changes":{},)"
+                         R"("first":"{}","last":"{}","at":{}}})",
+                         reg.adapter, reg.phy, reg.reg.text(), history.reads, history.writes, history.changes,
+                         history.first.text(), history.last.text(), listed(shown_[reg].at));
+            comma = ",";
+        }
+    }
+
+    void writeNotes() {
+        std::size_t bytes = 0;
+        std::size_t more = 0;
+        log_.forEachNote([&](std::string_view note) {
+            if (more > 0 || bytes + note.size() > kMostNoteBytes)
+                ++more;
+            else
+                page_ << (bytes > 0 ? "," : "") << quoted(note);
+            bytes += note.size();
+        });
+        page_ << "]";
+        if (more > 0)
+            page_ << ",\"moreNotes\":" << more;
+    }
+
+    void writeWhatIsLeftOut() {
+        page_ << fmt::format(R"(,"places":{},"of":{{"accesses":{},"writes":{},"queued":{},"each":{}}})",
+                             listed(places_), summary_.accesses(), summary_.writes, summary_.queued,
+                             limits_.accesses)
+              << fmt::format(R"(,"activity":{{"reads":{},"writes":{}}})", listed(reads_), listed(writes_));
+    }
+
+    std::ostream& page_;
+    const LogFile& log_;
+    const Selection& selection_;
+    const LogSummary& summary_;
+    ReportLimits limits_;
+    std::map<PhyRegister, Shown> shown_;
+    std::vector<std::uint64_t> places_; // of what is on the page, in the log; only when something is not
+    std::array<std::size_t, kBars> reads_{};
+    std::array<std::size_t, kBars> writes_{};
+};
 
 } // namespace
 
-std::string htmlReport(const std::string& title, const LogFile& log,
-                       const std::vector<RegisterHistory>& histories) {
-    const Json data{{"title", title},
-                    {"accesses", accessesOf(log)},
-                    {"registers", registersOf(histories)},
-                    {"configuration", log.configurationAccesses},
-                    {"stray", log.strayValues},
-                    {"notes", log.notes}};
-    std::string text = data.dump(-1, ' ', true, Json::error_handler_t::replace);
-    // Nothing in it may end the script element that it stands in.
-    for (std::size_t found = 0; (found = text.find('<', found)) != std::string::npos;)
-        text.replace(found, 1, "\\u003c");
-    std::string page = kReportPage;
-    const std::string mark = "ORVANE_REPORT_DATA";
-    return page.replace(page.find(mark), mark.size(), text);
+ReportLimits limitsFor(const LogSummary& summary) {
+    std::size_t busiest = 1;
+    for (const auto& [reg, history] : summary.registers)
+        busiest = std::max(busiest, history.accesses());
+    const auto fits = [&](std::size_t each) {
+        std::size_t all = 0;
+        for (const auto& [reg, history] : summary.registers)
+            all += std::min(each, history.accesses());
+        return all <= kMostAccesses;
+    };
+    std::size_t low = 1; // fits, or nothing does
+    std::size_t high = busiest + 1;
+    while (high - low > 1) {
+        const std::size_t middle = low + (high - low) / 2;
+        (fits(middle) ? low : high) = middle;
+    }
+    return {low, low < busiest};
+}
+
+void writeHtmlReport(std::ostream& page, const std::string& title, const LogFile& log,
+                     const Selection& selection, const LogSummary& summary) {
+    const std::string_view frame = kReportPage;
+    const std::string_view mark = "ORVANE_REPORT_DATA";
+    const std::size_t place = frame.find(mark);
+    page << frame.substr(0, place);
+    Report(page, log, selection, summary).write(title);
+    page << frame.substr(place + mark.size());
 }
 
 } // namespace OrvaneTool

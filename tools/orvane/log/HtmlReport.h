@@ -3,12 +3,26 @@
 
 #include "tools/orvane/log/LogSummary.h"
 
+#include <ostream>
 #include <string>
 
 namespace OrvaneTool {
 
-// The whole page, with its styles, its script and the log's accesses in it. `title` is shown as it is.
-std::string htmlReport(const std::string& title, const LogFile& log,
-                       const std::vector<RegisterHistory>& histories);
+// The most accesses that one page holds: more than a browser likes.
+constexpr std::size_t kMostAccesses = 1'000'000;
+
+// What a page of this log leaves out.
+struct ReportLimits {
+    // The accesses that each register has on the page at most: the first half of them, and the last.
+    std::size_t accesses = 0;
+    bool thinned = false; // whether there is a register that has more
+};
+ReportLimits limitsFor(const LogSummary& summary);
+
+// Writes the whole page, with its styles, its script and the log's accesses in it. `title` is shown as it is.
+// What does not fit the limits is counted on the page, and the page says so. Throws Failure when the log
+// cannot be read; whether the stream could be written is its user's to ask.
+void writeHtmlReport(std::ostream& page, const std::string& title, const LogFile& log,
+                     const Selection& selection, const LogSummary& summary);
 
 } // namespace OrvaneTool

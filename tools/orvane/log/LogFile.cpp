@@ -3,223 +3,104 @@
 #include "tools/orvane/output/Errors.h"
 
 #include <algorithm>
-#include <cctype>
+#include <array>
 #include <cerrno>
-#include <charconv>
-#include <deque>
+#include <fcntl.h>
 #include <fmt/format.h>
-#include <fstream>
-#include <iterator>
 #include <map>
+#include <unistd.h>
 
 namespace OrvaneTool {
-namespace {
 
-constexpr std::size_t kWordDigits = 8;
-constexpr std::size_t kLongDigits = 16;
-constexpr std::size_t kWideAddressDigits = 6; // an MMD never has as many
-
-// Reads fields of a text from left to right.
-class Cursor {
-public:
-    explicit Cursor(std::string_view text) : text_(text) {}
-
-    bool done() const { return text_.empty(); }
-    std::string_view rest() const { return text_; }
-    void skip(std::size_t count) { text_.remove_prefix(std::min(count, text_.size())); }
-
-    // The characters before the next comma; fails when a line ends before it.
-    std::optional<std::string_view> field() {
-        const std::size_t end = text_.find_first_of(",\n");
-        if (end == std::string_view::npos || text_[end] != ',')
-            return std::nullopt;
-        const std::string_view found = text_.substr(0, end);
-        skip(end + 1);
-        return found;
+template <class Read>
+decltype(auto) LogFile::reading(Read read) const {
+    try {
+        return read();
+    } catch (const Failure& problem) {
+        throw Failure(fmt::format("{}: cannot read: {}", path_, problem.what()));
     }
-    // The hexadecimal digits here, whatever follows.
-    std::string_view digits() const {
-        std::size_t count = 0;
-        while (count < text_.size() && isDigit(text_[count]))
-            ++count;
-        return text_.substr(0, count);
-    }
-    bool endsLine() const { return text_.empty() || text_[0] == '\n'; }
-
-private:
-    static bool isDigit(char each) {
-        return std::isdigit(static_cast<unsigned char>(each)) != 0 || (each >= 'A' && each <= 'F');
-    }
-    std::string_view text_;
-};
-
-template <class Integer>
-std::optional<Integer> numberIn(std::string_view text, int base) {
-    Integer value = 0;
-    const char* end = text.data() + text.size();
-    const auto [stop, problem] = std::from_chars(text.data(), end, value, base);
-    return !text.empty() && problem == std::errc() && stop == end ? std::make_optional(value) : std::nullopt;
 }
 
-class Parser {
-public:
-    explicit Parser(std::string_view text) : cursor_(text) {}
+LogFile::LogFile(const std::string& path) : path_(path), file_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+    reading([this] {
+        if (!file_)
+            throw Failure(errorText(errno));
+        size_ = ::lseek(file_.get(), 0, SEEK_END);
+        if (size_ < 0)
+            copyToTemporaryFile();
+        pairQueuedReads();
+    });
+}
 
-    LogFile parse() {
-        while (!cursor_.done()) {
-            const Cursor before = cursor_;
-            if (record())
+void LogFile::copyToTemporaryFile() {
+    Orvane::FileDescriptor copy = temporaryFile();
+    std::array<char, 65536> room{};
+    ssize_t count = 0;
+    size_ = 0;
+    while ((count = ::read(file_.get(), room.data(), room.size())) > 0) {
+        if (::write(copy.get(), room.data(), static_cast<std::size_t>(count)) != count)
+            throw Failure(errorText(errno));
+        size_ += count;
+    }
+    if (count < 0)
+        throw Failure(errorText(errno));
+    file_ = std::move(copy);
+}
+
+// A value is that of the PHY's oldest queued read that has none yet.
+void LogFile::pairQueuedReads() {
+    std::map<QueuedValues::Phy, std::uint64_t> without; // queued reads that have no value yet
+    LogScanner scanner(file_.get(), size_);
+    for (LogRecord record; scanner.next(record);) {
+        const LoggedAccess& access = record.access;
+        hasNotes_ |= record.kind == LogRecord::Kind::Note;
+        configurationAccesses_ += record.kind == LogRecord::Kind::Configuration ? 1 : 0;
+        if (record.kind == LogRecord::Kind::Access && access.queued && !access.write)
+            ++without[{access.adapter, access.phy}];
+        if (record.kind != LogRecord::Kind::Fetched)
+            continue;
+        std::uint64_t& reads = without[{access.adapter, access.phy}];
+        if (reads == 0) {
+            ++strayValues_;
+            continue;
+        }
+        --reads;
+        values_.add({access.adapter, access.phy}, {*access.value, access.digits});
+    }
+}
+
+void LogFile::forEachNote(const std::function<void(std::string_view)>& take) const {
+    if (!hasNotes_)
+        return;
+    reading([&] {
+        LogScanner scanner(file_.get(), size_);
+        for (LogRecord record; scanner.next(record);)
+            if (record.kind == LogRecord::Kind::Note)
+                take(record.note);
+    });
+}
+
+LogFile::Accesses::Accesses(const LogFile& log, const Selection& selection)
+    : log_(log), selection_(selection), scanner_(log.file_.get(), log.size_), values_(log.values_) {}
+
+bool LogFile::Accesses::next(LoggedAccess& access) {
+    return log_.reading([&] {
+        while (scanner_.next(record_)) {
+            if (record_.kind != LogRecord::Kind::Access)
                 continue;
-            cursor_ = before;
-            takeNote();
-        }
-        return std::move(log_);
-    }
-
-private:
-    void takeNote() {
-        const std::string_view line = cursor_.rest().substr(0, cursor_.rest().find('\n'));
-        cursor_.skip(line.size() + 1);
-        if (!line.empty() && line != "adapter,phy,op,mmd,address,value,")
-            log_.notes.emplace_back(line);
-    }
-
-    bool record() {
-        const auto adapter = decimal();
-        auto operation = cursor_.field();
-        if (!adapter || !operation)
-            return false;
-        if (*operation == "CW" || *operation == "CR" || *operation == "ACW" || *operation == "ACR")
-            return configuration(*operation);
-        const auto phy = numberIn<unsigned>(*operation, 10);
-        operation = cursor_.field();
-        if (!phy || !operation || operation->size() != 2)
-            return false;
-        LoggedAccess access;
-        access.adapter = *adapter;
-        access.phy = *phy;
-        access.queued = operation->front() == 'A';
-        access.write = operation->back() == 'W';
-        if (*operation == "AF")
-            return fetch(access);
-        if (*operation != "MW" && *operation != "MR" && *operation != "AW" && *operation != "AR")
-            return false;
-        return registerAccess(access);
-    }
-
-    std::optional<unsigned> decimal() {
-        const auto text = cursor_.field();
-        return text ? numberIn<unsigned>(*text, 10) : std::nullopt;
-    }
-
-    // What follows the operation: MMD, address and value; or a longer address and value, which run on.
-    bool registerAccess(LoggedAccess& access) {
-        const auto first = cursor_.field();
-        if (!first)
-            return false;
-        const bool wideRead = first->empty(); // of a queued one
-        const bool wide = wideRead || first->size() >= kWideAddressDigits;
-        if (!wide && !take(numberIn<unsigned>(*first, 16), access.reg.mmd))
-            return false;
-        access.reg.space = wide ? Space::Ext32 : Space::C45;
-        access.digits = wide ? kWordDigits : 4;
-        const auto address = wide && !wideRead ? first : cursor_.field();
-        if (!address || !take(numberIn<std::uint32_t>(*address, 16), access.reg.address))
-            return false;
-        if (access.queued && !access.write) {
-            waiting_[{access.adapter, access.phy}].push_back(log_.accesses.size());
-            if (!wide)
-                cursor_.skip(1); // the line's end
-        } else if (wide ? !runOnValue(access) : !lineValue(access)) {
-            return false;
-        }
-        log_.accesses.push_back(access);
-        return true;
-    }
-
-    static bool take(std::optional<std::uint32_t> found, std::uint32_t& place) {
-        place = found.value_or(0);
-        return found.has_value();
-    }
-
-    bool lineValue(LoggedAccess& access) {
-        const std::string_view digits = cursor_.digits();
-        access.value = numberIn<std::uint64_t>(digits, 16);
-        cursor_.skip(digits.size());
-        const bool ends = access.value && cursor_.endsLine();
-        cursor_.skip(1);
-        return ends;
-    }
-
-    // The next record's adapter follows at once: of its digits, none belongs to the value.
-    bool runOnValue(LoggedAccess& access) {
-        const std::size_t count = cursor_.digits().size();
-        if (count < kWordDigits)
-            return false;
-        const std::size_t digits = count >= kLongDigits ? kLongDigits : kWordDigits;
-        access.digits = static_cast<int>(digits);
-        access.value = numberIn<std::uint64_t>(cursor_.rest().substr(0, digits), 16);
-        cursor_.skip(digits);
-        return access.value.has_value();
-    }
-
-    // The value of the PHY's oldest queued read that has none yet.
-    bool fetch(LoggedAccess& access) {
-        const auto noMmd = cursor_.field();
-        const auto noAddress = cursor_.field();
-        if (!noMmd || !noAddress || !noMmd->empty() || !noAddress->empty())
-            return false;
-        const std::size_t count = cursor_.digits().size();
-        const std::string_view behind = cursor_.rest().substr(count);
-        const bool line = !behind.empty() && behind[0] == '\n' && count <= kWordDigits;
-        if (line ? !lineValue(access) : !runOnValue(access))
-            return false;
-        auto& queue = waiting_[{access.adapter, access.phy}];
-        if (queue.empty()) {
-            ++log_.strayValues;
+            LoggedAccess& found = record_.access;
+            if (found.queued && !found.write)
+                if (const auto value = values_.next({found.adapter, found.phy})) {
+                    found.value = value->bits;
+                    found.digits = std::max(found.digits, static_cast<int>(value->digits));
+                }
+            if (!selection_.has(found))
+                continue;
+            access = found;
             return true;
         }
-        LoggedAccess& read = log_.accesses[queue.front()];
-        queue.pop_front();
-        read.value = access.value;
-        read.digits = std::max(read.digits, access.digits);
-        return true;
-    }
-
-    // Words with commas between them, the last of a queued read being followed by one as well.
-    bool configuration(std::string_view operation) {
-        const std::size_t words = operation == "CR" ? 2 : operation == "ACR" ? 1 : 3;
-        for (std::size_t i = 0; i < words; ++i) {
-            if (cursor_.digits().size() < kWordDigits)
-                return false;
-            cursor_.skip(kWordDigits);
-            if (i + 1 < words || operation == "ACR")
-                cursor_.skip(1);
-        }
-        ++log_.configurationAccesses;
-        return true;
-    }
-
-    Cursor cursor_;
-    LogFile log_;
-    std::map<std::pair<unsigned, unsigned>, std::deque<std::size_t>> waiting_; // reads without value
-};
-
-} // namespace
-
-std::string LoggedAccess::valueText() const {
-    return value ? fmt::format("0x{:0{}X}", *value, digits) : "-";
-}
-
-LogFile parseLog(std::string_view text) {
-    return Parser(text).parse();
-}
-
-LogFile readLog(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
-        throw Failure(fmt::format("{}: cannot read: {}", path, errorText(errno)));
-    return parseLog(std::string{std::istreambuf_iterator<char>(file), {}});
+        return false;
+    });
 }
 
 } // namespace OrvaneTool

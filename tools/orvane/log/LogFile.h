@@ -1,42 +1,68 @@
-// Transaction logs of the library.
+// Transaction logs of the library, of any size.
 #pragma once
 
-#include "tools/orvane/board/RegisterAddress.h"
+#include "tools/orvane/log/LogScanner.h"
+#include "tools/orvane/log/QueuedValues.h"
 
-#include <cstdint>
-#include <optional>
+#include <functional>
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace OrvaneTool {
 
-// One access of a register, in the place of its record in the log. A queued read has its value when the block
-// that it was in was executed.
-struct LoggedAccess {
-    unsigned adapter = 0;
-    unsigned phy = 0;
-    Register reg; // of Clause 45, or of the 32-bit space
-    bool write = false;
-    bool queued = false;
-    int digits = 4; // hexadecimal digits of the value: 4, 8 or 16
-    std::optional<std::uint64_t> value;
+// The accesses that are asked about: of one adapter, of one PHY, or with -1 of all.
+struct Selection {
+    int adapter = -1;
+    int phy = -1;
 
-    std::string valueText() const; // 0x0A5C; "-" without a value
+    bool has(const LoggedAccess& access) const {
+        return (adapter < 0 || access.adapter == static_cast<unsigned>(adapter)) &&
+               (phy < 0 || access.phy == static_cast<unsigned>(phy));
+    }
 };
 
-struct LogFile {
-    std::vector<LoggedAccess> accesses;
-    std::size_t configurationAccesses = 0; // of the configuration space, which names no PHY
-    std::size_t strayValues = 0;           // of queued reads that are not in the log
-    std::vector<std::string> notes;        // lines that are no records: the user's own
+// A log, read from its beginning to its end as often as it is asked about: what it takes of memory does not
+// depend on its size. One thread.
+class LogFile {
+public:
+    // Reads it once, for the values of queued reads, which stand behind them. A pipe is copied into a
+    // temporary file. Throws Failure when it cannot be read; so does every other reading.
+    explicit LogFile(const std::string& path);
+
+    std::size_t configurationAccesses() const { return configurationAccesses_; }
+    std::size_t strayValues() const { return strayValues_; } // of queued reads that are not in the log
+
+    void forEachNote(const std::function<void(std::string_view)>& take) const;
+
+    // Its accesses in order, with the values of queued reads.
+    class Accesses {
+    public:
+        Accesses(const LogFile& log, const Selection& selection);
+        // False behind the last.
+        bool next(LoggedAccess& access);
+
+    private:
+        const LogFile& log_;
+        Selection selection_;
+        LogScanner scanner_;
+        QueuedValues::Reader values_;
+        LogRecord record_;
+    };
+    Accesses accesses(const Selection& selection) const { return {*this, selection}; }
+
+private:
+    void copyToTemporaryFile();
+    void pairQueuedReads();
+    // What `read` gives; a Failure of it names the log.
+    template <class Read>
+    decltype(auto) reading(Read read) const;
+
+    std::string path_;
+    Orvane::FileDescriptor file_;
+    off_t size_ = 0;
+    QueuedValues values_;
+    std::size_t configurationAccesses_ = 0;
+    std::size_t strayValues_ = 0;
+    bool hasNotes_ = false;
 };
-
-// Takes the text of a log apart: MDIO records, which are lines, and those of the 32- and 64-bit spaces, which
-// run together. Nothing is an error: what is no record is a note.
-LogFile parseLog(std::string_view text);
-
-// The log in a file. Throws Failure when it cannot be read.
-LogFile readLog(const std::string& path);
 
 } // namespace OrvaneTool

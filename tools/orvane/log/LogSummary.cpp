@@ -1,50 +1,39 @@
 #include "tools/orvane/log/LogSummary.h"
 
-#include <map>
-#include <tuple>
-
 namespace OrvaneTool {
 namespace {
 
-void account(RegisterHistory& history, const LogFile& log, std::size_t place,
-             std::optional<std::uint64_t>& lastRead) {
-    const LoggedAccess& access = log.accesses[place];
-    history.accesses.push_back(place);
+void account(RegisterHistory& history, const LoggedAccess& access) {
     ++(access.write ? history.writes : history.reads);
     if (access.write || !access.value)
         return;
-    if (lastRead && *lastRead != *access.value) {
+    const RegisterHistory::Value value{*access.value, access.digits};
+    if (history.last.digits == 0)
+        history.first = value;
+    else if (history.last.bits != value.bits)
         ++history.changes;
-        history.changedBits |= *lastRead ^ *access.value;
-    }
-    if (!lastRead)
-        history.first = access.valueText();
-    history.last = access.valueText();
-    lastRead = access.value;
+    history.last = value;
 }
 
 } // namespace
 
-std::vector<RegisterHistory> historiesOf(const LogFile& log) {
-    using Key = std::tuple<unsigned, unsigned, Space, unsigned, std::uint32_t>;
-    std::map<Key, std::pair<RegisterHistory, std::optional<std::uint64_t>>> all;
-    for (std::size_t place = 0; place < log.accesses.size(); ++place) {
-        const LoggedAccess& access = log.accesses[place];
-        const Key key{access.adapter, access.phy, access.reg.space, access.reg.mmd, access.reg.address};
-        auto& [history, lastRead] = all.try_emplace(key).first->second;
-        if (history.accesses.empty()) {
-            history.adapter = access.adapter;
-            history.phy = access.phy;
-            history.reg = access.reg;
-            history.first = history.last = "-";
-        }
-        account(history, log, place, lastRead);
+std::string RegisterHistory::Value::text() const {
+    LoggedAccess access;
+    access.digits = digits;
+    if (digits > 0)
+        access.value = bits;
+    return access.valueText();
+}
+
+LogSummary summaryOf(const LogFile& log, const Selection& selection) {
+    LogSummary summary;
+    LogFile::Accesses accesses = log.accesses(selection);
+    for (LoggedAccess access; accesses.next(access);) {
+        account(summary.registers[registerOf(access)], access);
+        ++(access.write ? summary.writes : summary.reads);
+        summary.queued += access.queued ? 1 : 0;
     }
-    std::vector<RegisterHistory> list;
-    list.reserve(all.size());
-    for (auto& [key, entry] : all)
-        list.push_back(std::move(entry.first));
-    return list;
+    return summary;
 }
 
 } // namespace OrvaneTool

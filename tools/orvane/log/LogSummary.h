@@ -3,25 +3,56 @@
 
 #include "tools/orvane/log/LogFile.h"
 
-#include <vector>
+#include <cstdint>
+#include <map>
+#include <tuple>
 
 namespace OrvaneTool {
 
-// A register of a PHY on an adapter, with its accesses in order (places in LogFile::accesses).
-struct RegisterHistory {
+// A register of a PHY on an adapter.
+struct PhyRegister {
     unsigned adapter = 0;
     unsigned phy = 0;
     Register reg;
-    std::vector<std::size_t> accesses;
-    std::size_t reads = 0;
-    std::size_t writes = 0;
-    std::size_t changes = 0;       // reads whose value was not that of the read before
-    std::uint64_t changedBits = 0; // bits that differed in any of them
-    std::string first;             // first and last value that was read, "-" when there is none
-    std::string last;
+
+    friend bool operator<(const PhyRegister& left, const PhyRegister& right) {
+        const auto key = [](const PhyRegister& each) {
+            return std::tie(each.adapter, each.phy, each.reg.space, each.reg.mmd, each.reg.address);
+        };
+        return key(left) < key(right);
+    }
 };
 
-// Every register of the log, by adapter, PHY, space and address.
-std::vector<RegisterHistory> historiesOf(const LogFile& log);
+inline PhyRegister registerOf(const LoggedAccess& access) {
+    return {access.adapter, access.phy, access.reg};
+}
+
+struct RegisterHistory {
+    // A value that was read.
+    struct Value {
+        std::uint64_t bits = 0;
+        int digits = 0; // 0: there is none
+        std::string text() const;
+    };
+    std::size_t reads = 0;
+    std::size_t writes = 0;
+    std::size_t changes = 0; // reads whose value was not that of the read before
+    Value first;
+    Value last;
+
+    std::size_t accesses() const { return reads + writes; }
+};
+
+struct LogSummary {
+    std::map<PhyRegister, RegisterHistory> registers; // by adapter, PHY, space and address
+    std::size_t reads = 0;
+    std::size_t writes = 0;
+    std::size_t queued = 0;
+
+    std::size_t accesses() const { return reads + writes; }
+};
+
+// Reads the log. Throws Failure.
+LogSummary summaryOf(const LogFile& log, const Selection& selection);
 
 } // namespace OrvaneTool

@@ -70,6 +70,12 @@ void Stream::flush() {
     }
 }
 
+void Stream::flushWhenFull() {
+    constexpr std::size_t kFull = std::size_t{64} * 1024;
+    if (buffer_.size() >= kFull)
+        flush();
+}
+
 void Stream::flushIfPossible() noexcept {
     try {
         flush();

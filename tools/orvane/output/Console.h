@@ -60,6 +60,8 @@ public:
     // Blocks until everything is written. Throws OutputClosed when nobody reads, Failure on any other error;
     // what was not written is dropped then.
     void flush();
+    // The same, once there is as much as is worth a system call: for output of any length.
+    void flushWhenFull();
     // The same for what may get lost: nothing is thrown.
     void flushIfPossible() noexcept;
 

@@ -3,6 +3,7 @@
 
 #include "tools/orvane/output/Console.h"
 
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -31,25 +32,29 @@ struct Column {
     bool right = false;
 };
 
-// Rows have a cell for each column.
+using Row = std::vector<Cell>; // a cell for each column
+
+// Prints rows of any number: `rows` gives them one by one to what it is called with, and is called twice for
+// text, once to see how wide they are. Text columns are two blanks apart, under their titles in bold; JSON is
+// one array of objects; CSV begins with the keys, and text that a spreadsheet would take for a formula has an
+// apostrophe before it. Throws what flush() of the stream throws.
+using Rows = std::function<void(const std::function<void(const Row&)>&)>;
+void printRows(Stream& stream, Format format, const std::vector<Column>& columns, const Rows& rows);
+
+// Rows that are kept until they are printed.
 class Table {
 public:
     explicit Table(std::vector<Column> columns) : columns_(std::move(columns)) {}
 
-    void add(std::vector<Cell> row) { rows_.push_back(std::move(row)); }
+    void add(Row row) { rows_.push_back(std::move(row)); }
     std::size_t size() const { return rows_.size(); }
 
-    // Text columns are two blanks apart, under their titles in bold; JSON is one array of objects; CSV begins
-    // with the keys, and text that a spreadsheet would take for a formula has an apostrophe before it.
+    // As printRows().
     void print(Stream& stream, Format format) const;
 
 private:
-    void printText(Stream& stream) const;
-    void printJson(Stream& stream) const;
-    void printCsv(Stream& stream) const;
-
     std::vector<Column> columns_;
-    std::vector<std::vector<Cell>> rows_;
+    std::vector<Row> rows_;
 };
 
 } // namespace OrvaneTool

@@ -14,121 +14,127 @@ namespace {
 struct Options {
     std::string file;
     std::string reg;
-    int adapter = -1;
-    int phy = -1;
+    Selection selection;
     bool changed = false;
     std::string html;
 };
-
-bool isWanted(const Options& options, unsigned adapter, unsigned phy) {
-    return (options.adapter < 0 || adapter == static_cast<unsigned>(options.adapter)) &&
-           (options.phy < 0 || phy == static_cast<unsigned>(options.phy));
-}
-
-// The accesses that are asked about; the rest is forgotten.
-void filter(const Options& options, LogFile& log) {
-    auto& all = log.accesses;
-    all.erase(
-        std::remove_if(all.begin(), all.end(),
-                       [&](const LoggedAccess& each) { return !isWanted(options, each.adapter, each.phy); }),
-        all.end());
-}
 
 Cell count(std::size_t number) {
     return {std::to_string(number), number};
 }
 
-void printTotals(Stream& out, const LogFile& log, const std::vector<RegisterHistory>& histories) {
-    const auto writes = static_cast<std::size_t>(std::count_if(
-        log.accesses.begin(), log.accesses.end(), [](const LoggedAccess& each) { return each.write; }));
-    out.print("{} accesses: {} reads, {} writes, {} registers\n", log.accesses.size(),
-              log.accesses.size() - writes, writes, histories.size());
-    if (log.configurationAccesses > 0)
-        out.print("{} accesses of the configuration space\n", log.configurationAccesses);
-    if (log.strayValues > 0)
-        out.print("{} values of queued reads that are not in the log\n", log.strayValues);
-    for (const std::string& note : log.notes)
+void printTotals(Stream& out, const LogFile& log, const LogSummary& summary) {
+    out.print("{} accesses: {} reads, {} writes, {} registers\n", summary.accesses(), summary.reads,
+              summary.writes, summary.registers.size());
+    if (log.configurationAccesses() > 0)
+        out.print("{} accesses of the configuration space\n", log.configurationAccesses());
+    if (log.strayValues() > 0)
+        out.print("{} values of queued reads that are not in the log\n", log.strayValues());
+    log.forEachNote([&](std::string_view note) {
         out.print("note: {}\n", note);
+        out.flushWhenFull();
+    });
 }
 
-void printSummary(Context& context, const Options& options, const LogFile& log,
-                  const std::vector<RegisterHistory>& histories) {
+bool isShown(const Options& options, const RegisterHistory& history) {
+    return !options.changed || history.changes > 0;
+}
+
+void printSummary(Context& context, const Options& options, const LogFile& log, const LogSummary& summary) {
     Stream& out = context.console.out;
-    Table table({{"adapter", "ADAPTER", true},
-                 {"phy", "PHY", true},
-                 {"address", "ADDRESS"},
-                 {"reads", "READS", true},
-                 {"writes", "WRITES", true},
-                 {"changes", "CHANGES", true},
-                 {"first", "FIRST READ"},
-                 {"last", "LAST READ"}});
-    for (const RegisterHistory& each : histories) {
-        if (options.changed && each.changes == 0)
-            continue;
-        Cell changes = count(each.changes);
-        changes.painted = out.painted(each.changes > 0 ? Colour::Yellow : Colour::None, changes.text);
-        table.add({count(each.adapter), count(each.phy), each.reg.text(), count(each.reads),
-                   count(each.writes), changes, each.first, each.last});
+    const auto rows = [&](const auto& take) {
+        for (const auto& [reg, history] : summary.registers) {
+            if (!isShown(options, history))
+                continue;
+            Cell changes = count(history.changes);
+            changes.painted = out.painted(history.changes > 0 ? Colour::Yellow : Colour::None, changes.text);
+            take({count(reg.adapter), count(reg.phy), reg.reg.text(), count(history.reads),
+                  count(history.writes), changes, history.first.text(), history.last.text()});
+        }
+    };
+    if (context.format() == Format::Text) {
+        printTotals(out, log, summary);
+        if (std::none_of(summary.registers.begin(), summary.registers.end(),
+                         [&](const auto& each) { return isShown(options, each.second); }))
+            return;
     }
-    if (context.format() == Format::Text)
-        printTotals(out, log, histories);
-    if (table.size() > 0 || context.format() != Format::Text)
-        table.print(out, context.format());
+    printRows(out, context.format(),
+              {{"adapter", "ADAPTER", true},
+               {"phy", "PHY", true},
+               {"address", "ADDRESS"},
+               {"reads", "READS", true},
+               {"writes", "WRITES", true},
+               {"changes", "CHANGES", true},
+               {"first", "FIRST READ"},
+               {"last", "LAST READ"}},
+              rows);
 }
 
 // A row for each access to one register.
-void addAccesses(Table& table, const Stream& out, const LogFile& log, const RegisterHistory& history) {
+void forEachRow(const Stream& out, LogFile::Accesses accesses, const PhyRegister& reg,
+                const std::function<void(const Row&)>& take) {
     std::optional<std::uint64_t> before; // what the register held as far as the log knows
-    for (const std::size_t place : history.accesses) {
-        const LoggedAccess& access = log.accesses[place];
+    LoggedAccess access;
+    for (std::size_t place = 1; accesses.next(access); ++place) {
+        const PhyRegister accessed = registerOf(access);
+        if (reg < accessed || accessed < reg)
+            continue;
         const std::uint64_t changed = before && access.value ? *before ^ *access.value : 0;
         const std::string bits = changed != 0 ? fmt::format("0x{:0{}X}", changed, access.digits) : "";
-        table.add({count(place + 1),
-                   count(history.adapter),
-                   count(history.phy),
-                   fmt::format("{}{}", access.queued ? "queued " : "", access.write ? "write" : "read"),
-                   access.valueText(),
-                   {bits, bits, out.painted(Colour::Yellow, bits)}});
+        take({count(place),
+              count(reg.adapter),
+              count(reg.phy),
+              fmt::format("{}{}", access.queued ? "queued " : "", access.write ? "write" : "read"),
+              access.valueText(),
+              {bits, bits, out.painted(Colour::Yellow, bits)}});
         before = access.value ? access.value : before;
     }
 }
 
-void printHistory(Context& context, const Options& options, const LogFile& log,
-                  const std::vector<RegisterHistory>& histories) {
+void printHistory(Context& context, const Options& options, const LogFile& log, const LogSummary& summary) {
     const bool wide = options.reg.find('.') == std::string::npos;
     const Register reg = parseRegisters(options.reg, wide ? Space::Ext32 : Space::C45).front();
-    Stream& out = context.console.out;
-    Table table({{"place", "PLACE", true},
-                 {"adapter", "ADAPTER", true},
-                 {"phy", "PHY", true},
-                 {"access", "ACCESS"},
-                 {"value", "VALUE"},
-                 {"changed", "CHANGED"}});
-    for (const RegisterHistory& history : histories)
-        if (history.reg == reg)
-            addAccesses(table, out, log, history);
-    if (table.size() == 0)
+    std::vector<PhyRegister> asked;
+    for (const auto& [each, history] : summary.registers)
+        if (each.reg == reg)
+            asked.push_back(each);
+    if (asked.empty())
         throw Failure(fmt::format("{}: there is no access to {} in it", options.file, reg.text()));
-    table.print(out, context.format());
+    Stream& out = context.console.out;
+    printRows(out, context.format(),
+              {{"place", "PLACE", true},
+               {"adapter", "ADAPTER", true},
+               {"phy", "PHY", true},
+               {"access", "ACCESS"},
+               {"value", "VALUE"},
+               {"changed", "CHANGED"}},
+              [&](const auto& take) {
+                  for (const PhyRegister& each : asked)
+                      forEachRow(out, log.accesses(options.selection), each, take);
+              });
 }
 
-void writeReport(const Options& options, const LogFile& log, const std::vector<RegisterHistory>& histories) {
+void writeReport(Context& context, const Options& options, const LogFile& log, const LogSummary& summary) {
     std::ofstream file(options.html, std::ios::binary | std::ios::trunc);
-    file << htmlReport(options.file.substr(options.file.rfind('/') + 1), log, histories);
+    writeHtmlReport(file, options.file.substr(options.file.rfind('/') + 1), log, options.selection, summary);
     if (!file.flush())
         throw Failure(fmt::format("{}: cannot write: {}", options.html, errorText(errno)));
+    if (const ReportLimits limits = limitsFor(summary); limits.thinned)
+        context.console.err.print("orvane: {}: the log is too long for one page: of each register it has the "
+                                  "first {} and the last {} accesses; all are counted\n",
+                                  options.html, limits.accesses - limits.accesses / 2, limits.accesses / 2);
+    context.console.err.flushIfPossible();
 }
 
 int run(Context& context, const Options& options) {
-    LogFile log = readLog(options.file);
-    filter(options, log);
-    const std::vector<RegisterHistory> histories = historiesOf(log);
+    const LogFile log(options.file);
+    const LogSummary summary = summaryOf(log, options.selection);
     if (!options.html.empty())
-        writeReport(options, log, histories);
+        writeReport(context, options, log, summary);
     else if (!options.reg.empty())
-        printHistory(context, options, log, histories);
+        printHistory(context, options, log, summary);
     else
-        printSummary(context, options, log, histories);
+        printSummary(context, options, log, summary);
     return kSuccess;
 }
 
@@ -145,8 +151,8 @@ void addLog(CLI::App& app, Context& context) {
     auto options = std::make_shared<Options>();
     verb.add_option("FILE", options->file, "The log")->required()->type_name("");
     verb.add_option("--register", options->reg, "History of this register")->type_name("ADDRESS");
-    verb.add_option("--adapter", options->adapter, "Only this adapter")->type_name("N");
-    verb.add_option("--phy", options->phy, "Only this PHY")->type_name("PHY");
+    verb.add_option("--adapter", options->selection.adapter, "Only this adapter")->type_name("N");
+    verb.add_option("--phy", options->selection.phy, "Only this PHY")->type_name("PHY");
     verb.add_flag("--changed", options->changed, "Only registers whose reads changed");
     verb.add_option("--html", options->html, "Write a report to this file")->type_name("FILE");
     addFormatOptions(verb, context);

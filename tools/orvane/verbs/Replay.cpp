@@ -24,34 +24,57 @@ struct Counts {
     std::size_t differing = 0;
 };
 
-// The accesses that can be repeated, of one adapter. Throws UsageError when it is not said which.
-std::vector<LoggedAccess> chosen(const Options& options, const LogFile& log, std::size_t& skipped) {
-    std::vector<LoggedAccess> list;
-    std::set<unsigned> adapters;
-    for (const LoggedAccess& access : log.accesses) {
-        if (options.adapter >= 0 && access.adapter != static_cast<unsigned>(options.adapter))
-            continue;
-        adapters.insert(access.adapter);
-        // 64-bit registers have no transport; a queued read without a value was never executed.
-        if (access.value && *access.value <= 0xFFFFFFFF)
-            list.push_back(access);
-        else
-            ++skipped;
+// The accesses of the log that can be repeated, of one adapter.
+class Plan {
+public:
+    // Throws UsageError when it is not said which adapter.
+    explicit Plan(const Options& options) : log_(options.file), selection_{options.adapter, -1} {
+        std::set<unsigned> adapters;
+        LogFile::Accesses accesses = log_.accesses(selection_);
+        for (LoggedAccess access; accesses.next(access);) {
+            adapters.insert(access.adapter);
+            ++(canBeRepeated(access) ? size_ : skipped_);
+        }
+        if (adapters.size() > 1)
+            throw UsageError(fmt::format("{}: the log has accesses of adapters {}: choose one with --adapter",
+                                         options.file, fmt::join(adapters, ", ")));
     }
-    if (adapters.size() > 1)
-        throw UsageError(fmt::format("{}: the log has accesses of adapters {}: choose one with --adapter",
-                                     options.file, fmt::join(adapters, ", ")));
-    return list;
-}
+
+    std::size_t size() const { return size_; }
+    std::size_t skipped() const { return skipped_; }
+
+    // Until `work` returns false.
+    template <class Work>
+    void forEach(Work work) const {
+        LogFile::Accesses accesses = log_.accesses(selection_);
+        for (LoggedAccess access; accesses.next(access);)
+            if (canBeRepeated(access) && !work(access))
+                return;
+    }
+
+private:
+    // 64-bit registers have no transport; a queued read without a value was never executed.
+    static bool canBeRepeated(const LoggedAccess& access) {
+        return access.value && *access.value <= 0xFFFFFFFF;
+    }
+
+    LogFile log_;
+    Selection selection_;
+    std::size_t size_ = 0;
+    std::size_t skipped_ = 0;
+};
 
 unsigned phyOf(const Options& options, const LoggedAccess& access) {
     return options.phy >= 0 ? static_cast<unsigned>(options.phy) : access.phy;
 }
 
-void printPlan(Stream& out, const Options& options, const std::vector<LoggedAccess>& list) {
-    for (const LoggedAccess& access : list)
+void printPlan(Stream& out, const Options& options, const Plan& plan) {
+    plan.forEach([&](const LoggedAccess& access) {
         out.print("{} PHY {} {} {}\n", access.write ? "write" : "read ", phyOf(options, access),
                   access.reg.text(), access.valueText());
+        out.flushWhenFull();
+        return true;
+    });
 }
 
 // Whether the board still answers as in the log.
@@ -74,29 +97,28 @@ bool repeat(Device& device, unsigned phy, const LoggedAccess& access, Counts& co
     return false;
 }
 
-Counts repeatAll(Context& context, const Options& options, const std::vector<LoggedAccess>& list) {
+Counts repeatAll(Context& context, const Options& options, const Plan& plan) {
     Counts counts;
     Device device(context, options.device);
-    for (const LoggedAccess& access : list)
-        if (!repeat(device, phyOf(options, access), access, counts) && !options.keepGoing)
-            break;
+    plan.forEach([&](const LoggedAccess& access) {
+        return repeat(device, phyOf(options, access), access, counts) || options.keepGoing;
+    });
     return counts;
 }
 
 int run(Context& context, const Options& options) {
-    std::size_t skipped = 0;
-    const std::vector<LoggedAccess> list = chosen(options, readLog(options.file), skipped);
+    const Plan plan(options);
     Stream& out = context.console.out;
     if (options.dryRun) {
-        printPlan(out, options, list);
+        printPlan(out, options, plan);
         return kSuccess;
     }
     if (options.device.empty())
         throw UsageError("replay: say where to: --to DEVICE, or --dry-run");
-    const Counts counts = repeatAll(context, options, list);
+    const Counts counts = repeatAll(context, options, plan);
     out.print("{} of {} accesses: {} writes, {} reads, {} differ{}\n", counts.reads + counts.writes,
-              list.size(), counts.writes, counts.reads, counts.differing,
-              skipped > 0 ? fmt::format("; {} cannot be repeated", skipped) : "");
+              plan.size(), counts.writes, counts.reads, counts.differing,
+              plan.skipped() > 0 ? fmt::format("; {} cannot be repeated", plan.skipped()) : "");
     return counts.differing == 0 ? kSuccess : kFailed;
 }
 

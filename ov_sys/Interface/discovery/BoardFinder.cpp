@@ -1,3 +1,4 @@
+// The paced search and what counts as an answer to it.
 #include "ov_sys/Interface/discovery/BoardFinder.h"
 
 #include "ov_sys/Interface/discovery/DiscoveryProtocol.h"

@@ -1,3 +1,4 @@
+// Walks the system's list of interface addresses.
 #include "ov_sys/Interface/discovery/InterfaceLister.h"
 
 #include "ov_sys/Interface/discovery/DottedAddress.h"

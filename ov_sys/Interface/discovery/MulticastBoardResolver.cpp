@@ -1,3 +1,4 @@
+// The two sockets of a search and the thread that listens on one of them.
 #include "ov_sys/Interface/discovery/MulticastBoardResolver.h"
 
 #include "ov_sys/Interface/discovery/DiscoveryProtocol.h"

@@ -1,3 +1,4 @@
+// One probe: connect, ask, read until the board closes or its time is over.
 #include "ov_sys/Interface/discovery/TcpBoardResolver.h"
 
 #include "ov_sys/Interface/discovery/DiscoveryProtocol.h"

@@ -1,3 +1,4 @@
+// Copying and comparing records of boards.
 #include "ov_sys/Interface/foundation/AddressResponse.h"
 
 #include <utility>

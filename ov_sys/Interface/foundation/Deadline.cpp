@@ -1,3 +1,4 @@
+// The wait for a descriptor, which signals do not cut short.
 #include "ov_sys/Interface/foundation/Deadline.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The texts of the exception classes.
 #include "ov_sys/Interface/foundation/Exceptions.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// Byte-wise text helpers and the parsing of device names.
 #include "ov_sys/Interface/foundation/HWIHelper.h"
 
 #include "ov_sys/Interface/foundation/Diagnostics.h"

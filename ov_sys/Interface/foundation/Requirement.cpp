@@ -1,3 +1,4 @@
+// The end of a process whose caller broke a contract.
 #include "ov_sys/Interface/foundation/Requirement.h"
 
 #include "ov_sys/Interface/foundation/Diagnostics.h"

@@ -1,3 +1,4 @@
+// The TCP sockets of a probe, as the system has them.
 #include "ov_sys/Interface/foundation/Sockets.h"
 
 #include "ov_sys/Interface/foundation/Diagnostics.h"

@@ -1,3 +1,4 @@
+// POSIX threads with their status kept.
 #include "ov_sys/Interface/foundation/Threads.h"
 
 #include "ov_sys/Interface/foundation/Diagnostics.h"

@@ -1,3 +1,4 @@
+// Digits of register values, each painted by the bits behind it.
 #include "tools/orvane/board/Bits.h"
 
 #include <fmt/format.h>

@@ -1,3 +1,4 @@
+// What a command gets on first use: signals, and the lines of the library.
 #include "tools/orvane/board/Context.h"
 
 namespace OrvaneTool {

@@ -1,3 +1,4 @@
+// Finding and opening a device, and the library's failures in words for the user.
 #include "tools/orvane/board/Device.h"
 
 #include "tools/orvane/output/Progress.h"

@@ -1,3 +1,4 @@
+// Dumps as text: a header in comments, then a line for each register.
 #include "tools/orvane/board/DumpFile.h"
 
 #include "tools/orvane/board/Bits.h"

@@ -1,3 +1,4 @@
+// The thread that waits for signals while the command works.
 #include "tools/orvane/board/Interrupts.h"
 
 #include "tools/orvane/board/OpenSessions.h"

@@ -1,3 +1,4 @@
+// The standard streams, led into memory and back.
 #include "tools/orvane/board/LibraryMessages.h"
 
 #include "tools/orvane/output/VisibleText.h"

@@ -1,3 +1,4 @@
+// Parsing of numbers that users write.
 #include "tools/orvane/board/Numbers.h"
 
 #include "tools/orvane/output/Errors.h"

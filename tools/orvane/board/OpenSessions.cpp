@@ -1,3 +1,4 @@
+// Closes sessions over twins of them, for their own connections may be in use.
 #include "tools/orvane/board/OpenSessions.h"
 
 #include "ov_sys/Interface/buses/rpc/RPCSetup.h"

@@ -1,3 +1,4 @@
+// Parsing and writing of register addresses and ranges.
 #include "tools/orvane/board/RegisterAddress.h"
 
 #include "tools/orvane/board/Numbers.h"

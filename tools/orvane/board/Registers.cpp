@@ -1,3 +1,4 @@
+// Register accesses as calls of the library's blocks, single and routed forms.
 #include "tools/orvane/board/Registers.h"
 
 #include <algorithm>

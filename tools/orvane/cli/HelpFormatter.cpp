@@ -1,3 +1,4 @@
+// The usage line and the options' arguments in help.
 #include "tools/orvane/cli/HelpFormatter.h"
 
 namespace OrvaneTool {

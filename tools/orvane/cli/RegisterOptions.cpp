@@ -1,3 +1,4 @@
+// The register options as the parser knows them.
 #include "tools/orvane/cli/RegisterOptions.h"
 
 namespace OrvaneTool {

@@ -1,3 +1,4 @@
+// The operations of a service as verbs, and their arguments' forms.
 #include "tools/orvane/cli/Service.h"
 
 #include "tools/orvane/board/Numbers.h"

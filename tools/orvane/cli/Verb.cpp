@@ -1,3 +1,4 @@
+// Verbs and their common options as the parser knows them.
 #include "tools/orvane/cli/Verb.h"
 
 namespace OrvaneTool {

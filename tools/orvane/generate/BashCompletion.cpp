@@ -1,3 +1,4 @@
+// The completion script, made from what the parser knows.
 #include "tools/orvane/generate/Generate.h"
 
 #include <fmt/format.h>

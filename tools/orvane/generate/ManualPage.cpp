@@ -1,3 +1,4 @@
+// The manual page, made from what the parser knows.
 #include "tools/orvane/generate/Generate.h"
 
 #include "tools/orvane/cli/HelpFormatter.h"

@@ -1,3 +1,4 @@
+// The page's data as JSON, written while the log is read.
 #include "tools/orvane/log/HtmlReport.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Queued reads and their values, paired in a first reading.
 #include "tools/orvane/log/LogFile.h"
 
 #include "tools/orvane/output/Errors.h"

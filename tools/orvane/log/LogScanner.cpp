@@ -1,3 +1,4 @@
+// The forms of records, and the window that they are looked for in.
 #include "tools/orvane/log/LogScanner.h"
 
 #include "tools/orvane/output/Errors.h"

@@ -1,3 +1,4 @@
+// Counting of accesses and changes, register by register.
 #include "tools/orvane/log/LogSummary.h"
 
 namespace OrvaneTool {

@@ -1,3 +1,4 @@
+// Values in memory and, beyond its share, in chunks of a temporary file.
 #include "tools/orvane/log/QueuedValues.h"
 
 #include "tools/orvane/output/Errors.h"

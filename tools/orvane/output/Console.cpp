@@ -1,3 +1,4 @@
+// Writing, terminals and colours.
 #include "tools/orvane/output/Console.h"
 
 #include "tools/orvane/output/Errors.h"

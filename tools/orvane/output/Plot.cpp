@@ -1,3 +1,4 @@
+// Values as characters of a grid.
 #include "tools/orvane/output/Plot.h"
 
 #include <algorithm>

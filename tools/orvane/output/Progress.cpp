@@ -1,3 +1,4 @@
+// Redrawing of one line of a terminal.
 #include "tools/orvane/output/Progress.h"
 
 #include <algorithm>

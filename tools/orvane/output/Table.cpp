@@ -1,3 +1,4 @@
+// The three forms of rows.
 #include "tools/orvane/output/Table.h"
 
 #include <algorithm>

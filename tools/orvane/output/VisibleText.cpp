@@ -1,3 +1,4 @@
+// Characters of UTF-8, and which of them are shown.
 #include "tools/orvane/output/VisibleText.h"
 
 #include "ov_sys/Interface/foundation/Utf8.h"

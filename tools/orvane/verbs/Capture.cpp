@@ -1,3 +1,4 @@
+// orvane adc capture: samples drawn and saved.
 #include "tools/orvane/verbs/Capture.h"
 
 #include "tools/orvane/board/Numbers.h"

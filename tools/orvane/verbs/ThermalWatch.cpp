@@ -1,3 +1,4 @@
+// orvane thermal watch: a temperature as a curve.
 #include "tools/orvane/verbs/ThermalWatch.h"
 
 #include "tools/orvane/board/Numbers.h"

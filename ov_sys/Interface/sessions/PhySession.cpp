@@ -154,24 +154,24 @@ bool PhySession::onRPCCallError(int clntStat, std::string clientName) {
         Diagnostics::error(clientName, "Error. Session is invalid cannot start retraining");
         return false;
     }
-    const std::string failed = clientName + "Error. RPC connection retrain failed.";
     try {
         Diagnostics::error(clientName, "RPC call error: ", clntStat, ". Session error handling started...");
         const bool retrained = connection->onRPCCallError(static_cast<clnt_stat>(clntStat), clientName);
         setSessionState(SESSION_RETRAINED);
         return retrained;
     } catch (const Exceptions::NoDevice&) {
-        retrainFailed(failed + " No device found.");
+        retrainFailed(clientName, " No device found.");
     } catch (const std::exception& problem) {
-        retrainFailed(failed + problem.what());
+        retrainFailed(clientName, problem.what());
     } catch (...) {
-        retrainFailed(failed + " Unexpected exception. Mark session as invalid.");
+        retrainFailed(clientName, " Unexpected exception. Mark session as invalid.");
     }
     return false;
 }
 
-void PhySession::retrainFailed(const std::string& message) {
-    Diagnostics::error(message);
+// Makes do without memory: nothing keeps the session from leaving the error handling.
+void PhySession::retrainFailed(const std::string& clientName, const char* reason) noexcept {
+    Diagnostics::error(clientName, "Error. RPC connection retrain failed.", reason);
     setSessionState(SESSION_INVALID);
 }
 

@@ -159,7 +159,7 @@ public:
 
 private:
     PhySession(std::unique_ptr<BoardConnection> board, MdioExclusive const& mode);
-    void retrainFailed(const std::string& message);
+    void retrainFailed(const std::string& clientName, const char* reason) noexcept;
     template <class Reached>
     int waitForState(unsigned int timeoutMs, Reached reached);
 

@@ -17,7 +17,7 @@ inline PhyTarget phyTarget(int phyArg) {
     const auto word = static_cast<unsigned>(phyArg);
     if (phyArg < 0)
         return {word >> 16U & 0x7FFFU, word & 0xFFFFU};
-    return {theInterface().defaultAdapter(), word};
+    return {theInterface().defaultAdapter_, word};
 }
 
 } // namespace Orvane

@@ -25,7 +25,7 @@ Route routeOnAdapter(unsigned adapter, unsigned mmd) {
 extern "C" {
 
 void ZR_API_MDIO_Write(unsigned int phy, unsigned int mmd, unsigned int address, unsigned int value) {
-    const unsigned adapter = HW_GetDefaultAdapter();
+    const unsigned adapter = theInterface().defaultAdapter_;
     const Route route =
         overClause22(adapter) ? Route::OverClause22 : Routing::routeOfWrite(delegationsOf(adapter), mmd);
     LoggedAccess access = accessFor(route, adapter, phy);
@@ -33,7 +33,7 @@ void ZR_API_MDIO_Write(unsigned int phy, unsigned int mmd, unsigned int address,
 }
 
 unsigned int ZR_API_MDIO_Read(unsigned int phy, unsigned int mmd, unsigned int address) {
-    const unsigned adapter = HW_GetDefaultAdapter();
+    const unsigned adapter = theInterface().defaultAdapter_;
     const Route route = overClause22(adapter) ? Route::OverClause22
                                               : Routing::routeOfRead(delegationsOf(adapter), mmd, address);
     LoggedAccess access = accessFor(route, adapter, phy);

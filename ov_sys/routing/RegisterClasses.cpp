@@ -7,7 +7,6 @@
 namespace Orvane::Routing {
 namespace {
 
-constexpr unsigned kClassMmd = 31;
 constexpr unsigned kFirstLane = 0x8000; // four lanes of 4096 registers: 8000, 9000, A000, B000
 constexpr unsigned kEndOfLanes = 0xC000;
 constexpr unsigned kLaneRegisters = 0x1000;

@@ -3,6 +3,8 @@
 
 namespace Orvane::Routing {
 
+constexpr unsigned kClassMmd = 31; // no other has registers of a class
+
 bool isNec(unsigned mmd, unsigned address);
 bool isDec(unsigned mmd, unsigned address);
 

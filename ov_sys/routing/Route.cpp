@@ -33,7 +33,7 @@ Route routeOfWrite(const Delegations& delegations, unsigned mmd) {
 }
 
 Route routeOfRead(const Delegations& delegations, unsigned mmd, unsigned address) {
-    if (delegations.readClasses && (isNec(mmd, address) || isDec(mmd, address)))
+    if (mmd == kClassMmd && delegations.readClasses && (isNec(mmd, address) || isDec(mmd, address)))
         return Route::Mailbox;
     return routeOf(delegations, mmd, delegations.readPaged);
 }

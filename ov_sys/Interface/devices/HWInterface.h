@@ -216,7 +216,9 @@ public:
 
 private:
     SimpleDeviceEntry& deviceAt(unsigned adapter) const;
-    std::shared_ptr<SimpleSessionEntry> resolve(unsigned adapter, unsigned phyId);
+    std::shared_ptr<SimpleSessionEntry> resolve(unsigned adapter, unsigned phyId) const {
+        return deviceAt(adapter).shareSession(static_cast<int>(phyId));
+    }
     void addDevice(const AddressResponse& candidate);
     template <class Hold>
     SharedSessions closeDevices(Hold hold);

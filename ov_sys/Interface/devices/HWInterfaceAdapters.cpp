@@ -20,6 +20,11 @@ namespace {
 
 using Held = std::unique_lock<std::mutex>;
 
+// Out of the way of accesses, which pass by there.
+[[noreturn, gnu::noinline]] void refuseAdapter() {
+    throw Exceptions::Standard("Invalid adapter index");
+}
+
 // Not owned when the mutex stays taken until then.
 Held heldUntil(const Deadline& limit, std::mutex& mutex) {
     constexpr int kPollMs = 5;
@@ -35,7 +40,7 @@ Held heldUntil(const Deadline& limit, std::mutex& mutex) {
 
 SimpleDeviceEntry& HWInterface::deviceAt(unsigned adapter) const {
     if (adapter >= devices.size())
-        throw Exceptions::Standard("Invalid adapter index");
+        refuseAdapter();
     return *devices[adapter];
 }
 
@@ -117,10 +122,6 @@ void HWInterface::setDeviceParameters(unsigned adapter, unsigned /*parameter*/, 
 
 unsigned HWInterface::getDeviceParameters(unsigned adapter, unsigned /*parameter*/) {
     return static_cast<unsigned>(deviceAt(adapter).getKelSmbProto());
-}
-
-std::shared_ptr<SimpleSessionEntry> HWInterface::resolve(unsigned adapter, unsigned phyId) {
-    return deviceAt(adapter).shareSession(static_cast<int>(phyId));
 }
 
 SimpleSessionEntry* HWInterface::getSimpleSession(int adapter, int phyId) {

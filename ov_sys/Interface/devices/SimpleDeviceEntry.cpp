@@ -20,6 +20,11 @@ namespace {
 
 using Lock = std::lock_guard<std::mutex>;
 
+// Out of the way of accesses, which pass by there.
+[[noreturn, gnu::noinline]] void refuseAccess() {
+    throw Exceptions::Standard("Adapter isn't open.");
+}
+
 // A session that failed to open is released without a close request.
 struct Abandon {
     void operator()(PhySession* session) const {
@@ -156,6 +161,10 @@ const std::shared_ptr<SimpleSessionEntry>& SimpleDeviceEntry::sessionOf(int phyI
     for (const auto& entry : sessions)
         if (entry->phyId == phyId)
             return entry;
+    return openSessionOf(phyId);
+}
+
+const std::shared_ptr<SimpleSessionEntry>& SimpleDeviceEntry::openSessionOf(int phyId) {
     std::unique_ptr<PhySession> opened(openInConfiguredMode(phyId));
     append(opened, phyId, port);
     return sessions.back();
@@ -169,7 +178,7 @@ SimpleSessionEntry* SimpleDeviceEntry::getSession(int phyId) {
 std::shared_ptr<SimpleSessionEntry> SimpleDeviceEntry::shareSession(int phyId) {
     const Lock guard(lock);
     if (isOpen == 0)
-        throw Exceptions::Standard("Adapter isn't open.");
+        refuseAccess();
     return sessionOf(phyId);
 }
 

@@ -100,6 +100,7 @@ private:
     // These want `lock` to be held.
     unsigned short keyOf(int phyId) const;
     const std::shared_ptr<SimpleSessionEntry>& sessionOf(int phyId);
+    const std::shared_ptr<SimpleSessionEntry>& openSessionOf(int phyId);
     void append(std::unique_ptr<PhySession>& session, int phyId, int sessionPort);
 };
 

@@ -166,9 +166,14 @@ char* HWInterface::device(std::string address) {
 int HWInterface::deviceIndex(std::string name) {
     HWIHelper::str_to_upper(name);
     const Lock guard(lock);
-    const auto found = std::find_if(devices.begin(), devices.end(),
+    for (; indexed_ < devices.size(); ++indexed_) // of twins the first is found
+        indexOf_.emplace(devices[indexed_]->name, static_cast<int>(indexed_));
+    const auto known = indexOf_.find(name);
+    if (known != indexOf_.end() && devices[static_cast<std::size_t>(known->second)]->name == name)
+        return known->second;
+    const auto found = std::find_if(devices.begin(), devices.end(), // an entry that was renamed
                                     [&name](const auto& entry) { return entry->name == name; });
-    if (found == devices.end()) // of twins the first is found
+    if (found == devices.end())
         throw Exceptions::NoDevice();
     return static_cast<int>(found - devices.begin());
 }

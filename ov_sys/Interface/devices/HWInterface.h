@@ -12,6 +12,7 @@
 #include <mutex>
 #include <string>
 #include <sys/types.h>
+#include <unordered_map>
 #include <vector>
 
 namespace Orvane {
@@ -223,8 +224,10 @@ private:
     template <class Hold>
     SharedSessions closeDevices(Hold hold);
 
-    SharedSessions keptAtExit_;  // closed, and perhaps in use
-    std::atomic<pid_t> process_; // that opened an adapter last
+    std::unordered_map<std::string, int> indexOf_; // devices by the names they were added with; under `lock`
+    std::size_t indexed_ = 0;                      // devices that `indexOf_` knows
+    SharedSessions keptAtExit_;                    // closed, and perhaps in use
+    std::atomic<pid_t> process_;                   // that opened an adapter last
 };
 
 } // namespace Orvane

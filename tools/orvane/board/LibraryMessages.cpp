@@ -1,6 +1,7 @@
-// The standard streams, led into memory and back.
+// The library's lines, kept until they are asked for.
 #include "tools/orvane/board/LibraryMessages.h"
 
+#include "ov_sys/Interface/foundation/DiagnosticsSink.h"
 #include "tools/orvane/output/VisibleText.h"
 
 #include <algorithm>
@@ -10,26 +11,21 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/mman.h>
 #include <system_error>
-#include <unistd.h>
+#include <utility>
 
 namespace OrvaneTool {
 namespace {
 
-constexpr int kFirstDescriptor = 10; // clear of those that a shell hands down
-
-int checked(int result, const char* what) {
-    if (result < 0)
-        throw std::system_error(errno, std::generic_category(), what);
-    return result;
-}
-
-int copyOf(int descriptor) {
-    // A program may be started without the stream; it then has one that leads nowhere.
-    if (::fcntl(descriptor, F_GETFD) < 0 && ::open("/dev/null", O_RDWR) < 0)
-        throw std::system_error(errno, std::generic_category(), "cannot open /dev/null");
-    return checked(::fcntl(descriptor, F_DUPFD_CLOEXEC, kFirstDescriptor), "cannot copy a standard stream");
+// What is opened takes the lowest number that is free.
+void keepStandardStreamsOpen() {
+    int opened = STDIN_FILENO;
+    while (opened <= STDERR_FILENO) {
+        opened = ::open("/dev/null", O_RDWR);
+        if (opened < 0)
+            throw std::system_error(errno, std::generic_category(), "cannot open /dev/null");
+    }
+    ::close(opened);
 }
 
 // Read by a signal handler.
@@ -45,31 +41,21 @@ void tellAndExit(int) {
 
 } // namespace
 
-LibraryMessages::LibraryMessages()
-    : out_(copyOf(STDOUT_FILENO)),
-      err_(copyOf(STDERR_FILENO)),
-      memory_(checked(::memfd_create("orvane-messages", MFD_CLOEXEC), "cannot make a buffer")) {
-    checked(::fcntl(memory_.get(), F_SETFL, O_APPEND), "cannot make a buffer");
-    checked(::dup2(memory_.get(), STDOUT_FILENO), "cannot redirect the standard output");
-    checked(::dup2(memory_.get(), STDERR_FILENO), "cannot redirect the standard error");
+LibraryMessages::LibraryMessages() {
+    keepStandardStreamsOpen();
+    Orvane::Diagnostics::setSink([this](const Orvane::Diagnostics::Message& message) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        lines_.append(message.line).append("\n");
+    });
 }
 
 LibraryMessages::~LibraryMessages() {
-    std::fflush(stdout);
-    ::dup2(out(), STDOUT_FILENO);
-    ::dup2(err(), STDERR_FILENO);
+    Orvane::Diagnostics::setSink(nullptr);
 }
 
 std::string LibraryMessages::take() {
-    std::fflush(stdout);
-    std::string text;
-    std::array<char, 4096> room{};
-    ssize_t count = 0;
-    while ((count = ::pread(memory_.get(), room.data(), room.size(), taken_)) > 0) {
-        text.append(room.data(), static_cast<std::size_t>(count));
-        taken_ += count;
-    }
-    return text;
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return std::exchange(lines_, {});
 }
 
 void LibraryMessages::explainAborts(int err, const std::string& activity) {

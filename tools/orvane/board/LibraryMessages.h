@@ -1,39 +1,38 @@
-// Holds back what the library writes to the standard streams.
+// Holds back what the library has to tell.
 #pragma once
 
-#include "ov_sys/Interface/foundation/FileDescriptor.h"
-
+#include <mutex>
 #include <string>
-#include <sys/types.h>
+#include <unistd.h>
 
 namespace OrvaneTool {
 
-// While one lives, the process's standard output and standard error lead into memory, and the real ones are
-// the descriptors out() and err(): the library's lines never mix with a command's output. At most one at a
-// time.
+// While one lives, the library's lines are collected here and never mix with a command's output. At most one
+// at a time.
 class LibraryMessages {
 public:
-    // Throws std::system_error.
+    // Also gives a program that was started without a standard stream one that leads nowhere, so that no file
+    // or connection takes its place. Throws std::system_error.
     LibraryMessages();
-    ~LibraryMessages(); // puts the real streams back
+    ~LibraryMessages(); // the lines go to the standard streams again
     LibraryMessages(const LibraryMessages&) = delete;
     LibraryMessages& operator=(const LibraryMessages&) = delete;
 
-    int out() const { return out_.get(); }
-    int err() const { return err_.get(); }
+    // Descriptors of the standard streams.
+    static int out() { return STDOUT_FILENO; }
+    static int err() { return STDERR_FILENO; }
 
-    // What the library wrote since the last call. Any thread of the library may be writing meanwhile.
+    // What the library told since the last call, a line each. Any thread of the library may be telling
+    // meanwhile.
     std::string take();
 
     // Some answers of a board make the library end the program. It then ends with a line for the user
-    // instead: what is being done, by `activity`, on the real standard error, and exit status 1.
+    // instead: what is being done, by `activity`, on the standard error stream, and exit status 1.
     static void explainAborts(int err, const std::string& activity);
 
 private:
-    Orvane::FileDescriptor out_;
-    Orvane::FileDescriptor err_;
-    Orvane::FileDescriptor memory_;
-    off_t taken_ = 0;
+    std::mutex mutex_; // guards the lines
+    std::string lines_;
 };
 
 } // namespace OrvaneTool

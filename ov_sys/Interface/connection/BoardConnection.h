@@ -80,9 +80,10 @@ public:
     // wait. Returns the ping's milliseconds and throws as retrieveConnection().
     int problem();
 
-    // Whether searches for the board are in vain, as its session is being closed: one that is under way throws
-    // Exceptions::NoDevice after its present step, 4 s at most for a ping (15 s for the look-up and the TCP
-    // probe of a board whose name the system's resolver knows), later ones before their first. Does not block.
+    // Whether searches for the board are in vain, as its session is being closed: one that is under way
+    // throws Exceptions::NoDevice after its present step, 4 s at most for a ping (15 s for the look-up and
+    // the TCP probe of a board whose name the system's resolver knows), later ones before their first. Does
+    // not block.
     void giveUp(bool inVain) { givenUp_ = inVain; }
 
     // Pings the board through the setup client and returns the milliseconds. Throws

@@ -35,7 +35,8 @@ public:
     // `found`.
     static int find(std::string boardType, std::vector<AddressResponse*>& found, unsigned timeoutMs,
                     unsigned maxCount);
-    // The same; ends with the first round at whose end `givenUp` is set, what came in that round not counting.
+    // The same; ends with the first round at whose end `givenUp` is set, what came in that round not
+    // counting.
     static int find(std::string boardType, std::vector<AddressResponse*>& found, unsigned timeoutMs,
                     unsigned maxCount, const std::atomic<bool>& givenUp);
 

@@ -9,8 +9,8 @@
  * also write an empty line and "Error: " with the text to the standard error stream. Diagnostic lines can be
  * taken over: see diagnostics.h.
  *
- * Threads. Any thread may call any function. Closing an adapter must not overlap with accesses to it. A thread
- * that is cancelled (pthread_cancel) ends behind the call that it is in.
+ * Threads. Any thread may call any function. Closing an adapter must not overlap with accesses to it. A
+ * thread that is cancelled (pthread_cancel) ends behind the call that it is in.
  *
  * Blocking. Discovery takes 1 s when it looks for every board and up to 5 s when it looks for one name. An
  * access waits for the board's answer, 2 s at most for each attempt; a failing connection is looked for and

@@ -1,4 +1,5 @@
-// The class interface of Orvane, for C++17: discovery, connections, sessions, bus services and the device list.
+// The class interface of Orvane, for C++17: discovery, connections, sessions, bus services and the device
+// list.
 #pragma once
 
 #include "ov_sys/Interface/buses/ADC.h"

@@ -17,8 +17,7 @@ class ServiceCall : public RackLink::TypedCall<Param, Result> {
 public:
     template <class Procedure>
     ServiceCall(OpenSession& owner, RackLink::Program which, Procedure number, RackLink::Effect does)
-        : RackLink::TypedCall<Param, Result>(which, static_cast<std::uint32_t>(number), does),
-          owner_(owner) {
+        : RackLink::TypedCall<Param, Result>(which, static_cast<std::uint32_t>(number), does), owner_(owner) {
         this->session = &owner.state();
     }
 

@@ -23,10 +23,11 @@ struct Run {
 struct Scenario {
     const char* name;  ///< on the command line
     const char* claim; ///< what holds when it passes
+    bool computes;     ///< all the time; otherwise it waits for most of it
     void (*run)(Run&);
 };
 
-/// In the order in which they are run.
+/// In the order in which they are begun.
 const std::vector<Scenario>& scenarios();
 
 void loss(Run& run);

@@ -1,6 +1,7 @@
 // Runs the fault scenarios beside simulated boards in a private network and prints their figures.
 #include "simulator/network/PrivateNetwork.h"
 #include "tests/faults/scenarios/Scenario.h"
+#include "tests/faults/scenarios/SideBySide.h"
 
 #include <algorithm>
 #include <chrono>
@@ -13,17 +14,16 @@ namespace OrvaneFaults {
 
 const std::vector<Scenario>& scenarios() {
     static const std::vector<Scenario> all{
-        // Before the others have filled the process with memory that they gave back.
-        {"exhaustion", "RunningOutOfAnythingIsAnErrorAndNoCrash", exhaustion},
-        {"many", "ManyBoardsAreHeldAtOnce", manyBoards},
-        {"loss", "LostRequestsAndRepliesCostTimeAndNothingElse", loss},
-        {"duplicates", "DuplicatedAndReorderedRepliesChangeNoAnswer", duplicatesAndOrder},
-        {"late", "ALateReplyIsNotTakenForALaterAnswer", lateReplies},
-        {"strays", "AFloodOfStrayDatagramsChangesNoAnswer", strayDatagrams},
-        {"dead", "ABoardThatDiesAtAnyMomentIsReportedAndFoundAgain", deadBoards},
-        {"refusals", "EveryRefusalEndsInItsDocumentedError", refusals},
-        {"bounds", "NoWaitIsLongerThanDocumented", bounds},
-        {"races", "ThreadsResetsClosesAndDiscoveryTogetherChangeNoAnswer", races},
+        {"exhaustion", "RunningOutOfAnythingIsAnErrorAndNoCrash", false, exhaustion},
+        {"many", "ManyBoardsAreHeldAtOnce", false, manyBoards},
+        {"loss", "LostRequestsAndRepliesCostTimeAndNothingElse", false, loss},
+        {"duplicates", "DuplicatedAndReorderedRepliesChangeNoAnswer", true, duplicatesAndOrder},
+        {"late", "ALateReplyIsNotTakenForALaterAnswer", true, lateReplies},
+        {"strays", "AFloodOfStrayDatagramsChangesNoAnswer", true, strayDatagrams},
+        {"dead", "ABoardThatDiesAtAnyMomentIsReportedAndFoundAgain", false, deadBoards},
+        {"refusals", "EveryRefusalEndsInItsDocumentedError", false, refusals},
+        {"bounds", "NoWaitIsLongerThanDocumented", false, bounds},
+        {"races", "ThreadsResetsClosesAndDiscoveryTogetherChangeNoAnswer", true, races},
     };
     return all;
 }
@@ -47,6 +47,17 @@ bool runOne(const Scenario& scenario, std::uint64_t seed, bool full) {
     return held;
 }
 
+/// All when there are no names; none when one of them is no scenario's.
+std::vector<const Scenario*> scenariosNamed(const std::vector<std::string>& names) {
+    std::vector<const Scenario*> found;
+    for (const Scenario& each : scenarios())
+        if (names.empty() || std::find(names.begin(), names.end(), each.name) != names.end())
+            found.push_back(&each);
+    if (!names.empty() && found.size() != names.size())
+        found.clear();
+    return found;
+}
+
 /// Starts this program anew with a malloc whose figures are exact: what threads keep to themselves of the
 /// memory that they gave back would count as in use.
 void countMemoryExactly(char** argv) {
@@ -63,7 +74,6 @@ void countMemoryExactly(char** argv) {
 int main(int argc, char** argv) {
     using OrvaneFaults::say;
     using OrvaneFaults::Scenario;
-    using OrvaneFaults::scenarios;
     OrvaneFaults::countMemoryExactly(argv);
     CLI::App app{"Runs fault scenarios beside simulated boards and prints their figures as tables."};
     bool full = false;
@@ -77,21 +87,20 @@ int main(int argc, char** argv) {
     app.add_option("scenario", chosen, "names of scenarios; none for all");
     CLI11_PARSE(app, argc, argv);
 
-    OrvaneSim::PrivateNetwork::enter({});
+    const std::vector<const Scenario*> wanted = OrvaneFaults::scenariosNamed(chosen);
     OrvaneFaults::figuresTo(fdopen(dup(STDOUT_FILENO), "w"));
-    if (!std::freopen(diagnostics.c_str(), "a", stderr) || !std::freopen(diagnostics.c_str(), "a", stdout))
-        return 2;
-    int broken = 0;
-    std::size_t done = 0;
-    for (const Scenario& scenario : scenarios())
-        if (chosen.empty() || std::find(chosen.begin(), chosen.end(), scenario.name) != chosen.end()) {
-            broken += OrvaneFaults::runOne(scenario, seed, full) ? 0 : 1;
-            ++done;
-        }
-    if (done == 0 || (!chosen.empty() && done != chosen.size())) {
+    if (wanted.empty()) {
         say("there is no such scenario");
         return 2;
     }
-    say("\n" + std::to_string(done) + " scenarios, " + std::to_string(broken) + " with broken invariants");
+    if (!std::freopen(diagnostics.c_str(), "a", stderr) || !std::freopen(diagnostics.c_str(), "a", stdout))
+        return 2;
+    const auto run = [&](const Scenario& scenario) {
+        OrvaneSim::PrivateNetwork::enter({});
+        return OrvaneFaults::runOne(scenario, seed, full) ? 0 : 1;
+    };
+    const int broken = wanted.size() == 1 ? run(*wanted.front()) : OrvaneFaults::runSideBySide(wanted, run);
+    say("\n" + std::to_string(wanted.size()) + " scenarios, " + std::to_string(broken) +
+        " with broken invariants");
     return broken == 0 ? 0 : 1;
 }

@@ -2,6 +2,7 @@
 #include "ov_sys/Interface/discovery/BoardFinder.h"
 #include "ov_sys/Interface/discovery/MulticastBoardResolver.h"
 #include "ov_sys/Interface/foundation/FileDescriptor.h"
+#include "tests/support/discovery/FailingAllocation.h"
 #include "tests/support/discovery/Limits.h"
 #include "tests/support/WrittenText.h"
 
@@ -219,6 +220,22 @@ TEST(Listen, ReturnsAtOnceWhenItsFlagIsFalse) {
     sendReply("not read");
     resolver.listen(std::atomic<bool>(false));
     EXPECT_EQ(resolver.replies, Records{});
+}
+
+TEST(Listen, DropsAndCountsAReplyWithoutMemoryForItAndGoesOn) {
+    MulticastBoardResolver resolver(kGroup, kPort);
+    const auto excess = BoardFinder::dropped().excess;
+    std::atomic<bool> flag{true};
+    sendReply("dropped");
+    sendReply("heard");
+    std::thread listener([&] {
+        OrvaneTest::failNextAllocationOf(sizeof(AddressResponse)); // the queue's first
+        resolver.listen(flag);
+    });
+    EXPECT_EQ(awaitReplies(resolver, 1), (Records{{"heard", "127.0.0.1"}}));
+    flag = false;
+    listener.join();
+    EXPECT_EQ(BoardFinder::dropped().excess - excess, 1U);
 }
 
 TEST(GetReplies, AppendsInOrderAndEmptiesTheQueue) {

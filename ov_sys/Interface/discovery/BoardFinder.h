@@ -14,7 +14,7 @@ namespace Orvane {
 // What the searches of this process left out, since it began.
 struct DroppedAnswers {
     std::uint64_t unprintable; // answers of the type asked for with a name beyond printable ASCII
-    std::uint64_t excess;      // answers and devices beyond what one search takes in
+    std::uint64_t excess;      // answers and devices beyond what one search, or memory, takes in
 };
 
 // Keeps no state but the count of what was dropped: every operation may run on several threads at once, each

@@ -13,6 +13,7 @@
 #include <arpa/inet.h>
 #include <cerrno>
 #include <cstdint>
+#include <new>
 #include <poll.h>
 #include <sys/socket.h>
 #include <utility>
@@ -63,6 +64,18 @@ Wait waitReadable(int socket) {
 bool full(MulticastBoardResolver& resolver) {
     const std::lock_guard<std::mutex> guard(resolver.repliesLock);
     return resolver.replies.size() >= SearchLimits::kWaiting;
+}
+
+// Whether there was room for the latest reply.
+bool queued(MulticastBoardResolver& resolver, const char* text) {
+    if (full(resolver))
+        return false;
+    try {
+        resolver.PushReply(text, dottedAddress(resolver.localAddress.sin_addr));
+    } catch (const std::bad_alloc&) { // the board answers the next request, too
+        return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -172,10 +185,8 @@ void MulticastBoardResolver::listen(const std::atomic<bool>& flag) {
             Diagnostics::error("MulticastBoardResolver: recvfrom error");
             return;
         }
-        if (full(*this))
+        if (!queued(*this, text))
             ++SearchLimits::excess;
-        else
-            PushReply(text, dottedAddress(localAddress.sin_addr));
     }
 }
 

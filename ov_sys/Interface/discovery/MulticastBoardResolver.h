@@ -66,7 +66,8 @@ public:
     void stopListener();
 
     // The listener thread's body: queues replies until `flag` is false or the socket fails. While 4,096 wait
-    // to be fetched, those that come are dropped (BoardFinder::dropped()).
+    // to be fetched, those that come are dropped (BoardFinder::dropped()), as are those without memory for
+    // them.
     void listen(const std::atomic<bool>& flag);
 
     // Queues one reply. Any thread.

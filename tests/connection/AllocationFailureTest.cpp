@@ -67,7 +67,7 @@ TEST_P(FailedAllocation, DuringACallDoesNotSpoilTheHandle) {
     const std::size_t failed = failEachAllocation(
         [&] {
             const clnt_stat status = ping();
-            const AllocationFailure none(~std::size_t{0}); // noting it is no part of the work
+            const NoAllocationFailure noting;
             seen.insert(status);
         },
         [&] { EXPECT_EQ(ping(), RPC_SUCCESS); });

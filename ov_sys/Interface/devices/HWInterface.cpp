@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <exception>
+#include <memory>
 #include <unistd.h>
 #include <utility>
 
@@ -33,8 +34,11 @@ void probe(const std::string& name, AddressResponse& board, FoundBoards& found) 
         BoardFinder::find_ports(name, board);
     } catch (const Exceptions::Standard&) { // the name stays as it was
     }
-    if (!board.name.empty())
-        found.records.push_back(new AddressResponse(board));
+    if (board.name.empty())
+        return;
+    auto record = std::make_unique<AddressResponse>(board);
+    found.records.push_back(record.get());
+    static_cast<void>(record.release());
 }
 
 bool isListed(HWInterface& devices, const std::string& name) {

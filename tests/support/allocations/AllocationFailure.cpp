@@ -1,9 +1,11 @@
 // The allocation functions of the whole process: they fail where they are told to, and hand on otherwise.
 #include "tests/support/allocations/AllocationFailure.h"
 
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
@@ -27,6 +29,7 @@ bool failsNow() noexcept {
     if (left-- != 0)
         return false;
     failed = true; // and `left` is kNever again
+    errno = ENOMEM;
     return true;
 }
 
@@ -34,13 +37,12 @@ bool failsNow() noexcept {
 
 namespace OrvaneTest {
 
-AllocationFailure::AllocationFailure(std::size_t number) noexcept {
-    failed = false;
-    left = number;
-}
+AllocationFailure::AllocationFailure(std::size_t number) noexcept
+    : outerLeft_(std::exchange(left, number)), outerFailed_(std::exchange(failed, false)) {}
 
 AllocationFailure::~AllocationFailure() {
-    left = kNever;
+    left = outerLeft_;
+    failed = outerFailed_;
 }
 
 bool AllocationFailure::happened() const noexcept {

@@ -8,8 +8,8 @@ namespace OrvaneTest {
 
 // While one lives, the calling thread's allocation of that number, counted from 0, fails: `new` throws, and
 // what calls malloc(), calloc() or realloc() gets a null pointer (not in builds with sanitizers, whose
-// allocator stands in between). Those before and behind it, and other threads', succeed. One at a time in a
-// thread.
+// allocator stands in between). Those before and behind it, and other threads', succeed. One inside another
+// counts alone until it ends.
 class AllocationFailure {
 public:
     explicit AllocationFailure(std::size_t number) noexcept;
@@ -19,6 +19,19 @@ public:
 
     // Whether there were as many allocations.
     bool happened() const noexcept;
+
+private:
+    std::size_t outerLeft_;
+    bool outerFailed_;
+};
+
+// While one lives, what the calling thread allocates is no part of the work.
+class NoAllocationFailure {
+public:
+    NoAllocationFailure() noexcept : none_(~std::size_t{0}) {}
+
+private:
+    AllocationFailure none_;
 };
 
 // Does `work` again and again, failing one allocation further each time, until it needs no more; `after` is

@@ -165,7 +165,7 @@ void BlockForm::readBlock(const JsonValue& value, BlockDeclaration& parent, unsi
     made->access = parent.access;
     made->source = &value;
     readBlockMembers(value, *made);
-    BlockForm(enumerations_, Mode::declare, problems_).readContent(value, *made, depth);
+    BlockForm(enumerations_, Mode::declare, fieldsLeft_, problems_).readContent(value, *made, depth);
     if (mode_ == Mode::check)
         return;
     parent.blockIndex.emplace(made->name, parent.blocks.size());
@@ -232,7 +232,11 @@ void BlockForm::readFields(const JsonValue& value, MapDefinition& definition) {
         } else if (fields.size() == 64) {
             problems_.add(each, "is one field more than a register has bits");
             return;
+        } else if (fieldsLeft_ == 0) {
+            problems_.add(each, "is one field more than the 65536 of a map");
+            return;
         } else {
+            --fieldsLeft_;
             MapField& field = fields.emplace_back();
             field.name = each.key;
             field.access = definition.access;

@@ -9,6 +9,7 @@ namespace Orvane::Maps {
 class Members;
 
 constexpr unsigned kMostRegisters = 131'072; // of a map, each element of an array counted
+constexpr std::size_t kMostFields = 65'536;  // that the files of a map declare
 
 // Reads "registers" and "blocks" into a tree of declarations.
 class BlockForm {
@@ -19,8 +20,9 @@ public:
         check     // as override, but nothing is kept
     };
 
-    BlockForm(const Enumerations& enumerations, Mode mode, Problems& problems)
-        : enumerations_(enumerations), mode_(mode), problems_(problems) {}
+    // `fieldsLeft` shrinks by the fields that are made.
+    BlockForm(const Enumerations& enumerations, Mode mode, std::size_t& fieldsLeft, Problems& problems)
+        : enumerations_(enumerations), mode_(mode), fieldsLeft_(fieldsLeft), problems_(problems) {}
 
     // The members of `value` named "registers", "blocks" and "remove".
     void readContent(const JsonValue& value, BlockDeclaration& into, unsigned depth = 0);
@@ -37,6 +39,7 @@ private:
 
     const Enumerations& enumerations_;
     Mode mode_;
+    std::size_t& fieldsLeft_;
     Problems& problems_;
 };
 

@@ -125,7 +125,8 @@ void Loader::readTop(const JsonValue& top, const std::string& folder) {
     members.each("include", JsonValue::Kind::array, [&](const JsonValue& each) { include(each, folder); });
     const bool includesAll = before == documents_.size() || documents_.back()->root() != nullptr;
     const Enumerations enumerations = readEnumerations(top, problems_);
-    BlockForm(enumerations, BlockForm::Mode::declare, problems_).readContent(top, content_->root);
+    BlockForm(enumerations, BlockForm::Mode::declare, fieldsLeft_, problems_)
+        .readContent(top, content_->root);
     if (includesAll) // else what is overridden may be missing for that reason alone
         members.each("overrides", JsonValue::Kind::array,
                      [&](const JsonValue& each) { readOverride(each, enumerations); });
@@ -199,7 +200,7 @@ void Loader::readOverride(const JsonValue& value, const Enumerations& enumeratio
     members.string("text", kLongestText);
     const BlockForm::Mode mode = applies(value) ? BlockForm::Mode::override : BlockForm::Mode::check;
     if (value.kind == JsonValue::Kind::object)
-        BlockForm(enumerations, mode, problems_).readContent(value, content_->root);
+        BlockForm(enumerations, mode, fieldsLeft_, problems_).readContent(value, content_->root);
 }
 
 } // namespace Orvane::Maps

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ov_sys/maps/Content.h"
-#include "ov_sys/maps/FieldForm.h"
+#include "ov_sys/maps/BlockForm.h"
 
 #include <set>
 
@@ -40,6 +40,7 @@ private:
     unsigned depth_ = 0;             // of includes
     std::string topFolder_;          // real path of the first file's; empty: files cannot be included
     JsonBudget budget_;
+    std::size_t fieldsLeft_ = kMostFields;
     Problems problems_;
 };
 

@@ -123,17 +123,26 @@ TEST(HostileFile, OfManyWrongMembersEnds) {
               std::string::npos);
 }
 
-TEST(HostileFile, OfManyFieldsEnds) {
-    std::string registers; // each with sixteen fields, all but the last one right
-    for (int i = 0; i < 20000; ++i) {
+// Registers with sixteen fields each, and one without an address.
+std::string errorOfFields(int registerCount) {
+    std::string registers;
+    for (int i = 0; i < registerCount; ++i) {
         registers += "\"R" + std::to_string(i) + "\":{\"at\":" + std::to_string(i) + ",\"fields\":{";
         for (int bit = 0; bit < 16; ++bit)
             registers +=
                 "\"F" + std::to_string(bit) + "\":" + std::to_string(bit) + (bit == 15 ? "}}," : ",");
     }
     registers += "\"X\": {}";
-    EXPECT_EQ(errorOf(mapText(R"("blocks": {"B": {"at": "30.0", "registers": {)" + registers + "}}}")),
-              "map:1: blocks.B.registers.X: 'at' is missing");
+    return errorOf(mapText(R"("blocks": {"B": {"at": "30.0", "registers": {)" + registers + "}}}"));
+}
+
+TEST(HostileFile, OfAsManyFieldsAsAMapMayHaveEnds) {
+    EXPECT_EQ(errorOfFields(4096), "map:1: blocks.B.registers.X: 'at' is missing");
+}
+
+TEST(HostileFile, OfManyFieldsEnds) {
+    EXPECT_EQ(errorOfFields(20000).substr(0, 84),
+              "map:1: blocks.B.registers.R4096.fields.F0: is one field more than the 65536 of a map");
 }
 
 TEST(HostileFile, OfHugeNumbersEnds) {

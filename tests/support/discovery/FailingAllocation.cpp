@@ -15,10 +15,6 @@ void failNextAllocationOf(std::size_t size) {
     failingSize = size;
 }
 
-bool allocationFailurePending() {
-    return failingSize != 0;
-}
-
 } // namespace OrvaneTest
 
 void* operator new(std::size_t size) {

@@ -8,7 +8,4 @@ namespace OrvaneTest {
 // The calling thread's next `new` of exactly `size` bytes throws std::bad_alloc.
 void failNextAllocationOf(std::size_t size);
 
-// Whether the failure that failNextAllocationOf() ordered on this thread has not happened yet.
-bool allocationFailurePending();
-
 } // namespace OrvaneTest

@@ -84,7 +84,7 @@ protected:
 };
 
 using Lists = testing::Types<std::vector<int>, AppendOnlyList<int>>;
-TYPED_TEST_SUITE(ListOfHundred, Lists);
+TYPED_TEST_SUITE(ListOfHundred, Lists, ); // clang wants the last argument said, empty as it is
 
 TYPED_TEST(ListOfHundred, IsReadByCodeForVectors) {
     using Reader = VectorReader<TypeParam>;

@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <memory>
+#include <netdb.h>
 
 namespace OrvaneTest {
 namespace {
@@ -43,6 +44,7 @@ struct Program : AdaptersOf {
 class FailedAllocation : public testing::Test, public OneBoard {
 protected:
     FailedAllocation() {
+        gethostbyname("localhost"); // glibc's resolver keeps its lock when its first allocation fails
         board.setRegister(OrvaneSim::Space::C45, kAdapter, kPhy, kMmd << 16U | kRegister, kValue);
     }
 

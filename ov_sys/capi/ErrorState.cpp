@@ -31,9 +31,11 @@ const char* kept(const char* text) noexcept {
     };
     auto place = std::find_if(texts.begin(), texts.end(), isText);
     if (place == texts.end() || *place == nullptr) {
-        char* const copy = strdup(text);
+        const std::size_t size = std::strlen(text) + 1;
+        char* const copy = static_cast<char*>(std::malloc(size));
         if (copy == nullptr)
             return nullptr;
+        std::memcpy(copy, text, size);
         if (place == texts.end())
             std::free(*--place);
         *place = copy;

@@ -49,7 +49,7 @@ TEST_F(FailedAllocation, DuringACommandEndsNeitherStreamNorSession) {
                   EXPECT_EQ(exitCode, 3);
                   EXPECT_EQ(output, "Linux");
               }),
-              1U);
+              0U);
     EXPECT_EQ(openDescriptorsOnce(before), before);
 }
 

@@ -1,8 +1,8 @@
 // Reads the files of a map.
 #pragma once
 
-#include "ov_sys/maps/Content.h"
 #include "ov_sys/maps/BlockForm.h"
+#include "ov_sys/maps/Content.h"
 
 #include <set>
 

@@ -5,6 +5,7 @@
 #include "ov_sys/rack/Batch.h"
 #include "ov_sys/rack/Failure.h"
 #include "ov_sys/rack/RegisterAddress.h"
+#include "ov_sys/rack/RoutedPhy.h"
 #include "ov_sys/rack/Services.h"
 #include "ov_sys/rack/SmbusProtocol.h"
 #include "ov_sys/rack/Within.h"
@@ -48,6 +49,9 @@ public:
                                     const Within& within = {}) const;
     // Throws Failure for arguments that cannot be sent; what went wrong with the board is in the result.
     BatchResult run(const Batch& batch, const Within& within = {}) const;
+
+    // The same PHY by the paths that its indirect registers ask for.
+    RoutedPhy routed(const RegisterPaths& paths = {}) const noexcept { return RoutedPhy(session_, paths); }
 
     // The board's services, through this PHY's session.
     I2cBus i2c() const noexcept { return I2cBus(session_); }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ov_sys/routing/Access.h"
+#include "ov_sys/routing/Delegations.h"
 
 namespace Orvane::Routing {
 
@@ -11,15 +12,6 @@ constexpr unsigned kWindowMmd = 10;
 constexpr unsigned kTgeMmd = 11;
 constexpr unsigned kSerdesMmd = 27;
 constexpr unsigned kPagedMmd = 28;
-
-// What is left to the PHY's firmware (its mailbox) rather than reached by another path.
-struct Delegations {
-    bool readClasses = true; // reads of NEC and DEC registers, which are plain otherwise
-    bool writePaged = true;
-    bool readPaged = true;
-    bool tge = true;
-    bool serdes = true;
-};
 
 Route routeOfWrite(const Delegations& delegations, unsigned mmd);
 Route routeOfRead(const Delegations& delegations, unsigned mmd, unsigned address);

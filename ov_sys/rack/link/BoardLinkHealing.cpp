@@ -216,6 +216,7 @@ void BoardLink::moveTo(in_addr_t address, TimePoint now) {
 
 void BoardLink::sessionOpened(Session& session) {
     session.open = true;
+    ++session.openings;
     if (Call* const call = waiting_.front())
         call->trouble = {};
     if (!session.everOpened) {

@@ -31,10 +31,6 @@ void waitFor(pollfd* entries, std::size_t count, const Cancellation* cancellatio
     ppoll(all, static_cast<nfds_t>(count), &wait, nullptr);
 }
 
-bool cancelled(const Limits& limits) noexcept {
-    return limits.within.cancellation != nullptr && limits.within.cancellation->cancelled();
-}
-
 // Whatever happens, no link keeps a call that its maker forgets.
 class CallsInDrive {
 public:
@@ -116,6 +112,14 @@ void waitFor(const BoardLink& link, const Cancellation* cancellation, TimePoint 
     waitFor(entries, link.watch(entries), cancellation, now, std::min(end, link.wake(now)));
 }
 
+void pause(Limits& limits, Clock::duration time) {
+    const TimePoint end = std::min(limits.end, limits.now + time);
+    while (limits.now < end && !limits.cancelled()) {
+        waitFor(nullptr, 0, limits.within.cancellation, limits.now, end);
+        limits.now = Clock::now();
+    }
+}
+
 void runHook(BoardLink& link, Session& session) {
     if (!session.hookDue)
         return;
@@ -159,14 +163,14 @@ void drive(BoardLink& link, Call* const* calls, std::size_t count, Limits& limit
     }
     TurnGuard turn(link.turn);
     CallsInDrive all(link, calls, count, limits);
-    if (cancelled(limits))
+    if (limits.cancelled())
         return all.end(FailureKind::Cancelled);
     all.start();
     while (!all.done()) {
         runHooks(link);
         waitFor(link, limits.within.cancellation, limits.now, limits.end);
         limits.now = Clock::now();
-        if (cancelled(limits))
+        if (limits.cancelled())
             return all.end(FailureKind::Cancelled);
         link.step(limits.now);
         if (link.resting() && !all.done() && link.turn.blocks())

@@ -22,6 +22,9 @@ Trouble takeTurn(BoardLink& link, const Limits& limits);
 // Waits for the link, the cancellation (which may be null) or `end`, whichever is first.
 void waitFor(const BoardLink& link, const Cancellation* cancellation, TimePoint now, TimePoint end);
 
+// Waits for that time, if neither cancellation nor end of the limits comes before.
+void pause(Limits& limits, Clock::duration time);
+
 // Runs the hook of a session that was opened again, if it is due. Throws what the hook throws; it stays due
 // then.
 void runHook(BoardLink& link, Session& session);

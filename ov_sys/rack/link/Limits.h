@@ -11,6 +11,11 @@ public:
     explicit Limits(const Within& said) noexcept
         : within(said), begun(Clock::now()), now(begun), end(endOf(said, begun)) {}
 
+    // Whether the caller has ended the operation.
+    bool cancelled() const noexcept {
+        return within.cancellation != nullptr && within.cancellation->cancelled();
+    }
+
     const Within& within;
     const TimePoint begun;
     TimePoint now; // when the clock was read last

@@ -16,6 +16,7 @@ struct Session {
     std::uint16_t key = 0; // as the board gave it; the next open brings it
     bool open = false;
     bool everOpened = false;
+    unsigned openings = 0; // times that the board granted it
     bool hookDue = false; // reopened; its calls wait for the hook
     std::uint32_t id = 0; // the board's number for it, 8 bits
     std::uint16_t sequence = 0;

@@ -1,6 +1,7 @@
 #include "ov_sys/Interface/connection/BoardConnection.h"
 
 #include "ov_sys/Interface/connection/BoardPing.h"
+#include "ov_sys/Interface/connection/PortsAhead.h"
 #include "ov_sys/Interface/discovery/BoardFinder.h"
 #include "ov_sys/Interface/discovery/FoundBoards.h"
 #include "ov_sys/Interface/foundation/Diagnostics.h"
@@ -45,6 +46,17 @@ constexpr ServiceEntry kServices[] = {
     {BoardConnection::THERMAL, "thermal", Programs::Thermal, "udp", makeClient<ExtendedRPCClient>},
 };
 
+// For the clients that connect when they are made; the extended ones do when they are first used.
+PortsAhead portsOfBoard(const std::string& host) {
+    return PortsAhead(host, Programs::Version,
+                      {{Programs::Setup, IPPROTO_TCP},
+                       {Programs::MDIO, IPPROTO_UDP},
+                       {Programs::I2C, IPPROTO_UDP},
+                       {Programs::GPIO, IPPROTO_UDP},
+                       {Programs::JTAG, IPPROTO_UDP},
+                       {Programs::KeepAlive, IPPROTO_UDP}});
+}
+
 } // namespace
 
 BoardConnection::BoardConnection(std::string boardName)
@@ -65,6 +77,7 @@ void BoardConnection::initialize() {
     HWIHelper::str_to_upper(name);
     const Diagnostics::BoardScope scope(name);
     std::fill(std::begin(handles), std::end(handles), -1);
+    const PortsAhead ports = portsOfBoard(host);
     for (const ServiceEntry& service : kServices)
         clients[service.id] = service.make(service.program, service.protocol, service.name, host);
     selectInterface();

@@ -2,6 +2,7 @@
 
 #include "ov_sys/Interface/connection/DatagramTransport.h"
 #include "ov_sys/Interface/connection/PortMapperCall.h"
+#include "ov_sys/Interface/connection/PortsAhead.h"
 #include "ov_sys/Interface/connection/StreamTransport.h"
 
 #include <algorithm>
@@ -63,11 +64,6 @@ int connectWithin(int fd, const sockaddr_in& address, const Deadline& deadline) 
     return error;
 }
 
-// Different for each look-up of a thread, and hardly ever the same in two.
-std::uint32_t newId() noexcept {
-    return static_cast<std::uint32_t>(Deadline::Clock::now().time_since_epoch().count());
-}
-
 clnt_stat askByStream(int socket, const PortMapperCall& call, const Deadline& deadline,
                       rpc_err& error) noexcept {
     return StreamTransport(socket).call(call.message(), deadline, error);
@@ -87,12 +83,18 @@ clnt_stat askByDatagram(int socket, const PortMapperCall& call, const Deadline& 
 // Stores the port that the port mapper names as the port of the place.
 bool findPort(unsigned long program, unsigned long version, const Deadline& deadline,
               ProgramPlace& place) noexcept {
+    const int protocol = place.overStream ? IPPROTO_TCP : IPPROTO_UDP;
+    const std::uint16_t known = PortsAhead::portOf(place.address.sin_addr, program, version, protocol);
+    if (known != 0) {
+        place.address.sin_port = htons(known);
+        return true;
+    }
     ProgramPlace mapper = place;
     mapper.address.sin_port = htons(PortMapperCall::kPort);
     const FileDescriptor socket = openSocket(mapper, deadline);
     if (!socket)
         return fail(RPC_SYSTEMERROR, errno);
-    const PortMapperCall call(newId(), program, version, place.overStream ? IPPROTO_TCP : IPPROTO_UDP);
+    const PortMapperCall call(PortMapperCall::newId(), program, version, protocol);
     rpc_err error{};
     const auto ask = place.overStream ? askByStream : askByDatagram;
     if (ask(socket.get(), call, deadline, error) != RPC_SUCCESS)

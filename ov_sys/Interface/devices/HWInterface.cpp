@@ -1,5 +1,6 @@
 #include "ov_sys/Interface/devices/HWInterface.h"
 
+#include "ov_sys/Interface/devices/ListedNames.h"
 #include "ov_sys/Interface/discovery/BoardFinder.h"
 #include "ov_sys/Interface/discovery/FoundBoards.h"
 #include "ov_sys/Interface/discovery/SearchLimits.h"
@@ -41,15 +42,6 @@ void probe(const std::string& name, AddressResponse& board, FoundBoards& found) 
     static_cast<void>(record.release());
 }
 
-bool isListed(HWInterface& devices, const std::string& name) {
-    try {
-        devices.deviceIndex(name);
-        return true;
-    } catch (const Exceptions::NoDevice&) {
-        return false;
-    }
-}
-
 } // namespace
 
 HWInterface::HWInterface() : defaultAdapter_(0), failFlag(0), blockQueueSize(0), process_(getpid()) {}
@@ -88,10 +80,11 @@ void HWInterface::refreshDevices(const std::string& name, std::string address) {
 void HWInterface::updateSimpleDeviceList(std::vector<AddressResponse*>& found) {
     const std::string wholeBoard = typeWord();
     Candidates candidates;
+    ListedNames listed(devices);
     const auto offer = [&](const std::string& name, const std::string& address) {
         if (candidates.size() == SearchLimits::kNew)
             ++SearchLimits::excess;
-        else if (!isListed(*this, name))
+        else if (const Lock guard(lock); !listed.contains(name))
             candidates.emplace_back(name, address);
     };
     for (const AddressResponse* board : found) {
@@ -105,19 +98,19 @@ void HWInterface::updateSimpleDeviceList(std::vector<AddressResponse*>& found) {
     std::sort(candidates.begin(), candidates.end());
     candidates.erase(std::unique(candidates.begin(), candidates.end()), candidates.end());
     for (const AddressResponse& candidate : candidates)
-        addDevice(candidate);
+        addDevice(candidate, listed);
 }
 
-void HWInterface::addDevice(const AddressResponse& candidate) {
+void HWInterface::addDevice(const AddressResponse& candidate, ListedNames& listed) {
+    const Lock guard(lock);
     try {
-        deviceIndex(candidate.name);
-    } catch (const Exceptions::NoDevice&) {
-        auto entry = std::make_unique<SimpleDeviceEntry>(candidate.name, candidate.address);
-        const Lock guard(lock);
-        devices.push_back(std::move(entry));
+        if (listed.contains(candidate.name))
+            return;
     } catch (...) {
         Diagnostics::error("Error getting device: ", candidate.name, " from the list.");
+        return;
     }
+    devices.push_back(std::make_unique<SimpleDeviceEntry>(candidate.name, candidate.address));
 }
 
 unsigned HWInterface::numberOfDevices() {

@@ -18,6 +18,7 @@
 namespace Orvane {
 
 class AddressResponse;
+class ListedNames;
 class PhySession;
 
 // Devices are found by discovery and only ever added; a device's position in the list is its adapter number
@@ -27,8 +28,7 @@ class PhySession;
 // Any thread may call any member function, with these bounds: a block is filled and executed by one thread,
 // and several threads that use one PHY on an SMBus port serialise themselves. An access to an adapter that is
 // closed meanwhile ends in an error, or opens its session once more when the adapter is opened again; what it
-// was given to keep (sessions, values of a block) is gone with the session. Discovery runs without the lock;
-// two concurrent discoveries may add one name twice, the later entry then never being found by name.
+// was given to keep (sessions, values of a block) is gone with the session. Discovery runs without the lock.
 //
 // Text results are allocated with malloc and freed by the caller with free().
 class ORVANE_API HWInterface {
@@ -220,7 +220,7 @@ private:
     std::shared_ptr<SimpleSessionEntry> resolve(unsigned adapter, unsigned phyId) const {
         return deviceAt(adapter).shareSession(static_cast<int>(phyId));
     }
-    void addDevice(const AddressResponse& candidate);
+    void addDevice(const AddressResponse& candidate, ListedNames& listed);
     template <class Hold>
     SharedSessions closeDevices(Hold hold);
 

@@ -57,15 +57,16 @@ public:
     // ---- The device list ----
 
     // Looks for boards and adds their devices: the board at `address`; else, when `name` is given, the board
-    // of that host name or the first to answer to the name (5 s at most); else every board (1 s, or until
-    // more than ten have answered). Throws what discovery throws.
+    // of that host name or the first to answer to the name (5.3 s at most, after what the system's resolver
+    // takes); else every board (1.3 s, or until more than ten have answered). An address takes 15 s at most.
+    // Throws what discovery throws.
     void refreshDevices(const std::string& name, std::string address);
     // Adds the devices that the found boards name and that are not in the list yet, sorted by name, 1,024 at
     // most: BoardFinder::dropped() counts those beyond, the next search may add them. Words that are no
     // device names are passed over in silence. The records stay the caller's.
     void updateSimpleDeviceList(std::vector<AddressResponse*>& found);
 
-    // These two refresh the list first (1 s) and throw what discovery throws.
+    // These two refresh the list first (1.3 s) and throw what discovery throws.
     unsigned numberOfDevices();
     // The names in list order and a null pointer behind them; the caller frees each name and the array. Null
     // when there are no devices or no memory.

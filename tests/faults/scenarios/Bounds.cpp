@@ -1,4 +1,6 @@
-// How long opening, calls and closing take on boards that are silent, busy, slow or half open.
+// How long opening, calls, closing and searches take on boards that are silent, busy, slow or half open.
+#include "ov_sys/Interface/buses/rpc/RPCADC.h"
+#include "ov_sys/Interface/devices/HWInterface.h"
 #include "tests/faults/scenarios/Scenario.h"
 #include "tests/faults/scenarios/SessionsOnBoards.h"
 
@@ -24,7 +26,8 @@ struct Manner {
 };
 
 void delayEverything(Board& board, int ms) {
-    for (const char* program : {"portmap", "setup", "mdio", "i2c", "gpio", "jtag", "keepAlive"})
+    for (const char* program :
+         {"portmap", "setup", "mdio", "i2c", "gpio", "jtag", "keepAlive", "adc", "discovery", "probe"})
         board.inject({program, "", Fault::Kind::DelayReply, -1, ms});
 }
 
@@ -82,6 +85,16 @@ Work closing(int afterMs) {
             }};
 }
 
+/// Refreshes a list of devices.
+Work looking(const char* name, double limit, bool byName, bool byAddress) {
+    return {name, limit, false, [byName, byAddress](SessionOnBoard& each) {
+                return msOf([&] {
+                    Orvane::HWInterface().refreshDevices(byName ? each.board.serial() : "",
+                                                         byAddress ? each.board.address() : "");
+                });
+            }};
+}
+
 const std::vector<Work>& works() {
     static const std::vector<Work> all{
         closing(0),
@@ -98,6 +111,11 @@ const std::vector<Work>& works() {
          }},
         {"a call", 100000, true,
          [](SessionOnBoard& each) { return msOf([&] { each.calls.read(*each.session); }); }},
+        {"an ADC call", 100000, true,
+         [](SessionOnBoard& each) { return msOf([&] { Orvane::ADC::RPC::initialize(*each.session); }); }},
+        looking("looking for every board", 2000, false, false),
+        looking("looking for its name", 6000, true, false),
+        looking("looking at its address", 15000, false, true),
     };
     return all;
 }
@@ -107,7 +125,7 @@ struct Case {
     const Work& work;
 };
 
-/// In small runs without what takes longest, which is opening and calls.
+/// In small runs without what takes longest, which is opening, calls and a look at an address.
 std::vector<Case> cases(bool full) {
     std::vector<Case> all;
     for (const Manner& manner : manners())

@@ -4,29 +4,12 @@
 #include "ov_sys/rack/core/PortState.h"
 #include "ov_sys/rack/core/RackState.h"
 #include "ov_sys/rack/link/Endpoint.h"
-#include "ov_sys/rack/search/Search.h"
 
 #include <utility>
 
 namespace Orvane {
 
 using RackCore::Board;
-
-namespace {
-
-Failure searchFailure(RackLink::Trouble trouble, const char* operation, const RackCore::PortName& wanted) {
-    FailureDetails details;
-    details.kind = trouble.kind();
-    details.code = trouble.code();
-    details.board = wanted.board;
-    details.port = wanted.board.empty() ? -1 : static_cast<int>(wanted.port);
-    details.operation = operation;
-    if (trouble.kind() == FailureKind::Unreachable)
-        details.advice = "UDP port 12345 of this host is not to be had: end the program that keeps it.";
-    return Failure(std::move(details));
-}
-
-} // namespace
 
 Rack::Rack() : state_(std::make_shared<RackCore::RackState>()) {}
 
@@ -39,24 +22,21 @@ Port Rack::open(const std::string& name, Access access, const Within& within) {
     std::shared_ptr<Board> board = state_->find(parsed.board);
     if (!board) {
         RackLink::Limits limits(within);
-        RackLink::Trouble trouble = state_->search(parsed.board, limits);
+        RackLink::Trouble trouble = state_->search({parsed.board}, limits);
         board = state_->find(parsed.board);
         if (!trouble && !board)
             trouble = FailureKind::NoSuchPort;
         if (!board)
-            throw searchFailure(trouble, "open", parsed);
+            throw RackCore::notFound(trouble, "open", parsed);
     }
     return Port(std::make_shared<RackCore::PortState>(std::move(board), parsed.port, access));
 }
 
 Discovery Rack::discover(const Within& within) {
     RackLink::Limits limits(within);
-    RackSearch::Search search;
-    const RackLink::Trouble trouble = search.run(limits);
-    if (trouble)
-        throw searchFailure(trouble, "discover", {});
-    Discovery found = search.result();
-    state_->learn(found.boards);
+    Discovery found;
+    if (const RackLink::Trouble trouble = state_->search(limits, found))
+        throw RackCore::notFound(trouble, "discover", {});
     return found;
 }
 

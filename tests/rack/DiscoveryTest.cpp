@@ -1,6 +1,8 @@
 // Searches for boards, alone and beside others.
 #include "ov_sys/rack/Discovery.h"
 
+#include "ov_sys/rack/core/Hunt.h"
+#include "ov_sys/rack/Flight.h"
 #include "ov_sys/rack/search/Search.h"
 #include "tests/support/rack/RackOnBoard.h"
 
@@ -170,6 +172,39 @@ TEST_F(DiscoveryTest, BoardThatMovedIsFoundByItsNameAndItsSessionOpenedThere) {
     EXPECT_EQ(phy.read({1, 2}, within(20s)), 0x42U);
     EXPECT_TRUE(events.waitFor(Event::Kind::Moved));
     EXPECT_EQ(rack.counters().at("AA1").moves, 1U);
+}
+
+TEST_F(DiscoveryTest, BoardThatMovedIsFoundWhileManyOthersStayMissing) {
+    Rack rack;
+    Flight flight;
+    for (int i = 0; i < 12; ++i) {
+        OrvaneSim::Board& gone = addBoard("A" + std::to_string(i));
+        rack.know(gone.serial(), gone.address());
+        gone.stop();
+        flight.read(rack.open(gone.serial() + ":0").phy(1), {1, 2}, within(20s));
+    }
+    OrvaneSim::Board& board = addBoard("ZZ");
+    rack.know("ZZ", board.address());
+    const Phy phy = rack.open("ZZ:0").phy(1);
+    phy.open();
+    board.setRegister(Space::C45, 0, 1, 0x10002, 0x42);
+    board.moveTo("10.83.7.7");
+    EXPECT_EQ(flight.read(phy, {1, 2}, within(6s)).get(), 0x42U);
+}
+
+TEST_F(DiscoveryTest, HuntForMissingBoardsKeepsNobodyWaiting) {
+    OrvaneSim::Board& board = addBoard("aa1");
+    std::vector<std::string> found;
+    RackCore::Hunt hunt({"AA1", "NONE"}, [&](const FoundBoard& one) { found.push_back(one.address); });
+    EXPECT_FALSE(hunt.step());
+    unsigned steps = 1;
+    for (bool over = false; !over; ++steps) {
+        pollfd entries[RackSearch::Search::kMostWatched];
+        poll(entries, static_cast<nfds_t>(hunt.watch(entries)), 50);
+        over = hunt.step();
+    }
+    EXPECT_EQ(found, std::vector<std::string>{board.address()});
+    EXPECT_GT(steps, 5U);
 }
 
 TEST_F(DiscoveryTest, CancelledSearchEndsAtOnce) {

@@ -3,7 +3,9 @@
 #include "ov_sys/rack/core/Fleet.h"
 #include "ov_sys/rack/core/SessionJobs.h"
 #include "ov_sys/rack/link/Drive.h"
+#include "ov_sys/rack/link/Endpoint.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -69,9 +71,9 @@ void Keeper::restore(OpenSession& session) {
     }
 }
 
-Keeper::Keeper(Boards boards, Search search, EventQueue& events, Surroundings& around)
+Keeper::Keeper(Boards boards, Learn learn, EventQueue& events, Surroundings& around)
     : boards_(std::move(boards)),
-      search_(std::move(search)),
+      learn_(std::move(learn)),
       events_(events),
       around_(around),
       event_(newEvent()) {}
@@ -113,36 +115,50 @@ void Keeper::stop() {
 }
 
 void Keeper::sleep(TimePoint until) const {
-    pollfd entry{event_.get(), POLLIN, 0};
+    pollfd entries[RackSearch::Search::kMostWatched + 1] = {{event_.get(), POLLIN, 0}};
+    std::size_t count = 1;
+    if (hunt_) {
+        count += hunt_->watch(entries + count);
+        until = std::min(until, hunt_->wake());
+    }
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now()).count();
-    poll(&entry, 1, static_cast<int>(std::max<decltype(left)>(left, 0)));
-    eventfd_t count = 0;
-    eventfd_read(event_.get(), &count);
+    poll(entries, static_cast<nfds_t>(count), static_cast<int>(std::max<decltype(left)>(left, 0)));
+    eventfd_t times = 0;
+    eventfd_read(event_.get(), &times);
 }
 
-void Keeper::searchOne() {
-    std::string board;
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        if (missing_.empty())
+// Begins a search when boards are missing, and takes it a step further.
+void Keeper::hunt() {
+    if (!hunt_) {
+        std::set<std::string> names;
+        {
+            const std::lock_guard<std::mutex> lock(mutex_);
+            names.swap(missing_);
+        }
+        if (names.empty())
             return;
-        board = *missing_.begin();
-        missing_.erase(missing_.begin());
+        hunt_ = std::make_unique<Hunt>(std::move(names), [this](const FoundBoard& where) { found(where); });
     }
-    const in_addr_t address = search_(board);
+    if (hunt_->step())
+        hunt_.reset();
+}
+
+void Keeper::found(const FoundBoard& where) {
+    learn_(where);
+    const std::optional<in_addr_t> address = parseDotted(where.address);
     for (const std::shared_ptr<Board>& one : boards_())
-        if (one->link.board() == board && address != 0)
-            one->link.found(address);
+        if (one->link.board() == where.serial && address)
+            one->link.found(*address);
 }
 
 void Keeper::run() {
     const auto stopping = [this] {
         events_.deliver();
+        hunt();
         return stopping_.load(std::memory_order_acquire);
     };
     TimePoint next = Clock::now() + kPeriod;
     while (!stopping()) {
-        searchOne();
         if (Clock::now() >= next) {
             ping(stopping);
             next += kPeriod;

@@ -4,6 +4,7 @@
 #include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "ov_sys/rack/core/Board.h"
 #include "ov_sys/rack/core/EventQueue.h"
+#include "ov_sys/rack/core/Hunt.h"
 #include "ov_sys/rack/core/Job.h"
 
 #include <atomic>
@@ -21,11 +22,11 @@ namespace Orvane::RackCore {
 class Keeper {
 public:
     using Boards = std::function<std::vector<std::shared_ptr<Board>>()>;
-    // Answers with a board's address, 0 when it was not found. Blocks as long as a search takes.
-    using Search = std::function<in_addr_t(const std::string& board)>;
+    // Told where a board is that was looked for.
+    using Learn = std::function<void(const FoundBoard& board)>;
 
     // All of them must outlive the keeper.
-    Keeper(Boards boards, Search search, EventQueue& events, RackLink::Surroundings& around);
+    Keeper(Boards boards, Learn learn, EventQueue& events, RackLink::Surroundings& around);
     ~Keeper();
     Keeper(const Keeper&) = delete;
     Keeper& operator=(const Keeper&) = delete;
@@ -39,20 +40,22 @@ public:
 private:
     void run();
     void sleep(RackLink::TimePoint until) const;
-    void searchOne();
+    void hunt();
+    void found(const FoundBoard& where);
     void ping(const std::function<bool()>& stop);
     void settle(const Job& job, RackLink::Trouble trouble,
                 std::vector<std::shared_ptr<OpenSession>>& reopened);
     void restore(OpenSession& session);
 
     const Boards boards_;
-    const Search search_;
+    const Learn learn_;
     EventQueue& events_;
     RackLink::Surroundings& around_;
     FileDescriptor event_;
     std::atomic<bool> running_{false};
     std::atomic<bool> stopping_{false};
-    std::mutex mutex_; // guards everything below
+    std::unique_ptr<Hunt> hunt_; // the thread's
+    std::mutex mutex_;           // guards everything below
     std::thread thread_;
     std::set<std::string> missing_;
 };

@@ -1,9 +1,8 @@
 #include "ov_sys/rack/core/PortName.h"
 
-#include "ov_sys/rack/Failure.h"
-
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
 namespace Orvane::RackCore {
 namespace {
@@ -45,6 +44,18 @@ PortName PortName::parse(const std::string& name, const char* operation) {
     details.advice =
         "A port is a board's serial number, a colon and a number from 0 to 19, such as OV0001:0.";
     throw Failure(std::move(details));
+}
+
+Failure notFound(RackLink::Trouble trouble, const char* operation, const PortName& wanted) {
+    FailureDetails details;
+    details.kind = trouble.kind();
+    details.code = trouble.code();
+    details.board = wanted.board;
+    details.port = wanted.board.empty() ? -1 : static_cast<int>(wanted.port);
+    details.operation = operation;
+    if (trouble.kind() == FailureKind::Unreachable)
+        details.advice = "UDP port 12345 of this host is not to be had: end the program that keeps it.";
+    return Failure(std::move(details));
 }
 
 } // namespace Orvane::RackCore

@@ -1,6 +1,8 @@
 // The name of a port: board serial number, colon, port number.
 #pragma once
 
+#include "ov_sys/rack/link/Trouble.h"
+
 #include <optional>
 #include <string>
 
@@ -17,5 +19,8 @@ struct PortName {
     // ASCII letters only.
     static std::string upper(std::string text);
 };
+
+// The failure of a search for a board, or for all of them when `wanted` names none.
+Failure notFound(RackLink::Trouble trouble, const char* operation, const PortName& wanted);
 
 } // namespace Orvane::RackCore

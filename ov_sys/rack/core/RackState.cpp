@@ -3,14 +3,13 @@
 #include "ov_sys/rack/link/Endpoint.h"
 #include "ov_sys/rack/search/Search.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace Orvane::RackCore {
 
 RackState::RackState()
-    : keeper_([this] { return all(); }, [this](const std::string& name) { return searchBriefly(name); },
-              events_, *this) {}
+    : keeper_([this] { return all(); }, [this](const FoundBoard& board) { learn({board}); }, events_, *this) {
+}
 
 void RackState::report(const RackLink::BoardLink& link, const RackLink::Session* session, Event::Kind kind,
                        Event::Level level, std::string text) {
@@ -70,27 +69,23 @@ void RackState::learn(const std::vector<FoundBoard>& boards) {
         addresses_[one.serial] = RackLink::parseDotted(one.address).value_or(0);
 }
 
-RackLink::Trouble RackState::search(const std::string& name, RackLink::Limits& limits) {
+RackLink::Trouble RackState::search(std::set<std::string> names, RackLink::Limits& limits) {
     RackSearch::Search search([&](const RackSearch::Answer& answer) {
-        const std::vector<FoundBoard> boards = RackSearch::boardsOf(answer);
-        return std::any_of(boards.begin(), boards.end(),
-                           [&](const FoundBoard& one) { return one.serial == name; });
+        for (const FoundBoard& one : RackSearch::boardsOf(answer))
+            names.erase(one.serial);
+        return names.empty();
     });
     const RackLink::Trouble trouble = search.run(limits);
     learn(search.result().boards);
     return trouble;
 }
 
-// For the thread of the rack, which has other things to do.
-in_addr_t RackState::searchBriefly(const std::string& name) {
-    const Within within = Orvane::within(std::chrono::seconds(1));
-    RackLink::Limits limits(within);
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        addresses_.erase(name); // where it was
-    }
-    search(name, limits);
-    return addressOf(name);
+RackLink::Trouble RackState::search(RackLink::Limits& limits, Discovery& found) {
+    RackSearch::Search search;
+    const RackLink::Trouble trouble = search.run(limits);
+    found = search.result();
+    learn(found.boards);
+    return trouble;
 }
 
 void RackState::end() {

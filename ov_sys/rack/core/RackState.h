@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -31,15 +32,16 @@ public:
     std::shared_ptr<Board> add(const std::string& name, in_addr_t address);
     // Remembers where boards are that are not in use yet.
     void learn(const std::vector<FoundBoard>& boards);
-    // Looks for a board and learns where it is, if it answers.
-    RackLink::Trouble search(const std::string& name, RackLink::Limits& limits);
+    // Looks for boards until all have answered, and learns where they are.
+    RackLink::Trouble search(std::set<std::string> names, RackLink::Limits& limits);
+    // Looks for every board until the limits end.
+    RackLink::Trouble search(RackLink::Limits& limits, Discovery& found);
     void onEvent(EventCallback callback) { events_.setCallback(std::move(callback)); }
     // Ends the thread and lets the boards go.
     void end();
 
 private:
     in_addr_t addressOf(const std::string& name) const;
-    in_addr_t searchBriefly(const std::string& name);
 
     mutable std::mutex mutex_; // guards boards_ and addresses_
     std::map<std::string, in_addr_t> addresses_;

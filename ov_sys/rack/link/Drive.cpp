@@ -112,6 +112,10 @@ void waitFor(const BoardLink& link, const Cancellation* cancellation, TimePoint 
     waitFor(entries, link.watch(entries), cancellation, now, std::min(end, link.wake(now)));
 }
 
+void waitFor(pollfd* entries, std::size_t count, const Limits& limits, TimePoint until) {
+    waitFor(entries, count, limits.within.cancellation, limits.now, std::min(until, limits.end));
+}
+
 void pause(Limits& limits, Clock::duration time) {
     const TimePoint end = std::min(limits.end, limits.now + time);
     while (limits.now < end && !limits.cancelled()) {

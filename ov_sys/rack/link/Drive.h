@@ -25,6 +25,9 @@ void waitFor(const BoardLink& link, const Cancellation* cancellation, TimePoint 
 // Waits for that time, if neither cancellation nor end of the limits comes before.
 void pause(Limits& limits, Clock::duration time);
 
+// Waits for the entries, the cancellation or `until`, whichever is first. There is room for one entry more.
+void waitFor(pollfd* entries, std::size_t count, const Limits& limits, TimePoint until);
+
 // Runs the hook of a session that was opened again, if it is due. Throws what the hook throws; it stays due
 // then.
 void runHook(BoardLink& link, Session& session);

@@ -1,8 +1,9 @@
 #include "ov_sys/rack/search/Search.h"
 
+#include "ov_sys/rack/link/Drive.h"
+
 #include <algorithm>
 #include <cerrno>
-#include <poll.h>
 #include <tuple>
 
 namespace Orvane::RackSearch {
@@ -37,20 +38,19 @@ bool Search::join(Limits& limits) {
     return true;
 }
 
-void Search::wait(const Limits& limits) const {
-    constexpr Milliseconds kMoment{10};
-    pollfd entries[3];
-    nfds_t count = 0;
-    for (const int fd :
-         {network_.descriptor(), speaker_.descriptor(), listener_.descriptor(),
-          limits.within.cancellation != nullptr ? limits.within.cancellation->descriptor() : -1})
-        if (fd >= 0 && count < 3)
+std::size_t Search::watch(pollfd* entries) const noexcept {
+    std::size_t count = 0;
+    for (const int fd : {network_.descriptor(), speaker_.descriptor(), listener_.descriptor()})
+        if (fd >= 0 && count < kMostWatched) // one listens, or speaks
             entries[count++] = {fd, POLLIN, 0};
-    TimePoint wake = std::min(limits.end, network_.descriptor() >= 0 ? nextQuestion_ : lastHeard_ + kSilence);
-    if (behind_ || (network_.descriptor() < 0 && !listener_.isOpen()))
-        wake = std::min(wake, limits.now + kMoment);
-    const auto left = std::chrono::ceil<Milliseconds>(wake - limits.now).count();
-    poll(entries, count, static_cast<int>(std::clamp<decltype(left)>(left, 0, 1000)));
+    return count;
+}
+
+TimePoint Search::wake(const Limits& limits) const noexcept {
+    constexpr Milliseconds kMoment{10};
+    const bool listens = network_.descriptor() >= 0;
+    const TimePoint next = std::min(limits.end, listens ? nextQuestion_ : lastHeard_ + kSilence);
+    return behind_ || (!listens && !listener_.isOpen()) ? std::min(next, limits.now + kMoment) : next;
 }
 
 // True when that is enough.
@@ -97,24 +97,33 @@ void Search::askWhenDue(const Limits& limits) {
     nextQuestion_ = limits.now + kBetweenQuestions;
 }
 
-Trouble Search::run(Limits& limits) {
-    while (limits.now < limits.end) {
-        if (limits.within.cancellation != nullptr && limits.within.cancellation->cancelled())
-            return FailureKind::Cancelled;
-        if (!join(limits))
-            return {FailureKind::Unreachable, -errno};
-        askWhenDue(limits);
-        wait(limits);
-        limits.now = Clock::now();
-        if (receive(limits.now))
-            return {};
-        behind_ = !speaker_.step();
-        if (network_.descriptor() < 0 && limits.now - lastHeard_ >= kSilence) {
-            trusts_ = false; // stopped, or not one of us
-            listener_.close();
-        }
+bool Search::step(Limits& limits) {
+    limits.now = Clock::now();
+    if (limits.cancelled()) {
+        trouble_ = FailureKind::Cancelled;
+        return true;
     }
-    return {};
+    if (receive(limits.now) || limits.now >= limits.end)
+        return true;
+    behind_ = !speaker_.step();
+    if (network_.descriptor() < 0 && lastHeard_ != TimePoint{} && limits.now - lastHeard_ >= kSilence) {
+        trusts_ = false; // stopped, or not one of us
+        listener_.close();
+    }
+    if (!join(limits)) {
+        trouble_ = {FailureKind::Unreachable, -errno};
+        return true;
+    }
+    askWhenDue(limits);
+    return false;
+}
+
+Trouble Search::run(Limits& limits) {
+    while (!step(limits)) {
+        pollfd entries[kMostWatched + 1];
+        waitFor(entries, watch(entries), limits, wake(limits));
+    }
+    return trouble_;
 }
 
 Discovery Search::result() const {

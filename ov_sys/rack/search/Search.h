@@ -6,6 +6,7 @@
 #include "ov_sys/rack/search/Sharing.h"
 
 #include <functional>
+#include <poll.h>
 #include <set>
 
 namespace Orvane::RackSearch {
@@ -21,6 +22,16 @@ public:
     // Blocks up to limits.end. Trouble is a port that is not to be had, or a cancellation.
     RackLink::Trouble run(RackLink::Limits& limits);
 
+    // The same for who has other things to do: does what can be done without waiting; true when it is over.
+    bool step(RackLink::Limits& limits);
+    // Why it is over without a result.
+    RackLink::Trouble trouble() const noexcept { return trouble_; }
+    // What to wait for before the next step; returns the number of entries.
+    static constexpr std::size_t kMostWatched = 2;
+    std::size_t watch(pollfd* entries) const noexcept;
+    // When a step is due though nothing arrives.
+    RackLink::TimePoint wake(const RackLink::Limits& limits) const noexcept;
+
     // Every different answer.
     const std::set<Answer>& answers() const noexcept { return answers_; }
     // What they say.
@@ -29,7 +40,6 @@ public:
 private:
     bool join(RackLink::Limits& limits);
     bool listenHere(RackLink::TimePoint now);
-    void wait(const RackLink::Limits& limits) const;
     bool receive(RackLink::TimePoint now);
     bool take(const Answer& answer);
     void askWhenDue(const RackLink::Limits& limits);
@@ -43,6 +53,7 @@ private:
     bool behind_ = false; // others have not yet been told all
     RackLink::TimePoint nextQuestion_{};
     RackLink::TimePoint lastHeard_{};
+    RackLink::Trouble trouble_;
 };
 
 } // namespace Orvane::RackSearch

@@ -11,13 +11,22 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace Orvane {
 
 namespace RackCore {
 class RackState;
 }
+
+// What became of one name of Rack::openAll(). A plain value.
+struct OpenedPort {
+    std::string name;               // as it was given; a pattern's is that of the port, "OV0001:0"
+    std::optional<Port> port;       // empty when there is no such port
+    std::optional<Failure> failure; // the first thing that went wrong with it; the port may still be used
+};
 
 // Finds boards, opens their ports, keeps sessions alive by one thread of its own. Prints nothing. Any thread.
 // It must outlive the use of what it gave out.
@@ -33,6 +42,18 @@ public:
     // is not known yet is looked for until it answers or the time is over; no session is opened yet. Throws
     // Failure (InvalidArgument, NoSuchPort, Unreachable, Cancelled).
     Port open(const std::string& name, Access access = Access::simple(), const Within& within = {});
+
+    // Ports by their names, all together: in each, '*', '?' and "[...]" stand for what they do in file names,
+    // so that "OV*:0" is port 0 of every such board that answers within a second. The sessions of `phys` are
+    // opened on all of them at the same time. The results are in the order of the names, those of a pattern
+    // in alphabetical order and without those that came before; no failure of one costs another. `within`
+    // limits the call as a whole. Throws std::system_error when there is no descriptor left.
+    std::vector<OpenedPort> openAll(const std::vector<std::string>& names,
+                                    const std::vector<unsigned>& phys = {}, Access access = Access::simple(),
+                                    const Within& within = {});
+    // Closes every session of this rack, all at the same time; their next use opens them again. What could
+    // not be told to its board is in the result; it is closed here all the same. Throws as openAll().
+    std::vector<Failure> closeAll(const Within& within = {});
 
     // Every board that answers on the networks of this host, which are known then. Listens for the whole time
     // and asks again and again; programs of this host that search at the same time all get the same answers.

@@ -52,11 +52,30 @@ void Fleet::add(std::unique_ptr<Job> job) {
         lane = std::make_unique<Lane>();
         lane->board = board;
     }
+    attend(*job);
     lane->waiting.push_back(std::move(job));
     lane->ready = true;
     ++jobs_;
     if (jobs_ == 1)
         setTimer(); // whoever waits for the descriptor has something to do
+}
+
+// What may be cancelled from another thread wakes whoever waits for the descriptor.
+void Fleet::attend(const Job& job) {
+    const Cancellation* const who = job.within.cancellation;
+    if (who == nullptr || cancellations_[who]++ != 0)
+        return;
+    epoll_event event{};
+    event.events = EPOLLIN;
+    epoll_ctl(epoll_.get(), EPOLL_CTL_ADD, who->descriptor(), &event);
+}
+
+void Fleet::dismiss(const Job& job) {
+    const auto found = cancellations_.find(job.within.cancellation);
+    if (found == cancellations_.end() || --found->second != 0)
+        return;
+    epoll_ctl(epoll_.get(), EPOLL_CTL_DEL, found->first->descriptor(), nullptr);
+    cancellations_.erase(found);
 }
 
 bool Fleet::takeTurn(Lane& lane) {
@@ -107,6 +126,7 @@ void Fleet::settle(Lane& lane, std::unique_ptr<Job> job, Trouble trouble) {
             lane.board->link.drop(*call, trouble, now_);
     }
     --jobs_;
+    dismiss(*job);
     job->limits.now = now_;
     job->settle(trouble);
 }
@@ -191,7 +211,7 @@ void Fleet::stepLane(Lane& lane) {
             lane.wake = std::min(lane.wake, link.wake(now_));
         }
     }
-    if (!lane.waiting.empty() || (!lane.begun.empty() && cancelled(*lane.begun.front())))
+    if (!lane.waiting.empty())
         lane.wake = std::min(lane.wake, now_ + kLook);
 }
 
@@ -221,6 +241,14 @@ void Fleet::takeEvents() {
             lane->ready = true;
 }
 
+// Every lane looks at its jobs, also at those that have not begun.
+void Fleet::takeCancellations() {
+    const auto called = [](const auto& entry) { return entry.first->cancelled(); };
+    if (std::any_of(cancellations_.begin(), cancellations_.end(), called))
+        for (auto& entry : lanes_)
+            entry.second->wake = now_;
+}
+
 void Fleet::setTimer() {
     TimePoint next = TimePoint::max();
     for (const auto& entry : lanes_)
@@ -238,6 +266,7 @@ void Fleet::setTimer() {
 void Fleet::step() {
     takeEvents();
     now_ = Clock::now();
+    takeCancellations();
     for (auto& entry : lanes_)
         if (entry.second->ready || now_ >= entry.second->wake)
             stepLane(*entry.second);

@@ -8,6 +8,7 @@
 #include <deque>
 #include <functional>
 #include <list>
+#include <map>
 #include <memory>
 #include <unordered_map>
 #include <vector>
@@ -60,12 +61,16 @@ private:
     void cancel(Lane& lane, RackLink::Trouble why);
     void settle(Lane& lane, std::unique_ptr<Job> job, RackLink::Trouble trouble);
     void watch(Lane& lane);
+    void attend(const Job& job);
+    void dismiss(const Job& job);
     void takeEvents();
+    void takeCancellations();
     void setTimer();
 
     FileDescriptor epoll_;
     FileDescriptor timer_;
     std::unordered_map<Board*, std::unique_ptr<Lane>> lanes_;
+    std::map<const Cancellation*, std::size_t> cancellations_; // and how many jobs each may end
     RackLink::TimePoint now_;
     std::size_t jobs_ = 0;
     unsigned window_ = 8;

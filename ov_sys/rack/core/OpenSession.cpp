@@ -104,10 +104,8 @@ void OpenSession::close(Limits& limits) {
     check(trouble, "close", {}, limits);
 }
 
-void OpenSession::forget() noexcept {
-    state_.open = false;
-    state_.everOpened = false;
-    state_.key = 0;
+void OpenSession::forget() {
+    link().closed(state_);
 }
 
 void OpenSession::setHook(std::function<void()> hook) {

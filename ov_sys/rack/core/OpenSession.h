@@ -34,7 +34,7 @@ public:
     // Does nothing when it is not open.
     void close(RackLink::Limits& limits);
     // As closed, whatever the board thinks. For the holder of the turn.
-    void forget() noexcept;
+    void forget();
     void setHook(std::function<void()> hook);
     bool isOpen();
     std::uint16_t key();

@@ -70,6 +70,8 @@ public:
     void withdraw(Call& call) noexcept;
     // Whether there is nothing to do but wait before asking again.
     bool resting() const noexcept { return flying_.empty() && !errand_; }
+    // As closed, whatever the board thinks.
+    void closed(Session& session);
     // Forgets an opening that is under way; to be called before the session ends.
     void abandon(const Session& session);
 

@@ -214,6 +214,14 @@ void BoardLink::moveTo(in_addr_t address, TimePoint now) {
     }
 }
 
+void BoardLink::closed(Session& session) {
+    if (session.open)
+        around_.report(*this, &session, Event::Kind::Closed, Event::Level::Info, {});
+    session.open = false;
+    session.everOpened = false;
+    session.key = 0;
+}
+
 void BoardLink::sessionOpened(Session& session) {
     session.open = true;
     ++session.openings;

@@ -95,6 +95,21 @@ TEST_F(HealingTest, WhatTheHookThrowsLeavesTheCall) {
     EXPECT_EQ(phy.read({1, 2}), 0x42U);
 }
 
+TEST_F(HealingTest, HookThatIsStillDueIsNotRunByTheEndOfItsSession) {
+    int runs = 0;
+    auto other = std::make_unique<Phy>(rack.open("BOARD7:0").phy(4));
+    other->open();
+    other->onReopen([&runs] {
+        ++runs;
+        throw std::runtime_error("no");
+    });
+    board.forgetSessions();
+    EXPECT_THROW(other->read({1, 2}), std::runtime_error);
+    other.reset(); // the hook may use it
+    EXPECT_EQ(runs, 1);
+    EXPECT_EQ(board.sessionCount(), 0U);
+}
+
 TEST_F(HealingTest, PortMapperThatIsGoneDoesNotDisturbAnOpenSession) {
     board.closePortMapper();
     inject(Fault::Kind::LoseReply, "mdio", "mdio_read");

@@ -39,6 +39,7 @@ OpenSession::OpenSession(std::shared_ptr<Board> board, unsigned port, unsigned p
 OpenSession::~OpenSession() {
     constexpr std::chrono::seconds kFarewell{1};
     try {
+        setHook({}); // one that is due could use the handle that is just ending
         const Within within{kFarewell, Repeat{}, false, nullptr};
         Limits limits(within);
         close(limits);

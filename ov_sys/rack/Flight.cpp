@@ -5,6 +5,7 @@
 #include "ov_sys/rack/core/SessionJobs.h"
 
 #include <algorithm>
+#include <new>
 #include <poll.h>
 
 namespace Orvane {
@@ -67,6 +68,19 @@ void object(RackCore::OpenSession& session, const Batch& batch, const Within& wi
 
 } // namespace
 
+namespace {
+
+template <class State>
+void storeValues(State& state, const BatchResult& done, Batch::Readings readings) noexcept {
+    try {
+        state.value = done[readings];
+    } catch (const std::bad_alloc&) {
+        state.failure = RackCore::memoryRanOut();
+    }
+}
+
+} // namespace
+
 Pending<std::vector<std::uint32_t>> Flight::read(const Phy& phy, RegisterAddress first, std::size_t count,
                                                  const Within& within) {
     Batch batch;
@@ -77,7 +91,7 @@ Pending<std::vector<std::uint32_t>> Flight::read(const Phy& phy, RegisterAddress
                                                      [state = result.state_, all](const BatchResult& done) {
                                                          state->failure = done.failure();
                                                          if (done.complete())
-                                                             state->value = done[all];
+                                                             storeValues(*state, done, all);
                                                      }));
     return result;
 }
@@ -97,7 +111,8 @@ template <class State>
 RackCore::Settled tell(const std::shared_ptr<State>& state, const char* operation) {
     return [state, operation](const Job& job, Trouble trouble) {
         if (trouble)
-            state->failure = job.session->failure(trouble, operation, {}, job.limits);
+            state->failure =
+                Job::failureBy([&] { return job.session->failure(trouble, operation, {}, job.limits); });
         else
             state->value = true;
     };

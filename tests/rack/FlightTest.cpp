@@ -220,5 +220,20 @@ TEST(ManyBoardsInFlight, OpenReadAndCloseFromOneThread) {
         EXPECT_EQ(board->sessionCount(), 0U);
 }
 
+TEST_F(FlightTest, HookThatThrowsEndsNoWaitLaterThanTheOperationsDeadline) {
+    phy.onReopen([] { throw std::runtime_error("no"); });
+    board.forgetSessions();
+    const Pending<std::uint32_t> value = flight.read(phy, {1, 2}, within(500ms));
+    while (!value.done()) {
+        try {
+            flight.waitSome();
+        } catch (const std::runtime_error&) { // each step tries it again
+            std::this_thread::yield();
+        }
+    }
+    ASSERT_TRUE(value.failure());
+    EXPECT_EQ(value.failure()->kind(), FailureKind::TimedOut);
+}
+
 } // namespace
 } // namespace OrvaneTest

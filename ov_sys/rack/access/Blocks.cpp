@@ -21,6 +21,7 @@ void BlockRun::next(std::vector<Call*>& calls) {
     constexpr std::size_t kTogether = 16; // more than are in flight at a time
     store();
     blocks_.clear();
+    blocks_.reserve(kTogether);
     while (next_ < operations_.size() && blocks_.size() < kTogether) {
         auto block = std::make_unique<Block>(target_, operations_, next_, repeat_);
         const bool writes = block->writes();

@@ -32,6 +32,7 @@ Fleet::Fleet()
     : epoll_(checked(epoll_create1(EPOLL_CLOEXEC), "epoll_create1")),
       timer_(checked(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC), "timerfd_create")),
       now_(Clock::now()) {
+    memoryRanOut();
     epoll_event event{};
     event.events = EPOLLIN;
     if (epoll_ctl(epoll_.get(), EPOLL_CTL_ADD, timer_.get(), &event) != 0)
@@ -47,10 +48,12 @@ Fleet::~Fleet() {
 
 void Fleet::add(std::unique_ptr<Job> job) {
     const std::shared_ptr<Board> board = job->session->board();
-    std::unique_ptr<Lane>& lane = lanes_[board.get()];
-    if (!lane) {
-        lane = std::make_unique<Lane>();
-        lane->board = board;
+    const auto found = lanes_.find(board.get());
+    Lane* lane = found != lanes_.end() ? found->second.get() : nullptr;
+    if (lane == nullptr) {
+        auto made = std::make_unique<Lane>();
+        made->board = board;
+        lane = lanes_.emplace(board.get(), std::move(made)).first->second.get();
     }
     attend(*job);
     lane->waiting.push_back(std::move(job));
@@ -111,11 +114,14 @@ void Fleet::begin(Lane& lane) {
 
 void Fleet::startCalls(Lane& lane, Job& job) {
     job.calls.clear();
+    job.calls.reserve(Job::kMostCalls); // so that none gets lost between the job and its list
+    job.torn = true;
     job.next(job.calls);
     for (Call* const call : job.calls) {
         call->limit(job.within, now_, job.limits.end);
         lane.board->link.start(*call, now_);
     }
+    job.torn = false;
     if (job.calls.empty() || job.calls.front()->done())
         lane.ready = true; // nothing will arrive for it
 }
@@ -141,7 +147,7 @@ void Fleet::collect(Lane& lane) {
             if (call->done() && call->trouble && !trouble)
                 trouble = call->trouble;
         }
-        if (cancelled(job))
+        if (cancelled(job) || job.torn)
             trouble = FailureKind::Cancelled;
         if (done && !trouble) {
             for (const Call* const call : job.calls)
@@ -267,9 +273,18 @@ void Fleet::step() {
     takeEvents();
     now_ = Clock::now();
     takeCancellations();
-    for (auto& entry : lanes_)
-        if (entry.second->ready || now_ >= entry.second->wake)
-            stepLane(*entry.second);
+    for (auto& entry : lanes_) {
+        Lane& lane = *entry.second;
+        if (!lane.ready && now_ < lane.wake)
+            continue;
+        try {
+            stepLane(lane);
+        } catch (...) {
+            lane.ready = true; // the rest of it is for the next time
+            setTimer();
+            throw;
+        }
+    }
     setTimer();
 }
 

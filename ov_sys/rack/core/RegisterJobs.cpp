@@ -49,7 +49,10 @@ void RegisterJob::next(std::vector<Call*>& list) {
 
 void RegisterJob::settle(Trouble trouble) {
     if (trouble)
-        return told_(0, session->failure(trouble, writes_ ? "write" : "read", toText(address_), limits));
+        return told_(0, failureBy([&] {
+                         return session->failure(trouble, writes_ ? "write" : "read", toText(address_),
+                                                 limits);
+                     }));
     told_(transfers_ != nullptr && !writes_ ? transfers_->value() : value_, std::nullopt);
 }
 
@@ -65,8 +68,10 @@ void BatchJob::settle(Trouble trouble) {
     run_.store();
     std::optional<Failure> failure;
     if (trouble)
-        failure = session->failure(trouble, "batch",
-                                   "from " + toText(batch_.operations()[run_.failed].address), limits);
+        failure = failureBy([&] {
+            return session->failure(trouble, "batch",
+                                    "from " + toText(batch_.operations()[run_.failed].address), limits);
+        });
     told_({std::move(run_.outcomes), std::move(failure)});
 }
 

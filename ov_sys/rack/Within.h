@@ -51,12 +51,12 @@ struct Within {
     bool heal = true; // look a lost board up and open a lost session again
     const Cancellation* cancellation = nullptr;
 
-    Within repeating(Repeat policy) const noexcept {
+    constexpr Within repeating(Repeat policy) const noexcept {
         Within copy = *this;
         copy.repeat = policy;
         return copy;
     }
-    Within once() const noexcept { return repeating(Repeat::once()); }
+    constexpr Within once() const noexcept { return repeating(Repeat::once()); }
     Within withoutHealing() const noexcept {
         Within copy = *this;
         copy.heal = false;

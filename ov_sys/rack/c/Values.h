@@ -1,0 +1,25 @@
+// What callers of the C interface hand in, and what they get back, beside the C++ values for it.
+#pragma once
+
+#include "ov_sys/rack/Access.h"
+#include "ov_sys/rack/Batch.h"
+#include "ov_sys/rack/RegisterAddress.h"
+#include "ov_sys/rack/Within.h"
+
+#include <cstddef>
+#include <orvane/rack.h>
+
+namespace Orvane::RackC {
+
+// Null stands for `usual`.
+Within withinOf(const orvane_limits* limits, const Within& usual = {}) noexcept;
+
+// Throw Failure for what is none.
+RegisterAddress addressOf(const orvane_register& address);
+Access accessOf(const orvane_access& access);
+Batch batchOf(const orvane_operation* operations, std::size_t count);
+
+// Sets what became of `operations`; throws the failure of a batch that is not complete.
+void store(const BatchResult& result, orvane_operation* operations);
+
+} // namespace Orvane::RackC

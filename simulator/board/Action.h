@@ -3,11 +3,13 @@
 
 #include "simulator/board/Fault.h"
 #include "simulator/board/StrayDatagrams.h"
+#include "simulator/models/MappedRegisters.h"
 #include "simulator/models/MdioPorts.h"
 
 #include <cstdint>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace OrvaneSim {
 
@@ -33,6 +35,13 @@ struct SwitchPortMapper {
 };
 /// Sets a register without any effect of a bus access.
 using SetRegister = RegisterValue;
+/// Makes the registers of a PHY behave as a map says.
+struct UseMap {
+    unsigned device = 0;
+    unsigned phy = 0;
+    std::uint32_t identifier = MdioPorts::kIdentifier; ///< of the PHY, in its registers 2 and 3
+    std::vector<MappedRegister> registers;
+};
 /// Temperature around the board, in degrees Celsius.
 struct SetAmbientTemperature {
     double celsius = 25;
@@ -40,6 +49,6 @@ struct SetAmbientTemperature {
 
 /// One thing to do; a fault is injected, a stream of stray datagrams begun.
 using Action = std::variant<Fault, StrayDatagrams, ClearFaults, Hang, Kill, Start, Restart, MoveTo,
-                            ForgetSessions, SwitchPortMapper, SetRegister, SetAmbientTemperature>;
+                            ForgetSessions, SwitchPortMapper, SetRegister, UseMap, SetAmbientTemperature>;
 
 } // namespace OrvaneSim

@@ -83,10 +83,12 @@ std::vector<RegisterValue> Board::registers() const {
 }
 
 void Board::replaceRegisters(const std::vector<RegisterValue>& values) {
+    impl_->withParts([&](BoardParts& parts) { parts.mdio.replace(values); });
+}
+
+void Board::useMap(const UseMap& map) {
     impl_->withParts([&](BoardParts& parts) {
-        parts.mdio.forget();
-        for (const RegisterValue& set : values)
-            parts.mdio.poke({set.device, set.phy}, set.space, set.address, set.value);
+        parts.mdio.map({map.device, map.phy}, map.identifier, map.registers);
     });
 }
 

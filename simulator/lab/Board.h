@@ -91,6 +91,11 @@ public:
     std::vector<RegisterValue> registers() const;
     void replaceRegisters(const std::vector<RegisterValue>& values);
 
+    /// Makes a PHY's registers behave as a map declares (<orvane/lab_maps.h> reads one), in place of the map
+    /// that it had. Registers that were written go on with what they hold, the others begin with their reset
+    /// values. Setting a register is then what the PHY does: a latching bit holds what it was.
+    void useMap(const UseMap& map);
+
     /// Makes the board's indirect register paths (mailbox, SerDes bridge, MMD 10 window) go wrong, from the
     /// next access on; `{}` puts them right.
     void setPathTroubles(const PathTroubles& troubles);

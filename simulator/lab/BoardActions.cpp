@@ -116,6 +116,7 @@ struct ActionVisitor {
     void operator()(const SetRegister& set) const {
         board.setRegister(set.space, set.device, set.phy, set.address, set.value);
     }
+    void operator()(const UseMap& map) const { board.useMap(map); }
     void operator()(SetAmbientTemperature around) const { board.setAmbientTemperature(around.celsius); }
 };
 

@@ -1,6 +1,7 @@
 // Sparse storage of PHY registers and the paths to them.
 #include "simulator/models/MdioPorts.h"
 
+#include "simulator/models/MappedRegisters.h"
 #include "simulator/models/RegisterPaths.h"
 
 #include <map>
@@ -8,8 +9,6 @@
 namespace OrvaneSim {
 namespace {
 
-constexpr std::uint32_t kIdentifierHigh = 0x0A5C;
-constexpr std::uint32_t kIdentifierLow = 0x1E83;
 constexpr std::uint32_t kIndirectControl = 13;
 constexpr std::uint32_t kIndirectData = 14;
 
@@ -39,35 +38,72 @@ RegisterValue registerOf(std::uint64_t key, std::uint32_t value) {
             static_cast<unsigned>(key >> 32) & 0x1FU, static_cast<std::uint32_t>(key), value};
 }
 
-std::uint32_t initialValue(Space space, std::uint32_t address) {
-    if (space == Space::Ext32)
-        return 0;
-    const std::uint32_t number = significant(space, address) & 0xFFFF;
-    return number == 2 ? kIdentifierHigh : number == 3 ? kIdentifierLow : 0;
-}
-
 } // namespace
 
-MdioPorts::MdioPorts() : paths_(std::make_unique<RegisterPaths>()) {}
+MdioPorts::MdioPorts()
+    : paths_(std::make_unique<RegisterPaths>()), mapped_(std::make_unique<MappedRegisters>()) {}
 
 MdioPorts::~MdioPorts() = default;
 
+std::uint32_t MdioPorts::initialValue(PhyAddress where, Space space, std::uint32_t address) const {
+    const std::uint32_t number = significant(space, address) & 0xFFFF;
+    if (space == Space::Ext32 || (number != 2 && number != 3))
+        return 0;
+    const auto own = identifiers_.find(phyKey(where));
+    const std::uint32_t identifier = own != identifiers_.end() ? own->second : kIdentifier;
+    return number == 2 ? identifier >> 16 : identifier & 0xFFFF;
+}
+
 std::uint32_t MdioPorts::peek(PhyAddress where, Space space, std::uint32_t address) const {
+    if (const auto* cell = mapped_->find(*this, where, space, significant(space, address)))
+        return cell->value();
     const auto found = registers_.find(registerKey(where, space, address));
-    return found != registers_.end() ? found->second : initialValue(space, address);
+    return found != registers_.end() ? found->second : initialValue(where, space, address);
 }
 
 void MdioPorts::poke(PhyAddress where, Space space, std::uint32_t address, std::uint32_t value) {
-    registers_[registerKey(where, space, address)] = space == Space::Ext32 ? value : value & 0xFFFF;
+    const std::uint32_t fitting = space == Space::Ext32 ? value : value & 0xFFFF;
+    if (auto* cell = mapped_->find(*this, where, space, significant(space, address)))
+        cell->set(fitting);
+    else
+        registers_[registerKey(where, space, address)] = fitting;
+}
+
+void MdioPorts::map(PhyAddress where, std::uint32_t identifier,
+                    const std::vector<MappedRegister>& registers) {
+    mapped_->remove(where);
+    identifiers_[phyKey(where)] = identifier;
+    for (MappedRegister each : registers) {
+        each.reset = each.reset.value_or(initialValue(where, each.space, each.address));
+        const auto written = registers_.find(registerKey(where, each.space, each.address));
+        const bool goesOn = written != registers_.end() && !each.page;
+        mapped_->add(where, each, goesOn ? written->second : *each.reset);
+        if (goesOn)
+            registers_.erase(written);
+    }
 }
 
 std::vector<RegisterValue> MdioPorts::written() const {
-    const std::map<std::uint64_t, std::uint32_t> sorted(registers_.begin(), registers_.end());
+    std::map<std::uint64_t, std::uint32_t> sorted(registers_.begin(), registers_.end());
+    for (const RegisterValue& each : mapped_->values())
+        sorted[registerKey({each.device, each.phy}, each.space, each.address)] = each.value;
     std::vector<RegisterValue> values;
     values.reserve(sorted.size());
     for (const auto& [key, value] : sorted)
         values.push_back(registerOf(key, value));
     return values;
+}
+
+void MdioPorts::replace(const std::vector<RegisterValue>& values) {
+    registers_.clear();
+    mapped_->reset();
+    for (const RegisterValue& each : values) {
+        const PhyAddress where{each.device, each.phy};
+        if (auto* const cell = mapped_->find(*this, where, each.space, significant(each.space, each.address)))
+            cell->hold(each.value);
+        else
+            poke(where, each.space, each.address, each.value);
+    }
 }
 
 std::uint32_t& MdioPorts::indirectAddress(PhyAddress where) {
@@ -96,8 +132,10 @@ std::uint32_t MdioPorts::read(PhyAddress where, Space space, std::uint32_t addre
         currentAddresses_[phyKey(where)] = address;
     if (space == Space::C45)
         paths_->beforeRead({*this, where}, significant(space, address));
-    if (!reachesIndirectData(where, space, address))
-        return peek(where, space, address);
+    if (!reachesIndirectData(where, space, address)) {
+        auto* const cell = mapped_->find(*this, where, space, significant(space, address));
+        return cell != nullptr ? cell->read() : peek(where, space, address);
+    }
     const std::uint32_t value = read(where, Space::C45, indirectRegister(where));
     advanceIndirect(where, false);
     return value;
@@ -111,7 +149,10 @@ void MdioPorts::write(PhyAddress where, Space space, std::uint32_t address, std:
         advanceIndirect(where, true);
         return;
     }
-    poke(where, space, address, value);
+    if (auto* const cell = mapped_->find(*this, where, space, significant(space, address)))
+        cell->write(value);
+    else
+        poke(where, space, address, value);
     if (space == Space::C45)
         paths_->afterWrite({*this, where}, significant(space, address));
     if (space == Space::C22 && significant(space, address) == kIndirectData)

@@ -8,6 +8,8 @@
 
 namespace OrvaneSim {
 
+class MappedRegisters;
+struct MappedRegister;
 class RegisterPaths;
 
 /// A PHY's register spaces: Clause 45 (address (MMD << 16) | register, 16 bits wide), Clause 22 (registers 0
@@ -29,10 +31,14 @@ struct RegisterValue {
     std::uint32_t value = 0;
 };
 
-/// Registers that keep what is written to them. Never written, the identifier registers 2 and 3 (of each MMD
-/// and of Clause 22) hold the PHY's identifier and every other one 0. Belongs to the loop's thread.
+/// Registers that keep what is written to them, unless a map says how they behave. Never written, the
+/// identifier registers 2 and 3 (of each MMD and of Clause 22) hold the PHY's identifier and every other one
+/// 0. Belongs to the loop's thread.
 class MdioPorts {
 public:
+    /// What registers 2 (high half) and 3 of a PHY hold unless told otherwise.
+    static constexpr std::uint32_t kIdentifier = 0x0A5C1E83;
+
     MdioPorts();
     ~MdioPorts();
 
@@ -47,10 +53,14 @@ public:
     std::uint32_t peek(PhyAddress where, Space space, std::uint32_t address) const;
     void poke(PhyAddress where, Space space, std::uint32_t address, std::uint32_t value);
 
-    /// Every register that was ever written, sorted.
+    /// Makes a PHY's registers behave as declared, in place of what was declared for it before. They begin
+    /// with their reset values, but those that were written go on with what they hold.
+    void map(PhyAddress where, std::uint32_t identifier, const std::vector<MappedRegister>& registers);
+
+    /// Every register that was ever written or is mapped, sorted; those on pages left out.
     std::vector<RegisterValue> written() const;
-    /// Makes every register as never written.
-    void forget() { registers_.clear(); }
+    /// Makes every register as never written, then those of the list hold what it says.
+    void replace(const std::vector<RegisterValue>& values);
 
     /// The indirect paths that Clause 45 accesses on the bus run through.
     RegisterPaths& paths() { return *paths_; }
@@ -63,8 +73,11 @@ private:
     bool reachesIndirectData(PhyAddress where, Space space, std::uint32_t address) const;
     std::uint32_t indirectRegister(PhyAddress where);
     void advanceIndirect(PhyAddress where, bool written);
+    std::uint32_t initialValue(PhyAddress where, Space space, std::uint32_t address) const;
 
     std::unique_ptr<RegisterPaths> paths_;
+    std::unique_ptr<MappedRegisters> mapped_;
+    std::unordered_map<std::uint64_t, std::uint32_t> identifiers_; // of PHYs that have one of their own
     std::unordered_map<std::uint64_t, std::uint32_t> registers_;
     std::unordered_map<std::uint64_t, std::uint32_t> currentAddresses_;
     std::unordered_map<std::uint64_t, std::uint32_t> indirectAddresses_; // one for each PHY and MMD

@@ -2,6 +2,7 @@
 #include "simulator/script/ActionText.h"
 
 #include "simulator/script/FaultTable.h"
+#include "simulator/script/MapMember.h"
 
 #include <algorithm>
 #include <array>
@@ -11,8 +12,6 @@
 namespace OrvaneSim {
 namespace {
 
-constexpr unsigned kDevices = 256;
-constexpr unsigned kPhys = 32;
 constexpr double kColdest = -273.15;
 constexpr double kHottest = 1000;
 
@@ -84,6 +83,11 @@ const std::vector<Named>& named() {
           "sets a register; spaces c45 (MMD << 16 | register), c22, ext32",
           {"register", "value"}},
          [](ObjectReader& object) { return readRegister(object); }},
+        {{"map",
+          "file=F device=0 phy=0 identifier=0x0A5C1E83",
+          "gives a PHY the registers of a map: a file, or ieee8023",
+          {"file"}},
+         [](ObjectReader& object) { return readMap(object); }},
         {{"ambient", "celsius=C", "sets the temperature around the board", {"celsius"}}, readAmbient},
     };
     return list;
@@ -209,8 +213,9 @@ RegisterValue readRegister(ObjectReader& object, bool withValue) {
         throw ScriptError(object.at("space"), "\"" + space + "\" is none of c45, c22, ext32");
     const auto index = static_cast<std::size_t>(found - kSpaces.begin());
     value.space = static_cast<Space>(index);
-    value.device = static_cast<unsigned>(object.number("device", 0, 0, kDevices - 1));
-    value.phy = static_cast<unsigned>(object.number("phy", 0, 0, kPhys - 1));
+    const PhyAddress where = readPhy(object);
+    value.device = where.device;
+    value.phy = where.phy;
     object.need("register");
     value.address = static_cast<std::uint32_t>(object.number("register", 0, 0, kHighestRegisters[index]));
     if (!withValue)

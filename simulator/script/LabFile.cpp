@@ -2,6 +2,7 @@
 #include "simulator/script/LabFile.h"
 
 #include "simulator/script/ActionText.h"
+#include "simulator/script/MapMember.h"
 
 #include <algorithm>
 #include <map>
@@ -100,6 +101,11 @@ BoardSetup readBoard(ObjectReader& reader, const LabPlace& place, std::uint64_t 
     for (const Json* element : reader.list("registers")) {
         ObjectReader one(*element, elementPath(reader.at("registers"), setup.registers.size()));
         setup.registers.push_back(readRegister(one));
+        one.finish();
+    }
+    for (const Json* element : reader.list("maps")) {
+        ObjectReader one(*element, elementPath(reader.at("maps"), setup.maps.size()));
+        setup.maps.push_back(readMap(one));
         one.finish();
     }
     readTemperatures(reader, setup);

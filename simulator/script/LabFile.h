@@ -17,6 +17,7 @@ namespace OrvaneSim {
 struct BoardSetup {
     BoardOptions options;
     std::vector<RegisterValue> registers;
+    std::vector<UseMap> maps;
     std::optional<double> ambient;
     std::vector<double> temperatures; ///< of the first channels
     std::vector<std::pair<std::string, CommandOutcome>> commands;

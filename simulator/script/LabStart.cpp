@@ -13,6 +13,8 @@ void setUp(Board& board, const BoardSetup& setup) {
         board.wireGpio(line, line + kLoopedLines);
     for (const RegisterValue& value : setup.registers)
         board.setRegister(value.space, value.device, value.phy, value.address, value.value);
+    for (const UseMap& map : setup.maps)
+        board.useMap(map);
     if (setup.ambient)
         board.setAmbientTemperature(*setup.ambient);
     for (std::size_t channel = 0; channel < setup.temperatures.size(); ++channel)

@@ -57,6 +57,16 @@ TEST_F(Control, SetsAndGetsRegisters) {
     EXPECT_EQ(board.registerValue(Space::Ext32, 0, 0, 0xFFFFFFFF), 0xFFFFFFFFU);
 }
 
+TEST_F(Control, GivesAPhyTheRegistersOfAMap) {
+    EXPECT_EQ(ask(R"("action": "map", "file": "ieee8023", "phy": 3, "identifier": "0x00112233")"), done);
+    EXPECT_EQ(board.registerValue(Space::C45, 0, 3, 0x10002), 0x0011U);
+    EXPECT_EQ(ask(R"("action": "set", "register": "0x70001", "value": 4, "phy": 3)"), done);
+    EXPECT_EQ(ask(R"("action": "get", "register": "0x70001", "phy": 3)"),
+              R"({"ok":true,"result":[{"board":"01A2","space":"c45","device":0,"phy":3,)"
+              R"("register":"0x70001","value":"0x0"}]})")
+        << "AN.STATUS.LINK holds the 0 that it began with until somebody reads it";
+}
+
 TEST_F(Control, TellsWhatWasCounted) {
     EXPECT_EQ(
         ask(R"("action": "counts", "procedure": "open_connection")"),

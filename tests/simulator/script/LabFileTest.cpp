@@ -69,6 +69,24 @@ TEST(LabFile, GivesABoardItsTemperaturesAndCommands) {
     EXPECT_EQ(std::string(outcome->errors.errors_val, outcome->errors.errors_len), "oh\n");
 }
 
+TEST(LabFile, GivesAPhyTheRegistersOfAMap_AndThoseThatItListsTheValuesThatItSays) {
+    const ScratchFolder folder;
+    const std::string file =
+        folder.write("wren.json", R"({"format": "orvane-map-1", "name": "wren", "registers": {
+        "CONTROL": {"at": "30.0", "reset": "0x2040"}, "LEVEL": {"at": "30.1", "reset": 7}}})");
+    Lab lab;
+    addBoards(lab, read(R"({"boards": [{"serial": "A1",
+        "maps": [{"file": ")" +
+                        file + R"(", "device": 1, "phy": 3, "identifier": "0x00112233"}],
+        "registers": [{"register": "0x1E0001", "value": 9, "device": 1, "phy": 3}]}]})")
+                       .boards);
+    const Board& board = lab.board("A1");
+    EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x1E0000), 0x2040U);
+    EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x1E0001), 9U);
+    EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x010002), 0x0011U);
+    EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x010003), 0x2233U);
+}
+
 TEST(LabFile, GivesBoardsWithoutAddressThoseThatNoOtherNames) {
     const LabSetup lab = read(R"({"boards": [{"serial": "A"}, {"serial": "B", "address": "10.83.0.1"},
                                              {"serial": "C"}]})");
@@ -113,7 +131,7 @@ const Refusal kRefusals[] = {
      "board: there is no such member; there are boards, firstWord, interfaces, seed, timeline"},
     {"UnknownMemberOfABoard", R"({"boards": [{"serial": "A", "adress": "10.83.0.1"}]})",
      "boards[0].adress: there is no such member; there are address, allowShell, commands, devices, faults, "
-     "firstWord, keptRequests, registers, seed, serial, temperatures"},
+     "firstWord, keptRequests, maps, registers, seed, serial, temperatures"},
     {"NoSerial", R"({"boards": [{}]})", "boards[0]: \"serial\" is missing"},
     {"SerialThatIsNoText", R"({"boards": [{"serial": 7}]})", "boards[0].serial: 7 is no text"},
     {"SerialWithABlank", R"({"boards": [{"serial": "A B"}]})",
@@ -153,6 +171,8 @@ const Refusal kRefusals[] = {
     {"RegisterOfNoPhy",
      R"({"boards": [{"serial": "A", "registers": [{"register": 1, "value": 0, "phy": 32}]}]})",
      "boards[0].registers[0].phy: 32 is not between 0 and 31"},
+    {"MapThatCannotBeRead", R"({"boards": [{"serial": "A", "maps": [{"file": "/no/such.json"}]}]})",
+     "boards[0].maps[0].file: /no/such.json: cannot be read: No such file or directory"},
     {"TooManyChannels", R"({"boards": [{"serial": "A", "temperatures": {"channels": [1, 2, 3, 4, 5]}}]})",
      "boards[0].temperatures.channels: a board has 4 channels"},
     {"TemperatureTooLow", R"({"boards": [{"serial": "A", "temperatures": {"ambient": -300}}]})",
@@ -219,6 +239,8 @@ TEST(LabFileSchema, NamesWhatTheReaderTakes) {
     EXPECT_EQ(
         membersOf(schema["$defs"]["register"]["properties"]),
         knownMembers(R"({"boards": [{"serial": "A", "registers": [{"register": 1, "value": 1, "x": 1}]}]})"));
+    EXPECT_EQ(membersOf(schema["$defs"]["map"]["properties"]),
+              knownMembers(R"({"boards": [{"serial": "A", "maps": [{"file": "ieee8023", "x": 1}]}]})"));
     std::set<std::string> actions;
     for (const FaultForm& form : faultForms())
         actions.insert(form.name);

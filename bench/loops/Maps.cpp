@@ -23,6 +23,15 @@ Orvane::RegisterMap mapOfAHundredThousand() {
         "at": "ext32:0x80000000", "count": 1000, "stride": "0x1000", "registers": {"R": {"at": 0, "count": 100}}}}})");
 }
 
+// The same number, none of them in an array.
+Orvane::RegisterMap mapOfAHundredThousandNames() {
+    std::string text =
+        R"({"format": "orvane-map-1", "name": "bench", "blocks": {"CHIP": {"at": "ext32:0x80000000", "registers": {)";
+    for (unsigned i = 0; i < 100000; ++i)
+        text += (i > 0 ? ",\"R" : "\"R") + std::to_string(i) + R"(":{"at":)" + std::to_string(4 * i) + "}";
+    return Orvane::RegisterMap::parse(text + "}}}}");
+}
+
 // What to look for, one behind the other in memory but far apart in the map.
 template <class Of>
 auto questions(const Orvane::RegisterMap& map, Of of) {
@@ -62,6 +71,13 @@ void mapByName(benchmark::State& state) {
             questions(map, [](const Orvane::MapRegister& reg) { return std::string(reg.name()); }));
 }
 BENCHMARK(mapByName);
+
+void mapByOwnName(benchmark::State& state) {
+    const Orvane::RegisterMap map = mapOfAHundredThousandNames();
+    findAll(state, map,
+            questions(map, [](const Orvane::MapRegister& reg) { return std::string(reg.name()); }));
+}
+BENCHMARK(mapByOwnName);
 
 void mapByAddress(benchmark::State& state) {
     const Orvane::RegisterMap map = mapOfAHundredThousand();

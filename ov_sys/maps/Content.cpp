@@ -1,14 +1,8 @@
 #include "ov_sys/maps/Content.h"
 
-#include <functional>
-
 namespace Orvane {
 
 namespace {
-
-std::uint64_t hashOfName(std::string_view name) {
-    return std::hash<std::string_view>()(name);
-}
 
 std::uint64_t hashOfAddress(const MapAddress& address) {
     const std::uint64_t place = std::uint64_t{static_cast<std::uint8_t>(address.space)} << 8U | address.mmd;
@@ -18,8 +12,7 @@ std::uint64_t hashOfAddress(const MapAddress& address) {
 } // namespace
 
 const MapRegister* MapContent::find(std::string_view wanted) const noexcept {
-    const std::uint32_t found =
-        byName.find(hashOfName(wanted), [&](std::uint32_t i) { return registers[i].name() == wanted; });
+    const std::uint32_t found = byName.find(registers, wanted);
     return found == Maps::Index::kNone ? nullptr : &registers[found];
 }
 
@@ -36,13 +29,6 @@ MapReference MapContent::resolve(std::string_view wanted) const noexcept {
     const MapRegister* const reg = dot == std::string_view::npos ? nullptr : find(wanted.substr(0, dot));
     const MapField* const field = reg == nullptr ? nullptr : reg->field(wanted.substr(dot + 1));
     return field == nullptr ? MapReference{} : MapReference{reg, field};
-}
-
-const MapRegister* MapContent::indexName(std::uint32_t number) {
-    const std::string& wanted = registers[number].name();
-    const std::uint32_t known = byName.add(hashOfName(wanted), number,
-                                           [&](std::uint32_t i) { return registers[i].name() == wanted; });
-    return known == Maps::Index::kNone ? nullptr : &registers[known];
 }
 
 const MapRegister* MapContent::indexAddress(std::uint32_t number) {

@@ -3,6 +3,7 @@
 
 #include "ov_sys/maps/Declaration.h"
 #include "ov_sys/maps/Index.h"
+#include "ov_sys/maps/NameIndex.h"
 
 namespace Orvane {
 
@@ -12,16 +13,14 @@ struct MapContent {
     std::vector<MapIdentifier> identifiers;
     Maps::BlockDeclaration root;
     std::vector<MapRegister> registers; // in file order
-    Maps::Index byName;
+    Maps::NameIndex byName;
     Maps::Index byAddress;
 
     const MapRegister* find(std::string_view name) const noexcept;
     const MapRegister* find(const MapAddress& address) const noexcept;
     MapReference resolve(std::string_view name) const noexcept;
 
-    // Enter the register of this number into an index. The one whose place it would take, and keeps; null:
-    // none.
-    const MapRegister* indexName(std::uint32_t number);
+    // Enters the register of this number. The one whose place it would take, and keeps; null: none.
     const MapRegister* indexAddress(std::uint32_t number);
 };
 

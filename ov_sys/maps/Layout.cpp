@@ -30,13 +30,11 @@ public:
 
     void run() {
         inside(content_.root, Scope{});
-        content_.byName.reserve(content_.registers.size());
+        for (const std::uint32_t i : content_.byName.fill(content_.registers))
+            problems_.add(*sources_[i], "the name " + content_.registers[i].name() + " is there twice");
         content_.byAddress.reserve(content_.registers.size());
-        for (std::uint32_t i = 0; i < content_.registers.size(); ++i) {
-            if (content_.indexName(i) != nullptr)
-                problems_.add(*sources_[i], "the name " + content_.registers[i].name() + " is there twice");
+        for (std::uint32_t i = 0; i < content_.registers.size(); ++i)
             content_.indexAddress(i);
-        }
         findOverlaps();
         choosePages();
     }

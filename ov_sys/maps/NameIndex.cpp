@@ -1,0 +1,168 @@
+#include "ov_sys/maps/NameIndex.h"
+
+#include <algorithm>
+#include <array>
+#include <functional>
+
+namespace Orvane::Maps {
+namespace {
+
+constexpr std::size_t kMostLetters = 128; // of a name
+constexpr std::size_t kMostIndices = 12;
+constexpr std::size_t kMostDigits = 6; // of an index
+constexpr std::uint32_t kNoFamily = 0xFFFFFFFF;
+
+std::uint64_t hashOfName(std::string_view name) noexcept {
+    return std::hash<std::string_view>()(name);
+}
+
+bool isDigit(char c) noexcept {
+    return c >= '0' && c <= '9';
+}
+
+// Whether two names are the same but for their indices.
+bool areAkin(std::string_view a, std::string_view b) noexcept {
+    std::size_t i = 0;
+    std::size_t j = 0;
+    while (i < a.size() && j < b.size()) {
+        if (a[i] != b[j])
+            return false;
+        const bool opens = a[i] == '[';
+        for (++i; opens && i < a.size() && isDigit(a[i]);)
+            ++i;
+        for (++j; opens && j < b.size() && isDigit(b[j]);)
+            ++j;
+    }
+    return i == a.size() && j == b.size();
+}
+
+} // namespace
+
+// A name taken apart: its letters without the indices, and these.
+struct NameIndex::Parts {
+    std::string_view name;
+    std::array<char, kMostLetters> letters;
+    std::size_t length = 0;
+    std::array<std::uint32_t, kMostIndices> indices;
+    std::size_t count = 0;
+
+    // Whether it has indices, written as the map writes them.
+    bool take(std::string_view whole) noexcept {
+        name = whole;
+        if (whole.size() > kMostLetters)
+            return false;
+        for (std::size_t at = 0; at < whole.size();) {
+            const char letter = letters[length++] = whole[at++];
+            if (letter == '[' && !takeIndex(whole, at))
+                return false;
+        }
+        return count > 0;
+    }
+    std::uint64_t hash() const noexcept { return hashOfName({letters.data(), length}); }
+
+private:
+    bool takeIndex(std::string_view whole, std::size_t& at) noexcept {
+        const std::size_t begin = at;
+        std::uint32_t index = 0;
+        for (; at < whole.size() && isDigit(whole[at]); ++at)
+            index = index * 10 + static_cast<std::uint32_t>(whole[at] - '0');
+        const std::size_t digits = at - begin;
+        if (digits == 0 || digits > kMostDigits || (digits > 1 && whole[begin] == '0') ||
+            count == kMostIndices)
+            return false;
+        indices[count++] = index;
+        return true;
+    }
+};
+
+std::uint32_t NameIndex::familyOf(const std::vector<MapRegister>& registers,
+                                  const Parts& parts) const noexcept {
+    return byParts_.find(parts.hash(), [&](std::uint32_t i) {
+        return areAkin(registers[families_[i].first].name(), parts.name);
+    });
+}
+
+std::uint32_t NameIndex::numberIn(const Family& family, const Parts& parts) const noexcept {
+    std::uint32_t number = family.first;
+    for (std::size_t i = 0; i < parts.count; ++i) {
+        const Dimension& dimension = dimensions_[family.dimension + i];
+        if (parts.indices[i] >= dimension.count)
+            return kNone;
+        number += parts.indices[i] * dimension.stride;
+    }
+    return number;
+}
+
+bool NameIndex::isRegular(const Family& family) const noexcept {
+    std::uint64_t elements = 1;
+    for (std::uint32_t i = 0; i < family.dimensions && elements <= family.members; ++i)
+        elements *= dimensions_[family.dimension + i].count;
+    return elements == family.members;
+}
+
+// Finds families, and the family of each register; arrays are laid out with the last index running fastest.
+std::vector<std::uint32_t> NameIndex::group(const std::vector<MapRegister>& registers) {
+    std::vector<std::uint32_t> family(registers.size(), kNoFamily);
+    byParts_.reserve(registers.size());
+    for (std::uint32_t i = 0; i < registers.size(); ++i) {
+        Parts parts;
+        if (!parts.take(registers[i].name()))
+            continue;
+        family[i] = familyOf(registers, parts);
+        if (family[i] == kNone) {
+            family[i] = static_cast<std::uint32_t>(families_.size());
+            families_.push_back({i, 0, static_cast<std::uint32_t>(dimensions_.size()),
+                                 static_cast<std::uint32_t>(parts.count)});
+            dimensions_.resize(dimensions_.size() + parts.count);
+            byParts_.add(parts.hash(), family[i], [](std::uint32_t) { return false; });
+        }
+        Family& own = families_[family[i]];
+        ++own.members;
+        for (std::size_t at = 0; at < parts.count; ++at) {
+            Dimension& dimension = dimensions_[own.dimension + at];
+            if (parts.indices[at] == 1 && dimension.count == 1)
+                dimension.stride = i - own.first; // the indices before it are 0 as yet, those behind it again
+            dimension.count = std::max(dimension.count, parts.indices[at] + 1);
+        }
+    }
+    return family;
+}
+
+std::vector<std::uint32_t> NameIndex::fill(const std::vector<MapRegister>& registers) {
+    const std::vector<std::uint32_t> family = group(registers);
+    std::vector<bool> regular(families_.size());
+    for (std::size_t i = 0; i < families_.size(); ++i)
+        regular[i] = isRegular(families_[i]);
+    for (std::uint32_t i = 0; i < registers.size(); ++i)
+        if (Parts parts; family[i] != kNoFamily && parts.take(registers[i].name()) &&
+                         numberIn(families_[family[i]], parts) != i)
+            regular[family[i]] = false;
+    std::vector<std::uint32_t> twice;
+    const auto isAlone = [&](std::uint32_t i) { return family[i] == kNoFamily || !regular[family[i]]; };
+    std::uint32_t alone = 0;
+    for (std::uint32_t i = 0; i < registers.size(); ++i)
+        alone += isAlone(i) ? 1U : 0U;
+    byName_.reserve(alone);
+    for (std::uint32_t i = 0; i < registers.size(); ++i) {
+        const std::string& wanted = registers[i].name();
+        if (isAlone(i) && byName_.add(hashOfName(wanted), i, [&](std::uint32_t known) {
+                return registers[known].name() == wanted;
+            }) != kNone)
+            twice.push_back(i);
+    }
+    for (std::size_t i = 0; i < families_.size(); ++i)
+        if (!regular[i])
+            families_[i].members = 0;
+    return twice;
+}
+
+std::uint32_t NameIndex::find(const std::vector<MapRegister>& registers,
+                              std::string_view name) const noexcept {
+    if (Parts parts; !families_.empty() && parts.take(name))
+        if (const std::uint32_t family = familyOf(registers, parts);
+            family != kNone && families_[family].members > 0)
+            return numberIn(families_[family], parts);
+    return byName_.find(hashOfName(name), [&](std::uint32_t i) { return registers[i].name() == name; });
+}
+
+} // namespace Orvane::Maps

@@ -1,0 +1,51 @@
+// Finds registers by their names.
+#pragma once
+
+#include "ov_sys/maps/Index.h"
+
+#include <cstdint>
+#include <orvane/maps.hpp>
+#include <string_view>
+#include <vector>
+
+namespace Orvane::Maps {
+
+// The elements of an array are found by their indices, from one entry for all of them, which stays in the
+// processor's nearest cache whatever the array's size; every other name by a hash table. Filled once, then
+// only read.
+class NameIndex {
+public:
+    static constexpr std::uint32_t kNone = Index::kNone;
+
+    // Enters the names of registers, which must not move any more, and returns the numbers of those whose
+    // name one before has already.
+    std::vector<std::uint32_t> fill(const std::vector<MapRegister>& registers);
+    // The number of the register of this name; kNone: none.
+    std::uint32_t find(const std::vector<MapRegister>& registers, std::string_view name) const noexcept;
+
+private:
+    struct Dimension {
+        std::uint32_t count = 0;  // elements
+        std::uint32_t stride = 0; // registers from one to the next
+    };
+    // All registers whose names differ in nothing but their indices, of which there is every one.
+    struct Family {
+        std::uint32_t first = 0; // the register with every index 0
+        std::uint32_t members = 0;
+        std::uint32_t dimension = 0; // the first of its own
+        std::uint32_t dimensions = 0;
+    };
+    struct Parts;
+
+    std::uint32_t familyOf(const std::vector<MapRegister>& registers, const Parts& parts) const noexcept;
+    std::vector<std::uint32_t> group(const std::vector<MapRegister>& registers);
+    bool isRegular(const Family& family) const noexcept;
+    std::uint32_t numberIn(const Family& family, const Parts& parts) const noexcept;
+
+    std::vector<Dimension> dimensions_;
+    std::vector<Family> families_;
+    Index byParts_; // families
+    Index byName_;  // registers of no family
+};
+
+} // namespace Orvane::Maps

@@ -77,6 +77,27 @@ BatchResult Phy::run(const Batch& batch, const Within& within) const {
         session_->failure(trouble, "batch", "from " + toText(batch.operations()[failed].address), limits)};
 }
 
+void Phy::together(const std::function<void()>& work, const Within& within) const {
+    Limits limits(within);
+    RackLink::BoardLink& link = session_->link();
+    session_->check(takeTurn(link, limits), "wait for the board's turn", {}, limits);
+    const RackLink::TurnGuard turn(link.turn);
+    work();
+}
+
+Failure Phy::refusal(const char* operation, const std::string& location, std::string why) const {
+    const Within none;
+    return session_->failure(FailureKind::InvalidArgument, operation, location, Limits(none), std::move(why));
+}
+
+void Phy::setMap(std::shared_ptr<const RegisterMap> map) const {
+    session_->setMap(std::move(map));
+}
+
+std::shared_ptr<const RegisterMap> Phy::usedMap() const {
+    return session_->map();
+}
+
 void Phy::open(const Within& within) const {
     Limits limits(within);
     session_->open(limits);

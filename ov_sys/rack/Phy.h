@@ -14,11 +14,20 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Orvane {
 
 class Flight;
+class Named;
+class RegisterMap;
+struct DecodedRegister;
+struct Restored;
+struct Scope;
+struct Snapshot;
 namespace RackCore {
 class OpenSession;
 }
@@ -53,6 +62,28 @@ public:
     // The same PHY by the paths that its indirect registers ask for.
     RoutedPhy routed(const RegisterPaths& paths = {}) const noexcept { return RoutedPhy(session_, paths); }
 
+    // Runs `work` on the calling thread, with no other call of this process on the board in between. `within`
+    // bounds the wait for that only.
+    void together(const std::function<void()>& work, const Within& within = {}) const;
+
+    // Names, by a register map; <orvane/rack.hpp> has the types, docs/names.md says more.
+
+    // From now on names are those of `map`, for every handle of this session. Does not block.
+    void use(const RegisterMap& map) const;
+    // The map in use; that of IEEE 802.3 unless another one was said. Does not block.
+    RegisterMap map() const;
+    // A register or field, to be read or written. Throws Failure for a name that is not there. Does not
+    // block.
+    Named operator[](std::string_view name) const;
+    // Registers and fields that values are of. Does not block.
+    std::vector<DecodedRegister>
+    decode(const std::vector<std::pair<RegisterAddress, std::uint32_t>>& values) const;
+    // Reads every register of a scope that is safe to read, in blocks, those on pages, too.
+    Snapshot snapshot(const Scope& scope, const Within& within = {}) const;
+    // Writes the writable registers of a snapshot in the map's order and reads them back. Bits that ones
+    // clear or that clear themselves are written as 0; registers with side effects are left out.
+    Restored restore(const Snapshot& snapshot, const Within& within = {}) const;
+
     // The board's services, through this PHY's session.
     I2cBus i2c() const noexcept { return I2cBus(session_); }
     GpioLines gpio() const noexcept { return GpioLines(session_); }
@@ -80,6 +111,12 @@ public:
 
 private:
     friend class Flight;
+    friend class Named;
+
+    // An argument that is refused, as a Failure.
+    Failure refusal(const char* operation, const std::string& location, std::string why) const;
+    void setMap(std::shared_ptr<const RegisterMap> map) const;
+    std::shared_ptr<const RegisterMap> usedMap() const;
 
     std::shared_ptr<RackCore::OpenSession> session_;
 };

@@ -7,7 +7,13 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <utility>
+
+namespace Orvane {
+class RegisterMap;
+}
 
 namespace Orvane::RackCore {
 
@@ -45,10 +51,22 @@ public:
     RackLink::Session& state() noexcept { return state_; }
     void setSmbus(SmbusProtocol protocol) noexcept { smbus_.store(protocol, std::memory_order_relaxed); }
 
+    // Kept for the rooms above, which know what it is; null at first. Any thread.
+    void setMap(std::shared_ptr<const RegisterMap> map) {
+        const std::lock_guard<std::mutex> lock(mapMutex_);
+        map_.swap(map);
+    }
+    std::shared_ptr<const RegisterMap> map() const {
+        const std::lock_guard<std::mutex> lock(mapMutex_);
+        return map_;
+    }
+
 private:
     const std::shared_ptr<Board> board_;
     std::atomic<SmbusProtocol> smbus_{SmbusProtocol::Paged16};
     RackLink::Session state_;
+    mutable std::mutex mapMutex_; // guards map_
+    std::shared_ptr<const RegisterMap> map_;
 };
 
 } // namespace Orvane::RackCore

@@ -1,0 +1,122 @@
+// Snapshots of a PHY that behaves: what is read, what is left alone, what comes back.
+#include "tests/support/names/MappedBoard.h"
+
+namespace OrvaneTest {
+namespace {
+
+using namespace Orvane;
+using ::OrvaneTest::Names;
+
+class SnapshotTest : public testing::Test, protected MappedBoard {
+protected:
+    static Names namesOf(const std::vector<const MapRegister*>& registers) {
+        Names names;
+        for (const MapRegister* const each : registers)
+            names.push_back(each->name());
+        return names;
+    }
+    static Names textsOf(const std::vector<FieldChange>& changes) {
+        Names texts;
+        for (const FieldChange& each : changes)
+            texts.push_back(each.text());
+        return texts;
+    }
+};
+
+TEST_F(SnapshotTest, HoldsEveryRegisterThatIsSafeToRead_AndReadsThemInTwoCalls) {
+    const Snapshot all = phy.snapshot("**");
+    Names names;
+    for (const Snapshot::Value& each : all.values)
+        names.push_back(each.reg->name());
+    EXPECT_EQ(names, (Names{"WORD", "CHIP.CONTROL", "CHIP.ALARMS", "CHIP.TEMPERATURE", "CHIP.PAGE",
+                            "CHIP.ONE.HEIGHT", "CHIP.ONE.WIDTH", "CHIP.TWO.HEIGHT"}));
+    EXPECT_EQ(namesOf(all.leftOut), (Names{"CHIP.STATUS", "CHIP.ERRORS", "CHIP.KEY", "DEVICE"}));
+    EXPECT_EQ(all.find("CHIP.TWO.HEIGHT")->value, 22U);
+    EXPECT_EQ(all.find("CHIP.ONE.WIDTH")->value, 12U);
+    EXPECT_EQ(held(0x1F), 0U);
+}
+
+TEST_F(SnapshotTest, HoldsWhatASelectRegisterHeld_ThoughItIsReadAfterItsPages) {
+    set(0x1F, 0x0047);
+    NamedBatch batch({{map.find("CHIP.PAGE"), 0x0047}});
+    const auto height = batch.read(*map.find("CHIP.TWO.HEIGHT"));
+    const auto page = batch.read(*map.find("CHIP.PAGE"));
+    const BatchResult result = phy.run(batch.finish());
+    EXPECT_EQ(result[height], 22U);
+    EXPECT_EQ(result[page], 0x0047U);
+}
+
+TEST_F(SnapshotTest, LeavesWhatAReadWouldChangeAsItIs) {
+    set(1, 0);
+    phy.snapshot("CHIP.**");
+    EXPECT_EQ(held(3), 5U);
+    set(1, 4);
+    EXPECT_EQ(phy["CHIP.STATUS.LINK"].read(), 0U);
+}
+
+TEST_F(SnapshotTest, ReadsARegisterThatIsNamed_WhateverThatDoesToIt) {
+    const Snapshot one = phy.snapshot("CHIP.ERRORS");
+    EXPECT_EQ(one.find("CHIP.ERRORS")->value, 5U);
+    EXPECT_EQ(held(3), 0U);
+}
+
+TEST_F(SnapshotTest, ReadsWhatAReadChanges_WhenThatIsSaid) {
+    const Snapshot chip = phy.snapshot(Scope("CHIP").sideEffects());
+    EXPECT_EQ(chip.find("CHIP.ERRORS")->value, 5U);
+    EXPECT_EQ(namesOf(chip.leftOut), Names{"CHIP.KEY"});
+}
+
+TEST_F(SnapshotTest, RefusesANameThatIsNotThere) {
+    EXPECT_EQ(failureOf([&] { phy.snapshot("CHOP"); }).advice(), "there is no 'CHOP' in the map wren");
+    EXPECT_EQ(failureOf([&] { phy.snapshot("CHOP.*"); }).advice(),
+              "nothing in the map wren matches 'CHOP.*'");
+}
+
+TEST_F(SnapshotTest, DiffersByField) {
+    const Snapshot before = phy.snapshot("**");
+    phy["CHIP.CONTROL.SPEED"] = "1000 Mb/s";
+    phy["CHIP.TWO.HEIGHT"] = 23;
+    set(4, 0x1002);
+    EXPECT_EQ(textsOf(diff(before, phy.snapshot("**"))),
+              (Names{"CHIP.CONTROL.SPEED: 3 -> 1000 Mb/s", "CHIP.TEMPERATURE.VALUE: 0 C -> 1 C",
+                     "CHIP.TEMPERATURE: 0x0000 -> 0x1000", "CHIP.TWO.HEIGHT: 0x0016 -> 0x0017"}));
+}
+
+TEST_F(SnapshotTest, RestoredBringsBackWhatCanBeWritten_AndClearsNoAlarm) {
+    const Snapshot before = phy.snapshot("**");
+    phy["CHIP.CONTROL"] = 1;
+    phy["CHIP.ONE.WIDTH"] = 99;
+    phy["CHIP.PAGE"] = 7;
+    const Restored restored = phy.restore(before);
+    EXPECT_EQ(textsOf(restored.notTaken), Names{});
+    EXPECT_EQ(restored.written, 8U);
+    EXPECT_EQ(textsOf(diff(before, phy.snapshot("**"))), Names{});
+    EXPECT_EQ(held(2), 3U);
+}
+
+TEST_F(SnapshotTest, RestoredWritesInTheMapsOrder) {
+    const Snapshot before = phy.snapshot({"CHIP.TEMPERATURE", "CHIP.CONTROL"});
+    board.forgetRequests();
+    phy.restore(before);
+    EXPECT_EQ(argumentsOf(board.requestsOf("mdio_mixedblock").at(0))["writeAddresses"],
+              (nlohmann::ordered_json{0x23U << 24U | 0x1EC000U, 0x23U << 24U | 0x1EC004U}));
+}
+
+TEST_F(SnapshotTest, RestoredNamesWhatDidNotTake) {
+    const Snapshot before = phy.snapshot("CHIP.CONTROL");
+    board.useMap({1, 3, 0, OrvaneSim::mappedRegisters(RegisterMap::parse(R"({"format": "orvane-map-1",
+        "name": "stuck", "registers": {"CONTROL": {"at": "30.0xC000", "access": "ro", "reset": 0}}})"))});
+    EXPECT_EQ(textsOf(phy.restore(before).notTaken), Names{"CHIP.CONTROL.SPEED: 3 -> 10 Mb/s"});
+}
+
+TEST_F(SnapshotTest, EndsWithinItsTime_WhenTheBoardIsMute) {
+    phy.open();
+    board.hang();
+    const auto begun = std::chrono::steady_clock::now();
+    const Failure failure = failureOf([&] { phy.snapshot("**", within(300ms)); });
+    EXPECT_THAT(failure.kind(), testing::AnyOf(FailureKind::TimedOut, FailureKind::Unreachable));
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, 3s);
+}
+
+} // namespace
+} // namespace OrvaneTest

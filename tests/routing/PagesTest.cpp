@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace OrvaneTest {
 namespace {
@@ -32,13 +33,15 @@ TEST(Pages, AreReadByLaneAndIndexWithBit8000) {
 }
 
 TEST(Pages, HaveNoAddressBeyondTheirLimits) {
-    for (const unsigned address : {0x600U, 0x8500U, 0x801AU}) {
+    for (const auto& [address, trouble] : {std::pair{0x600U, "trouble 7 0 0600"},
+                                           {0x8500U, "trouble 7 0 8500"},
+                                           {0x801AU, "trouble 7 0 801A"}}) {
         ScriptedPhy phy;
         EXPECT_EQ(readPaged(phy, address), Value(0));
-        EXPECT_EQ(phy.steps.size(), 1U);
         phy.endsAtTrouble();
         EXPECT_EQ(readPaged(phy, address), std::nullopt);
         EXPECT_FALSE(writePaged(phy, address));
+        EXPECT_THAT(phy.steps, ElementsAre(trouble, trouble, trouble));
     }
     ScriptedPhy last;
     EXPECT_TRUE(writePaged(last, 0x5FF));

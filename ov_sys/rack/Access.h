@@ -10,11 +10,11 @@ struct Access {
     enum class Mode : std::uint8_t {
         Exclusive, // keeps everybody out who does not bring the key
         Shared,    // beside other shared and simple sessions
-        Simple,    // as shared, but the board makes up no key
+        Simple,    // as shared, but no key is made up
     };
 
     Mode mode = Mode::Simple;
-    std::uint16_t key = 0; // 0: none; the board makes one up for exclusive and shared sessions
+    std::uint16_t key = 0; // 0: none; exclusive and shared sessions then get one that is made up
     bool queues = false;   // a refused open is tried again up to the call's deadline
 
     static constexpr Access exclusive(std::uint16_t key = 0) noexcept {

@@ -14,6 +14,9 @@ using namespace RackLink;
 
 namespace {
 
+// Beside the address of a lane: not its first descriptor.
+constexpr std::uint64_t kStream = 1;
+
 constexpr std::chrono::milliseconds kLook{10}; // between two looks at a turn that another thread has
 
 FileDescriptor checked(int fd, const char* what) {
@@ -204,7 +207,8 @@ void Fleet::stepLane(Lane& lane) {
     if (takeTurn(lane)) {
         BoardLink& link = lane.board->link;
         if (!lane.begun.empty())
-            link.step(now_);
+            link.step(now_, timed || lane.streams);
+        lane.streams = false;
         runHooks(link);
         collect(lane);
         begin(lane);
@@ -225,8 +229,10 @@ void Fleet::watch(Lane& lane) {
     pollfd entries[BoardLink::kMostWatched];
     const std::size_t count = lane.board->link.watch(entries);
     const auto same = [](const pollfd& a, const pollfd& b) { return a.fd == b.fd && a.events == b.events; };
-    if (std::equal(entries, entries + count, lane.watched.begin(), lane.watched.end(), same))
+    if (lane.socketsMade == lane.board->link.socketsMade() &&
+        std::equal(entries, entries + count, lane.watched.begin(), lane.watched.end(), same))
         return;
+    lane.socketsMade = lane.board->link.socketsMade();
     for (const pollfd& one : lane.watched)
         epoll_ctl(epoll_.get(), EPOLL_CTL_DEL, one.fd,
                   nullptr); // it may be closed by now, and so not be there
@@ -234,7 +240,8 @@ void Fleet::watch(Lane& lane) {
     for (const pollfd& one : lane.watched) {
         epoll_event event{};
         event.events = (one.events & POLLOUT) != 0 ? EPOLLIN | EPOLLOUT : EPOLLIN;
-        event.data.ptr = &lane;
+        event.data.u64 =
+            reinterpret_cast<std::uintptr_t>(&lane) | (&one == lane.watched.data() ? 0U : kStream);
         epoll_ctl(epoll_.get(), EPOLL_CTL_ADD, one.fd, &event);
     }
 }
@@ -243,8 +250,11 @@ void Fleet::takeEvents() {
     epoll_event events[256];
     const int count = epoll_wait(epoll_.get(), events, 256, 0);
     for (int i = 0; i < count; ++i)
-        if (auto* const lane = static_cast<Lane*>(events[i].data.ptr))
+        if (auto* const lane =
+                reinterpret_cast<Lane*>(events[i].data.u64 & ~kStream)) { // NOLINT(*-int-to-ptr)
             lane->ready = true;
+            lane->streams = lane->streams || (events[i].data.u64 & kStream) != 0;
+        }
 }
 
 // Every lane looks at its jobs, also at those that have not begun.

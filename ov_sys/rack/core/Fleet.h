@@ -48,6 +48,8 @@ private:
         bool hasTurn = false;
         bool ready = true; // something arrived, or was added
         RackLink::TimePoint wake{};
+        bool streams = false; // something arrived that is no datagram
+        unsigned socketsMade = 0;
         std::vector<pollfd> watched;
     };
 

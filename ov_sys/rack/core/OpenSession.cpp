@@ -27,6 +27,14 @@ std::string refusal(int code) {
     }
 }
 
+// The record that a board has for its refusal; what its numbers mean is its own.
+std::string addition(std::uint64_t said) {
+    if (said == 0)
+        return {};
+    return " The board adds " + std::to_string(said >> 32U) + ", " +
+           std::to_string(static_cast<std::int32_t>(said & 0xFFFFFFFFU)) + ".";
+}
+
 } // namespace
 
 OpenSession::OpenSession(std::shared_ptr<Board> board, unsigned port, unsigned phy, Access access)
@@ -71,7 +79,9 @@ Failure OpenSession::failure(Trouble trouble, const char* operation, const std::
     details.code = trouble.code();
     details.attempts = limits.attempts;
     details.spent = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - limits.begun);
-    details.advice = trouble.kind() == FailureKind::Refused ? refusal(trouble.code()) : std::move(advice);
+    details.advice = trouble.kind() == FailureKind::Refused
+                         ? refusal(trouble.code()) + addition(state_.refusal.load(std::memory_order_relaxed))
+                         : std::move(advice);
     return Failure(std::move(details));
 }
 
@@ -97,6 +107,10 @@ void OpenSession::open(Limits& limits) {
 void OpenSession::close(Limits& limits) {
     check(takeTurn(link(), limits), "close", {}, limits);
     const TurnGuard turn(link().turn);
+    if (!state_.open && link().opens(state_)) { // what the board grants has to be closed
+        PingCall ping(state_);
+        drive(link(), ping, limits);
+    }
     if (!state_.open)
         return;
     CloseCall call(state_);

@@ -3,6 +3,7 @@
 #include "ov_sys/rack/link/Endpoint.h"
 #include "ov_sys/rack/search/Search.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Orvane::RackCore {
@@ -25,6 +26,12 @@ void RackState::report(const RackLink::BoardLink& link, const RackLink::Session*
     event.text = std::move(text);
     if (events_.push(std::move(event)) || kind == Event::Kind::Opened)
         keeper_.wake();
+}
+
+bool RackState::names(in_addr_t from, const std::string& answer, const std::string& board) const {
+    const std::vector<FoundBoard> boards = RackSearch::boardsOf({from, answer});
+    return std::any_of(boards.begin(), boards.end(),
+                       [&](const FoundBoard& one) { return one.serial == board; });
 }
 
 std::vector<std::shared_ptr<Board>> RackState::all() const {

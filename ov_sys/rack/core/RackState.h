@@ -24,6 +24,7 @@ public:
     void report(const RackLink::BoardLink& link, const RackLink::Session* session, Event::Kind kind,
                 Event::Level level, std::string text) override;
     void missing(RackLink::BoardLink& link) override { keeper_.lookFor(link.board()); }
+    bool names(in_addr_t from, const std::string& answer, const std::string& board) const override;
 
     std::vector<std::shared_ptr<Board>> all() const;
     // Null when no address of it is known.

@@ -23,6 +23,9 @@ BoardLink::BoardLink(std::string board, in_addr_t address, Surroundings& around)
 }
 
 void BoardLink::start(Call& call, TimePoint now) {
+    constexpr std::chrono::milliseconds kQuiet{20};
+    if (flying_.empty() && now - lastHeard_ > kQuiet)
+        stepStreams(now); // a connection that has ended meanwhile raises doubts before anything is sent
     call.stage = Call::Stage::Waiting;
     nextDeadline_ = std::min(nextDeadline_, call.deadline);
     if (call.isHook)
@@ -32,11 +35,14 @@ void BoardLink::start(Call& call, TimePoint now) {
     advance(now);
 }
 
-void BoardLink::step(TimePoint now) {
-    if (const in_addr_t address = found_.exchange(0, std::memory_order_acquire))
-        moveTo(address, now);
+void BoardLink::step(TimePoint now, bool streams) {
+    if (found_.load(std::memory_order_relaxed) != 0)
+        moveTo(found_.exchange(0, std::memory_order_acquire));
+    // First: what arrives behind the end of a connection may be another board's.
+    if (streams)
+        stepStreams(now);
+    stepProbe(now);
     receive(now);
-    stepStreams(now);
     checkPatience(now);
     if (now >= nextDeadline_)
         checkDeadlines(now);
@@ -104,8 +110,12 @@ void BoardLink::transmitOverStream(Call& call) {
     const std::unique_ptr<char[]> request(new char[kLargestRequest]); // few of its pages are ever touched
     call.size = static_cast<std::uint32_t>(call.encode(request.get(), kLargestRequest));
     Stream& stream = streamOf(call.program).stream;
-    if (!stream.isOpen())
+    if (!stream.isOpen() && call.program == Program::Setup)
+        lateOpenings_.clear(); // they were asked for over another connection
+    if (!stream.isOpen()) {
+        ++socketsMade_;
         stream.open(endpoint(address(), ports_[indexOf(call.program)]));
+    }
     if (stream.isOpen() && call.size != 0)
         stream.send(request.get(), call.size);
 }
@@ -142,7 +152,9 @@ TimePoint BoardLink::wake(TimePoint now) const noexcept {
     TimePoint next = nextDeadline_;
     if (missing_)
         next = std::min(next, now + kLook);
-    if (errand_)
+    if (probe_)
+        next = std::min(next, probeEnd_);
+    else if (errand_)
         next = std::min(next, patienceEnd(*errand_));
     else if (!flying_.empty())
         next = std::min(next, patienceEnd(*flying_.front()));
@@ -158,6 +170,8 @@ std::size_t BoardLink::watch(pollfd* entries) const noexcept {
     for (const StreamOf* one : {&setup_, &adc_})
         if (one->stream.isOpen())
             entries[count++] = {one->stream.descriptor(), one->stream.events(), 0};
+    if (probe_)
+        entries[count++] = probe_->watch();
     return count;
 }
 

@@ -4,6 +4,7 @@
 #include "ov_sys/rack/Event.h"
 #include "ov_sys/rack/link/DatagramSocket.h"
 #include "ov_sys/rack/link/Endpoint.h"
+#include "ov_sys/rack/link/Probe.h"
 #include "ov_sys/rack/link/RoundTrip.h"
 #include "ov_sys/rack/link/SetupCalls.h"
 #include "ov_sys/rack/link/Stream.h"
@@ -15,6 +16,7 @@
 #include <memory>
 #include <poll.h>
 #include <string>
+#include <vector>
 
 namespace Orvane::RackLink {
 
@@ -29,6 +31,8 @@ public:
                         std::string text) = 0;
     // The board answers no more where it was: look for it by its name, and tell the link by found().
     virtual void missing(BoardLink& link) = 0;
+    // Whether the answer that discovery got from an address is that of the board.
+    virtual bool names(in_addr_t from, const std::string& answer, const std::string& board) const = 0;
 };
 
 // A state machine that never blocks. start() takes calls, step() moves them on, and whoever drives it waits
@@ -40,7 +44,8 @@ public:
 // Effect::Alone, and those over a stream, fly alone.
 //
 // A session that is not open is opened, and a port that is not known is looked up, before the call that needs
-// it; a board that does not answer has both done again.
+// it; a board that does not answer has both done again. Whoever answers at a board's address after it was
+// silent, closed a connection or forgot a session has to say first that it is this board.
 class BoardLink {
 public:
     BoardLink(std::string board, in_addr_t address, Surroundings& around);
@@ -61,17 +66,20 @@ public:
 
     // The call stays the caller's and must not end before it is done or dropped. May throw std::bad_alloc.
     void start(Call& call, TimePoint now);
-    // Takes what has arrived, sends what can be sent, ends what has run out of time.
-    void step(TimePoint now);
+    // Takes what has arrived, sends what can be sent, ends what has run out of time. `streams`: whether
+    // anything but a datagram may have arrived.
+    void step(TimePoint now, bool streams = true);
     // Ends a call at once, whatever its stage.
     void drop(Call& call, Trouble why, TimePoint now);
 
     // Takes back a call that waits; it may be started again.
     void withdraw(Call& call) noexcept;
     // Whether there is nothing to do but wait before asking again.
-    bool resting() const noexcept { return flying_.empty() && !errand_; }
+    bool resting() const noexcept { return flying_.empty() && !errand_ && !probe_; }
     // As closed, whatever the board thinks.
     void closed(Session& session);
+    // Whether an opening of the session is under way.
+    bool opens(const Session& session) const noexcept;
     // Forgets an opening that is under way; to be called before the session ends.
     void abandon(const Session& session);
 
@@ -80,14 +88,21 @@ public:
     // When step() has something to do though nothing arrives.
     TimePoint wake(TimePoint now) const noexcept;
     // Fills in what to wait for and returns the number of entries.
-    static constexpr std::size_t kMostWatched = 3;
-    std::size_t watch(pollfd* entries) const noexcept;
+    static constexpr std::size_t kMostWatched = 4;
+    std::size_t watch(pollfd* entries) const noexcept; // the first takes datagrams
+    // Changes when a descriptor of watch() is another one, though it may have the number of the former.
+    unsigned socketsMade() const noexcept { return socketsMade_; }
     // A session whose calls wait for its hook, if the next call is one of them.
     Session* awaitingHook() const noexcept;
     // Calls in flight at most, 1 and up.
     void setWindow(unsigned calls) noexcept { window_ = calls; }
 
 private:
+    struct StreamOf {
+        Program program;
+        Stream stream;
+    };
+
     static constexpr std::size_t kWindowBytes = 32768;
     static constexpr unsigned kDoubtAfter = 3; // answers missing in a row
 
@@ -107,6 +122,8 @@ private:
     bool isFrom(const Call& call, const sockaddr_in& sender) const noexcept;
     void answer(Call& call, char* bytes, std::size_t length, TimePoint now);
     void answerErrand(Trouble trouble, TimePoint now);
+    void answerOpening(OpenCall& open, Trouble trouble, TimePoint now);
+    void refused(const ErrorCall& error, TimePoint now);
     void deliver(TimePoint now);
     void postpone(Call& call, Trouble why, TimePoint now);
     void sessionForgotten(Call& call, TimePoint now);
@@ -119,20 +136,27 @@ private:
     void lost(Call& call, TimePoint now);
     bool mayResend(const Call& first) const noexcept;
     void resendFrom(Call& first, TimePoint now);
+    void sendAgainLater(Call& first);
     void loseErrand(TimePoint now);
+    bool opensAgain(TimePoint now);
     bool prepared(Call& call, TimePoint now);
     bool needsPort(Program program) const noexcept;
     void beginErrand(std::unique_ptr<Call> errand, TimePoint now);
     void doubtPorts() noexcept;
-    void moveTo(in_addr_t address, TimePoint now);
+    void moveTo(in_addr_t address);
     void portFound(const LookUpCall& lookUp, TimePoint now);
-    void sessionOpened(Session& session);
+    void sessionOpened(const OpenCall& open);
+    void streamEnded(StreamOf& which, TimePoint now);
     Trouble overdue(const Call& call) const noexcept;
 
-    struct StreamOf {
-        Program program;
-        Stream stream;
-    };
+    // Identity: BoardLinkIdentity.cpp
+    void doubt() noexcept;
+    void trust() noexcept;
+    void beginProbe(TimePoint now);
+    void stepProbe(TimePoint now);
+    void keepForLate(std::unique_ptr<Call> opening);
+    bool answeredLate(std::uint32_t id, char* bytes, std::size_t length, TimePoint now);
+
     StreamOf& streamOf(Program program) noexcept { return program == Program::Adc ? adc_ : setup_; }
 
     const std::string board_;
@@ -154,8 +178,15 @@ private:
     CallList flying_;
     std::size_t inFlight_ = 0;
     std::size_t bytesInFlight_ = 0;
-    std::unique_ptr<Call> errand_; // look-up or opening that the first waiting call needs
-    bool missing_ = false;         // the rack looks for the board
+    std::unique_ptr<Call> errand_;                    // look-up or opening that the first waiting call needs
+    std::vector<std::unique_ptr<Call>> lateOpenings_; // over the setup connection, asked for again since
+    bool missing_ = false;                            // the rack looks for the board
+    bool doubtful_ = false;                           // another board may be at the address
+    unsigned socketsMade_ = 0;
+    bool impostor_ = false; // and has said so
+    std::unique_ptr<Probe> probe_;
+    TimePoint probeEnd_{};
+    TimePoint lastHeard_{};
     TimePoint nextDeadline_ = TimePoint::max();
 };
 

@@ -72,15 +72,26 @@ void BoardLink::stepStreams(TimePoint now) {
             Call* const call = readId(message.data(), message.size(), id) ? awaiting(id) : nullptr;
             if (call != nullptr && call->program == one->program)
                 answer(*call, message.data(), message.size(), now);
+            else if (call == nullptr)
+                answeredLate(id, message.data(), message.size(), now);
         }
-        if (lives)
-            continue;
-        one->stream.close();
-        if (errand_ && errand_->program == one->program)
-            loseErrand(now);
-        else if (Call* const call = flying_.front(); call != nullptr && call->program == one->program)
-            lost(*call, now);
+        if (!lives)
+            streamEnded(*one, now);
     }
+}
+
+void BoardLink::streamEnded(StreamOf& which, TimePoint now) {
+    which.stream.close();
+    doubt();
+    Call* const call = flying_.front();
+    if (errand_ && errand_->program == which.program)
+        return loseErrand(now);
+    if (call == nullptr)
+        return;
+    if (call->program == which.program)
+        lost(*call, now);
+    else if (mayResend(*call))
+        sendAgainLater(*call);
 }
 
 void BoardLink::answer(Call& call, char* bytes, std::size_t length, TimePoint now) {
@@ -91,6 +102,7 @@ void BoardLink::answer(Call& call, char* bytes, std::size_t length, TimePoint no
     if (&call == errand_.get())
         return answerErrand(trouble, now);
     call.losses = 0;
+    lastHeard_ = now;
     if (trouble && trouble.kind() == FailureKind::BoardError) {
         if (trouble.code() == -EBADRQC && call.session != nullptr)
             return sessionForgotten(call, now);
@@ -143,6 +155,7 @@ void BoardLink::sessionForgotten(Call& call, TimePoint now) {
         around_.report(*this, &session, Event::Kind::Lost, Event::Level::Warning,
                        "the board forgot the session");
     }
+    doubt(); // or it is another board
     call.everSent = false;
     if (!call.heals || call.sends >= kMostTries) {
         finish(call, {FailureKind::LostSession, -EBADRQC}, now);
@@ -153,29 +166,48 @@ void BoardLink::sessionForgotten(Call& call, TimePoint now) {
 
 void BoardLink::answerErrand(Trouble trouble, TimePoint now) {
     missing_ = false;
+    lastHeard_ = now;
     const std::unique_ptr<Call> errand = std::move(errand_);
     tally_.ended(*errand, now);
-    if (auto* const lookUp = dynamic_cast<LookUpCall*>(errand.get())) {
-        if (!trouble)
-            return portFound(*lookUp, now);
-    } else if (auto* const open = dynamic_cast<OpenCall*>(errand.get())) {
-        if (!trouble)
-            return sessionOpened(open->target);
-        if (trouble.kind() == FailureKind::BoardError && trouble.code() == -EBUSY)
-            trouble = {FailureKind::Busy, trouble.code()};
-        else if (trouble.kind() == FailureKind::BoardError)
-            trouble = {FailureKind::Refused, trouble.code()};
-        const bool waits = trouble.kind() == FailureKind::Busy ||
-                           (trouble.kind() == FailureKind::Refused && open->target.access.queues);
-        if (Call* const call = waiting_.front(); waits && call != nullptr) {
-            constexpr std::chrono::milliseconds kBetweenOpens{100};
-            call->trouble = trouble;
-            call->notBefore = now + kBetweenOpens;
-            return;
-        }
-    }
+    if (auto* const open = dynamic_cast<OpenCall*>(errand.get()))
+        return answerOpening(*open, trouble, now);
+    if (auto* const error = dynamic_cast<ErrorCall*>(errand.get()))
+        return refused(*error, now);
+    auto* const lookUp = dynamic_cast<LookUpCall*>(errand.get());
+    if (lookUp != nullptr && !trouble)
+        return portFound(*lookUp, now);
     if (Call* const call = waiting_.front())
         finish(*call, trouble, now);
+}
+
+void BoardLink::answerOpening(OpenCall& open, Trouble trouble, TimePoint now) {
+    if (!trouble)
+        return sessionOpened(open);
+    if (trouble.kind() == FailureKind::BoardError)
+        trouble = {trouble.code() == -EBUSY ? FailureKind::Busy : FailureKind::Refused, trouble.code()};
+    Call* const call = waiting_.front();
+    if (call == nullptr || call->session != open.target)
+        return; // who wanted the session has given up
+    const bool refuses = trouble.kind() == FailureKind::Refused;
+    if (trouble.kind() == FailureKind::Busy || (refuses && open.target->access.queues)) {
+        constexpr std::chrono::milliseconds kBetweenOpens{100};
+        call->trouble = trouble;
+        call->notBefore = now + kBetweenOpens;
+    } else if (refuses) {
+        call->trouble = trouble;
+        beginErrand(std::make_unique<ErrorCall>(*call, trouble), now);
+    } else {
+        finish(*call, trouble, now);
+    }
+}
+
+// What the board adds to its refusal is kept for the failure's text.
+void BoardLink::refused(const ErrorCall& error, TimePoint now) {
+    Call* const call = waiting_.front();
+    if (call != &error.refused)
+        return;
+    call->session->refusal.store(error.said(), std::memory_order_relaxed);
+    finish(*call, error.why, now);
 }
 
 } // namespace Orvane::RackLink

@@ -16,12 +16,17 @@ constexpr std::chrono::milliseconds kStreamPatience{1000};
 
 } // namespace
 
+bool BoardLink::opens(const Session& session) const noexcept {
+    auto* const open = dynamic_cast<const OpenCall*>(errand_.get());
+    return open != nullptr && open->target == &session;
+}
+
 void BoardLink::abandon(const Session& session) {
-    auto* const open = dynamic_cast<OpenCall*>(errand_.get());
-    if (open == nullptr || &open->target != &session)
-        return;
-    errand_.reset();
-    setup_.stream.close(); // its answer would be nobody's
+    if (opens(session))
+        keepForLate(std::move(errand_));
+    for (const std::unique_ptr<Call>& late : lateOpenings_)
+        if (auto* const open = dynamic_cast<OpenCall*>(late.get()); open->target == &session)
+            open->target = nullptr;
 }
 
 TimePoint BoardLink::patienceEnd(const Call& call) const noexcept {
@@ -49,23 +54,25 @@ void BoardLink::lost(Call& call, TimePoint now) {
         }
         call.losses = std::max(call.losses, kDoubtAfter);
     }
-    if (call.heals && call.losses >= kDoubtAfter)
-        doubtPorts();
+    if (call.losses >= kDoubtAfter)
+        call.heals ? doubtPorts() : doubt();
     if (!mayResend(call)) {
         call.sentAt = now; // looks again after another while
         return;
     }
     if (call.losses == 1)
         around_.report(*this, call.session, Event::Kind::Retried, Event::Level::Debug, {});
-    if (doubts_ != 0) {
-        for (Call* one = &call; one != nullptr; one = one->next)
-            one->repeatsLeft -= one->repeatsLeft == Repeat::kUpToTheDeadline ? 0U : 1U;
-        const unsigned losses = call.losses;
-        goBack(call); // they fly again when the port is known
-        call.losses = losses;
-    } else {
+    if (doubts_ != 0 || doubtful_)
+        sendAgainLater(call);
+    else
         resendFrom(call, now);
-    }
+}
+
+// They fly again when board and port are certain.
+void BoardLink::sendAgainLater(Call& first) {
+    for (Call* one = &first; one != nullptr; one = one->next)
+        one->repeatsLeft -= one->repeatsLeft == Repeat::kUpToTheDeadline ? 0U : 1U;
+    goBack(first);
 }
 
 // Everything behind a repeated write goes again, answered or not; behind a read only what was not answered.
@@ -103,9 +110,9 @@ void BoardLink::checkDeadlines(TimePoint now) {
 }
 
 Trouble BoardLink::overdue(const Call& call) const noexcept {
-    if (call.trouble)
+    if (call.trouble && (call.trouble.kind() != FailureKind::Unreachable || !call.everSent))
         return call.trouble; // why it was put off
-    const bool silent = missing_ || (errand_ && errand_->losses > 0);
+    const bool silent = missing_ || doubtful_ || (errand_ && errand_->losses > 0);
     return silent && !call.everSent ? FailureKind::Unreachable : FailureKind::TimedOut;
 }
 
@@ -115,13 +122,17 @@ bool BoardLink::needsPort(Program program) const noexcept {
 
 // Whether all is there that the call needs; begins to get it otherwise.
 bool BoardLink::prepared(Call& call, TimePoint now) {
-    if (errand_)
+    if (errand_ || probe_)
         return false;
     Session* const session = call.session;
     if (!datagrams_.open()) {
         finish(call, {FailureKind::Unreachable, -errno}, now);
         return false;
     }
+    if (doubtful_)
+        beginProbe(now);
+    if (doubtful_)
+        return false;
     if (needsPort(call.program)) {
         beginErrand(std::make_unique<LookUpCall>(call.program), now);
         return false;
@@ -152,7 +163,13 @@ void BoardLink::beginErrand(std::unique_ptr<Call> errand, TimePoint now) {
 void BoardLink::loseErrand(TimePoint now) {
     constexpr std::chrono::milliseconds kBetweenConnections{100};
     ++errand_->losses;
+    if (auto* const error = dynamic_cast<ErrorCall*>(errand_.get())) {
+        const std::unique_ptr<Call> unanswered = std::move(errand_);
+        return refused(*error, now);
+    }
     if (overStream(errand_->program)) {
+        if (opensAgain(now))
+            return;
         // A refused or broken connection: perhaps the board is elsewhere by now.
         streamOf(errand_->program).stream.close();
         doubtPorts();
@@ -168,7 +185,20 @@ void BoardLink::loseErrand(TimePoint now) {
     transmit(*errand_, now);
 }
 
+// Over a connection that lives an answer is late, and perhaps forgotten by the board.
+bool BoardLink::opensAgain(TimePoint now) {
+    auto* const open = dynamic_cast<OpenCall*>(errand_.get());
+    if (open == nullptr || !setup_.stream.isConnected() || open->losses >= kDoubtAfter)
+        return false;
+    auto again = std::make_unique<OpenCall>(*open->target);
+    again->losses = open->losses;
+    keepForLate(std::move(errand_));
+    beginErrand(std::move(again), now);
+    return true;
+}
+
 void BoardLink::doubtPorts() noexcept {
+    doubt();
     for (std::size_t i = 0; i < kPrograms; ++i)
         if (ports_[i] != 0 && i != indexOf(Program::PortMapper))
             doubts_ |= 1U << i;
@@ -194,24 +224,21 @@ void BoardLink::portFound(const LookUpCall& lookUp, TimePoint now) {
         call->trouble = {};
 }
 
-void BoardLink::moveTo(in_addr_t address, TimePoint now) {
+// The board itself has answered from there, by its name.
+void BoardLink::moveTo(in_addr_t address) {
+    trust();
     if (address == this->address())
         return;
     address_.store(address, std::memory_order_relaxed);
     tally_.moves.add();
     around_.report(*this, nullptr, Event::Kind::Moved, Event::Level::Warning, dotted(address));
     doubtPorts();
+    doubtful_ = false;
     setup_.stream.close();
     adc_.stream.close();
-    missing_ = false;
     if (!flying_.empty())
         goBack(*flying_.front());
-    if (errand_ && errand_->program == Program::PortMapper) {
-        errand_->losses = 0;
-        transmit(*errand_, now);
-    } else {
-        errand_.reset();
-    }
+    errand_.reset();
 }
 
 void BoardLink::closed(Session& session) {
@@ -222,7 +249,9 @@ void BoardLink::closed(Session& session) {
     session.key = 0;
 }
 
-void BoardLink::sessionOpened(Session& session) {
+void BoardLink::sessionOpened(const OpenCall& open) {
+    Session& session = *open.target;
+    open.grant(session);
     session.open = true;
     ++session.openings;
     if (Call* const call = waiting_.front())

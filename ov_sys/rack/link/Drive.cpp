@@ -107,9 +107,12 @@ private:
 
 } // namespace
 
-void waitFor(const BoardLink& link, const Cancellation* cancellation, TimePoint now, TimePoint end) {
+bool waitFor(const BoardLink& link, const Cancellation* cancellation, TimePoint now, TimePoint end) {
     pollfd entries[BoardLink::kMostWatched + 1];
-    waitFor(entries, link.watch(entries), cancellation, now, std::min(end, link.wake(now)));
+    const std::size_t count = link.watch(entries);
+    waitFor(entries, count, cancellation, now, std::min(end, link.wake(now)));
+    return count > 1 &&
+           std::any_of(entries + 1, entries + count, [](const pollfd& one) { return one.revents != 0; });
 }
 
 void waitFor(pollfd* entries, std::size_t count, const Limits& limits, TimePoint until) {
@@ -172,11 +175,11 @@ void drive(BoardLink& link, Call* const* calls, std::size_t count, Limits& limit
     all.start();
     while (!all.done()) {
         runHooks(link);
-        waitFor(link, limits.within.cancellation, limits.now, limits.end);
+        const bool streams = waitFor(link, limits.within.cancellation, limits.now, limits.end);
         limits.now = Clock::now();
         if (limits.cancelled())
             return all.end(FailureKind::Cancelled);
-        link.step(limits.now);
+        link.step(limits.now, streams);
         if (link.resting() && !all.done() && link.turn.blocks())
             all.giveWay(turn);
     }

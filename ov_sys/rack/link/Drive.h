@@ -19,8 +19,9 @@ Trouble drive(BoardLink& link, Call& call, Limits& limits);
 // The turn for an operation of several calls, or why it is not to be had.
 Trouble takeTurn(BoardLink& link, const Limits& limits);
 
-// Waits for the link, the cancellation (which may be null) or `end`, whichever is first.
-void waitFor(const BoardLink& link, const Cancellation* cancellation, TimePoint now, TimePoint end);
+// Waits for the link, the cancellation (which may be null) or `end`, whichever is first. Whether anything but
+// a datagram has come.
+bool waitFor(const BoardLink& link, const Cancellation* cancellation, TimePoint now, TimePoint end);
 
 // Waits for that time, if neither cancellation nor end of the limits comes before.
 void pause(Limits& limits, Clock::duration time);

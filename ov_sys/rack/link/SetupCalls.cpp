@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdarg>
+#include <random>
 
 namespace Orvane::RackLink {
 namespace {
@@ -16,6 +17,12 @@ bool_t xdrMapping(XDR* stream, ...) {
 
 constexpr std::uint32_t number(Programs::SetupProcedure procedure) noexcept {
     return static_cast<std::uint32_t>(procedure);
+}
+
+// Any but 0, which would be none.
+std::uint16_t makeKey() {
+    std::random_device source;
+    return static_cast<std::uint16_t>(1 + source() % 0xFFFF);
 }
 
 } // namespace
@@ -49,22 +56,36 @@ Trouble LookUpCall::decode(char* reply, std::size_t length) {
 
 OpenCall::OpenCall(Session& which) noexcept
     : TypedCall(Program::Setup, number(Programs::SetupProcedure::OpenConnection), Effect::Reads),
-      target(which) {
-    const Access::Mode mode = target.access.mode;
-    argument.sessionId = target.key != 0 ? target.key : target.access.key;
+      target(&which) {
+    const Access::Mode mode = which.access.mode;
+    if (which.chosenKey == 0 && mode != Access::Mode::Simple)
+        which.chosenKey = makeKey();
+    argument.sessionId = which.key != 0          ? which.key
+                         : which.access.key != 0 ? which.access.key
+                                                 : which.chosenKey;
     argument.byte1 = mode == Access::Mode::Exclusive ? 1 : 0;
     argument.byte2 = mode == Access::Mode::Simple ? 1 : 0;
     argument.byte3 = mode == Access::Mode::Exclusive ? 1 : 0; // not shared
-    argument.int1 = static_cast<int>(target.port);
-    argument.int2 = static_cast<int>(target.phy);
+    argument.int1 = static_cast<int>(which.port);
+    argument.int2 = static_cast<int>(which.phy);
 }
 
-Trouble OpenCall::check() {
-    target.id = result.word1 & 0xFFU;
-    target.key = static_cast<std::uint16_t>(result.sessionId);
-    target.sequence = static_cast<std::uint16_t>(result.word3 + 1); // opening counts as a call
-    target.pings = 0;
-    return {};
+void OpenCall::grant(Session& receiver) const noexcept {
+    receiver.id = result.word1 & 0xFFU;
+    receiver.key = static_cast<std::uint16_t>(result.sessionId);
+    receiver.sequence = static_cast<std::uint16_t>(result.word3 + 1); // opening counts as a call
+    receiver.pings = 0;
+}
+
+ErrorCall::ErrorCall(Call& call, Trouble reason) noexcept
+    : TypedCall(Program::Setup, number(Programs::SetupProcedure::GetErrorMessage), Effect::Reads),
+      refused(call),
+      why(reason) {
+    argument.value = static_cast<u_int>(reason.code());
+}
+
+std::uint64_t ErrorCall::said() const noexcept {
+    return std::uint64_t{result.byte1} << 32U | static_cast<std::uint32_t>(result.int1);
 }
 
 CloseCall::CloseCall(Session& which) noexcept

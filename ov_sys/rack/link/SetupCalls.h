@@ -27,15 +27,28 @@ private:
     u_int port_ = 0;
 };
 
-// Opens `target` and stores what the board gave it.
+// Opens a session, with a key in any case unless it is a simple one.
 class OpenCall : public TypedCall<Open_Param, Open_Result> {
 public:
     explicit OpenCall(Session& which) noexcept;
 
-    Session& target;
+    // Stores what the board gave.
+    void grant(Session& receiver) const noexcept;
 
-protected:
-    Trouble check() override;
+    Session* target; // null: it has ended meanwhile
+};
+
+// Asks the board what it has to add to the refusal of a session.
+class ErrorCall : public TypedCall<Simple_Param, Get_Error_Result> {
+public:
+    // `call` waits for the session that was refused, for that reason.
+    ErrorCall(Call& call, Trouble reason) noexcept;
+
+    // The answer's byte, in the upper half, and word; 0 when the board says nothing.
+    std::uint64_t said() const noexcept;
+
+    Call& refused;
+    const Trouble why;
 };
 
 // Closes a session on the board. The session word is that of the call.

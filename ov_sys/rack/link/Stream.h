@@ -20,6 +20,8 @@ public:
     bool open(const sockaddr_in& to);
     void close();
     bool isOpen() const noexcept { return static_cast<bool>(socket_); }
+    // Open, and the other side has taken the connection.
+    bool isConnected() const noexcept { return isOpen() && !connecting_; }
     int descriptor() const noexcept { return socket_.get(); }
     // What poll() should wait for.
     short events() const noexcept;

@@ -1,0 +1,157 @@
+// That no board answers for another, and that no session is left on one.
+#include "tests/support/rack/RackOnBoard.h"
+
+namespace OrvaneTest {
+namespace {
+
+using namespace Orvane;
+using Json = nlohmann::ordered_json;
+
+constexpr const char* kElsewhere = "10.83.9.9";
+
+class TwoBoards : public testing::Test {
+protected:
+    OrvaneSim::Lab lab;
+    OrvaneSim::Board& one = add("one", 0x1111);
+    OrvaneSim::Board& two = add("two", 0x2222);
+    Rack rack;
+    Phy first = open(one);
+    Phy second = open(two);
+
+    OrvaneSim::Board& add(const std::string& serial, std::uint32_t value) {
+        OrvaneSim::BoardOptions options;
+        options.serial = serial;
+        OrvaneSim::Board& board = lab.add(options);
+        board.setRegister(Space::C45, 0, 1, 0x10002, value);
+        return board;
+    }
+    // The first session of its board, so that both have one number.
+    Phy open(OrvaneSim::Board& board) {
+        rack.know(board.serial(), board.address());
+        const Phy phy = rack.open(board.serial() + ":0", Access::exclusive(7)).phy(1);
+        phy.open();
+        return phy;
+    }
+    void swap() {
+        const std::string here = one.address();
+        const std::string there = two.address();
+        one.moveTo(kElsewhere);
+        two.moveTo(here);
+        one.moveTo(there);
+    }
+};
+
+TEST_F(TwoBoards, ThatSwapTheirAddressesAnswerForThemselves) {
+    for (int times = 0; times < 3; ++times) {
+        swap();
+        ASSERT_EQ(first.read({1, 2}, within(20s)), 0x1111U);
+        ASSERT_EQ(second.read({1, 2}, within(20s)), 0x2222U);
+    }
+}
+
+TEST_F(TwoBoards, ThatSwapTheirAddressesAndForgetTheirSessionsAnswerForThemselves) {
+    swap();
+    one.forgetSessions();
+    two.forgetSessions();
+    EXPECT_EQ(second.read({1, 2}, within(20s)), 0x2222U);
+    EXPECT_EQ(first.read({1, 2}, within(20s)), 0x1111U);
+}
+
+TEST_F(TwoBoards, BoardAtTheAddressOfOneThatIsOffIsAskedForNothing) {
+    const std::string here = one.address();
+    one.moveTo(kElsewhere);
+    one.stop();
+    two.moveTo(here);
+    two.forgetRequests();
+    Events events(rack);
+    const Failure failure = RackOnBoard::failureOf([&] { first.read({1, 2}, within(1s)); });
+    EXPECT_EQ(failure.board(), "ONE");
+    EXPECT_TRUE(two.requests().empty());
+    EXPECT_TRUE(events.waitFor(Event::Kind::Lost));
+}
+
+class IdentityTest : public testing::Test, protected RackOnBoard {};
+
+TEST_F(IdentityTest, BoardThatForgotItsSessionsSaysItsNameBeforeTheyAreOpenedAgain) {
+    phy.open();
+    board.forgetSessions();
+    phy.read({1, 2});
+    EXPECT_EQ(board.probeRequests().size(), 1U);
+}
+
+TEST_F(IdentityTest, BoardThatSaysNothingOverTcpIsKnownByItsAnswerToASearch) {
+    phy.open();
+    board.inject({"probe", "", Fault::Kind::Silent, -1});
+    board.forgetSessions();
+    phy.read({1, 2}, within(20s));
+    EXPECT_EQ(board.sessionCount(), 1U);
+}
+
+TEST_F(IdentityTest, BoardWithoutANameIsGivenNoSession) {
+    phy.open();
+    board.setDiscoveryReplies(std::vector<std::string>{"|host OTHER:0"});
+    board.forgetSessions();
+    EXPECT_EQ(failureOf([&] { phy.read({1, 2}, within(700ms)); }).kind(), FailureKind::Unreachable);
+    EXPECT_EQ(count("open_connection"), 1U);
+}
+
+TEST_F(IdentityTest, ConnectionThatTheBoardEndedWhileNobodyAskedCostsNoValue) {
+    phy.open();
+    board.setRegister(Space::C45, 1, 3, 0x10002, 0x42);
+    inject(Fault::Kind::CloseConnection, "setup", "execute_command");
+    failureOf([&] { phy.shell().run("x", 1s); });
+    EXPECT_EQ(phy.read({1, 2}, Within{}.once()), 0x42U);
+}
+
+TEST_F(IdentityTest, LateAnswerOfAnOpeningLeavesOneSession) {
+    inject(Fault::Kind::DelayReply, "setup", "open_connection", 1, 1300);
+    phy.open();
+    board.waitFor([this](const Request&) {
+        phy.read({1, 2});
+        return count("close_connection") == 1;
+    });
+    EXPECT_EQ(board.sessionCount(), 1U);
+    EXPECT_EQ(count("open_connection"), 2U);
+}
+
+TEST_F(IdentityTest, SessionWhoseOpeningNobodyWaitedForIsClosed) {
+    inject(Fault::Kind::DelayReply, "setup", "open_connection", 1, 300);
+    {
+        const Phy brief = rack.open("BOARD7:2", Access::exclusive(5)).phy(1);
+        failureOf([&] { brief.open(within(50ms)); });
+    }
+    EXPECT_EQ(count("close_connection"), 1U);
+    EXPECT_EQ(board.sessionCount(), 0U);
+}
+
+TEST_F(IdentityTest, OpeningWhoseAnswerIsLostIsAskedForAgainWithItsOwnKey) {
+    inject(Fault::Kind::CloseMidReply, "setup", "open_connection");
+    const Phy alone = rack.open("BOARD7:2", Access::exclusive()).phy(1);
+    alone.open();
+    const std::vector<Request> opens = board.requestsOf("open_connection");
+    ASSERT_EQ(opens.size(), 2U);
+    EXPECT_NE(argumentsOf(opens[0]).front(), Json(0));
+    EXPECT_EQ(opens[0].arguments(), opens[1].arguments());
+    EXPECT_EQ(alone.key(), argumentsOf(opens[0]).front().get<unsigned>());
+}
+
+TEST_F(IdentityTest, RefusalSaysWhatTheBoardAddsToIt) {
+    phy.open();
+    Fault words{"setup", "get_error_msg", Fault::Kind::ReplyBody};
+    words.bytes = std::string("\0\0\0\0\0\0\0\3\0\0\0\x11", 12);
+    board.inject(words);
+    const Failure failure = failureOf([&] { rack.open("BOARD7:1", Access::exclusive(1)).phy(3).open(); });
+    EXPECT_EQ(failure.kind(), FailureKind::Refused);
+    EXPECT_NE(failure.advice().find("The board adds 3, 17."), std::string::npos) << failure.advice();
+    EXPECT_EQ(argumentsOf(board.requestsOf("get_error_msg").at(0)).front().get<std::int64_t>(), 0xFFFFFFF3);
+}
+
+TEST_F(IdentityTest, RefusalStandsWhenTheBoardHasNothingToAdd) {
+    phy.open();
+    inject(Fault::Kind::CloseConnection, "setup", "get_error_msg");
+    EXPECT_EQ(failureOf([&] { rack.open("BOARD7:1", Access::exclusive(1)).phy(3).open(); }).kind(),
+              FailureKind::Refused);
+}
+
+} // namespace
+} // namespace OrvaneTest

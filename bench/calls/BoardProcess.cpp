@@ -17,7 +17,8 @@ namespace OrvaneBench {
 namespace {
 
 std::string addressOf(unsigned board) {
-    return "10.83.0." + std::to_string(board + 1);
+    const unsigned host = board + 1;
+    return "10.83." + std::to_string(host / 256) + "." + std::to_string(host % 256);
 }
 
 [[noreturn]] void serve(unsigned boards, int ready) {

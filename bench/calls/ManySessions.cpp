@@ -5,9 +5,7 @@
 
 #include "simulator/engine/Sockets.h"
 
-#include <fstream>
 #include <orvane/orvane.h>
-#include <sys/resource.h>
 #include <thread>
 #include <unistd.h>
 
@@ -16,23 +14,6 @@ namespace {
 
 constexpr std::size_t kSessions = 1000;
 constexpr unsigned kSeconds = 10;
-
-double processorSeconds() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
-double residentKilobytes() {
-    std::ifstream file("/proc/self/statm");
-    double total = 0;
-    double resident = 0;
-    file >> total >> resident;
-    return resident * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1024;
-}
 
 // The handles of a session and a thread that pings as the library does.
 class BareIdle {

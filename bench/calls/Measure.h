@@ -16,7 +16,12 @@ struct Arrangement {
     int rounds = 0;
 };
 
-// The same work done by the library and by bare libtirpc calls. Each function does `operations` operations.
+// What this process has used and holds so far.
+double processorSeconds();
+double residentKilobytes();
+
+// The same work done by the library and by bare libtirpc calls, or in another way that the name says. Each
+// function does `operations` operations.
 struct Pair {
     std::string name;
     std::size_t operations;
@@ -55,5 +60,10 @@ void compareThreadsOnBoards(const Arrangement& arrangement);
 void compareThreadsOnOneBoard(const Arrangement& arrangement);
 void measureIdleSessions(const Arrangement& arrangement);
 void measureListener(const Arrangement& arrangement);
+void compareRackReads(const Arrangement& arrangement);
+void compareRackBlocks(const Arrangement& arrangement);
+void compareFlightsOverBoards(const Arrangement& arrangement);
+void compareBlocksInFlight(const Arrangement& arrangement);
+void measureRackOfBoards(const Arrangement& arrangement);
 
 } // namespace OrvaneBench

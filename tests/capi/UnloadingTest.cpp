@@ -16,8 +16,8 @@ TEST_F(Unloading, ClosesTheSessionsAndLeavesNothingOfTheLibrary) {
     EXPECT_EQ(outcome.output, "opened 1\n"
                               "read CAFE\n"
                               "error Invalid adapter index\n"
-                              "threads 2\n"
-                              "then: threads 1, mapped 0\n");
+                              "more threads 1\n"
+                              "then: more threads 0, mapped 0\n");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(board.sessionCount(), 0U);
 }

@@ -8,8 +8,9 @@ extern "C" int __cxa_atexit(void (*function)(void*), void* argument, void* libra
 namespace Orvane {
 namespace {
 
-// What is registered for no library is called at the exit alone. Function and argument must still be there
-// when the library is not; so the argument has a page of its own, which is never given back.
+// What is registered for a library that is never unloaded, for there is none, is called at the exit alone.
+// (For null, the thread sanitizer forgets the argument.) Function and argument must still be there when this
+// library is not; so the argument has a page of its own, which is never given back.
 sem_t* noticeOfExit() noexcept {
     void* const page =
         mmap(nullptr, sizeof(sem_t), PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -17,7 +18,7 @@ sem_t* noticeOfExit() noexcept {
     if (page == MAP_FAILED || sem_init(notice, 0, 0) != 0)
         return nullptr;
     const auto post = reinterpret_cast<void (*)()>(sem_post);
-    __cxa_atexit(reinterpret_cast<void (*)(void*)>(post), notice, nullptr);
+    __cxa_atexit(reinterpret_cast<void (*)(void*)>(post), notice, notice);
     return notice;
 }
 

@@ -68,15 +68,18 @@ ORVANE_C_API orvane_limits orvane_within(double seconds);
 /* The same limits without a repeat: for registers whose access has side effects. */
 ORVANE_C_API orvane_limits orvane_once(orvane_limits limits);
 
+/* Must outlive the calls that have it. */
 ORVANE_C_API int orvane_cancellation_new(orvane_cancellation **cancellation, orvane_failure *failure);
 /* Ends calls that have it in their limits within 50 ms, and later ones at once. Also from signal handlers. */
 ORVANE_C_API void orvane_cancellation_cancel(orvane_cancellation *cancellation);
+/* From now on calls are not cancelled. */
 ORVANE_C_API void orvane_cancellation_reset(orvane_cancellation *cancellation);
 /* No call may have it. */
 ORVANE_C_API void orvane_cancellation_free(orvane_cancellation *cancellation);
 
 /* ---- Racks ---- */
 
+/* Any number of boards. */
 typedef struct orvane_rack orvane_rack;
 
 /* A board that was found. The strings stay good as long as the list. */
@@ -87,28 +90,34 @@ typedef struct orvane_board {
     size_t port_count;
 } orvane_board;
 
+/* What a search found. */
 typedef struct orvane_board_list orvane_board_list;
 
+/* A rack that knows no board yet. */
 ORVANE_C_API int orvane_rack_new(orvane_rack **rack, orvane_failure *failure);
 /* Its PHYs may outlive it. Waits for the event callback's end, and so must not be called from it. */
 ORVANE_C_API void orvane_rack_free(orvane_rack *rack);
 /* Makes a board known without a search. */
 ORVANE_C_API int orvane_rack_know(orvane_rack *rack, const char *board, const char *address,
                                   orvane_failure *failure);
-/* Every board that answers within the limits (null: 1 s). */
+/* Every board that answers within the limits (null: 1 s); they are known then. */
 ORVANE_C_API int orvane_rack_discover(orvane_rack *rack, const orvane_limits *limits,
                                       orvane_board_list **boards, orvane_failure *failure);
+/* How many were found; 0 for null. */
 ORVANE_C_API size_t orvane_board_list_size(const orvane_board_list *boards);
-/* Answers that were malformed. */
+/* Different answers that name no port as they should. */
 ORVANE_C_API size_t orvane_board_list_malformed(const orvane_board_list *boards);
 /* Null beyond the last. */
 ORVANE_C_API const orvane_board *orvane_board_list_at(const orvane_board_list *boards, size_t index);
+/* Frees what a search found. */
 ORVANE_C_API void orvane_board_list_free(orvane_board_list *boards);
 
 /* ---- PHYs and their sessions ---- */
 
+/* One PHY of a port, and its session. */
 typedef struct orvane_phy orvane_phy;
 
+/* Kinds of session. */
 enum orvane_mode { ORVANE_EXCLUSIVE = 0, ORVANE_SHARED = 1, ORVANE_SIMPLE = 2 };
 
 /* How a port is shared. */
@@ -143,6 +152,7 @@ typedef int (*orvane_reopen_hook)(void *context, orvane_failure *failure);
 ORVANE_C_API int orvane_phy_on_reopen(orvane_phy *phy, orvane_reopen_hook hook, void *context,
                                       orvane_failure *failure);
 
+/* Ways to 32-bit registers over SMBus. */
 enum orvane_smbus_protocol { ORVANE_SMBUS_PAGED16 = 0, ORVANE_SMBUS_DIRECT32 = 1 };
 
 /* How 32-bit registers are reached on SMBus ports, an orvane_smbus_protocol; the first at first. */
@@ -150,6 +160,7 @@ ORVANE_C_API int orvane_phy_set_smbus_protocol(orvane_phy *phy, int protocol, or
 
 /* ---- Registers ---- */
 
+/* Register spaces. */
 enum orvane_space { ORVANE_CLAUSE45 = 0, ORVANE_CLAUSE22 = 1, ORVANE_EXT32 = 2 };
 
 /* A register: `mmd` for Clause 45 only. */
@@ -159,8 +170,10 @@ typedef struct orvane_register {
     uint32_t number;
 } orvane_register;
 
+/* The value of a register: 16 bits, of the 32-bit extension 32. */
 ORVANE_C_API int orvane_phy_read(orvane_phy *phy, orvane_register address, const orvane_limits *limits,
                                  uint32_t *value, orvane_failure *failure);
+/* Writes a register. */
 ORVANE_C_API int orvane_phy_write(orvane_phy *phy, orvane_register address, uint32_t value,
                                   const orvane_limits *limits, orvane_failure *failure);
 /* Replaces the bits of `mask`; `written`, which may be null, becomes the whole value. */
@@ -179,6 +192,7 @@ typedef struct orvane_operation {
     int code;       /* the board's, when it refused */
 } orvane_operation;
 
+/* What became of an operation. */
 enum orvane_operation_state {
     ORVANE_OPERATION_NOT_SENT = 0,
     ORVANE_OPERATION_DONE = 1,

@@ -17,9 +17,10 @@ ORVANE_C_API const char *orvane_bytes_data(const orvane_bytes *bytes);
 ORVANE_C_API size_t orvane_bytes_size(const orvane_bytes *bytes);
 ORVANE_C_API void orvane_bytes_free(orvane_bytes *bytes);
 
-/* ---- I2C: buses 0 to 9, device addresses of 7 bits. Sent once. ---- */
+/* ---- I2C ----
+ * Buses 0 to 9, device addresses of 7 bits. Sent once. */
 
-/* One transfer of a block. */
+/* One transfer of a block: what is written, or where what is read goes. */
 typedef struct orvane_i2c_transfer {
     uint8_t bus;
     uint32_t device;
@@ -29,6 +30,7 @@ typedef struct orvane_i2c_transfer {
     uint8_t *bytes;  /* to write, or where what is read goes */
 } orvane_i2c_transfer;
 
+/* Writes bytes to a device. */
 ORVANE_C_API int orvane_i2c_write(orvane_phy *phy, uint8_t bus, uint32_t device, const uint8_t *bytes,
                                   size_t count, const orvane_limits *limits, orvane_failure *failure);
 /* Writes the byte `command`, then reads `length` bytes, 1 to 255. */
@@ -49,7 +51,8 @@ ORVANE_C_API int orvane_i2c_write_block_masked(orvane_phy *phy, const orvane_i2c
                                                size_t count, uint8_t mask, const orvane_limits *limits,
                                                orvane_failure *failure);
 
-/* ---- GPIO: lines by their indexes, states 0 or 1, a byte each ---- */
+/* ---- GPIO ----
+ * Lines by their indexes, `count` of them, and as many states, 0 or 1, a byte each. */
 
 ORVANE_C_API int orvane_gpio_read(orvane_phy *phy, const uint8_t *lines, size_t count,
                                   const orvane_limits *limits, uint8_t *states, orvane_failure *failure);
@@ -63,6 +66,7 @@ ORVANE_C_API int orvane_gpio_output_enables(orvane_phy *phy, const uint8_t *line
                                             orvane_failure *failure);
 ORVANE_C_API int orvane_gpio_set_default(orvane_phy *phy, const uint8_t *lines, size_t count,
                                          const orvane_limits *limits, orvane_failure *failure);
+/* Every line as after power-on. */
 ORVANE_C_API int orvane_gpio_reset(orvane_phy *phy, const orvane_limits *limits, orvane_failure *failure);
 /* Three lists of `count`, as the board's service defines them; as many states back. Sent once. */
 ORVANE_C_API int orvane_gpio_bit_bang(orvane_phy *phy, const uint8_t *first, const uint8_t *second,
@@ -86,7 +90,8 @@ ORVANE_C_API int orvane_jtag_max_bytes(orvane_phy *phy, const orvane_limits *lim
 ORVANE_C_API int orvane_jtag_shift(orvane_phy *phy, const orvane_jtag_shift_entry *shifts, size_t count,
                                    const orvane_limits *limits, orvane_failure *failure);
 
-/* ---- ADC: the capture of analogue inputs. Sent once. ---- */
+/* ---- ADC ----
+ * The board's capture of analogue inputs, over TCP. Sent once. */
 
 ORVANE_C_API int orvane_adc_initialize(orvane_phy *phy, const orvane_limits *limits, orvane_failure *failure);
 ORVANE_C_API int orvane_adc_start(orvane_phy *phy, const orvane_limits *limits, orvane_failure *failure);
@@ -101,12 +106,15 @@ ORVANE_C_API int orvane_adc_set_event_name(orvane_phy *phy, const char *name, co
 /* Up to `count` bytes; what was read is gone from the board. */
 ORVANE_C_API int orvane_adc_data(orvane_phy *phy, uint32_t count, const orvane_limits *limits,
                                  orvane_bytes **bytes, orvane_failure *failure);
+/* The largest sample of each channel. */
 ORVANE_C_API int orvane_adc_max_adc(orvane_phy *phy, const orvane_limits *limits, orvane_bytes **bytes,
                                     orvane_failure *failure);
+/* The events as text, a line each. */
 ORVANE_C_API int orvane_adc_events(orvane_phy *phy, const orvane_limits *limits, orvane_bytes **bytes,
                                    orvane_failure *failure);
 
-/* ---- Thermal control, in degrees Celsius ---- */
+/* ---- Thermal control ----
+ * In degrees Celsius. */
 
 ORVANE_C_API int orvane_thermal_connect(orvane_phy *phy, const orvane_limits *limits,
                                         orvane_failure *failure);
@@ -144,7 +152,8 @@ ORVANE_C_API int orvane_shell_run(orvane_phy *phy, const char *command, unsigned
 ORVANE_C_API int orvane_shell_ping(orvane_phy *phy, const orvane_limits *limits, double *seconds,
                                    orvane_failure *failure);
 
-/* ---- The MDIO bus, for MDIO ports ---- */
+/* ---- The MDIO bus ----
+ * What of it is no plain register access. For MDIO ports. */
 
 ORVANE_C_API int orvane_mdio_flush(orvane_phy *phy, const orvane_limits *limits, orvane_failure *failure);
 /* `on`: 0 or not. */

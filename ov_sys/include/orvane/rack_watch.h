@@ -10,6 +10,7 @@ extern "C" {
 
 /* ---- Events ---- */
 
+/* What happened. */
 enum orvane_event_kind {
     ORVANE_EVENT_OPENED = 0,
     ORVANE_EVENT_LOST = 1,
@@ -20,6 +21,7 @@ enum orvane_event_kind {
     ORVANE_EVENT_CLOSED = 6
 };
 
+/* How much it matters. */
 enum orvane_event_level { ORVANE_LEVEL_DEBUG = 0, ORVANE_LEVEL_INFO = 1, ORVANE_LEVEL_WARNING = 2 };
 
 /* Something that happened. The strings are good during the callback only. */

@@ -1,4 +1,5 @@
 // Files that others wrote, read whole.
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "ov_sys/maps/Loader.h"
 
 #include <cerrno>
@@ -11,21 +12,6 @@ namespace Orvane::Maps {
 
 namespace {
 
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number_(number) {}
-    ~Descriptor() {
-        if (number_ >= 0)
-            ::close(number_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    operator int() const { return number_; } // NOLINT(google-explicit-constructor): it is one
-
-private:
-    int number_;
-};
-
 std::string errorText() {
     char buffer[128];
     return ::strerror_r(errno, buffer, sizeof buffer);
@@ -36,9 +22,9 @@ std::string errorText() {
 std::optional<std::string> readFile(const std::string& path, std::size_t most, Problems& problems) {
     const Position place{path, 0, {}};
     // A pipe without a writer must not hold the load up: only regular files count.
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat status {};
-    if (file < 0 || ::fstat(file, &status) != 0) {
+    if (!file || ::fstat(file.get(), &status) != 0) {
         problems.add(place, "cannot be read: " + errorText());
         return std::nullopt;
     }
@@ -53,7 +39,7 @@ std::optional<std::string> readFile(const std::string& path, std::size_t most, P
     std::string text(static_cast<std::size_t>(status.st_size), '\0');
     std::size_t filled = 0;
     while (filled < text.size()) {
-        const ssize_t count = ::read(file, text.data() + filled, text.size() - filled);
+        const ssize_t count = ::read(file.get(), text.data() + filled, text.size() - filled);
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0) {

@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace OrvaneFaults {
 namespace {
@@ -17,15 +18,15 @@ namespace {
 constexpr unsigned kBoardsPerProcess = 250; // some twenty descriptors each
 
 struct Pipe {
-    int read = -1;
-    int write = -1;
+    Orvane::FileDescriptor read;
+    Orvane::FileDescriptor write;
 
     Pipe() {
         int ends[2];
         if (pipe(ends) != 0)
             throw std::runtime_error("no pipe");
-        read = ends[0];
-        write = ends[1];
+        read.reset(ends[0]);
+        write.reset(ends[1]);
     }
 };
 
@@ -72,64 +73,59 @@ BoardProcesses::BoardProcesses(unsigned count) {
 }
 
 void BoardProcesses::startSome(unsigned first, unsigned count) {
-    const Pipe ready;
-    const Pipe stop;
+    Pipe ready;
+    Pipe stop;
     const pid_t pid = forked();
     if (pid == 0) {
-        close(stop.write);
-        for (const Child& other : children_)
-            close(other.stop);
-        serve(first, count, ready.write, stop.read);
+        stop.write.reset();
+        children_.clear();
+        serve(first, count, ready.write.get(), stop.read.get());
     }
-    close(ready.write);
-    close(stop.read);
-    children_.push_back({pid, stop.write});
+    ready.write.reset();
+    children_.push_back({pid, std::move(stop.write)});
     char byte = 0;
-    const bool up = read(ready.read, &byte, 1) == 1;
-    close(ready.read);
-    if (!up)
+    if (read(ready.read.get(), &byte, 1) != 1)
         throw std::runtime_error("the boards from number " + std::to_string(first) + " on did not start");
 }
 
 BoardProcesses::~BoardProcesses() {
-    for (const Child& child : children_)
-        close(child.stop);
+    for (Child& child : children_)
+        child.stop.reset();
     for (const Child& child : children_)
         waitpid(child.pid, nullptr, 0);
 }
 
 ChildEnd inChild(const std::function<int(int words)>& work, std::chrono::seconds limit) {
-    const Pipe words;
+    Pipe words;
     const pid_t pid = forked();
     if (pid == 0) {
-        close(words.read);
+        words.read.reset();
         int status = 99;
         try {
-            status = work(words.write);
+            status = work(words.write.get());
         } catch (...) {
         }
         _exit(status);
     }
-    close(words.write);
+    words.write.reset();
     ChildEnd end{ChildEnd::How::Exited, 0, {}};
     // The pipe's end is the child's.
     const auto deadline = std::chrono::steady_clock::now() + limit;
     for (;;) {
         const auto left =
             std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-        pollfd entry{words.read, POLLIN, 0};
+        pollfd entry{words.read.get(), POLLIN, 0};
         if (left.count() <= 0 || poll(&entry, 1, static_cast<int>(left.count())) == 0) {
             kill(pid, SIGKILL);
             end.how = ChildEnd::How::Hung;
             break;
         }
         char text[512];
-        const ssize_t length = read(words.read, text, sizeof text);
+        const ssize_t length = read(words.read.get(), text, sizeof text);
         if (length <= 0)
             break;
         end.words.append(text, static_cast<std::size_t>(length));
     }
-    close(words.read);
     int status = 0;
     waitpid(pid, &status, 0);
     if (end.how != ChildEnd::How::Hung && WIFSIGNALED(status))

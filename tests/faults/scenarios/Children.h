@@ -2,6 +2,8 @@
 // things.
 #pragma once
 
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
+
 #include <chrono>
 #include <functional>
 #include <string>
@@ -30,7 +32,7 @@ public:
 private:
     struct Child {
         pid_t pid;
-        int stop; ///< the child ends when this end of the pipe is closed
+        Orvane::FileDescriptor stop; ///< the child ends when this end of the pipe is closed
     };
     void startSome(unsigned first, unsigned count);
 

@@ -26,6 +26,8 @@ using testing::FloatNear;
 
 class EepromOnBus : public testing::Test, protected SessionOnBoard {
 protected:
+    EepromOnBus() : SessionOnBoard(simpleMode(), "01A2") {}
+
     static constexpr unsigned kEeprom = 0x50;
 };
 
@@ -216,7 +218,10 @@ TEST(RemoteShell, RunsACommandThatTheBoardDoesNotKnow) {
     EXPECT_EQ(result.errorOutput, "c");
 }
 
-class BoardServices : public testing::Test, protected SessionOnBoard {};
+class BoardServices : public testing::Test, protected SessionOnBoard {
+protected:
+    BoardServices() : SessionOnBoard(simpleMode(), "01A2") {}
+};
 
 TEST_F(BoardServices, AnswerSeveralThreadsThroughOneSession) {
     constexpr int kCalls = 20;

@@ -2,6 +2,7 @@
 #include "ov_sys/Interface/buses/GPIO.h"
 
 #include "ov_sys/Interface/foundation/Exceptions.h"
+#include "tests/support/buses/ListLengths.h"
 #include "tests/support/NamedParam.h"
 #include "tests/support/ServiceOperations.h"
 #include "tests/support/SessionOnBoard.h"
@@ -141,24 +142,17 @@ TEST_F(GpioLists, OfStatesAndIndexesAreSentEachWithItsLength) {
     EXPECT_THAT(wireCalls(board), ElementsAre(statesCall(2, {1, 2, 3}, {1})));
 }
 
-struct Lengths {
-    std::string name;
-    std::size_t first;
-    std::size_t second;
-    std::size_t third;
-};
-
-class GpioBitBang : public testing::TestWithParam<Lengths>, protected GpioOnBoard {};
+class GpioBitBang : public testing::TestWithParam<ListLengths>, protected GpioOnBoard {};
 
 INSTANTIATE_TEST_SUITE_P(With, GpioBitBang,
-                         testing::Values(Lengths{"AShorterThirdList", 3, 3, 2},
-                                         Lengths{"AShorterSecondList", 3, 2, 3},
-                                         Lengths{"AShorterFirstList", 2, 3, 3},
-                                         Lengths{"AnEmptyThirdList", 1, 1, 0}),
+                         testing::Values(ListLengths{"AShorterThirdList", 3, 3, 2},
+                                         ListLengths{"AShorterSecondList", 3, 2, 3},
+                                         ListLengths{"AShorterFirstList", 2, 3, 3},
+                                         ListLengths{"AnEmptyThirdList", 1, 1, 0}),
                          NamedParam{});
 
 TEST_P(GpioBitBang, IsRefusedWithoutACall) {
-    const Lengths& lengths = GetParam();
+    const ListLengths& lengths = GetParam();
     EXPECT_EQ(thrownText<Standard>([&] {
                   gpio.bitBang(&session, Bytes(lengths.first), Bytes(lengths.second), Bytes(lengths.third));
               }),

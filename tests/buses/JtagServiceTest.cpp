@@ -3,6 +3,7 @@
 
 #include "ov_sys/Interface/connection/BoardConnection.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
+#include "tests/support/buses/ListLengths.h"
 #include "tests/support/CannedReplies.h"
 #include "tests/support/NamedParam.h"
 #include "tests/support/ServiceOperations.h"
@@ -21,7 +22,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Texts = std::vector<std::string>;
 
-constexpr unsigned kBusy = 0xFFFFFFF0; // -16
+constexpr unsigned kBusyCode = 0xFFFFFFF0; // -16
 
 // The result record as a board sends it.
 WireBytes reply(const Texts& texts, unsigned error = 0) {
@@ -109,7 +110,7 @@ TEST_F(JtagReply, CutsEachTextToItsOwnEntry) {
 }
 
 TEST_F(JtagReply, OfABusyBoardLeavesNothingBehind) {
-    EXPECT_THAT(shiftAnswered({4, 4}, {reply({"1111", "1111"}, kBusy), reply({"00"})}),
+    EXPECT_THAT(shiftAnswered({4, 4}, {reply({"1111", "1111"}, kBusyCode), reply({"00"})}),
                 ElementsAre(std::string("00\0X", 4), "XXXX"));
 }
 
@@ -162,24 +163,17 @@ TEST_F(JtagLists, WithANulInATextSendTheTextBeforeItAndTheFullLength) {
                                       Json::array({entry("", 0)}))));
 }
 
-struct Lengths {
-    std::string name;
-    std::size_t first;
-    std::size_t second;
-    std::size_t third;
-};
-
-class JtagUnequalLists : public testing::TestWithParam<Lengths>, protected JtagOnBoard {};
+class JtagUnequalLists : public testing::TestWithParam<ListLengths>, protected JtagOnBoard {};
 
 INSTANTIATE_TEST_SUITE_P(With, JtagUnequalLists,
-                         testing::Values(Lengths{"ALongerThirdList", 2, 2, 3},
-                                         Lengths{"ALongerSecondList", 2, 3, 2},
-                                         Lengths{"ALongerFirstList", 3, 2, 2},
-                                         Lengths{"AnEmptyThirdList", 1, 1, 0}),
+                         testing::Values(ListLengths{"ALongerThirdList", 2, 2, 3},
+                                         ListLengths{"ALongerSecondList", 2, 3, 2},
+                                         ListLengths{"ALongerFirstList", 3, 2, 2},
+                                         ListLengths{"AnEmptyThirdList", 1, 1, 0}),
                          NamedParam{});
 
 TEST_P(JtagUnequalLists, AreRefusedWithoutACall) {
-    const Lengths& lengths = GetParam();
+    const ListLengths& lengths = GetParam();
     EXPECT_EQ(thrownText<Standard>([&] {
                   jtag.shiftMulti(&session, Texts(lengths.first), Texts(lengths.second),
                                   Texts(lengths.third));

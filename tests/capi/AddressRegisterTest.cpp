@@ -12,44 +12,44 @@ namespace {
 const Access kAddressRegister[] = {
     {"HW_Read32PreIncrementAddress",
      call<HW_Read32PreIncrementAddress, 3, 5>,
-     {kExplicit.call(16)},
+     {kOnExplicit.call(16)},
      0x0FF5E704,
      "",
      ""},
     {"HW_Read32PreIncrementAddress_Abstracted",
      call<HW_Read32PreIncrementAddress_Abstracted, 3, 5>,
-     {kExplicit.call(16)},
+     {kOnExplicit.call(16)},
      0x0FF5E704,
      "",
      ""},
-    {"HW_Read32CurrentAddress", call<HW_Read32CurrentAddress, 3, 5>, {kExplicit.call(18)}, kWord, "", ""},
+    {"HW_Read32CurrentAddress", call<HW_Read32CurrentAddress, 3, 5>, {kOnExplicit.call(18)}, kWord, "", ""},
     {"HW_Read32CurrentAddress_Abstracted",
      call<HW_Read32CurrentAddress_Abstracted, 3, 5>,
-     {kExplicit.call(18)},
+     {kOnExplicit.call(18)},
      kWord,
      "",
      ""},
     {"HW_Write32PreIncrementAddress",
      call<HW_Write32PreIncrementAddress, 3, 5, 0x12345678>,
-     {kExplicit.call(17, {"12345678"})},
+     {kOnExplicit.call(17, {"12345678"})},
      0,
      "",
      ""},
     {"HW_Write32PreIncrementAddress_Abstracted",
      call<HW_Write32PreIncrementAddress_Abstracted, 3, 5, 0x12345678>,
-     {kExplicit.call(17, {"12345678"})},
+     {kOnExplicit.call(17, {"12345678"})},
      0,
      "",
      ""},
     {"HW_Write32CurrentAddress",
      call<HW_Write32CurrentAddress, 3, 5, 0x12345678>,
-     {kExplicit.call(19, {"12345678"})},
+     {kOnExplicit.call(19, {"12345678"})},
      0,
      "",
      ""},
     {"HW_Write32CurrentAddress_Abstracted",
      call<HW_Write32CurrentAddress_Abstracted, 3, 5, 0x12345678>,
-     {kExplicit.call(19, {"12345678"})},
+     {kOnExplicit.call(19, {"12345678"})},
      0,
      "",
      ""},
@@ -63,7 +63,7 @@ protected:
 
 TEST_P(AddressRegisterAccess, IsOneCallWithoutAddressAndNotLogged) {
     EXPECT_EQ(outcomeOf(GetParam().access), (Outcome{GetParam().result, "", "", ""}));
-    EXPECT_EQ(frames(), (std::vector<std::string>{kExplicit.read32(0x1000), GetParam().frames[0]}));
+    EXPECT_EQ(frames(), (std::vector<std::string>{kOnExplicit.read32(0x1000), GetParam().frames[0]}));
 }
 
 TEST_P(AddressRegisterAccess, OfAnAdapterThatIsNotOpenIsReported) {
@@ -82,10 +82,10 @@ struct NarrowWrite {
 };
 
 const NarrowWrite kNarrowWrites[] = {
-    {"HW_Write8", call<HW_Write8_Abstracted, 3, 5, 0x1001, 0x5A>, kExplicit},
-    {"HW_Write16", call<HW_Write16_Abstracted, 3, 5, 0x1002, 0x1234>, kExplicit},
-    {"ZR_API_Write8", call<ZR_API_Write8_Abstracted, 5, 0x1001, 0x5A>, kDefault},
-    {"ZR_API_Write16", call<ZR_API_Write16_Abstracted, 5, 0x1002, 0x1234>, kDefault},
+    {"HW_Write8", call<HW_Write8_Abstracted, 3, 5, 0x1001, 0x5A>, kOnExplicit},
+    {"HW_Write16", call<HW_Write16_Abstracted, 3, 5, 0x1002, 0x1234>, kOnExplicit},
+    {"ZR_API_Write8", call<ZR_API_Write8_Abstracted, 5, 0x1001, 0x5A>, kOnDefault},
+    {"ZR_API_Write16", call<ZR_API_Write16_Abstracted, 5, 0x1002, 0x1234>, kOnDefault},
 };
 
 class FailedReadOfANarrowWrite : public FlatInterface, public testing::WithParamInterface<NarrowWrite> {};

@@ -12,8 +12,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr int kCarrying = phyOn(3, 6);
-
 struct Execution {
     std::string name;
     unsigned* (*execute)();

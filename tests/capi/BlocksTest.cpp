@@ -9,13 +9,6 @@
 namespace OrvaneTest {
 namespace {
 
-constexpr int kCarrying = phyOn(3, 6); // 2147680262 in records
-
-constexpr Frame kOnDefault{2, 5};
-constexpr Frame kOnExplicit{3, 5};
-constexpr Frame kOnCarried{3, 6};
-constexpr Frame kOnDefaultPhy{2, kDefaultPhy};
-
 // What a call leaves in the queue of a PHY.
 struct Queued {
     std::string name;
@@ -111,7 +104,7 @@ const Queued kHw64[] = {
      false},
 };
 
-const Queued kZrApi[] = {
+const Queued kQueuedByPhyArgument[] = {
     {"MDIO_BlockRead_Abstracted", call<ZR_API_MDIO_BlockRead_Abstracted, 5, 28, 0x10>,
      reading(kOnDefault, 0x1C0010), ""},
     {"MDIO_BlockRead_AbstractedCarrying", call<ZR_API_MDIO_BlockRead_Abstracted, kCarrying, 10, 0x10>,
@@ -192,13 +185,9 @@ TEST_P(QueuedAccess, OfAnAdapterThatIsNotOpenIsReportedAndStillLogged) {
 INSTANTIATE_TEST_SUITE_P(HwClause45, QueuedAccess, testing::ValuesIn(kClause45), NamedParam());
 INSTANTIATE_TEST_SUITE_P(Hw32, QueuedAccess, testing::ValuesIn(kHw32), NamedParam());
 INSTANTIATE_TEST_SUITE_P(Hw64, QueuedAccess, testing::ValuesIn(kHw64), NamedParam());
-INSTANTIATE_TEST_SUITE_P(ZrApi, QueuedAccess, testing::ValuesIn(kZrApi), NamedParam());
+INSTANTIATE_TEST_SUITE_P(ZrApi, QueuedAccess, testing::ValuesIn(kQueuedByPhyArgument), NamedParam());
 
 // ---- Block writes that go at once ----
-
-const Steps kBridgeWrite{wrote(30, 0xA110, 1), wrote(30, 0xA104, 0x10), wrote(30, 0xA105, 0x1234),
-                         read(30, 0xA111, 0x1000)};
-const Steps kTgeWrite{wrote(29, 0xC204, 0x1234), wrote(29, 0xC203, 0x8010)};
 
 struct Immediate {
     std::string name;

@@ -16,7 +16,7 @@ namespace {
 using OrvaneSim::Fault;
 using testing::ElementsAre;
 
-struct Access {
+struct AdapterAccess {
     std::string name;
     unsigned (*run)(unsigned adapter); // the value read, 0 for a write
     unsigned procedure;
@@ -24,7 +24,7 @@ struct Access {
     unsigned value;
 };
 
-const Access kAccesses[] = {
+const AdapterAccess kAdapterAccesses[] = {
     {"HW_Read_Abstracted", [](unsigned a) { return HW_Read_Abstracted(a, 5, 0x11E, 0x30001); }, 1,
      readParam(identity(), {0x251E0001}), 0x4501},
     {"HW_Write_Abstracted",
@@ -51,12 +51,12 @@ const Access kAccesses[] = {
      12, writeParam(identity(), {0x25000011}, {7}), 0},
 };
 
-class FlatAccess : public testing::TestWithParam<Access>, protected FlatBoard {
+class FlatAccess : public testing::TestWithParam<AdapterAccess>, protected FlatBoard {
 protected:
     FlatAccess() { prepareRegisters(board); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Each, FlatAccess, testing::ValuesIn(kAccesses), NamedParam{});
+INSTANTIATE_TEST_SUITE_P(Each, FlatAccess, testing::ValuesIn(kAdapterAccesses), NamedParam{});
 
 TEST_P(FlatAccess, IsOneCallOnTheBoard) {
     GetParam().run(openAdapter(1));

@@ -6,8 +6,6 @@
 namespace OrvaneTest {
 namespace {
 
-constexpr unsigned kPhy = 5;
-
 class OverClause22 : public FlatInterface {
 protected:
     OverClause22() { HW_EnableClause45OverClause22(kDefaultAdapter); }

@@ -8,8 +8,6 @@
 namespace OrvaneTest {
 namespace {
 
-constexpr unsigned kPhy = 5;
-
 // No delegation; the page register holds `page` before.
 class PagedRegister : public FlatInterface {
 protected:

@@ -7,7 +7,6 @@
 namespace OrvaneTest {
 namespace {
 
-constexpr unsigned kPhy = 5;
 constexpr unsigned kStaleData = 0xDA7A;
 
 constexpr const char* kLimit = "Warning: PIF Mailbox commandStatus polling limit exceeded, retrying.\n";

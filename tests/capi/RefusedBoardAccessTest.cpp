@@ -19,7 +19,7 @@ const std::string kRead = "BOARD READ ATTEMPTED: You need to use a BoardControl 
 const std::string kWrite = "BOARD WRITE ATTEMPTED: You need to use a BoardControl function instead. Raw fpga "
                            "reads/writes don't make sense. Address = ";
 
-const Refused kRefused[] = {
+const Refused kRefusedAccesses[] = {
     {"Read", call<Board_Read, 16>, kRead + "16"},
     {"ReadAdapter", call<Board_ReadAdapter, 3, 4294967295U>, kRead + "4294967295"},
     {"Read32", call<Board_Read32, 16>, kRead + "16"},
@@ -44,7 +44,7 @@ TEST_P(BoardAccess, IsRefusedWithItsLineAndAnErrorAndNotLogged) {
     EXPECT_THAT(frames(), testing::IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Refused, BoardAccess, testing::ValuesIn(kRefused), NamedParam());
+INSTANTIATE_TEST_SUITE_P(Refused, BoardAccess, testing::ValuesIn(kRefusedAccesses), NamedParam());
 
 } // namespace
 } // namespace OrvaneTest

@@ -10,9 +10,6 @@ namespace {
 
 using testing::IsEmpty;
 
-constexpr unsigned kPhy = 5;
-constexpr int kCarrying = phyOn(3, 6); // 2147680262 as a PHY id
-
 enum Flags { AllSet, AllClear };
 
 // One routed access, with the flags of the default adapter all set or all clear.
@@ -26,20 +23,11 @@ struct Routed {
     unsigned long long result = 0;
 };
 
-constexpr Frame kOnDefault{kDefaultAdapter, kPhy};
-constexpr Frame kDefaultPhyOnDefault{kDefaultAdapter, kDefaultPhy};
-constexpr Frame kOnThree{3, kPhy};
-
 const Steps kPlainWrite{wrote(1, 0x10, 0x1234)};
 const Steps kPlainRead{read(1, 0x10, 0xC045)};
-// The value that the fixture puts into the registers which are read.
-constexpr unsigned kFound = 0xC045;
 
-const Steps kBridgeWrite{wrote(30, 0xA110, 1), wrote(30, 0xA104, 0x10), wrote(30, 0xA105, 0x1234),
-                         read(30, 0xA111, 0x1000)};
 const Steps kBridgeRead{wrote(30, 0xA10B, 0), wrote(30, 0xA110, 1), wrote(30, 0xA108, 0x10),
                         read(30, 0xA109, kFound), read(30, 0xA111, 0x1000)};
-const Steps kTgeWrite{wrote(29, 0xC204, 0x1234), wrote(29, 0xC203, 0x8010)};
 const Steps kTgeRead{wrote(29, 0xC203, 0xC010), read(29, 0xC204, kFound)};
 const Steps kWindowWrite{wrote(30, 0x202, 0x3FFE), wrote(30, 0x203, 0x04A0), wrote(30, 0x200, 0x8000),
                          read(30, 0x200, 0x8000),  wrote(30, 0x202, 0x3FFE), wrote(30, 0x203, 0x04A0),
@@ -49,7 +37,7 @@ const Steps kWindowRead{wrote(30, 0x202, 0x3FFE), wrote(30, 0x203, 0x04A0), wrot
 const Steps kPagedWrite{read(4, 0xC180, 0), wrote(4, 0xC180, 0), wrote(4, 0xC210, 0)};
 const Steps kPagedRead{read(4, 0xC180, 0), wrote(4, 0xC180, 0)};
 
-const Routed kZrApi[] = {
+const Routed kRoutedByPhyArgument[] = {
     {"WriteOfAnOrdinaryRegister", AllSet, call<ZR_API_MDIO_Write, kPhy, 1, 0x10, 0x1234>, kOnDefault, kPhy,
      kPlainWrite},
     {"ReadOfAnOrdinaryRegister", AllSet, call<ZR_API_MDIO_Read, kPhy, 1, 0x10>, kOnDefault, kPhy, kPlainRead,
@@ -107,51 +95,52 @@ const Routed kZrApi[] = {
      kPhy,
      {wrote(31, 0x8037, 0x1234)}},
     {"WriteWithTheDefaultPhyId", AllSet, call<ZR_API_MDIO_Write_Default_PHY_ID, 1, 0x10, 0x1234>,
-     kDefaultPhyOnDefault, kDefaultPhy, kPlainWrite},
-    {"ReadWithTheDefaultPhyId", AllSet, call<ZR_API_MDIO_Read_Default_PHY_ID, 1, 0x10>, kDefaultPhyOnDefault,
+     kOnDefaultPhy, kDefaultPhy, kPlainWrite},
+    {"ReadWithTheDefaultPhyId", AllSet, call<ZR_API_MDIO_Read_Default_PHY_ID, 1, 0x10>, kOnDefaultPhy,
      kDefaultPhy, kPlainRead, kFound},
     {"RoutedWriteWithTheDefaultPhyId", AllSet, call<ZR_API_MDIO_Write_Default_PHY_ID, 10, 0x10, 0x1234>,
-     kDefaultPhyOnDefault, kDefaultPhy, kWindowWrite},
+     kOnDefaultPhy, kDefaultPhy, kWindowWrite},
     {"RoutedReadWithTheDefaultPhyId", AllClear, call<ZR_API_MDIO_Read_Default_PHY_ID, 27, 0x10>,
-     kDefaultPhyOnDefault, kDefaultPhy, kBridgeRead, kFound},
-    {"HwWriteWithTheDefaultPhyId", AllSet, call<HW_Write_Default_PHY_ID, 1, 0x10, 0x1234>,
-     kDefaultPhyOnDefault, kDefaultPhy, kPlainWrite},
-    {"HwReadWithTheDefaultPhyId", AllSet, call<HW_Read_Default_PHY_ID, 1, 0x10>, kDefaultPhyOnDefault,
-     kDefaultPhy, kPlainRead, kFound},
+     kOnDefaultPhy, kDefaultPhy, kBridgeRead, kFound},
+    {"HwWriteWithTheDefaultPhyId", AllSet, call<HW_Write_Default_PHY_ID, 1, 0x10, 0x1234>, kOnDefaultPhy,
+     kDefaultPhy, kPlainWrite},
+    {"HwReadWithTheDefaultPhyId", AllSet, call<HW_Read_Default_PHY_ID, 1, 0x10>, kOnDefaultPhy, kDefaultPhy,
+     kPlainRead, kFound},
     {"HwWriteWithTheDefaultPhyIdReachesMmd10", AllSet, call<HW_Write_Default_PHY_ID, 10, 0x10, 0x1234>,
-     kDefaultPhyOnDefault, kDefaultPhy, kWindowWrite},
-    {"HwReadWithTheDefaultPhyIdReachesMmd28", AllClear, call<HW_Read_Default_PHY_ID, 28, 0x10>,
-     kDefaultPhyOnDefault, kDefaultPhy, kPagedRead},
+     kOnDefaultPhy, kDefaultPhy, kWindowWrite},
+    {"HwReadWithTheDefaultPhyIdReachesMmd28", AllClear, call<HW_Read_Default_PHY_ID, 28, 0x10>, kOnDefaultPhy,
+     kDefaultPhy, kPagedRead},
 };
 
 // HW_Read and HW_Write on adapter 3; whose flags are all set, or all clear too.
 const Routed kHw[] = {
-    {"HwWriteOfAnOrdinaryRegister", AllSet, call<HW_Write, 3, kPhy, 1, 0x10, 0x1234>, kOnThree, kPhy,
+    {"HwWriteOfAnOrdinaryRegister", AllSet, call<HW_Write, 3, kPhy, 1, 0x10, 0x1234>, kOnExplicit, kPhy,
      kPlainWrite},
-    {"HwReadOfAnOrdinaryRegister", AllSet, call<HW_Read, 3, kPhy, 1, 0x10>, kOnThree, kPhy, kPlainRead,
+    {"HwReadOfAnOrdinaryRegister", AllSet, call<HW_Read, 3, kPhy, 1, 0x10>, kOnExplicit, kPhy, kPlainRead,
      kFound},
-    {"DelegatedHwWriteOfMmd11", AllSet, call<HW_Write, 3, kPhy, 11, 0x10, 0x1234>, kOnThree, kPhy,
+    {"DelegatedHwWriteOfMmd11", AllSet, call<HW_Write, 3, kPhy, 11, 0x10, 0x1234>, kOnExplicit, kPhy,
      mailboxWrite(11, 0x10, 0x1234)},
-    {"DelegatedHwReadOfMmd11", AllSet, call<HW_Read, 3, kPhy, 11, 0x10>, kOnThree, kPhy,
+    {"DelegatedHwReadOfMmd11", AllSet, call<HW_Read, 3, kPhy, 11, 0x10>, kOnExplicit, kPhy,
      mailboxRead(11, 0x10, kFound), kFound},
-    {"TgeHwWriteOfMmd11", AllClear, call<HW_Write, 3, kPhy, 11, 0x10, 0x1234>, kOnThree, kPhy, kTgeWrite},
-    {"TgeHwReadOfMmd11", AllClear, call<HW_Read, 3, kPhy, 11, 0x10>, kOnThree, kPhy, kTgeRead, kFound},
-    {"DelegatedHwWriteOfMmd27", AllSet, call<HW_Write, 3, kPhy, 27, 0x10, 0x1234>, kOnThree, kPhy,
+    {"TgeHwWriteOfMmd11", AllClear, call<HW_Write, 3, kPhy, 11, 0x10, 0x1234>, kOnExplicit, kPhy, kTgeWrite},
+    {"TgeHwReadOfMmd11", AllClear, call<HW_Read, 3, kPhy, 11, 0x10>, kOnExplicit, kPhy, kTgeRead, kFound},
+    {"DelegatedHwWriteOfMmd27", AllSet, call<HW_Write, 3, kPhy, 27, 0x10, 0x1234>, kOnExplicit, kPhy,
      mailboxWrite(27, 0x10, 0x1234)},
-    {"DelegatedHwReadOfMmd27", AllSet, call<HW_Read, 3, kPhy, 27, 0x10>, kOnThree, kPhy,
+    {"DelegatedHwReadOfMmd27", AllSet, call<HW_Read, 3, kPhy, 27, 0x10>, kOnExplicit, kPhy,
      mailboxRead(27, 0x10, kFound), kFound},
-    {"BridgeHwWriteOfMmd27", AllClear, call<HW_Write, 3, kPhy, 27, 0x10, 0x1234>, kOnThree, kPhy,
+    {"BridgeHwWriteOfMmd27", AllClear, call<HW_Write, 3, kPhy, 27, 0x10, 0x1234>, kOnExplicit, kPhy,
      kBridgeWrite},
-    {"BridgeHwReadOfMmd27", AllClear, call<HW_Read, 3, kPhy, 27, 0x10>, kOnThree, kPhy, kBridgeRead, kFound},
-    {"HwWriteOfMmd10DoesNothing", AllSet, call<HW_Write, 3, kPhy, 10, 0x10, 0x1234>, kOnThree, kPhy, {}},
-    {"HwReadOfMmd10IsZero", AllSet, call<HW_Read, 3, kPhy, 10, 0x10>, kOnThree, kPhy, {}},
-    {"HwWriteOfMmd28DoesNothing", AllSet, call<HW_Write, 3, kPhy, 28, 0x10, 0x1234>, kOnThree, kPhy, {}},
-    {"HwReadOfMmd28IsZero", AllSet, call<HW_Read, 3, kPhy, 28, 0x10>, kOnThree, kPhy, {}},
-    {"HwReadOfMmd28IsZeroWithFlagsClear", AllClear, call<HW_Read, 3, kPhy, 28, 0x10>, kOnThree, kPhy, {}},
+    {"BridgeHwReadOfMmd27", AllClear, call<HW_Read, 3, kPhy, 27, 0x10>, kOnExplicit, kPhy, kBridgeRead,
+     kFound},
+    {"HwWriteOfMmd10DoesNothing", AllSet, call<HW_Write, 3, kPhy, 10, 0x10, 0x1234>, kOnExplicit, kPhy, {}},
+    {"HwReadOfMmd10IsZero", AllSet, call<HW_Read, 3, kPhy, 10, 0x10>, kOnExplicit, kPhy, {}},
+    {"HwWriteOfMmd28DoesNothing", AllSet, call<HW_Write, 3, kPhy, 28, 0x10, 0x1234>, kOnExplicit, kPhy, {}},
+    {"HwReadOfMmd28IsZero", AllSet, call<HW_Read, 3, kPhy, 28, 0x10>, kOnExplicit, kPhy, {}},
+    {"HwReadOfMmd28IsZeroWithFlagsClear", AllClear, call<HW_Read, 3, kPhy, 28, 0x10>, kOnExplicit, kPhy, {}},
     {"HwReadOfANecRegisterIsPlain",
      AllSet,
      call<HW_Read, 3, kPhy, 31, 0x8037>,
-     kOnThree,
+     kOnExplicit,
      kPhy,
      {read(31, 0x8037, kFound)},
      kFound},
@@ -180,7 +169,7 @@ TEST_P(RoutedAccess, MakesItsStepsAndLogsThem) {
     EXPECT_EQ(frames(), framesOf(routed.phy, routed.steps));
 }
 
-INSTANTIATE_TEST_SUITE_P(ZrApi, RoutedAccess, testing::ValuesIn(kZrApi), NamedParam());
+INSTANTIATE_TEST_SUITE_P(ZrApi, RoutedAccess, testing::ValuesIn(kRoutedByPhyArgument), NamedParam());
 INSTANTIATE_TEST_SUITE_P(Hw, RoutedAccess, testing::ValuesIn(kHw), NamedParam());
 
 // ---- PHY arguments that carry an adapter ----

@@ -7,8 +7,6 @@
 namespace OrvaneTest {
 namespace {
 
-constexpr unsigned kPhy = 5;
-
 class SerdesBridge : public FlatInterface {
 protected:
     const Frame phy{3, kPhy};

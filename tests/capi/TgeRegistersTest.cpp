@@ -8,9 +8,6 @@
 namespace OrvaneTest {
 namespace {
 
-constexpr unsigned kPhy = 5;
-constexpr unsigned kFound = 0xC045;
-
 Steps smiSet(unsigned reg, unsigned value) {
     return {wrote(29, 0xC204, value), wrote(29, 0xC203, 0x8000 + reg)};
 }
@@ -36,7 +33,7 @@ struct GfeAccess {
     unsigned result = 0;
 };
 
-const GfeAccess kAccesses[] = {
+const GfeAccess kGfeAccesses[] = {
     {"SmiSet", call<gfeSmiRegisterSet, 3, kPhy, 0x1F, 0x1234>, 0x1F, smiSet(0x1F, 0x1234)},
     {"SmiSetOfANumberBeyondFiveBits", call<gfeSmiRegisterSet, 3, kPhy, 0xFFFFFFE2, 0x1234>, 2,
      smiSet(2, 0x1234)},
@@ -81,7 +78,7 @@ TEST_P(Gfe, MakesItsStepsAndLogsThem) {
     EXPECT_EQ(frames(), framesOf({3, kPhy}, GetParam().steps));
 }
 
-INSTANTIATE_TEST_SUITE_P(Access, Gfe, testing::ValuesIn(kAccesses), NamedParam());
+INSTANTIATE_TEST_SUITE_P(Access, Gfe, testing::ValuesIn(kGfeAccesses), NamedParam());
 
 using TgeRegister = FlatInterface;
 

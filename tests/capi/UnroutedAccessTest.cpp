@@ -10,9 +10,6 @@ namespace {
 
 using testing::IsEmpty;
 
-constexpr unsigned kPhy = 5;
-constexpr int kCarrying = phyOn(3, 6);
-
 struct Plain {
     std::string name;
     unsigned long long (*access)();

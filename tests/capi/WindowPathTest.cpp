@@ -7,8 +7,6 @@
 namespace OrvaneTest {
 namespace {
 
-constexpr unsigned kPhy = 5;
-
 struct Target {
     std::string name;
     unsigned address;

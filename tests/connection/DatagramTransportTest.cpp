@@ -92,13 +92,13 @@ TEST_F(DatagramCalls, WithAnArgumentBeyondADatagramAreNotSent) {
     EXPECT_EQ(recv(sockets.peer(), &waste, 1, MSG_DONTWAIT), -1);
 }
 
-struct Refusal {
+struct RefusedReply {
     const char* name;
     const char* reply; // after the id and REPLY
     clnt_stat status;
 };
 
-class RefusedCall : public DatagramCalls, public testing::WithParamInterface<Refusal> {};
+class RefusedCall : public DatagramCalls, public testing::WithParamInterface<RefusedReply> {};
 
 TEST_P(RefusedCall, SaysHow) {
     WireBytes reply = wire("00000007 00000001");
@@ -110,19 +110,20 @@ TEST_P(RefusedCall, SaysHow) {
 
 INSTANTIATE_TEST_SUITE_P(
     Replies, RefusedCall,
-    testing::Values(Refusal{"UnknownProgram", "00000000 00000000 00000000 00000001", RPC_PROGUNAVAIL},
-                    Refusal{"OtherVersion", "00000000 00000000 00000000 00000002 00000003 00000004",
-                            RPC_PROGVERSMISMATCH},
-                    Refusal{"UnknownProcedure", "00000000 00000000 00000000 00000003", RPC_PROCUNAVAIL},
-                    Refusal{"UndecodableArgument", "00000000 00000000 00000000 00000004", RPC_CANTDECODEARGS},
-                    Refusal{"SystemError", "00000000 00000000 00000000 00000005", RPC_SYSTEMERROR},
-                    Refusal{"VerifierWithoutResult", "00000000 00000001 00000004 01020304 00000005",
-                            RPC_SYSTEMERROR},
-                    Refusal{"OtherRpcVersion", "00000001 00000000 00000007 ffffffff", RPC_VERSMISMATCH},
-                    Refusal{"BadCredentials", "00000001 00000001 00000001", RPC_AUTHERROR},
-                    Refusal{"HugeVerifier", "00000000 00000000 7fffffff 00000000", RPC_CANTDECODERES},
-                    Refusal{"VerifierCutOff", "00000000 00000001 00000190 01020304", RPC_CANTDECODERES},
-                    Refusal{"NothingMore", "", RPC_CANTDECODERES}),
+    testing::Values(RefusedReply{"UnknownProgram", "00000000 00000000 00000000 00000001", RPC_PROGUNAVAIL},
+                    RefusedReply{"OtherVersion", "00000000 00000000 00000000 00000002 00000003 00000004",
+                                 RPC_PROGVERSMISMATCH},
+                    RefusedReply{"UnknownProcedure", "00000000 00000000 00000000 00000003", RPC_PROCUNAVAIL},
+                    RefusedReply{"UndecodableArgument", "00000000 00000000 00000000 00000004",
+                                 RPC_CANTDECODEARGS},
+                    RefusedReply{"SystemError", "00000000 00000000 00000000 00000005", RPC_SYSTEMERROR},
+                    RefusedReply{"VerifierWithoutResult", "00000000 00000001 00000004 01020304 00000005",
+                                 RPC_SYSTEMERROR},
+                    RefusedReply{"OtherRpcVersion", "00000001 00000000 00000007 ffffffff", RPC_VERSMISMATCH},
+                    RefusedReply{"BadCredentials", "00000001 00000001 00000001", RPC_AUTHERROR},
+                    RefusedReply{"HugeVerifier", "00000000 00000000 7fffffff 00000000", RPC_CANTDECODERES},
+                    RefusedReply{"VerifierCutOff", "00000000 00000001 00000190 01020304", RPC_CANTDECODERES},
+                    RefusedReply{"NothingMore", "", RPC_CANTDECODERES}),
     NamedParam());
 
 } // namespace

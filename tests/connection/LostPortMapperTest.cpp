@@ -216,16 +216,16 @@ TEST(RPCClientConnect, ToAProgramWhoseDatagramPortRefusesSucceedsAndItsCallFails
     EXPECT_EQ(ping_1(1, &result, client.client), RPC_CANTRECV);
 }
 
-struct Refusal {
+struct RefusedLookUp {
     const char* transport;
     const char* report;
 };
 
-void PrintTo(const Refusal& refusal, std::ostream* stream) {
+void PrintTo(const RefusedLookUp& refusal, std::ostream* stream) {
     *stream << refusal.transport;
 }
 
-class StoppedBoard : public testing::TestWithParam<Refusal> {};
+class StoppedBoard : public testing::TestWithParam<RefusedLookUp> {};
 
 TEST_P(StoppedBoard, IsReportedAtEveryUpdateAndReachedAgainAfterItsStart) {
     OneBoard lab;
@@ -244,8 +244,8 @@ TEST_P(StoppedBoard, IsReportedAtEveryUpdateAndReachedAgainAfterItsStart) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Transports, StoppedBoard,
-                         testing::Values(Refusal{"udp", "Client setup create error: 4\n"},
-                                         Refusal{"tcp", "Client setup create error: 12\n"}));
+                         testing::Values(RefusedLookUp{"udp", "Client setup create error: 4\n"},
+                                         RefusedLookUp{"tcp", "Client setup create error: 12\n"}));
 
 TEST(RefusedCreation, OfAStreamToAKnownHostReturnsEveryTime) {
     OneBoard lab;

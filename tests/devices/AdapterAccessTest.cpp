@@ -1,6 +1,7 @@
 // Register access by adapter, and by default adapter: every operation on the wire.
 #include "ov_sys/Interface/devices/HWInterface.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
+#include "tests/support/devices/AccessTable.h"
 #include "tests/support/devices/AdaptersOnBoard.h"
 #include "tests/support/MdioOperations.h"
 #include "tests/support/NamedParam.h"
@@ -18,9 +19,6 @@ using Orvane::Exceptions::Standard;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr unsigned kAdapter = 1;
-constexpr unsigned kPhy = 5;
-
 // An operation in both of its forms; for PHY 5 on adapter 1, which is the default adapter.
 struct Operation {
     std::string name;
@@ -31,13 +29,6 @@ struct Operation {
 };
 
 using D = HWInterface;
-
-// For an operation that returns nothing.
-template <class Work>
-unsigned nothing(Work work) {
-    work();
-    return 0;
-}
 
 const Operation kOperations[] = {
     {"readAdapter", [](D& d) { return d.readAdapter(kAdapter, kPhy, 0x11E, 0x30001); }, 1,

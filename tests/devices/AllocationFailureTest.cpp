@@ -21,11 +21,8 @@ namespace {
 using Orvane::PhySession;
 using OrvaneSim::Fault;
 
-constexpr unsigned kAdapter = 1;
-constexpr unsigned kPhy = 5;
 constexpr unsigned kMmd = 1;
-constexpr unsigned kRegister = 0x8002;
-constexpr unsigned kValue = 0xCAFE;
+constexpr unsigned kReadRegister = 0x8002;
 
 // The devices of a board, as one program has them.
 struct Program : AdaptersOf {
@@ -35,7 +32,7 @@ struct Program : AdaptersOf {
         devices.openAdapter(kAdapter);
         devices.getSimpleSession(kAdapter, kPhy);
     }
-    unsigned read() { return devices.readAdapter(kAdapter, kPhy, kMmd, kRegister); }
+    unsigned read() { return devices.readAdapter(kAdapter, kPhy, kMmd, kReadRegister); }
     PhySession& session() { return *devices.getSimpleSession(kAdapter, kPhy)->session; }
 
     std::unique_ptr<PhySession> notAdopted; // opened beside the devices
@@ -45,7 +42,7 @@ class FailedAllocation : public testing::Test, public OneBoard {
 protected:
     FailedAllocation() {
         gethostbyname("localhost"); // glibc's resolver keeps its lock when its first allocation fails
-        board.setRegister(OrvaneSim::Space::C45, kAdapter, kPhy, kMmd << 16U | kRegister, kValue);
+        board.setRegister(OrvaneSim::Space::C45, kAdapter, kPhy, kMmd << 16U | kReadRegister, kValue);
     }
 
     void expectFreshProgramWorks() {
@@ -100,7 +97,7 @@ TEST_F(FailedAllocation, DuringTheFirstReadIsAnErrorOrTheValue) {
 TEST_F(FailedAllocation, DuringABlockIsAnErrorOrTheValues) {
     sweep(opened, [](Program& program) {
         for (int i = 0; i < 3; ++i)
-            program.devices.blockReadAdapter(kAdapter, kPhy, kMmd, kRegister);
+            program.devices.blockReadAdapter(kAdapter, kPhy, kMmd, kReadRegister);
         const unsigned* const values = program.devices.blockOperationExecuteAdapter(kAdapter, kPhy);
         ASSERT_NE(values, nullptr);
         EXPECT_EQ(program.devices.blockReadQueueSize(), 3U);

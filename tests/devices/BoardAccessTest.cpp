@@ -28,13 +28,13 @@ std::string writeMessage(const std::string& data) {
 const std::string kWrite = writeMessage("4294967281");
 const std::string kLongWrite = writeMessage("18446744073709551602");
 
-struct Refusal {
+struct RefusedAccess {
     std::string name;
     void (*run)(HWInterface& devices);
     std::string message;
 };
 
-const Refusal kRefusals[] = {
+const RefusedAccess kRefusals[] = {
     {"boardRead", [](HWInterface& d) { d.boardRead(kAddress); }, kRead},
     {"boardReadAdapter", [](HWInterface& d) { d.boardReadAdapter(99, kAddress); }, kRead},
     {"boardRead32", [](HWInterface& d) { d.boardRead32(kAddress); }, kRead},
@@ -50,7 +50,7 @@ const Refusal kRefusals[] = {
      kLongWrite},
 };
 
-class BoardRefusal : public testing::TestWithParam<Refusal> {};
+class BoardRefusal : public testing::TestWithParam<RefusedAccess> {};
 
 INSTANTIATE_TEST_SUITE_P(Of, BoardRefusal, testing::ValuesIn(kRefusals), NamedParam{});
 

@@ -3,6 +3,7 @@
 
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
+#include "tests/support/devices/AccessTable.h"
 #include "tests/support/MdioOperations.h"
 #include "tests/support/NamedParam.h"
 #include "tests/support/SessionOnBoard.h"
@@ -23,10 +24,7 @@ using Orvane::Exceptions::Standard;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr int kLastMdioPort = 9;
-constexpr int kFirstSmbusPort = 10;
-
-struct Access {
+struct MdioAccess {
     std::string name;
     unsigned (*run)(SimpleSessionEntry& entry); // the value read, 0 for a write
     unsigned procedure;
@@ -36,7 +34,7 @@ struct Access {
 
 using Entry = SimpleSessionEntry;
 
-const Access kAccesses[] = {
+const MdioAccess kMdioAccesses[] = {
     {"read_16bit_c45", [](Entry& e) { return e.read_16bit_c45(0xFFF1E0002UL); }, 1,
      readParam(identity(), {0x251E0002}), 0x4502},
     {"write_16bit_c45",
@@ -135,9 +133,9 @@ protected:
     SimpleSessionEntry entry;
 };
 
-class MdioPortAccess : public testing::TestWithParam<Access>, protected EntryOnBoard {};
+class MdioPortAccess : public testing::TestWithParam<MdioAccess>, protected EntryOnBoard {};
 
-INSTANTIATE_TEST_SUITE_P(Of, MdioPortAccess, testing::ValuesIn(kAccesses), NamedParam{});
+INSTANTIATE_TEST_SUITE_P(Of, MdioPortAccess, testing::ValuesIn(kMdioAccesses), NamedParam{});
 
 TEST_P(MdioPortAccess, IsOneCallOfTheMdioService) {
     GetParam().run(entry);
@@ -192,7 +190,7 @@ TEST(SessionEntryOnNegativePort, IsAnMdioPort) {
     EXPECT_THROW(entry.read_16bit_c22(1), InvalidSession);
 }
 
-struct Refusal {
+struct SmbusRefusal {
     std::string name;
     void (*run)(SimpleSessionEntry& entry);
     std::string message;
@@ -201,7 +199,7 @@ struct Refusal {
 constexpr const char* kNoClause22 = "MDIO Clause 22 over SMBus is not implemented\n";
 constexpr const char* kNoAddressRegister = "MDIO Clause 22 32bit smb is not supported\n";
 
-const Refusal kRefusals[] = {
+const SmbusRefusal kSmbusRefusals[] = {
     {"read_16bit_c22", [](Entry& e) { e.read_16bit_c22(1); }, kNoClause22},
     {"write_16bit_c22", [](Entry& e) { e.write_16bit_c22(1, 2); }, kNoClause22},
     {"read_32bit_preincrement_address", [](Entry& e) { e.read_32bit_preincrement_address(); },
@@ -212,13 +210,13 @@ const Refusal kRefusals[] = {
     {"write_32bit_current_address", [](Entry& e) { e.write_32bit_current_address(1); }, kNoAddressRegister},
 };
 
-class SmbusPortRefusal : public testing::TestWithParam<Refusal>, protected SessionOnBoard {
+class SmbusPortRefusal : public testing::TestWithParam<SmbusRefusal>, protected SessionOnBoard {
 protected:
     SmbusPortRefusal() : SessionOnBoard(simpleMode(5, kFirstSmbusPort)) {}
     SimpleSessionEntry entry{owned.release(), 5, kFirstSmbusPort};
 };
 
-INSTANTIATE_TEST_SUITE_P(Of, SmbusPortRefusal, testing::ValuesIn(kRefusals), NamedParam{});
+INSTANTIATE_TEST_SUITE_P(Of, SmbusPortRefusal, testing::ValuesIn(kSmbusRefusals), NamedParam{});
 
 TEST_P(SmbusPortRefusal, IsReportedAndThrown) {
     std::string thrown;

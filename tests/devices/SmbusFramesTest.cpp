@@ -2,6 +2,7 @@
 #include "ov_sys/Interface/devices/SimpleSessionEntry.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
+#include "tests/support/devices/AccessTable.h"
 #include "tests/support/NamedParam.h"
 #include "tests/support/ServiceOperations.h"
 #include "tests/support/SessionOnBoard.h"
@@ -15,16 +16,14 @@ namespace {
 using Orvane::Direct32;
 using Orvane::KelSmbProto;
 using Orvane::Paged16;
+using Orvane::SimpleSessionEntry;
 using Orvane::Exceptions::InvalidSession;
 using Orvane::Exceptions::Standard;
 using OrvaneSim::Space;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using Entry = Orvane::SimpleSessionEntry;
+using Entry = SimpleSessionEntry;
 using Calls = std::vector<WireCall>;
-
-constexpr int kFirstSmbusPort = 10;
-constexpr unsigned kPhy = 5;
 
 // The I2C transfers of call number `call` to PHY 5 on bus 0.
 WireCall written(unsigned call, const Bytes& frame) {
@@ -63,14 +62,7 @@ struct SmbusAccessCase {
     unsigned value;
 };
 
-// For an access that returns nothing.
-template <class Work>
-unsigned nothing(Work work) {
-    work();
-    return 0;
-}
-
-const SmbusAccessCase kAccesses[] = {
+const SmbusAccessCase kSmbusAccesses[] = {
     {"Clause45Read",
      [](Entry& e) { return e.read_16bit_c45(0x10002); },
      {written(0, {0x01, 0x02, 0x00}), readTwo(1, 0x41)},
@@ -148,7 +140,7 @@ protected:
 
 class SmbusPortAccess : public testing::TestWithParam<SmbusAccessCase>, protected SmbusEntry {};
 
-INSTANTIATE_TEST_SUITE_P(Of, SmbusPortAccess, testing::ValuesIn(kAccesses), NamedParam{});
+INSTANTIATE_TEST_SUITE_P(Of, SmbusPortAccess, testing::ValuesIn(kSmbusAccesses), NamedParam{});
 
 TEST_P(SmbusPortAccess, MakesExactlyItsTransfers) {
     GetParam().run(entry);

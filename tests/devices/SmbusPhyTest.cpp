@@ -3,6 +3,7 @@
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "tests/support/devices/AdaptersOnBoard.h"
 #include "tests/support/NamedParam.h"
+#include "tests/support/Place.h"
 #include "tests/support/ServiceOperations.h"
 #include "tests/support/WrittenText.h"
 
@@ -21,7 +22,6 @@ using testing::IsEmpty;
 
 constexpr unsigned kMdio = 0; // adapters
 constexpr unsigned kSmbus = 1;
-constexpr unsigned kPhy = 5;
 
 // Both devices of a board, open, with a session for the PHY.
 class TwoPathsToAPhy {

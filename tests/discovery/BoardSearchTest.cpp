@@ -3,6 +3,7 @@
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "tests/support/discovery/BoardSide.h"
 #include "tests/support/discovery/Found.h"
+#include "tests/support/discovery/Group.h"
 #include "tests/support/discovery/OwnNetwork.h"
 #include "tests/support/FrequentSignals.h"
 #include "tests/support/WrittenText.h"
@@ -18,11 +19,9 @@ namespace {
 using namespace std::chrono_literals;
 using OrvaneTest::BoardSide;
 using OrvaneTest::Found;
+using OrvaneTest::kPatientMs;
 using Records = std::vector<AddressResponse>;
 using Replies = std::vector<BoardSide::Reply>;
-
-// As long as a search may take that ends with the first board.
-constexpr unsigned kPatientMs = 60'000;
 
 BoardSide::Answer always(const Replies& replies) {
     return [replies](int) { return replies; };

@@ -2,7 +2,9 @@
 #include "ov_sys/Interface/discovery/MulticastBoardResolver.h"
 
 #include "ov_sys/Interface/foundation/Exceptions.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "simulator/network/Netlink.h"
+#include "tests/support/discovery/Group.h"
 #include "tests/support/discovery/Limits.h"
 #include "tests/support/discovery/OwnNetwork.h"
 #include "tests/support/discovery/RequestTap.h"
@@ -18,9 +20,8 @@
 namespace Orvane {
 namespace {
 
-constexpr char kGroup[] = "239.255.255.38";
-constexpr unsigned kPort = 12345;
-
+using OrvaneTest::kGroup;
+using OrvaneTest::kGroupPort;
 using Records = std::vector<AddressResponse>;
 
 template <class Value>
@@ -44,17 +45,17 @@ void inNetworkOfTwo(const std::function<void(OrvaneTest::RequestTap&, OrvaneTest
         OrvaneTest::addInterface("first", "10.1.0.1");
         OrvaneTest::addInterface("second", "10.2.0.1");
         OrvaneSim::Netlink().addLinkRoute("224.0.0.0", 4, "first");
-        OrvaneTest::RequestTap first("firstFar", kPort);
-        OrvaneTest::RequestTap second("secondFar", kPort);
+        OrvaneTest::RequestTap first("firstFar", kGroupPort);
+        OrvaneTest::RequestTap second("secondFar", kGroupPort);
         body(first, second);
     });
 }
 
 TEST(MulticastBoardResolver, StartsIdleWithBothSocketsAndTheInterfacesButLoopback) {
     const std::string lines = errorLines([] {
-        const MulticastBoardResolver resolver(kGroup, kPort);
+        const MulticastBoardResolver resolver(kGroup, kGroupPort);
         EXPECT_EQ(resolver.group, kGroup);
-        EXPECT_EQ(resolver.port, kPort);
+        EXPECT_EQ(resolver.port, kGroupPort);
         EXPECT_EQ(resolver.interfaces, (Records{{"lab0", "10.83.255.254"}}));
         EXPECT_GE(resolver.listenSocket, 0);
         EXPECT_GE(resolver.sendSocket, 0);
@@ -66,11 +67,11 @@ TEST(MulticastBoardResolver, StartsIdleWithBothSocketsAndTheInterfacesButLoopbac
 }
 
 TEST(MulticastBoardResolver, BindsTheListenSocketToAnyAddressAndThePort) {
-    const MulticastBoardResolver resolver(kGroup, kPort);
+    const MulticastBoardResolver resolver(kGroup, kGroupPort);
     sockaddr_in bound{};
     socklen_t length = sizeof bound;
     ASSERT_EQ(getsockname(resolver.listenSocket, reinterpret_cast<sockaddr*>(&bound), &length), 0);
-    EXPECT_EQ(ntohs(bound.sin_port), kPort);
+    EXPECT_EQ(ntohs(bound.sin_port), kGroupPort);
     EXPECT_EQ(bound.sin_addr.s_addr, htonl(INADDR_ANY));
     EXPECT_EQ(resolver.localAddress.sin_family, AF_INET);
     EXPECT_EQ(resolver.localAddress.sin_port, htons(12345));
@@ -79,13 +80,13 @@ TEST(MulticastBoardResolver, BindsTheListenSocketToAnyAddressAndThePort) {
 }
 
 TEST(MulticastBoardResolver, SetsLoopOffAndTimeToLive31OnTheSendSocket) {
-    const MulticastBoardResolver resolver(kGroup, kPort);
+    const MulticastBoardResolver resolver(kGroup, kGroupPort);
     EXPECT_EQ(option<int>(resolver.sendSocket, IPPROTO_IP, IP_MULTICAST_LOOP), 0);
     EXPECT_EQ(option<int>(resolver.sendSocket, IPPROTO_IP, IP_MULTICAST_TTL), 31);
 }
 
 TEST(MulticastBoardResolver, KeepsItsSocketsFromProgramsThatTheProcessStarts) {
-    const MulticastBoardResolver resolver(kGroup, kPort);
+    const MulticastBoardResolver resolver(kGroup, kGroupPort);
     EXPECT_EQ(fcntl(resolver.listenSocket, F_GETFD), FD_CLOEXEC);
     EXPECT_EQ(fcntl(resolver.sendSocket, F_GETFD), FD_CLOEXEC);
 }
@@ -94,7 +95,7 @@ TEST(MulticastBoardResolver, ClosesItsSocketsAtTheEnd) {
     int listenSocket = -1;
     int sendSocket = -1;
     {
-        const MulticastBoardResolver resolver(kGroup, kPort);
+        const MulticastBoardResolver resolver(kGroup, kGroupPort);
         listenSocket = resolver.listenSocket;
         sendSocket = resolver.sendSocket;
     }
@@ -106,8 +107,8 @@ TEST(MulticastBoardResolver, OfAHostWithLoopbackOnlyHasNoInterfaceToSendOn) {
     OrvaneTest::inOwnNetwork([] {
         OrvaneTest::bringLoopbackUp();
         OrvaneSim::Netlink().addLinkRoute("224.0.0.0", 4, "lo");
-        OrvaneTest::RequestTap tap("lo", kPort);
-        MulticastBoardResolver resolver(kGroup, kPort);
+        OrvaneTest::RequestTap tap("lo", kGroupPort);
+        MulticastBoardResolver resolver(kGroup, kGroupPort);
         EXPECT_EQ(resolver.interfaces, Records{});
         EXPECT_EQ(resolver.send("ZRDISCOVER?"), 0);
         EXPECT_FALSE(tap.more());
@@ -117,7 +118,7 @@ TEST(MulticastBoardResolver, OfAHostWithLoopbackOnlyHasNoInterfaceToSendOn) {
 TEST(MulticastBoardResolver, OfAHostWithoutIPv4AddressThrowsStandard) {
     OrvaneTest::inOwnNetwork([] {
         const std::string thrown = OrvaneTest::thrownText<Exceptions::Standard>(
-            [] { const MulticastBoardResolver resolver(kGroup, kPort); });
+            [] { const MulticastBoardResolver resolver(kGroup, kGroupPort); });
         EXPECT_EQ(thrown, "Couldn't get list of local interfaces.");
     });
 }
@@ -129,14 +130,14 @@ TEST(MulticastBoardResolver, LeavesOutOnlyTheFirstOfTwoLoopbackEntries) {
         OrvaneSim::Netlink().addAddress("first", "127.0.0.1", 32);
         OrvaneTest::addInterface("second", "10.2.0.1");
         OrvaneSim::Netlink().addLinkRoute("224.0.0.0", 4, "first");
-        const MulticastBoardResolver resolver(kGroup, kPort);
+        const MulticastBoardResolver resolver(kGroup, kGroupPort);
         EXPECT_EQ(resolver.interfaces,
                   (Records{{"first", "10.1.0.1"}, {"first", "127.0.0.1"}, {"second", "10.2.0.1"}}));
     });
 }
 
 TEST(CreateListenSocket, TellsWhenThereIsNoSocketLeft) {
-    MulticastBoardResolver resolver(kGroup, kPort);
+    MulticastBoardResolver resolver(kGroup, kGroupPort);
     int result = 0;
     const std::string line = errorLines([&] {
         const OrvaneTest::NoDescriptorsLeft limit;
@@ -150,7 +151,7 @@ TEST(CreateListenSocket, TellsWhenTheAddressCannotBeReused) {
     OrvaneTest::inOwnNetwork([] {
         OrvaneTest::bringLoopbackUp();
         OrvaneSim::Netlink().addLinkRoute("224.0.0.0", 4, "lo");
-        MulticastBoardResolver resolver(kGroup, kPort);
+        MulticastBoardResolver resolver(kGroup, kGroupPort);
         OrvaneTest::refuseSocketOption(SOL_SOCKET, SO_REUSEADDR);
         int result = 0;
         const std::string line = errorLines([&] { result = resolver.CreateListenSocket(); });
@@ -160,11 +161,11 @@ TEST(CreateListenSocket, TellsWhenTheAddressCannotBeReused) {
 }
 
 TEST(CreateListenSocket, TellsWhenThePortIsTaken) {
-    const int other = socket(AF_INET, SOCK_DGRAM, 0);
+    const FileDescriptor other(socket(AF_INET, SOCK_DGRAM, 0));
     sockaddr_in taken{};
     taken.sin_family = AF_INET;
     taken.sin_port = htons(12347);
-    ASSERT_EQ(bind(other, reinterpret_cast<const sockaddr*>(&taken), sizeof taken), 0);
+    ASSERT_EQ(bind(other.get(), reinterpret_cast<const sockaddr*>(&taken), sizeof taken), 0);
     int result = 0;
     const std::string lines = errorLines([&] {
         MulticastBoardResolver resolver(kGroup, 12347);
@@ -172,13 +173,12 @@ TEST(CreateListenSocket, TellsWhenThePortIsTaken) {
     });
     EXPECT_EQ(lines, "MulticastResolver: bind\nMulticastResolver: bind\n");
     EXPECT_EQ(result, 1);
-    close(other);
 }
 
 TEST(CreateListenSocket, TellsWhenTheGroupCannotBeJoined) {
     int result = 0;
     const std::string lines = errorLines([&] {
-        MulticastBoardResolver resolver("10.83.0.1", kPort);
+        MulticastBoardResolver resolver("10.83.0.1", kGroupPort);
         result = resolver.CreateListenSocket();
     });
     EXPECT_EQ(lines, "MulticastResolver: setsockopt\nMulticastResolver: setsockopt\n");
@@ -186,14 +186,14 @@ TEST(CreateListenSocket, TellsWhenTheGroupCannotBeJoined) {
 }
 
 TEST(CreateListenSocket, PutsANewSocketInThePlaceOfTheOldOne) {
-    MulticastBoardResolver resolver(kGroup, kPort);
+    MulticastBoardResolver resolver(kGroup, kGroupPort);
     const int before = resolver.listenSocket;
     EXPECT_EQ(resolver.CreateListenSocket(), 0);
     EXPECT_EQ(resolver.listenSocket, before); // the lowest free descriptor again: the old socket is closed
 }
 
 TEST(CreateSendSocket, TellsWhenThereIsNoSocketLeft) {
-    MulticastBoardResolver resolver(kGroup, kPort);
+    MulticastBoardResolver resolver(kGroup, kGroupPort);
     int result = 0;
     const std::string line = errorLines([&] {
         const OrvaneTest::NoDescriptorsLeft limit;
@@ -214,7 +214,7 @@ TEST_P(RefusedSendOption, FailsCreateSendSocketWithItsLine) {
     OrvaneTest::inOwnNetwork([] {
         OrvaneTest::bringLoopbackUp();
         OrvaneSim::Netlink().addLinkRoute("224.0.0.0", 4, "lo");
-        MulticastBoardResolver resolver(kGroup, kPort);
+        MulticastBoardResolver resolver(kGroup, kGroupPort);
         OrvaneTest::refuseSocketOption(IPPROTO_IP, GetParam().option);
         int result = 0;
         const std::string line = errorLines([&] { result = resolver.CreateSendSocket(); });
@@ -231,7 +231,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(SendToInterface, SendsTheBareTextToGroupAndPortOutOfThatInterface) {
     inNetworkOfTwo([](OrvaneTest::RequestTap& first, OrvaneTest::RequestTap& second) {
-        MulticastBoardResolver resolver(kGroup, kPort);
+        MulticastBoardResolver resolver(kGroup, kGroupPort);
         const int result = resolver.sendToInterface(resolver.interfaces.at(1), "ZRDISCOVER?evb");
         EXPECT_EQ(result, 0);
         const OrvaneTest::Datagram sent = second.next();
@@ -247,14 +247,14 @@ TEST(SendToInterface, SendsTheBareTextToGroupAndPortOutOfThatInterface) {
 
 TEST(SendToInterface, CountsOnlyTheLow16BitsOfThePort) {
     inNetworkOfTwo([](OrvaneTest::RequestTap& first, OrvaneTest::RequestTap&) {
-        MulticastBoardResolver resolver(kGroup, 0x50000 + kPort);
+        MulticastBoardResolver resolver(kGroup, 0x50000 + kGroupPort);
         EXPECT_EQ(resolver.sendToInterface(resolver.interfaces.at(0), "?"), 0);
         EXPECT_EQ(first.next().port, 12345);
     });
 }
 
 TEST(SendToInterface, TellsWhenTheAddressIsNotTheHosts) {
-    MulticastBoardResolver resolver(kGroup, kPort);
+    MulticastBoardResolver resolver(kGroup, kGroupPort);
     AddressResponse foreign("none", "10.99.0.1");
     int result = 0;
     const std::string line = errorLines([&] { result = resolver.sendToInterface(foreign, "ZRDISCOVER?"); });
@@ -263,7 +263,7 @@ TEST(SendToInterface, TellsWhenTheAddressIsNotTheHosts) {
 }
 
 TEST(SendToInterface, TellsTheAddressWhenTheRequestCannotBeSent) {
-    MulticastBoardResolver resolver(kGroup, kPort);
+    MulticastBoardResolver resolver(kGroup, kGroupPort);
     const std::string tooLong(70'000, '?');
     int result = 0;
     const std::string line =
@@ -274,7 +274,7 @@ TEST(SendToInterface, TellsTheAddressWhenTheRequestCannotBeSent) {
 
 TEST(Send, SendsOnEveryInterface) {
     inNetworkOfTwo([](OrvaneTest::RequestTap& first, OrvaneTest::RequestTap& second) {
-        MulticastBoardResolver resolver(kGroup, kPort);
+        MulticastBoardResolver resolver(kGroup, kGroupPort);
         const int failures = resolver.send("ZRDISCOVER?");
         EXPECT_EQ(failures, 0);
         EXPECT_EQ(first.next().payload, "ZRDISCOVER?");
@@ -286,7 +286,7 @@ TEST(Send, SendsOnEveryInterface) {
 
 TEST(Send, CountsTheInterfacesThatFailAndGoesOnWithTheRest) {
     inNetworkOfTwo([](OrvaneTest::RequestTap& first, OrvaneTest::RequestTap& second) {
-        MulticastBoardResolver resolver(kGroup, kPort);
+        MulticastBoardResolver resolver(kGroup, kGroupPort);
         const Records foreign = {{"a", "10.98.0.1"}, {"b", "10.99.0.1"}};
         resolver.interfaces.insert(resolver.interfaces.begin() + 1, foreign.begin(), foreign.end());
         int failures = 0;
@@ -301,7 +301,7 @@ TEST(Send, CountsTheInterfacesThatFailAndGoesOnWithTheRest) {
 
 TEST(Send, TellsTheAddressWhenSendingThrowsAndGoesOnWithTheRest) {
     inNetworkOfTwo([](OrvaneTest::RequestTap& first, OrvaneTest::RequestTap& second) {
-        MulticastBoardResolver resolver(kGroup, kPort);
+        MulticastBoardResolver resolver(kGroup, kGroupPort);
         int failures = -1;
         const std::string lines = errorLines([&] {
             OrvaneTest::throwFromNextSend();

@@ -3,6 +3,7 @@
 #include "ov_sys/Interface/discovery/MulticastBoardResolver.h"
 #include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "tests/support/discovery/FailingAllocation.h"
+#include "tests/support/discovery/Group.h"
 #include "tests/support/discovery/Limits.h"
 #include "tests/support/WrittenText.h"
 
@@ -21,9 +22,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr char kGroup[] = "239.255.255.38";
-constexpr unsigned kPort = 12345;
-
+using OrvaneTest::kGroup;
+using OrvaneTest::kGroupPort;
 using Records = std::vector<AddressResponse>;
 
 // Sends one datagram from 127.0.0.`sender` to the port that the listener is bound to.
@@ -34,7 +34,7 @@ void sendReply(const std::string& text, int sender = 1) {
     from.sin_addr.s_addr = htonl(0x7F000000U + static_cast<unsigned>(sender));
     ASSERT_EQ(bind(socket.get(), reinterpret_cast<const sockaddr*>(&from), sizeof from), 0);
     sockaddr_in to = from;
-    to.sin_port = htons(kPort);
+    to.sin_port = htons(kGroupPort);
     to.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     ASSERT_EQ(
         sendto(socket.get(), text.data(), text.size(), 0, reinterpret_cast<const sockaddr*>(&to), sizeof to),
@@ -53,7 +53,7 @@ Records awaitReplies(MulticastBoardResolver& resolver, std::size_t count) {
 // A resolver whose listener runs for the length of the test.
 class MulticastListener : public testing::Test {
 protected:
-    MulticastListener() : resolver(kGroup, kPort) { resolver.startListener(); }
+    MulticastListener() : resolver(kGroup, kGroupPort) { resolver.startListener(); }
     ~MulticastListener() override {
         if (resolver.listener.joinable())
             resolver.stopListener();
@@ -164,7 +164,7 @@ TEST_F(MulticastListener, GoesOnAfterASignal) {
 
 // What the listener thread writes before it ends by itself, given this socket.
 std::string linesOfAListenerOn(MulticastBoardResolver& resolver, int socket) {
-    close(std::exchange(resolver.listenSocket, socket));
+    FileDescriptor(std::exchange(resolver.listenSocket, socket)).reset();
     return OrvaneTest::textWritten([&] {
                resolver.startListener();
                resolver.listener.join();
@@ -173,30 +173,30 @@ std::string linesOfAListenerOn(MulticastBoardResolver& resolver, int socket) {
 }
 
 TEST(MulticastListenerFailure, EndsTheThreadButNotTheFlagWhenThereIsNoSocket) {
-    MulticastBoardResolver resolver(kGroup, kPort);
+    MulticastBoardResolver resolver(kGroup, kGroupPort);
     EXPECT_EQ(linesOfAListenerOn(resolver, -1), "MulticastBoardResolver: thread listening returned error\n");
     EXPECT_TRUE(resolver.listening);
 }
 
 TEST(MulticastListenerFailure, EndsTheThreadWhenTheSocketIsClosed) {
     constexpr int notOpen = 900;
-    MulticastBoardResolver resolver(kGroup, kPort);
+    MulticastBoardResolver resolver(kGroup, kGroupPort);
     EXPECT_EQ(linesOfAListenerOn(resolver, notOpen),
               "MulticastBoardResolver: thread listening returned error\n");
 }
 
 TEST(MulticastListenerFailure, EndsTheThreadWhenTheReceiveFails) {
-    MulticastBoardResolver resolver(kGroup, kPort);
+    MulticastBoardResolver resolver(kGroup, kGroupPort);
     int ends[2] = {-1, -1};
     ASSERT_EQ(pipe(ends), 0); // readable, but no socket
     ASSERT_EQ(write(ends[1], "x", 1), 1);
+    const FileDescriptor farEnd(ends[1]);
     EXPECT_EQ(linesOfAListenerOn(resolver, ends[0]), "MulticastBoardResolver: recvfrom error\n");
-    close(ends[1]);
 }
 
 TEST(MulticastListenerFailure, IsStoppedNormallyAfterTheThreadEndedByItself) {
-    MulticastBoardResolver resolver(kGroup, kPort);
-    close(std::exchange(resolver.listenSocket, -1));
+    MulticastBoardResolver resolver(kGroup, kGroupPort);
+    FileDescriptor(std::exchange(resolver.listenSocket, -1)).reset();
     OrvaneTest::textWritten([&] {
         resolver.startListener();
         EXPECT_NO_THROW(resolver.stopListener());
@@ -207,7 +207,7 @@ TEST(MulticastListenerFailure, IsStoppedNormallyAfterTheThreadEndedByItself) {
 
 TEST(MulticastListenerSocket, MayBe1024OrMore) {
     const OrvaneTest::LargeDescriptors large;
-    MulticastBoardResolver resolver(kGroup, kPort);
+    MulticastBoardResolver resolver(kGroup, kGroupPort);
     ASSERT_GE(resolver.listenSocket, 1024);
     resolver.startListener();
     sendReply("heard");
@@ -216,14 +216,14 @@ TEST(MulticastListenerSocket, MayBe1024OrMore) {
 }
 
 TEST(Listen, ReturnsAtOnceWhenItsFlagIsFalse) {
-    MulticastBoardResolver resolver(kGroup, kPort);
+    MulticastBoardResolver resolver(kGroup, kGroupPort);
     sendReply("not read");
     resolver.listen(std::atomic<bool>(false));
     EXPECT_EQ(resolver.replies, Records{});
 }
 
 TEST(Listen, DropsAndCountsAReplyWithoutMemoryForItAndGoesOn) {
-    MulticastBoardResolver resolver(kGroup, kPort);
+    MulticastBoardResolver resolver(kGroup, kGroupPort);
     const auto excess = BoardFinder::dropped().excess;
     std::atomic<bool> flag{true};
     sendReply("dropped");
@@ -239,7 +239,7 @@ TEST(Listen, DropsAndCountsAReplyWithoutMemoryForItAndGoesOn) {
 }
 
 TEST(GetReplies, AppendsInOrderAndEmptiesTheQueue) {
-    MulticastBoardResolver resolver(kGroup, kPort);
+    MulticastBoardResolver resolver(kGroup, kGroupPort);
     resolver.PushReply("first", "10.0.0.1");
     resolver.PushReply("first", "10.0.0.1");
     resolver.PushReply("second", "10.0.0.2");
@@ -253,7 +253,7 @@ TEST(GetReplies, AppendsInOrderAndEmptiesTheQueue) {
 
 TEST(GetReplies, LosesNothingThatAnotherThreadPushes) {
     constexpr std::size_t count = 2000;
-    MulticastBoardResolver resolver(kGroup, kPort);
+    MulticastBoardResolver resolver(kGroup, kGroupPort);
     std::thread pusher([&resolver] {
         for (std::size_t i = 0; i < count; ++i)
             resolver.PushReply(std::to_string(i), "10.0.0.1");

@@ -3,6 +3,7 @@
 #include "ov_sys/Interface/discovery/TcpBoardResolver.h"
 #include "simulator/lab/Lab.h"
 #include "tests/support/discovery/Found.h"
+#include "tests/support/discovery/Group.h"
 
 #include <algorithm>
 #include <chrono>
@@ -13,11 +14,9 @@ namespace Orvane {
 namespace {
 
 using OrvaneTest::Found;
+using OrvaneTest::kPatientMs;
 using Records = std::vector<AddressResponse>;
 using Words = std::vector<std::string>;
-
-// As long as a search may take that ends with the last board.
-constexpr unsigned kPatientMs = 60'000;
 
 OrvaneSim::BoardOptions options(const std::string& serial, const std::string& address,
                                 const std::vector<std::string>& devices = {}) {

@@ -2,7 +2,7 @@
 #include "ov_sys/Interface/connection/RPCHandle.h"
 #include "ov_sys/Interface/rpc_protocol/Codec.h"
 #include "ov_sys/Interface/rpc_protocol/Stubs.h"
-#include "tests/support/OpenSession.h"
+#include "tests/support/SessionOnBoard.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@ namespace {
 using OrvaneSim::Fault;
 using OrvaneTest::kPhy;
 using OrvaneTest::kPort;
-using OrvaneTest::OpenSession;
+using OrvaneTest::SessionOnBoard;
 
 constexpr unsigned kRegister = 0x1C100;
 constexpr unsigned kValue = 0xCAFE;
@@ -21,7 +21,7 @@ constexpr std::int64_t kIdBytes = 4;    // without these a reply is nobody's
 constexpr std::int64_t kReadBytes = 36; // header, status, count, one value
 constexpr std::int64_t kPingBytes = 28; // header, value
 
-class ABentReply : public testing::Test, public OpenSession {
+class ABentReply : public testing::Test, public SessionOnBoard {
 protected:
     ABentReply() : mdio(client(BoardConnection::MDIO).pin()), setup(client(BoardConnection::SETUP).pin()) {
         board.setRegister(OrvaneSim::Space::C45, kPort, kPhy, kRegister, kValue);

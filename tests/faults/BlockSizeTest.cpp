@@ -4,7 +4,7 @@
 #include "ov_sys/Interface/devices/HWInterface.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "ov_sys/Interface/rpc_protocol/Records.h"
-#include "tests/support/OpenSession.h"
+#include "tests/support/SessionOnBoard.h"
 #include "tests/support/WrittenText.h"
 
 #include <algorithm>
@@ -15,7 +15,7 @@ namespace {
 
 using OrvaneTest::kPhy;
 using OrvaneTest::kPort;
-using OrvaneTest::OpenSession;
+using OrvaneTest::SessionOnBoard;
 using OrvaneTest::textWritten;
 using OrvaneTest::thrownText;
 
@@ -76,7 +76,7 @@ TEST(TheLargestBlock, OfReadsAloneIsAnsweredWithinADatagram) {
 }
 
 TEST(TheLargestBlock, OfReadsAndWritesByTurnsIsExecuted) {
-    OpenSession lab;
+    SessionOnBoard lab;
     MDIO::MdioAsync queue;
     fillWorst(queue, 873);
     EXPECT_EQ(queue.runs.size(), 873U); // the open one is the 874th
@@ -85,7 +85,7 @@ TEST(TheLargestBlock, OfReadsAndWritesByTurnsIsExecuted) {
 }
 
 TEST(ABlockBeyondTheLargest, InTheWorstMixIsRefusedWithoutACall) {
-    OpenSession lab;
+    SessionOnBoard lab;
     MDIO::MdioAsync queue;
     fillWorst(queue, 874);
     std::string problem;

@@ -39,7 +39,7 @@ double processorSeconds() {
 }
 
 // Parses in this process; the test runner gives each test one of its own. The text counts as the caller's.
-std::string errorOf(const std::string& text) {
+std::string parseError(const std::string& text) {
     const long before = peakKilobytes();
     const double start = processorSeconds();
     std::string error = "none";
@@ -66,21 +66,23 @@ std::string repeated(const std::string& piece, std::size_t bytes) {
 constexpr std::size_t kSize = (std::size_t{8} << 20U) - 4096; // just within the limit of a file
 
 TEST(HostileFile, OfDeepNestingEnds) {
-    EXPECT_NE(errorOf(std::string(kSize, '[')).find("deeper within each other than 32"), std::string::npos);
-    EXPECT_NE(errorOf(repeated("{\"a\":", kSize)).find("deeper within each other than 32"),
+    EXPECT_NE(parseError(std::string(kSize, '[')).find("deeper within each other than 32"),
+              std::string::npos);
+    EXPECT_NE(parseError(repeated("{\"a\":", kSize)).find("deeper within each other than 32"),
               std::string::npos);
 }
 
 TEST(HostileFile, OfMillionsOfValuesEnds) {
-    EXPECT_NE(errorOf("[" + repeated("0,", kSize) + "0]").find("there are more values"), std::string::npos);
+    EXPECT_NE(parseError("[" + repeated("0,", kSize) + "0]").find("there are more values"),
+              std::string::npos);
 }
 
 TEST(HostileFile, LargerThanTheLimitEnds) {
-    EXPECT_NE(errorOf(std::string(kSize + 8192, ' ')).find("is larger than 8 MiB"), std::string::npos);
+    EXPECT_NE(parseError(std::string(kSize + 8192, ' ')).find("is larger than 8 MiB"), std::string::npos);
 }
 
 TEST(HostileFile, OfABillionElementsEnds) {
-    EXPECT_EQ(errorOf(mapText(R"("registers": {"R": {"at": "ext32:0", "count": 1000000000}})")),
+    EXPECT_EQ(parseError(mapText(R"("registers": {"R": {"at": "ext32:0", "count": 1000000000}})")),
               "map:1: registers.R.count: has to be from 1 to 131072");
 }
 
@@ -88,7 +90,7 @@ TEST(HostileFile, OfElementsWithinElementsEnds) {
     std::string members = R"("registers": {"R": {"at": 0, "count": 1000}})";
     for (int i = 0; i < 7; ++i)
         members = R"("blocks": {"B": {"at": 0, "count": 1000, "stride": 4000, )" + members + "}}";
-    EXPECT_NE(errorOf(mapText(R"("blocks": {"T": {"at": "ext32:0", )" + members + "}}"))
+    EXPECT_NE(parseError(mapText(R"("blocks": {"T": {"at": "ext32:0", )" + members + "}}"))
                   .find("more registers than 131072"),
               std::string::npos);
 }
@@ -97,19 +99,19 @@ TEST(HostileFile, OfEmptyBlocksWithinBlocksEnds) {
     std::string members = R"("text": "")";
     for (int i = 0; i < 7; ++i)
         members = R"("blocks": {"B": {"at": 0, "count": 100000, )" + members + "}}";
-    EXPECT_NE(errorOf(mapText(R"("blocks": {"T": {"at": "ext32:0", )" + members + "}}"))
+    EXPECT_NE(parseError(mapText(R"("blocks": {"T": {"at": "ext32:0", )" + members + "}}"))
                   .find("more blocks than 131072"),
               std::string::npos);
 }
 
 TEST(HostileFile, OfRegistersAllAtOneAddressEnds) {
-    EXPECT_NE(errorOf(mapText(R"("registers": {"R": {"at": "7.1", "count": 131072, "stride": 0}})"))
+    EXPECT_NE(parseError(mapText(R"("registers": {"R": {"at": "7.1", "count": 131072, "stride": 0}})"))
                   .find("beyond the last"),
               std::string::npos);
     std::string registers;
     for (int i = 0; i < 90000; ++i)
         registers += (i > 0 ? ", \"R" : "\"R") + std::to_string(i) + "\": {\"at\": \"7.1\"}";
-    EXPECT_NE(errorOf(mapText("\"registers\": {" + registers + "}")).find("and 89799 more"),
+    EXPECT_NE(parseError(mapText("\"registers\": {" + registers + "}")).find("and 89799 more"),
               std::string::npos);
 }
 
@@ -117,8 +119,8 @@ TEST(HostileFile, OfManyWrongMembersEnds) {
     std::string members;
     for (int i = 0; i < 390000; ++i)
         members += (i > 0 ? ",\"" : "\"") + std::to_string(i) + "\":0";
-    EXPECT_NE(errorOf(mapText(members)).find("more"), std::string::npos);
-    EXPECT_NE(errorOf(mapText("\"registers\": {\"R\": {\"at\": \"7.1\", \"fields\": {" + members + "}}}"))
+    EXPECT_NE(parseError(mapText(members)).find("more"), std::string::npos);
+    EXPECT_NE(parseError(mapText("\"registers\": {\"R\": {\"at\": \"7.1\", \"fields\": {" + members + "}}}"))
                   .find("more"),
               std::string::npos);
 }
@@ -133,7 +135,7 @@ std::string errorOfFields(int registerCount) {
                 "\"F" + std::to_string(bit) + "\":" + std::to_string(bit) + (bit == 15 ? "}}," : ",");
     }
     registers += "\"X\": {}";
-    return errorOf(mapText(R"("blocks": {"B": {"at": "30.0", "registers": {)" + registers + "}}}"));
+    return parseError(mapText(R"("blocks": {"B": {"at": "30.0", "registers": {)" + registers + "}}}"));
 }
 
 TEST(HostileFile, OfAsManyFieldsAsAMapMayHaveEnds) {
@@ -146,17 +148,17 @@ TEST(HostileFile, OfManyFieldsEnds) {
 }
 
 TEST(HostileFile, OfHugeNumbersEnds) {
-    EXPECT_NE(errorOf(mapText(R"("registers": {"R": {"at": "7.)" + std::string(1000000, '9') + R"("}})"))
+    EXPECT_NE(parseError(mapText(R"("registers": {"R": {"at": "7.)" + std::string(1000000, '9') + R"("}})"))
                   .find("is no address"),
               std::string::npos);
-    EXPECT_NE(errorOf(mapText("\"registers\": {\"R\": {\"at\": \"7.1\", \"reset\": 1e999999999}}"))
+    EXPECT_NE(parseError(mapText("\"registers\": {\"R\": {\"at\": \"7.1\", \"reset\": 1e999999999}}"))
                   .find("whole number"),
               std::string::npos);
 }
 
 TEST(HostileFile, OfHostileNamesIsShownHarmlessly) {
-    const std::string error =
-        errorOf(mapText("\"registers\": {\"\\u001b[31m" + std::string(1000, 'x') + "\": {\"at\": \"7.1\"}}"));
+    const std::string error = parseError(
+        mapText("\"registers\": {\"\\u001b[31m" + std::string(1000, 'x') + "\": {\"at\": \"7.1\"}}"));
     EXPECT_EQ(error.find('\x1B'), std::string::npos);
     EXPECT_LT(error.size(), 300U);
 }
@@ -166,8 +168,8 @@ TEST(HostileFile, OfManyOverridesEnds) {
     for (int i = 0; i < 30000; ++i)
         overrides += R"({"identifier":"1","blocks":{"B":{"registers":{"R":{"reset":1}}}}},)";
     EXPECT_NE(
-        errorOf(mapText(R"("blocks": {"B": {"at": "30.0", "registers": {"R": {"at": 0, "text": ")" +
-                        std::string(4000, 'x') + R"("}}}}, "overrides": [)" + overrides + "{\"x\": 0}]"))
+        parseError(mapText(R"("blocks": {"B": {"at": "30.0", "registers": {"R": {"at": 0, "text": ")" +
+                           std::string(4000, 'x') + R"("}}}}, "overrides": [)" + overrides + "{\"x\": 0}]"))
             .find("is not known here"),
         std::string::npos);
 }

@@ -1,5 +1,6 @@
 // Files of other kinds made into maps: what arrives, and what is reported as left behind.
 #include "tests/support/maps/MapTexts.h"
+#include "tests/support/RepeatedText.h"
 
 #include <chrono>
 #include <filesystem>
@@ -34,7 +35,7 @@ std::vector<std::string> linesOf(const RegisterMap& map) {
 }
 
 // What is said of a text that is imported as a file.
-std::string errorOf(const std::string& text) {
+std::string importError(const std::string& text) {
     const std::string path = "/tmp/orvane-import-" + std::to_string(getpid());
     std::ofstream(path) << text;
     std::string error = "none";
@@ -137,38 +138,32 @@ TEST(ImportCsv, ReadsRegistersAndTheirFields) {
 }
 
 TEST(Import, RefusesWhatItDoesNotKnow) {
-    EXPECT_THAT(errorOf("{}"), HasSubstr("is a map already: load it"));
-    EXPECT_THAT(errorOf("<html></html>"), HasSubstr("is neither CMSIS-SVD nor an address table of uHAL"));
-    EXPECT_THAT(errorOf("<device><name>"), HasSubstr("is no XML: "));
-    EXPECT_THAT(errorOf("a,b\n1,2\n"), HasSubstr("is no table of registers"));
-    EXPECT_THAT(errorOf(""), HasSubstr("is no table of registers"));
+    EXPECT_THAT(importError("{}"), HasSubstr("is a map already: load it"));
+    EXPECT_THAT(importError("<html></html>"), HasSubstr("is neither CMSIS-SVD nor an address table of uHAL"));
+    EXPECT_THAT(importError("<device><name>"), HasSubstr("is no XML: "));
+    EXPECT_THAT(importError("a,b\n1,2\n"), HasSubstr("is no table of registers"));
+    EXPECT_THAT(importError(""), HasSubstr("is no table of registers"));
 }
 
 TEST(Import, RefusesDocumentTypesWithTheirEntities) {
-    EXPECT_THAT(errorOf("<?xml version=\"1.0\"?>\n<!DOCTYPE d [<!ENTITY a \"aaaa\"><!ENTITY b "
-                        "\"&a;&a;\">]>\n<device>&b;</device>"),
+    EXPECT_THAT(importError("<?xml version=\"1.0\"?>\n<!DOCTYPE d [<!ENTITY a \"aaaa\"><!ENTITY b "
+                            "\"&a;&a;\">]>\n<device>&b;</device>"),
                 HasSubstr(":2: has a document type"));
 }
 
-std::string times(const std::string& piece, std::size_t count) {
-    std::string all;
-    for (std::size_t i = 0; i < count; ++i)
-        all += piece;
-    return all;
-}
-
 TEST(Import, EndsOnHostileXml) {
-    EXPECT_THAT(errorOf("<device>" + times("<a/>", 250000)),
+    EXPECT_THAT(importError("<device>" + times(250000, "<a/>")),
                 HasSubstr("more elements and attributes than 200000"));
-    EXPECT_THAT(errorOf("<node>" + times("<node id='a'>", 60000) + times("</node>", 60000) + "</node>"),
+    EXPECT_THAT(importError("<node>" + times(60000, "<node id='a'>") + times(60000, "</node>") + "</node>"),
                 "none");
-    EXPECT_THAT(errorOf("<device><peripherals><peripheral><name>P</name><registers><register><name>R%s</name>"
-                        "<dim>1000000000</dim></register></registers></peripheral></peripherals></device>"),
-                "none");
+    EXPECT_THAT(
+        importError("<device><peripherals><peripheral><name>P</name><registers><register><name>R%s</name>"
+                    "<dim>1000000000</dim></register></registers></peripheral></peripherals></device>"),
+        "none");
     const std::string cluster = "<cluster><name>C[%s]</name><dim>1000</dim><dimIncrement>4</dimIncrement>";
-    EXPECT_THAT(errorOf("<device><peripherals><peripheral><name>P</name><registers>" + times(cluster, 7) +
-                        "<register><name>R</name></register>" + times("</cluster>", 7) +
-                        "</registers></peripheral></peripherals></device>"),
+    EXPECT_THAT(importError("<device><peripherals><peripheral><name>P</name><registers>" + times(7, cluster) +
+                            "<register><name>R</name></register>" + times(7, "</cluster>") +
+                            "</registers></peripheral></peripherals></device>"),
                 HasSubstr("becomes more than a map may have"));
 }
 

@@ -1,7 +1,7 @@
 // Accesses that allocate nothing.
 #include "ov_sys/Interface/buses/MDIO.h"
-#include "tests/support/OpenSession.h"
 #include "tests/support/performance/AllocationCount.h"
+#include "tests/support/SessionOnBoard.h"
 
 #include <gtest/gtest.h>
 #include <memory>
@@ -30,7 +30,7 @@ TEST(AllocationCount, SeesNewAndMallocOfThisThread) {
 }
 
 TEST(SingleAccess, ThroughTheClassesAllocatesNothing) {
-    OpenSession lab;
+    SessionOnBoard lab;
     EXPECT_EQ(allocationsOf([&] { Orvane::mdio.read(&lab.session, 0x10020); }), 0U);
     EXPECT_EQ(allocationsOf([&] { Orvane::mdio.write(&lab.session, 0x10020, 1); }), 0U);
     EXPECT_EQ(lab.count("mdio_read"), kReads + 1U);

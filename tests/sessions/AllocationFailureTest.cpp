@@ -3,7 +3,7 @@
 
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "tests/support/HookedClient.h"
-#include "tests/support/OpenSession.h"
+#include "tests/support/SessionOnBoard.h"
 #include "tests/support/WrittenText.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ namespace {
 
 using namespace OrvaneTest;
 
-class FailedAllocation : public testing::Test, public OpenSession {
+class FailedAllocation : public testing::Test, public SessionOnBoard {
 protected:
     // Fails each allocation of the handling of a transport error in turn: whatever comes of it, it is over.
     void expectTheHandlingToEnd() {

@@ -4,7 +4,7 @@
 #include "ov_sys/Interface/buses/rpc/RPCKeepAlive.h"
 #include "ov_sys/Interface/buses/rpc/RPCSetup.h"
 #include "ov_sys/Interface/connection/BoardConnection.h"
-#include "tests/support/OpenSession.h"
+#include "tests/support/SessionOnBoard.h"
 #include "tests/support/SleepingThread.h"
 #include "tests/support/WrittenText.h"
 
@@ -19,11 +19,11 @@ using namespace OrvaneTest;
 using State = PhySession::SessionState_t;
 
 TEST(PhySession, FromANameHasItsInitialValues) {
-    const PhySession session("board7", exclusiveOpenMode(0x1234));
+    const PhySession session("board7", exclusiveMode(0x1234, 3));
     EXPECT_EQ(session.pingRecordSamples, std::vector<unsigned long>(2000, 4294967295UL));
     EXPECT_EQ(session.pingRecordType, 2U);
     EXPECT_EQ(session.mdioAddressPrefix, 0x23000000U);
-    EXPECT_EQ(session.mdio.phyAddress, kPhy);
+    EXPECT_EQ(session.mdio.phyAddress, 3);
     EXPECT_EQ(session.mdio.deviceIndex, kPort);
     EXPECT_EQ(session.mdio.exclusive, 1);
     EXPECT_EQ(session.mdio.simple, 0);
@@ -51,7 +51,7 @@ TEST(PhySession, StatesHaveFixedNumbers) {
 
 TEST(PhySession, FromARecordConnectsButDoesNotOpen) {
     OneBoard lab;
-    PhySession session(lab.record(), simpleOpenMode());
+    PhySession session(lab.record(), simpleMode());
     EXPECT_EQ(session.name(), "BOARD7");
     EXPECT_TRUE(session.isRemote());
     EXPECT_EQ(session.connection->host, lab.board.address());
@@ -60,13 +60,13 @@ TEST(PhySession, FromARecordConnectsButDoesNotOpen) {
 }
 
 TEST(PhySession, FromANameIsRemoteWithoutAnyAddress) {
-    PhySession session("board7", simpleOpenMode());
+    PhySession session("board7", simpleMode());
     EXPECT_EQ(session.name(), "BOARD7");
     EXPECT_TRUE(session.isRemote());
 }
 
 TEST(PhySession, IsNotRemoteWithoutAConnectionsInterface) {
-    PhySession session("board7", simpleOpenMode());
+    PhySession session("board7", simpleMode());
     session.connection->interfaceSelected = false;
     EXPECT_FALSE(session.isRemote());
 }
@@ -91,7 +91,7 @@ INSTANTIATE_TEST_SUITE_P(Words, AddressPrefix,
 
 class UnconnectedSession : public testing::Test {
 protected:
-    PhySession session{"board7", simpleOpenMode()};
+    PhySession session{"board7", simpleMode()};
 };
 
 TEST_F(UnconnectedSession, IsValidInEveryStateButInvalid) {
@@ -153,7 +153,7 @@ TEST_F(UnconnectedSession, ErrorHandlingIsClaimedByOneOfManyThreads) {
 
 class EveryState : public testing::TestWithParam<int> {
 protected:
-    PhySession session{"board7", simpleOpenMode()};
+    PhySession session{"board7", simpleMode()};
     EveryState() { session.setSessionState(static_cast<State>(GetParam())); }
 };
 

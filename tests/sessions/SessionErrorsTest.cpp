@@ -2,7 +2,7 @@
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
 #include "tests/support/HookedClient.h"
-#include "tests/support/OpenSession.h"
+#include "tests/support/SessionOnBoard.h"
 #include "tests/support/WrittenText.h"
 
 #include <future>
@@ -41,7 +41,7 @@ protected:
     Verdict handle(int code) {
         return verdictOf([&] { return session.onRPCResultError(code, "mdio"); });
     }
-    PhySession session{"board7", simpleOpenMode()};
+    PhySession session{"board7", simpleMode()};
 };
 
 TEST_F(ResultError, ZeroIsDoneInSilence) {
@@ -98,7 +98,7 @@ TEST_F(ResultError, CodesThrowTheirOwnExceptionClasses) {
     EXPECT_THROW(session.onRPCResultError(-22, "mdio"), Exceptions::Standard);
 }
 
-class CallError : public testing::Test, public OpenSession {
+class CallError : public testing::Test, public SessionOnBoard {
 protected:
     Verdict handle(int status) {
         return verdictOf([&] { return session.onRPCCallError(status, "mdio"); });

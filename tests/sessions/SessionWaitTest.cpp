@@ -1,7 +1,7 @@
 // Waiting for the end of error handling.
 #include "ov_sys/Interface/connection/BoardConnection.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
-#include "tests/support/OpenSession.h"
+#include "tests/support/SessionOnBoard.h"
 #include "tests/support/SleepingThread.h"
 
 #include <gtest/gtest.h>
@@ -25,7 +25,7 @@ struct Wait {
 
 class SessionWait : public testing::TestWithParam<Wait> {
 protected:
-    PhySession session{"board7", simpleOpenMode()};
+    PhySession session{"board7", simpleMode()};
 
     int waitFor(unsigned timeout) {
         session.setSessionState(static_cast<State>(GetParam().state));

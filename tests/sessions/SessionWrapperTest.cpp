@@ -4,7 +4,7 @@
 #include "ov_sys/Interface/connection/BoardConnection.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
-#include "tests/support/OpenSession.h"
+#include "tests/support/SessionOnBoard.h"
 #include "tests/support/WrittenText.h"
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ TEST(SessionWrapper, IsAPlainPointerByValue) {
 }
 
 TEST(SessionWrapper, GivesItsSessionInEveryStateButInvalid) {
-    PhySession session("board7", simpleOpenMode());
+    PhySession session("board7", simpleMode());
     const SessionWrapper wrapper(&session);
     for (const int state : {0, 1, 2, 4}) {
         session.setSessionState(static_cast<PhySession::SessionState_t>(state));
@@ -30,7 +30,7 @@ TEST(SessionWrapper, GivesItsSessionInEveryStateButInvalid) {
 }
 
 TEST(SessionWrapper, RefusesAnInvalidSession) {
-    PhySession session("board7", simpleOpenMode());
+    PhySession session("board7", simpleMode());
     session.setSessionState(PhySession::SESSION_INVALID);
     EXPECT_EQ(thrownText<Exceptions::InvalidSession>([&] { SessionWrapper(&session).usable(); }),
               "The board session is no longer valid.");

@@ -1,3 +1,4 @@
+// The board, its record, and what it was asked for.
 #include "tests/support/OneBoard.h"
 
 #include <orvane/lab_json.h>
@@ -5,18 +6,18 @@
 namespace OrvaneTest {
 namespace {
 
-OrvaneSim::BoardOptions namedBoard() {
+OrvaneSim::BoardOptions named(const std::string& serial) {
     OrvaneSim::BoardOptions options;
-    options.serial = kBoardSerial;
+    options.serial = serial;
     return options;
 }
 
 } // namespace
 
-OneBoard::OneBoard() : board(lab.add(namedBoard())) {}
+OneBoard::OneBoard(const std::string& serial) : board(lab.add(named(serial))) {}
 
 Orvane::AddressResponse OneBoard::record() const {
-    return {kBoardSerial, board.address()};
+    return {board.serial(), board.address()};
 }
 
 void OneBoard::inject(OrvaneSim::Fault::Kind kind, const std::string& program, const std::string& procedure,

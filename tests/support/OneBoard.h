@@ -21,7 +21,7 @@ struct OneBoard {
     OrvaneSim::Lab lab;
     OrvaneSim::Board& board;
 
-    OneBoard();
+    explicit OneBoard(const std::string& serial = kBoardSerial);
     // The board as discovery would report it.
     Orvane::AddressResponse record() const;
     // Adds a fault of the named procedure.

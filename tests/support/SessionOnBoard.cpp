@@ -1,29 +1,42 @@
+// The modes of a session, and its opening.
 #include "tests/support/SessionOnBoard.h"
 
 #include "ov_sys/Interface/buses/rpc/RPCSetup.h"
-#include "ov_sys/Interface/connection/BoardConnection.h"
-#include "ov_sys/Interface/foundation/AddressResponse.h"
 
 namespace OrvaneTest {
 
-Orvane::MdioExclusive simpleMode(int phyAddress, unsigned int deviceIndex) {
-    Orvane::MdioExclusive mode{};
-    mode.phyAddress = phyAddress;
-    mode.deviceIndex = deviceIndex;
-    mode.simple = 1;
-    mode.shared = 1;
-    return mode;
+using Orvane::MdioExclusive;
+using Orvane::PhySession;
+
+MdioExclusive simpleMode(int phy, unsigned port) {
+    return {phy, port, 1, 0, 1, 0, 0};
 }
 
-std::unique_ptr<Orvane::PhySession> openSession(OrvaneSim::Board& board, const Orvane::MdioExclusive& mode) {
+MdioExclusive exclusiveMode(unsigned short key, int phy) {
+    return {phy, kPort, 0, 1, 0, key, 0};
+}
+
+MdioExclusive concurrentMode(unsigned short key, int phy) {
+    return {phy, kPort, 0, 0, 1, key, 0};
+}
+
+std::unique_ptr<PhySession> openSession(OrvaneSim::Board& board, const MdioExclusive& mode) {
     auto session =
-        std::make_unique<Orvane::PhySession>(Orvane::AddressResponse(board.serial(), board.address()), mode);
+        std::make_unique<PhySession>(Orvane::AddressResponse(board.serial(), board.address()), mode);
     Orvane::Setup::openConnection(*session);
     return session;
 }
 
-SessionOnBoard::SessionOnBoard(const Orvane::MdioExclusive& mode)
-    : board(lab.add()), owned(openSession(board, mode)), session(*owned) {
+ConnectedSession::ConnectedSession(const MdioExclusive& mode, const std::string& serial)
+    : OneBoard(serial), owned(std::make_unique<PhySession>(record(), mode)), session(*owned) {}
+
+Orvane::RPCClient& ConnectedSession::client(Orvane::BoardConnection::clientId id) const {
+    return *session.connection->getClient(id);
+}
+
+SessionOnBoard::SessionOnBoard(const MdioExclusive& mode, const std::string& serial)
+    : ConnectedSession(mode, serial) {
+    Orvane::Setup::openConnection(session);
     board.forgetRequests();
 }
 

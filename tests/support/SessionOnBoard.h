@@ -1,31 +1,41 @@
-// A session that is open on a simulated board of its own.
+// A session on a simulated board; PHY, port, mode and the board's name are a test's choice.
 #pragma once
 
+#include "ov_sys/Interface/connection/BoardConnection.h"
 #include "ov_sys/Interface/sessions/MdioExclusive.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
-#include <orvane/lab.h>
+#include "tests/support/OneBoard.h"
+#include "tests/support/Place.h"
 
 #include <memory>
 
 namespace OrvaneTest {
 
-// A simple session without key, which a board grants to everyone.
-Orvane::MdioExclusive simpleMode(int phyAddress = 5, unsigned int deviceIndex = 1);
+// A session without key that a board grants to everyone.
+Orvane::MdioExclusive simpleMode(int phy = kPhy, unsigned port = kPort);
+
+// A session that excludes others, and one that shares with those who have its key.
+Orvane::MdioExclusive exclusiveMode(unsigned short key = 0, int phy = kPhy);
+Orvane::MdioExclusive concurrentMode(unsigned short key = 0, int phy = kPhy);
 
 // Opens a session on `board`; it has no keep-alive thread, so that only the test makes requests.
 std::unique_ptr<Orvane::PhySession> openSession(OrvaneSim::Board& board,
                                                 const Orvane::MdioExclusive& mode = simpleMode());
 
-// A lab with board 01A2 and a session on it. The requests of the opening are forgotten. To be a base of a
-// test's fixture, or a local variable.
-class SessionOnBoard {
-public:
-    explicit SessionOnBoard(const Orvane::MdioExclusive& mode = simpleMode());
-
-    OrvaneSim::Lab lab;
-    OrvaneSim::Board& board;
+// A session that its board does not know yet. To be a base of a test's fixture, or a local variable.
+struct ConnectedSession : OneBoard {
     std::unique_ptr<Orvane::PhySession> owned;
     Orvane::PhySession& session;
+
+    explicit ConnectedSession(const Orvane::MdioExclusive& mode = simpleMode(),
+                              const std::string& serial = kBoardSerial);
+    Orvane::RPCClient& client(Orvane::BoardConnection::clientId id) const;
+};
+
+// One that is open, without its keep-alive thread. The requests of the opening are forgotten.
+struct SessionOnBoard : ConnectedSession {
+    explicit SessionOnBoard(const Orvane::MdioExclusive& mode = simpleMode(),
+                            const std::string& serial = kBoardSerial);
 };
 
 // The identity word of the call number `call` (from 0) of the board's session number `sessionId`.

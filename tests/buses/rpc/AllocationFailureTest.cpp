@@ -4,7 +4,7 @@
 #include "ov_sys/Interface/buses/rpc/RPCMDIO.h"
 #include "ov_sys/Interface/buses/rpc/RPCSetup.h"
 #include "tests/support/allocations/OpenDescriptors.h"
-#include "tests/support/OpenSession.h"
+#include "tests/support/SessionOnBoard.h"
 #include "tests/support/WrittenText.h"
 
 #include <gtest/gtest.h>
@@ -14,10 +14,7 @@ namespace {
 
 using namespace OrvaneTest;
 
-constexpr unsigned kRegister = 0x10002;
-constexpr unsigned kValue = 0xCAFE;
-
-class FailedAllocation : public testing::Test, public OpenSession {
+class FailedAllocation : public testing::Test, public SessionOnBoard {
 protected:
     FailedAllocation() {
         board.setRegister(OrvaneSim::Space::C45, kPort, kPhy, kRegister, kValue);

@@ -2,8 +2,9 @@
 #include "ov_sys/Interface/buses/rpc/CallFrame.h"
 
 #include "tests/support/HookedClient.h"
-#include "tests/support/OpenSession.h"
+#include "tests/support/RepeatedText.h"
 #include "tests/support/ScriptedStub.h"
+#include "tests/support/SessionOnBoard.h"
 #include "tests/support/WrittenText.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +15,7 @@ namespace Orvane {
 namespace {
 
 using namespace OrvaneTest;
-using Stub = ScriptedStub<Simple_Param, Simple_Result>;
+using SimpleStub = ScriptedStub<Simple_Param, Simple_Result>;
 
 constexpr const char* kBusy = "mdio Board in busy. Retrying...-16\n";
 constexpr const char* kHandling = "mdioRPC call error: 5. Session error handling started...\n";
@@ -24,14 +25,7 @@ constexpr const char* kWarning =
 constexpr const char* kFatal = "Error level of attempts for RPC call was achieved.\n"
                                "Remote Error:5\n  \"RPC: Success\n\"\n";
 
-std::string times(int count, const std::string& text) {
-    std::string all;
-    for (int i = 0; i < count; ++i)
-        all += text;
-    return all;
-}
-
-class CallFrame : public testing::Test, public OpenSession {
+class CallFrame : public testing::Test, public SessionOnBoard {
 protected:
     CallFrame() { rpc_createerr.cf_stat = RPC_SUCCESS; }
 
@@ -41,13 +35,13 @@ protected:
     };
 
     // Runs the frame with stubs that answer as `answer` says.
-    Outcome run(const Stub::Answer& answer) {
-        Stub stub(answer);
+    Outcome run(const SimpleStub::Answer& answer) {
+        SimpleStub stub(answer);
         Outcome outcome;
         outcome.error = textWritten([&] {
                             try {
-                                DO_RPC(Stub::call, Simple_Param{11, session.identityWord()}, &result, session,
-                                       BoardConnection::MDIO);
+                                DO_RPC(SimpleStub::call, Simple_Param{11, session.identityWord()}, &result,
+                                       session, BoardConnection::MDIO);
                             } catch (const std::exception& problem) {
                                 outcome.thrown = problem.what();
                             }
@@ -139,7 +133,7 @@ TEST_F(CallFrame, RefusesAClientThatCannotBeConnected) {
 TEST_F(CallFrame, RefusesAnUnknownClient) {
     Simple_Result ignored{};
     EXPECT_EQ(thrownText<std::out_of_range>([&] {
-                  DO_RPC(Stub::call, Simple_Param{}, &ignored, session,
+                  DO_RPC(SimpleStub::call, Simple_Param{}, &ignored, session,
                          static_cast<BoardConnection::clientId>(8));
               }),
               "map::at");

@@ -4,7 +4,7 @@
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
 #include "tests/support/HookedClient.h"
-#include "tests/support/OpenSession.h"
+#include "tests/support/SessionOnBoard.h"
 #include "tests/support/WrittenText.h"
 
 #include <chrono>
@@ -46,7 +46,7 @@ bool awaitThreadWithSlack(long nanoseconds) {
     return false;
 }
 
-class KeepAliveThread : public testing::Test, public OpenSession {
+class KeepAliveThread : public testing::Test, public SessionOnBoard {
 protected:
     ~KeepAliveThread() override { session.stopKeepAlive(); }
 

@@ -3,7 +3,7 @@
 #include "ov_sys/Interface/buses/rpc/RPCMDIO.h"
 #include "ov_sys/Interface/buses/rpc/RPCSetup.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
-#include "tests/support/OpenSession.h"
+#include "tests/support/SessionOnBoard.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -14,7 +14,7 @@ namespace {
 using namespace OrvaneTest;
 using OrvaneSim::Fault;
 
-class LastResult : public testing::Test, public OpenSession {
+class LastResult : public testing::Test, public SessionOnBoard {
 protected:
     void answer(const char* program, const char* procedure, int code) {
         inject(Fault::Kind::ResultCode, program, procedure, 1, code);

@@ -4,7 +4,7 @@
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
 #include "tests/support/HookedClient.h"
-#include "tests/support/OpenSession.h"
+#include "tests/support/SessionOnBoard.h"
 #include "tests/support/WrittenText.h"
 
 #include <chrono>
@@ -50,7 +50,7 @@ protected:
         board.waitFor([&](const OrvaneSim::Request& request) { return request.procedure == procedure; });
     }
 
-    std::unique_ptr<PhySession> session = std::make_unique<PhySession>(record(), simpleOpenMode());
+    std::unique_ptr<PhySession> session = std::make_unique<PhySession>(record(), simpleMode());
 };
 
 class EndlessPing : public EndOfSession, public testing::WithParamInterface<int> {};

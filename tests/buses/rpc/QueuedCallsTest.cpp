@@ -4,7 +4,7 @@
 #include "ov_sys/Interface/buses/rpc/RPCSetup.h"
 #include "ov_sys/Interface/connection/HandleTurn.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
-#include "tests/support/OpenSession.h"
+#include "tests/support/SessionOnBoard.h"
 #include "tests/support/SleepingThread.h"
 #include "tests/support/WrittenText.h"
 
@@ -26,10 +26,7 @@ using namespace std::chrono_literals;
 using OrvaneSim::Fault;
 using Clock = std::chrono::steady_clock;
 
-constexpr unsigned kRegister = 0x10002;
-constexpr unsigned kValue = 0xCAFE;
-
-class QueuedCall : public testing::Test, public OpenSession {
+class QueuedCall : public testing::Test, public SessionOnBoard {
 protected:
     QueuedCall() { board.setRegister(OrvaneSim::Space::C45, kPort, kPhy, kRegister, kValue); }
 

@@ -2,7 +2,8 @@
 #include "ov_sys/Interface/buses/rpc/CallFrame.h"
 #include "ov_sys/Interface/buses/rpc/RPCSetup.h"
 #include "tests/support/HookedClient.h"
-#include "tests/support/OpenSession.h"
+#include "tests/support/RepeatedText.h"
+#include "tests/support/SessionOnBoard.h"
 #include "tests/support/WrittenText.h"
 
 #include <gtest/gtest.h>
@@ -18,14 +19,7 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char* kTimedOutCall = "setupRPC call error: 5. Session error handling started...\n";
 
-std::string times(int count, const std::string& text) {
-    std::string all;
-    for (int i = 0; i < count; ++i)
-        all += text;
-    return all;
-}
-
-class RemoteCommand : public testing::Test, public OpenSession {
+class RemoteCommand : public testing::Test, public SessionOnBoard {
 protected:
     RemoteCommand() {
         rpc_createerr.cf_stat = RPC_SUCCESS;

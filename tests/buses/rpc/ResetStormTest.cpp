@@ -1,7 +1,7 @@
 // Calls of one thread while another drops the handles that they go through.
 #include "ov_sys/Interface/buses/rpc/RPCMDIO.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
-#include "tests/support/OpenSession.h"
+#include "tests/support/SessionOnBoard.h"
 #include "tests/support/WrittenText.h"
 
 #include <atomic>
@@ -13,11 +13,9 @@ namespace {
 
 using namespace OrvaneTest;
 
-constexpr unsigned kRegister = 0x10002;
-constexpr unsigned kValue = 0xCAFE;
 constexpr int kResets = 10000;
 
-class ResetStorm : public testing::Test, public OpenSession {
+class ResetStorm : public testing::Test, public SessionOnBoard {
 protected:
     ResetStorm() { board.setRegister(OrvaneSim::Space::C45, kPort, kPhy, kRegister, kValue); }
 

@@ -2,8 +2,8 @@
 #include "ov_sys/Interface/buses/rpc/CallFrame.h"
 #include "ov_sys/Interface/buses/rpc/RPCMDIO.h"
 #include "ov_sys/Interface/rpc_protocol/DecodeGuard.h"
-#include "tests/support/OpenSession.h"
 #include "tests/support/ScriptedStub.h"
+#include "tests/support/SessionOnBoard.h"
 #include "tests/support/WrittenText.h"
 
 #include <array>
@@ -16,7 +16,7 @@ namespace {
 using namespace OrvaneTest;
 using OrvaneSim::Fault;
 using Words = std::vector<u_int>;
-using Stub = ScriptedStub<ID_Param, MDIO_Read_Result>;
+using ReadStub = ScriptedStub<ID_Param, MDIO_Read_Result>;
 
 // One reply as it comes over the wire; the last `missing` words never arrive.
 struct Reply {
@@ -38,13 +38,13 @@ clnt_stat decode(const Reply& reply, MDIO_Read_Result& result) {
     return xdr_MDIO_Read_Result(&stream, &result) ? RPC_SUCCESS : RPC_CANTDECODERES;
 }
 
-class RetriedResult : public testing::Test, public OpenSession {
+class RetriedResult : public testing::Test, public SessionOnBoard {
 protected:
     void call(const std::vector<Reply>& replies) {
-        Stub stub([&](std::size_t number, MDIO_Read_Result& decoded) {
+        ReadStub stub([&](std::size_t number, MDIO_Read_Result& decoded) {
             return decode(replies.at(number - 1), decoded);
         });
-        DO_RPC(Stub::call, ID_Param{session.identityWord()}, &result, session, BoardConnection::MDIO);
+        DO_RPC(ReadStub::call, ID_Param{session.identityWord()}, &result, session, BoardConnection::MDIO);
         EXPECT_EQ(stub.calls, replies.size());
     }
 
@@ -130,7 +130,7 @@ TEST_F(UnannouncedResult, IsNotFreedAfterAReplyThatBreaksOff) {
     EXPECT_EQ(buffer, (std::array<u_int, 3>{4, 5, 92}));
 }
 
-class RetriedRead : public testing::Test, public OpenSession {
+class RetriedRead : public testing::Test, public SessionOnBoard {
 protected:
     RetriedRead() { board.setRegister(OrvaneSim::Space::C45, kPort, kPhy, kRegister, 0x1234); }
     static constexpr unsigned kRegister = 0x10005;

@@ -3,7 +3,7 @@
 #include "ov_sys/Interface/buses/rpc/RPCKeepAlive.h"
 #include "ov_sys/Interface/buses/rpc/RPCSetup.h"
 #include "tests/support/HookedClient.h"
-#include "tests/support/OpenSession.h"
+#include "tests/support/SessionOnBoard.h"
 #include "tests/support/WrittenText.h"
 
 #include <gtest/gtest.h>
@@ -36,7 +36,7 @@ Json openArguments(const OneBoard& lab) {
 }
 
 TEST(OpenConnection, SendsAnExclusiveModeWithItsKey) {
-    ConnectedSession test(exclusiveOpenMode(0xBEEF));
+    ConnectedSession test(exclusiveMode(0xBEEF, 3));
     Setup::RPC::openConnection(test.session);
     EXPECT_EQ(openArguments(test), (Json{{"sessionId", 0xBEEF},
                                          {"exclusive", 1},
@@ -48,7 +48,7 @@ TEST(OpenConnection, SendsAnExclusiveModeWithItsKey) {
 }
 
 TEST(OpenConnection, SendsAConcurrentMode) {
-    ConnectedSession test(concurrentOpenMode(7));
+    ConnectedSession test(concurrentMode(7, 3));
     Setup::RPC::openConnection(test.session);
     EXPECT_EQ(openArguments(test), (Json{{"sessionId", 7},
                                          {"exclusive", 0},
@@ -60,7 +60,7 @@ TEST(OpenConnection, SendsAConcurrentMode) {
 }
 
 TEST(OpenConnection, SendsASimpleModeByItsOtherName) {
-    ConnectedSession test(simpleOpenMode());
+    ConnectedSession test(simpleMode(3));
     Setup::openConnection(test.session);
     EXPECT_EQ(openArguments(test), (Json{{"sessionId", 0},
                                          {"exclusive", 0},
@@ -84,7 +84,7 @@ TEST(OpenConnection, SendsTheReservedByteAndANegativePhy) {
 }
 
 TEST(OpenConnection, StoresIdSequenceAndKey) {
-    ConnectedSession test(exclusiveOpenMode());
+    ConnectedSession test(exclusiveMode());
     const unsigned key = Setup::RPC::openConnection(test.session);
     EXPECT_EQ(key, 0x5000U);
     EXPECT_EQ(test.session.mdio.key, 0x5000);
@@ -113,7 +113,7 @@ TEST(OpenConnection, TriesAgainAfterASecondUntilTheBoardAgrees) {
 
 class RefusedOpening : public testing::TestWithParam<int> {
 protected:
-    ConnectedSession test{exclusiveOpenMode(5)};
+    ConnectedSession test{exclusiveMode(5)};
 
     std::string error;
     template <class Expected>
@@ -174,7 +174,7 @@ TEST(OpenConnection, UpdatesAClientWithoutHandle) {
 }
 
 TEST(OpenConnection, ThrowsWhenTheClientCannotBeUpdated) {
-    PhySession session("board7", simpleOpenMode());
+    PhySession session("board7", simpleMode());
     std::string thrown;
     const WrittenText written = textWritten([&] {
         session.connection->getClient(BoardConnection::SETUP)->host = kRefusingAddress;
@@ -202,9 +202,9 @@ TEST(OpenConnection, MarksTheClientBusyForEachTry) {
     EXPECT_EQ(marks, (std::vector<bool>{true, false, true, false}));
 }
 
-class CloseConnection : public testing::Test, public OpenSession {
+class CloseConnection : public testing::Test, public SessionOnBoard {
 protected:
-    CloseConnection() : OpenSession(exclusiveOpenMode()) {}
+    CloseConnection() : SessionOnBoard(exclusiveMode()) {}
     WrittenText close() {
         return textWritten([&] { Setup::RPC::closeConnection(session); });
     }
@@ -267,7 +267,7 @@ TEST_F(CloseConnection, DoesNotLookAtTheBoardsCode) {
 TEST(PhySessionClose, SendsTheRequestWhenTheSessionIsDestroyed) {
     OneBoard lab;
     {
-        PhySession session(lab.record(), simpleOpenMode());
+        PhySession session(lab.record(), simpleMode());
         Setup::openConnection(session);
         EXPECT_EQ(lab.board.sessionCount(), 1U);
     }
@@ -278,20 +278,20 @@ TEST(PhySessionClose, SendsTheRequestWhenTheSessionIsDestroyed) {
 TEST(PhySessionClose, OfAnAbandonedSessionSendsNothing) {
     OneBoard lab;
     {
-        PhySession session(lab.record(), simpleOpenMode());
+        PhySession session(lab.record(), simpleMode());
         session.abandon();
     }
     EXPECT_EQ(lab.count("close_connection"), 0U);
 }
 
 TEST(PhySessionClose, OfAnUnconnectedSessionIsReportedAtItsDestruction) {
-    auto session = std::make_unique<PhySession>("board7", simpleOpenMode());
+    auto session = std::make_unique<PhySession>("board7", simpleMode());
     const WrittenText written = textWritten([&] { session.reset(); });
     EXPECT_EQ(written.error, "Closing connection terminated. Invalid Setup RPC client\n");
 }
 
 TEST(PhySessionClose, DiscardsWhateverTheCloseCallThrows) {
-    OpenSession test;
+    SessionOnBoard test;
     test.session.connection->clients.clear();
     test.session.close();
     EXPECT_EQ(test.count("close_connection"), 0U);
@@ -306,7 +306,7 @@ struct Ping {
     const char* client;
 };
 
-class SessionPing : public testing::TestWithParam<Ping>, public OpenSession {};
+class SessionPing : public testing::TestWithParam<Ping>, public SessionOnBoard {};
 
 TEST_P(SessionPing, CarriesThePingSequenceAndTheSessionId) {
     session.pingSequence = 0x0203;

@@ -2,7 +2,7 @@
 #include "ov_sys/Interface/buses/rpc/RPCMDIO.h"
 #include "ov_sys/Interface/buses/rpc/RPCSetup.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
-#include "tests/support/OpenSession.h"
+#include "tests/support/SessionOnBoard.h"
 
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -14,7 +14,7 @@ namespace {
 using namespace OrvaneTest;
 using OrvaneSim::Fault;
 
-class StrayReply : public testing::Test, public OpenSession {
+class StrayReply : public testing::Test, public SessionOnBoard {
 protected:
     StrayReply() {
         board.setRegister(OrvaneSim::Space::C45, kPort, kPhy, 1, 0x1111);

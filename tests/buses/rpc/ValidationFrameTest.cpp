@@ -2,8 +2,8 @@
 #include "ov_sys/Interface/buses/rpc/CallFrame.h"
 #include "ov_sys/Interface/buses/rpc/RPCKeepAlive.h"
 #include "tests/support/HookedClient.h"
-#include "tests/support/OpenSession.h"
 #include "tests/support/ScriptedStub.h"
+#include "tests/support/SessionOnBoard.h"
 #include "tests/support/SleepingThread.h"
 #include "tests/support/WrittenText.h"
 
@@ -16,28 +16,28 @@ namespace Orvane {
 namespace {
 
 using namespace OrvaneTest;
-using Stub = ScriptedStub<ID_Param, Simple_Result>;
+using PingStub = ScriptedStub<ID_Param, Simple_Result>;
 
-constexpr const char* kHandling = "keepAliveRPC call error: 5. Session error handling started...\n";
+constexpr const char* kPingHandling = "keepAliveRPC call error: 5. Session error handling started...\n";
 
-class ValidationFrame : public testing::Test, public OpenSession {
+class ValidationFrame : public testing::Test, public SessionOnBoard {
 protected:
     struct Outcome {
         std::string error;
         std::string thrown;
     };
 
-    Outcome run(const Stub::Answer& answer) {
-        Stub stub(answer);
+    Outcome run(const PingStub::Answer& answer) {
+        PingStub stub(answer);
         Outcome outcome;
-        outcome.error =
-            textWritten([&] {
-                try {
-                    DO_RPC_VALIDATION(Stub::call, ID_Param{77}, &result, session, BoardConnection::KEEPALIVE);
-                } catch (const std::exception& problem) {
-                    outcome.thrown = problem.what();
-                }
-            }).error;
+        outcome.error = textWritten([&] {
+                            try {
+                                DO_RPC_VALIDATION(PingStub::call, ID_Param{77}, &result, session,
+                                                  BoardConnection::KEEPALIVE);
+                            } catch (const std::exception& problem) {
+                                outcome.thrown = problem.what();
+                            }
+                        }).error;
         calls = stub.calls;
         params = stub.params;
         return outcome;
@@ -121,7 +121,7 @@ TEST_F(ValidationFrame, PingsAgainOnceTheConnectionIsRetrained) {
     const Outcome outcome = run([](std::size_t number, Simple_Result& answered) {
         return number == 1 ? RPC_TIMEDOUT : answer(answered, 0);
     });
-    EXPECT_EQ(outcome.error, kHandling);
+    EXPECT_EQ(outcome.error, kPingHandling);
     EXPECT_EQ(calls, 2U);
     EXPECT_EQ(session.pingSequence, 1);
     EXPECT_EQ(session.getSessionState(), PhySession::SESSION_RETRAINED);

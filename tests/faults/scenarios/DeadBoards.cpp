@@ -20,7 +20,7 @@ using OrvaneSim::Request;
 
 /// In milliseconds: the time-out of the call and of two pings, a search of 4 s that finds nothing, the pauses
 /// between, and the connecting of six clients to a board whose port mapper is silent.
-constexpr double kLongestCall = 30000;
+constexpr double kLongestStruckCall = 30000;
 
 /// One way of dying. `strike` is done before the call that meets it, `revive` after that call.
 struct Death {
@@ -159,7 +159,8 @@ void deadBoards(Run& run) {
         table.row(name, sum.cycles, sum.struck.good, sum.struck.failed(), sum.struck.wrong,
                   seconds(sum.struck.slowestMs) + " s", sum.sessionsKept, sum.goodAfterwards);
         run.report.expect(sum.struck.wrong == 0, name, ": a wrong value or an undocumented error");
-        run.report.expect(sum.struck.slowestMs < kLongestCall, name, ": took ", sum.struck.slowestMs, " ms");
+        run.report.expect(sum.struck.slowestMs < kLongestStruckCall, name, ": took ", sum.struck.slowestMs,
+                          " ms");
         run.report.expect(sum.goodAfterwards == sum.cycles, name, ": not every board was reached again");
     }
     run.report.show(table);

@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::chrono::seconds kPatience{90};
 
-void say(int words, const std::string& text) {
+void tell(int words, const std::string& text) {
     static_cast<void>(!write(words, text.data(), text.size()));
 }
 
@@ -46,7 +46,7 @@ int lifeOfATool(const NamedBoard& board, int words) {
     } catch (const std::exception&) {
         outcome = "error in the opening";
     }
-    say(words, outcome);
+    tell(words, outcome);
     return 0;
 }
 

@@ -6,17 +6,17 @@
 namespace OrvaneFaults {
 namespace {
 
-std::FILE* figures = stdout;
+std::FILE* figuresStream = stdout;
 
 } // namespace
 
 void figuresTo(std::FILE* file) {
-    figures = file;
+    figuresStream = file;
 }
 
 void say(const std::string& line) {
-    std::fputs((line + "\n").c_str(), figures);
-    std::fflush(figures);
+    std::fputs((line + "\n").c_str(), figuresStream);
+    std::fflush(figuresStream);
 }
 
 Table::Table(std::string title, std::vector<std::string> columns)

@@ -8,7 +8,7 @@ namespace {
 
 constexpr long kShort = 100; // milliseconds to wait for an answer that does not come
 
-class FaultyBoard : public OneBoard {
+class FaultyBoard : public BoardWithClient {
 protected:
     Client mdio{board, SIM_MDIO, "udp"};
     Decoded<sim_MDIO_Read_Result> answer{xdr_sim_MDIO_Read_Result};

@@ -15,7 +15,7 @@
 namespace OrvaneSim {
 namespace {
 
-class Control : public OneBoard {
+class Control : public BoardWithClient {
 protected:
     LabControl control{lab};
 
@@ -199,7 +199,7 @@ TEST(DocumentationOfTheSimulator, HasARowForEveryFaultAndAction) {
         EXPECT_TRUE(documented("| `" + std::string(form.name) + "` | ")) << form.name;
 }
 
-class ControlSocket : public OneBoard {
+class ControlSocket : public BoardWithClient {
 protected:
     ScratchFolder folder;
     const std::string path = folder.file("lab.sock");

@@ -50,6 +50,8 @@ TEST(LabOfBoards, BesideAnotherTakesAddressesThatAreLeft) {
     EXPECT_NE(first.add().address(), second.add().address());
 }
 
+class OneBoard : public BoardWithClient {};
+
 TEST_F(OneBoard, RefusesEverythingWhileItIsStopped) {
     board.stop();
     int value = 0;

@@ -8,7 +8,7 @@ namespace {
 
 using Numbers = std::vector<unsigned>;
 
-class AdcProgram : public OneBoard {
+class AdcProgram : public BoardWithClient {
 protected:
     Client adc{board, SIM_ADC, "tcp"};
     Decoded<sim_ADC_Data> data{xdr_sim_ADC_Data};

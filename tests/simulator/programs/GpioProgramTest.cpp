@@ -9,7 +9,7 @@ namespace {
 
 using Numbers = std::vector<unsigned>;
 
-class GpioProgram : public OneBoard {
+class GpioProgram : public BoardWithClient {
 protected:
     Client gpio{board, SIM_GPIO, "udp"};
     Decoded<sim_GPIO_Read_Result> answer{xdr_sim_GPIO_Read_Result};

@@ -8,7 +8,7 @@ namespace {
 
 using Numbers = std::vector<unsigned>;
 
-class I2cProgram : public OneBoard {
+class I2cProgram : public BoardWithClient {
 protected:
     static constexpr u_int kPhy = 5;
     static constexpr u_int kSensor = 0x48;

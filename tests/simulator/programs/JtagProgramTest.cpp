@@ -7,7 +7,7 @@
 namespace OrvaneSim {
 namespace {
 
-class JtagProgram : public OneBoard {
+class JtagProgram : public BoardWithClient {
 protected:
     Client jtag{board, SIM_JTAG, "udp"};
     Decoded<sim_JTAG_ShiftMulti_Result> answer{xdr_sim_JTAG_ShiftMulti_Result};

@@ -13,7 +13,7 @@ u_int at(unsigned device, unsigned phy, unsigned rest) {
     return (device << 29) | (phy << 24) | rest;
 }
 
-class MdioProgram : public OneBoard {
+class MdioProgram : public BoardWithClient {
 protected:
     Client mdio{board, SIM_MDIO, "udp"};
     Decoded<sim_MDIO_Read_Result> answer{xdr_sim_MDIO_Read_Result};

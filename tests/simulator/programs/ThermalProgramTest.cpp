@@ -7,7 +7,7 @@
 namespace OrvaneSim {
 namespace {
 
-class ThermalProgram : public OneBoard {
+class ThermalProgram : public BoardWithClient {
 protected:
     Client thermal{board, SIM_THERMAL, "udp"};
     int handle = static_cast<int>(identity);

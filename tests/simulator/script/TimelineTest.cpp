@@ -103,7 +103,7 @@ TEST(Script, IsAListForTheBoardsOfTheLab) {
               "[0].board: the lab has no board \"B\"");
 }
 
-class Recorded : public OneBoard {
+class Recorded : public BoardWithClient {
 protected:
     ScratchFolder folder;
 };
@@ -134,7 +134,7 @@ TEST_F(Recorded, NowhereIsRefused) {
     EXPECT_THROW(recordRequests(lab, "/no/such/folder/file"), ScriptError);
 }
 
-class SnapshotOfALab : public OneBoard {
+class SnapshotOfALab : public BoardWithClient {
 protected:
     ScratchFolder folder;
     const std::string file = folder.file("registers.json");

@@ -14,13 +14,6 @@ constexpr unsigned kNextWord = 0x0FF5E704;
 
 constexpr unsigned long long kAllOnes = 0xFFFFFFFFFFFFFFFF;
 
-// PHY 6 on adapter 3 as a PHY argument, 2147680262 in records.
-constexpr int kCarrying = phyOn(3, 6);
-
-constexpr Frame kExplicit{3, 5}; // of adapter 3 and PHY 5
-constexpr Frame kDefault{2, 5};  // of PHY argument 5
-constexpr Frame kCarried{3, 6};  // of kCarrying
-
 enum Transport { OverMdio, Nowhere };
 
 struct Access {
@@ -36,7 +29,7 @@ struct Access {
 class WidthAccess : public FlatInterface, public testing::WithParamInterface<Access> {
 protected:
     WidthAccess() {
-        for (const Frame& phy : {kExplicit, kDefault, kCarried}) {
+        for (const Frame& phy : {kOnExplicit, kOnDefault, kOnCarried}) {
             board.setRegister(OrvaneSim::Space::Ext32, phy.adapter, phy.phy, 0x1000, kWord);
             board.setRegister(OrvaneSim::Space::Ext32, phy.adapter, phy.phy, 0x1004, kNextWord);
         }

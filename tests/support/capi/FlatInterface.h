@@ -2,6 +2,7 @@
 #pragma once
 
 #include "simulator/lab/Lab.h"
+#include "tests/support/Place.h"
 
 #include <gtest/gtest.h>
 #include <orvane/orvane.h>
@@ -106,6 +107,9 @@ constexpr int phyOn(unsigned adapter, unsigned phy) {
     return static_cast<int>(0x80000000U | adapter << 16U | phy);
 }
 
+// PHY 6 on adapter 3 as a PHY argument, 2147680262 in records.
+constexpr int kCarrying = phyOn(3, 6);
+
 // The texts that FlatInterface::frames() gives for calls to one PHY.
 struct Frame {
     unsigned adapter;
@@ -126,5 +130,11 @@ struct Frame {
 private:
     unsigned prefix() const;
 };
+
+// The PHYs that accesses go to: by PHY argument alone, by adapter 3, by kCarrying, and by the default PHY id.
+constexpr Frame kOnDefault{kDefaultAdapter, kPhy};
+constexpr Frame kOnExplicit{3, kPhy};
+constexpr Frame kOnCarried{3, 6};
+constexpr Frame kOnDefaultPhy{kDefaultAdapter, kDefaultPhy};
 
 } // namespace OrvaneTest

@@ -29,6 +29,12 @@ Steps operator+(Steps first, const Steps& second);
 
 std::vector<std::string> framesOf(const Frame& phy, const Steps& steps);
 
+// What a register holds that is read by a path, and two paths that write 0x1234 to register 0x10.
+constexpr unsigned kFound = 0xC045;
+inline const Steps kBridgeWrite{wrote(30, 0xA110, 1), wrote(30, 0xA104, 0x10), wrote(30, 0xA105, 0x1234),
+                                read(30, 0xA111, 0x1000)};
+inline const Steps kTgeWrite{wrote(29, 0xC204, 0x1234), wrote(29, 0xC203, 0x8010)};
+
 // The log of the steps with this adapter and PHY number.
 std::string logOf(unsigned adapter, unsigned phy, const Steps& steps);
 

@@ -9,6 +9,9 @@
 
 namespace OrvaneTest {
 
+// The adapter that tests use when either would do; the device of port 1.
+constexpr unsigned kAdapter = 1;
+
 // An interface that knows the devices of `board` without a discovery.
 struct AdaptersOf {
     explicit AdaptersOf(const OrvaneSim::Board& board) {

@@ -1,6 +1,7 @@
 #include "tests/support/discovery/BoardSide.h"
 
 #include "simulator/network/PrivateNetwork.h"
+#include "tests/support/discovery/Group.h"
 
 #include <arpa/inet.h>
 #include <chrono>
@@ -13,7 +14,6 @@ namespace OrvaneTest {
 
 namespace {
 
-constexpr int kPort = 12345;
 constexpr char kMark[] = "mark ";
 
 Orvane::FileDescriptor datagramSocket() {
@@ -60,7 +60,7 @@ std::vector<std::string> BoardSide::requests() {
     const int mark = ++sentMarks_;
     bool seen = false;
     for (int attempt = 0; attempt < 200 && !seen; ++attempt) {
-        sendTo(host.get(), kMark + std::to_string(mark), endPoint(inet_addr("10.83.0.1"), kPort));
+        sendTo(host.get(), kMark + std::to_string(mark), endPoint(inet_addr("10.83.0.1"), kGroupPort));
         seen = changed_.wait_for(guard, std::chrono::milliseconds(100), [&] { return seenMark_ >= mark; });
     }
     EXPECT_TRUE(seen) << "nothing arrives at the board side";
@@ -70,7 +70,7 @@ std::vector<std::string> BoardSide::requests() {
 void BoardSide::openSocket() {
     OrvaneSim::PrivateNetwork::joinBoardSide();
     socket_ = datagramSocket();
-    EXPECT_TRUE(bindTo(socket_.get(), endPoint(htonl(INADDR_ANY), kPort)));
+    EXPECT_TRUE(bindTo(socket_.get(), endPoint(htonl(INADDR_ANY), kGroupPort)));
     ip_mreqn group{};
     group.imr_multiaddr.s_addr = inet_addr("239.255.255.38");
     group.imr_ifindex = OrvaneSim::PrivateNetwork::boardInterfaces().at(0);
@@ -106,7 +106,7 @@ void BoardSide::handle(const std::string& text, unsigned requester) {
     for (const Reply& reply : answer_(number)) {
         const Orvane::FileDescriptor board = datagramSocket();
         EXPECT_TRUE(bindTo(board.get(), endPoint(inet_addr(reply.address.c_str()), 0)));
-        sendTo(board.get(), reply.text, endPoint(requester, kPort));
+        sendTo(board.get(), reply.text, endPoint(requester, kGroupPort));
     }
 }
 

@@ -90,7 +90,7 @@ inline unsigned openSession(Client& setup, int device = 0, int phy = 0) {
 }
 
 /// A lab with one board, and a session on its port 0, PHY 0.
-class OneBoard : public testing::Test {
+class BoardWithClient : public testing::Test {
 protected:
     Lab lab;
     Board& board = lab.add();

@@ -30,7 +30,7 @@ inline std::string record(const std::string& message) {
     return words({0x80000000U | static_cast<std::uint32_t>(message.size())}) + message;
 }
 
-class RawBoard : public OneBoard {
+class RawBoard : public BoardWithClient {
 protected:
     std::uint16_t port(unsigned protocol) {
         Client mapper(board, SIM_PORTMAP, "udp", 2);

@@ -1,6 +1,8 @@
 // Snapshots of a PHY that behaves: what is read, what is left alone, what comes back.
 #include "tests/support/names/MappedBoard.h"
 
+#include <gmock/gmock.h>
+
 namespace OrvaneTest {
 namespace {
 

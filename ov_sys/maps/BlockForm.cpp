@@ -1,3 +1,4 @@
+// How blocks, registers and their repetitions are read and changed.
 #include "ov_sys/maps/BlockForm.h"
 
 #include "ov_sys/maps/Checks.h"

@@ -1,3 +1,4 @@
+// Finds a map among the files that the build puts into the library.
 #include "ov_sys/maps/BuiltIn.h"
 
 #include "ov_sys/maps/Loader.h"

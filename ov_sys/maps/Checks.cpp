@@ -1,3 +1,4 @@
+// Names and bits that two share, and choices that cannot be.
 #include "ov_sys/maps/Checks.h"
 
 #include "ov_sys/maps/Numbers.h"

@@ -1,3 +1,4 @@
+// The two indexes: by name, and by address.
 #include "ov_sys/maps/Content.h"
 
 namespace Orvane {

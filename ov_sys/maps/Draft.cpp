@@ -1,12 +1,14 @@
+// Names that maps allow, addresses that are free, and the text of it all in the source form.
 #include "ov_sys/maps/Draft.h"
 
+#include "ov_sys/Interface/foundation/Utf8.h"
 #include "ov_sys/maps/BlockForm.h"
 #include "ov_sys/maps/JsonText.h"
 #include "ov_sys/maps/Loader.h"
 #include "ov_sys/maps/Members.h"
 #include "ov_sys/maps/Numbers.h"
 #include "ov_sys/maps/PlaceForm.h"
-#include "ov_sys/maps/Utf8.h"
+#include "ov_sys/maps/Problems.h"
 
 #include <algorithm>
 #include <cctype>

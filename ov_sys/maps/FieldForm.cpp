@@ -1,8 +1,9 @@
+// Fields in their short form and their long one, bit ranges and choices.
 #include "ov_sys/maps/FieldForm.h"
 
 #include "ov_sys/maps/Members.h"
 #include "ov_sys/maps/Numbers.h"
-#include "ov_sys/maps/Utf8.h"
+#include "ov_sys/maps/Problems.h"
 
 #include <algorithm>
 

@@ -1,9 +1,10 @@
 // CSV tables: one line a register or a field, a first line that names the columns.
+#include "ov_sys/Interface/foundation/Utf8.h"
 #include "ov_sys/maps/Draft.h"
 #include "ov_sys/maps/FieldForm.h"
 #include "ov_sys/maps/Numbers.h"
 #include "ov_sys/maps/PlaceForm.h"
-#include "ov_sys/maps/Utf8.h"
+#include "ov_sys/maps/Problems.h"
 
 #include <algorithm>
 

@@ -1,6 +1,8 @@
+// Reads a text in place, to a bounded depth, and tells the line of what it refuses.
 #include "ov_sys/maps/Json.h"
 
-#include "ov_sys/maps/Utf8.h"
+#include "ov_sys/Interface/foundation/Utf8.h"
+#include "ov_sys/maps/Problems.h"
 
 #include <algorithm>
 #include <cstring>

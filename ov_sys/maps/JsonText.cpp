@@ -1,3 +1,4 @@
+// How members are separated, indented and quoted.
 #include "ov_sys/maps/JsonText.h"
 
 namespace Orvane::Maps {

@@ -1,9 +1,9 @@
+// Reads a file, those that it includes, and what it says of revisions and overrides.
 #include "ov_sys/maps/Loader.h"
 
 #include "ov_sys/maps/BlockForm.h"
 #include "ov_sys/maps/Members.h"
 #include "ov_sys/maps/Numbers.h"
-#include "ov_sys/maps/Utf8.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -1,7 +1,7 @@
+// How a member is found, read as what it has to be, and refused.
 #include "ov_sys/maps/Members.h"
 
 #include "ov_sys/maps/Numbers.h"
-#include "ov_sys/maps/Utf8.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,7 +1,8 @@
+// Addresses, read piece by piece and written again.
 #include "ov_sys/maps/PlaceForm.h"
 
 #include "ov_sys/maps/Numbers.h"
-#include "ov_sys/maps/Utf8.h"
+#include "ov_sys/maps/Problems.h"
 
 #include <tuple>
 

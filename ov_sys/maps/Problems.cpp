@@ -1,4 +1,7 @@
+// How problems become one text, and one exception.
 #include "ov_sys/maps/Problems.h"
+
+#include <algorithm>
 
 namespace Orvane {
 
@@ -28,6 +31,14 @@ const char* MapError::what() const noexcept {
 }
 
 namespace Maps {
+
+std::string printable(std::string_view text) {
+    constexpr std::size_t kLongest = 80;
+    std::string shown(text.substr(0, kLongest));
+    std::replace_if(
+        shown.begin(), shown.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
+    return text.size() > kLongest ? shown + "..." : shown;
+}
 
 void Problems::keep(Position position, std::string message) {
     list_.push_back({std::move(position.file), position.line, std::move(position.path), std::move(message)});

@@ -3,6 +3,7 @@
 
 #include <orvane/maps.hpp>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -14,6 +15,9 @@ struct Position {
     unsigned line = 0;
     std::string path;
 };
+
+// A name for a message: cut at 80 bytes, with '?' for what is no printable ASCII.
+std::string printable(std::string_view text);
 
 // Keeps the first problems and counts the rest.
 class Problems {

@@ -1,3 +1,4 @@
+// What a map answers, from the content that its copies share.
 #include "ov_sys/maps/Content.h"
 #include "ov_sys/maps/Loader.h"
 

@@ -1,6 +1,6 @@
 // Names by pattern, by word, by beginning, and by likeness.
 #include "ov_sys/maps/Content.h"
-#include "ov_sys/maps/Utf8.h"
+#include "ov_sys/maps/Problems.h"
 
 #include <algorithm>
 #include <set>

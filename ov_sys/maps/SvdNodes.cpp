@@ -1,8 +1,10 @@
+// What an element has of its own, and what it takes from those it derives from or stands in.
 #include "ov_sys/maps/SvdNodes.h"
 
+#include "ov_sys/Interface/foundation/Utf8.h"
 #include "ov_sys/maps/BlockForm.h"
 #include "ov_sys/maps/Numbers.h"
-#include "ov_sys/maps/Utf8.h"
+#include "ov_sys/maps/Problems.h"
 
 #include <algorithm>
 

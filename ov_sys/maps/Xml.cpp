@@ -1,3 +1,4 @@
+// Reads an XML file within bounds, and finds the lines of its elements.
 #include "ov_sys/maps/Xml.h"
 
 #include "ov_sys/maps/Numbers.h"

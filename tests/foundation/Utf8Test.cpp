@@ -1,7 +1,10 @@
+// UTF-8, read character by character, checked and written.
 #include "ov_sys/Interface/foundation/Utf8.h"
 #include "tests/support/NamedParam.h"
 
+#include <array>
 #include <gtest/gtest.h>
+#include <string_view>
 
 namespace Orvane {
 namespace {
@@ -45,6 +48,32 @@ INSTANTIATE_TEST_SUITE_P(IsMissingIn, FirstCharacter,
                                          Text{"TheLastSurrogate", "\xED\xBF\xBF", 0, 0},
                                          Text{"OneBeyondTheLast", "\xF4\x90\x80\x80", 0, 0},
                                          Text{"FiveBytes", "\xF8\x88\x80\x80\x80", 0, 0}),
+                         OrvaneTest::NamedParam());
+
+TEST(Utf8, IsATextOfNothingButCharacters) {
+    EXPECT_TRUE(isUtf8(""));
+    EXPECT_TRUE(isUtf8("a\xC2\x80\xED\x9F\xBF\xF4\x8F\xBF\xBFz"));
+    EXPECT_FALSE(isUtf8("a\xE2\x82z"));
+    EXPECT_FALSE(isUtf8("a\xED\xA0\x80z"));
+    EXPECT_FALSE(isUtf8("a\xE2\x82"));
+}
+
+class WrittenCharacter : public FirstCharacter {};
+
+TEST_P(WrittenCharacter, IsReadAgain) {
+    std::array<char, 4> bytes{};
+    const char* const end = writeUtf8(GetParam().code, bytes.data());
+    EXPECT_EQ(std::string_view(bytes.data(), static_cast<std::size_t>(end - bytes.data())), GetParam().text);
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, WrittenCharacter,
+                         testing::Values(Text{"OneByte", "\x7F", 0x7F, 1},
+                                         Text{"TheFirstOfTwoBytes", "\xC2\x80", 0x80, 2},
+                                         Text{"TheLastOfTwoBytes", "\xDF\xBF", 0x7FF, 2},
+                                         Text{"TheFirstOfThreeBytes", "\xE0\xA0\x80", 0x800, 3},
+                                         Text{"TheLastOfThreeBytes", "\xEF\xBF\xBF", 0xFFFF, 3},
+                                         Text{"TheFirstOfFourBytes", "\xF0\x90\x80\x80", 0x10000, 4},
+                                         Text{"TheLast", "\xF4\x8F\xBF\xBF", 0x10FFFF, 4}),
                          OrvaneTest::NamedParam());
 
 } // namespace

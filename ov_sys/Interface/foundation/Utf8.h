@@ -1,4 +1,4 @@
-// Reading of UTF-8, character by character.
+// UTF-8, read character by character, checked and written.
 #pragma once
 
 #include <array>
@@ -39,6 +39,27 @@ inline Utf8Character firstCharacter(std::string_view text) noexcept {
                                                                  : Utf8Character{code, bytes};
     }
     return {};
+}
+
+// Whether a text is UTF-8 throughout, character by character as above.
+inline bool isUtf8(std::string_view text) noexcept {
+    while (!text.empty()) {
+        const std::size_t bytes = firstCharacter(text).bytes;
+        if (bytes == 0)
+            return false;
+        text.remove_prefix(bytes);
+    }
+    return true;
+}
+
+// Writes a character, 1 to 4 bytes, and returns the place behind it. `code` is below 0x200000.
+inline char* writeUtf8(char32_t code, char* to) noexcept {
+    const unsigned more = code < 0x80 ? 0 : code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
+    constexpr std::array<unsigned, 4> kLead{0, 0xC0, 0xE0, 0xF0};
+    *to++ = static_cast<char>(kLead[more] | code >> (6 * more));
+    for (unsigned left = more; left-- > 0;)
+        *to++ = static_cast<char>(0x80U | (code >> (6 * left) & 0x3FU));
+    return to;
 }
 
 } // namespace Orvane

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <vector>
 
-/// The entry of a target: no input may crash, hang or leak; what else must hold is asserted by `mustHold`.
+// The entry of a target: no input may crash, hang or leak; what else must hold is asserted by `mustHold`.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace OrvaneFuzz {
@@ -19,7 +19,7 @@ inline void mustHold(bool condition) {
         std::abort();
 }
 
-/// Takes an input apart from its front; what is not there any more reads as zero.
+// Takes an input apart from its front; what is not there any more reads as zero.
 class Input {
 public:
     Input(const std::uint8_t* data, std::size_t size) : next_(data), left_(size) {}
@@ -31,7 +31,7 @@ public:
         --left_;
         return *next_++;
     }
-    /// Up to `most` bytes.
+    // Up to `most` bytes.
     Bytes bytes(std::size_t most) {
         const std::size_t count = std::min(most, left_);
         Bytes taken(next_, next_ + count);

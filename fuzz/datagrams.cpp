@@ -30,7 +30,7 @@ std::vector<Datagram> datagramsOf(Input input) {
     return all;
 }
 
-/// Waits for the request and answers with the datagrams and the right reply.
+// Waits for the request and answers with the datagrams and the right reply.
 void answer(int peer, std::vector<Datagram> datagrams) {
     std::array<unsigned char, 256> request{};
     if (recv(peer, request.data(), request.size(), 0) < 4)

@@ -29,7 +29,7 @@ WireBytes bytesOf(const std::string& text) {
     return {text.begin(), text.end()};
 }
 
-/// An accepted call's reply.
+// An accepted call's reply.
 WireBytes reply(unsigned id, const WireBytes& result) {
     WireBytes bytes;
     for (const unsigned word : {id, 1U, 0U, 0U, 0U, 0U})
@@ -61,7 +61,7 @@ void seedRecords() {
         }
 }
 
-/// The results in the order in which the target lists its stubs.
+// The results in the order in which the target lists its stubs.
 void seedReplies() {
     const std::vector<WireBytes> results{sampleOf<Open_Result>().bytes(),
                                          sampleOf<Simple_Result>().bytes(),

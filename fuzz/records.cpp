@@ -12,7 +12,7 @@ using namespace OrvaneFuzz;
 
 constexpr std::size_t kLargestElement = sizeof(StringArrayEntry);
 
-/// A record whose lists and texts, if `capacity` is not 0, point to announced buffers of so many elements.
+// A record whose lists and texts, if `capacity` is not 0, point to announced buffers of so many elements.
 class Record {
 public:
     Record(const RecordSample& sample, std::size_t capacity)

@@ -13,7 +13,7 @@ using namespace OrvaneFuzz;
 
 constexpr std::uint32_t kId = 7;
 
-/// A handle all of whose calls are answered with the same message.
+// A handle all of whose calls are answered with the same message.
 class AnsweredWith {
 public:
     explicit AnsweredWith(Bytes message) : message_(std::move(message)) {
@@ -58,7 +58,7 @@ std::function<void(CLIENT*)> throughStub(clnt_stat (*stub)(Param, Result*, CLIEN
     };
 }
 
-/// One stub of each kind of result, and the bare integer.
+// One stub of each kind of result, and the bare integer.
 const auto& stubs() {
     static const std::array all{
         throughStub(open_connection_1), throughStub(close_connection_1),

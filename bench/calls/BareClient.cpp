@@ -1,3 +1,4 @@
+// Each call as libtirpc's functions make it.
 #include "bench/calls/BareClient.h"
 
 #include <cerrno>

@@ -1,3 +1,4 @@
+// The child that serves the boards, and its end.
 #include "bench/calls/BoardProcess.h"
 
 #include "bench/Processors.h"

@@ -1,3 +1,4 @@
+// Repetitions, their figures, and the lines that are compared.
 #include "bench/calls/Measure.h"
 
 #include <cstdio>

@@ -1,3 +1,4 @@
+// Opens and closes what the benchmarks call through.
 #include "bench/calls/Session.h"
 
 #include "ov_sys/Interface/buses/rpc/RPCSetup.h"

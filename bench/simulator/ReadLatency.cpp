@@ -44,7 +44,7 @@ double median(std::vector<double> values) {
     return *middle;
 }
 
-/// Reads one register over UDP through rpcgen's own stub.
+// Reads one register over UDP through rpcgen's own stub.
 class Reader {
 public:
     Reader(const std::string& address, std::uint16_t port, unsigned identity) : identity_(identity) {
@@ -58,7 +58,7 @@ public:
     Reader& operator=(const Reader&) = delete;
     ~Reader() { clnt_destroy(client_); }
 
-    /// Time of one read in microseconds.
+    // Time of one read in microseconds.
     double read() {
         u_int address = 0x1E0001;
         u_int word = 0;
@@ -78,7 +78,7 @@ private:
     unsigned identity_;
 };
 
-/// The port of the board's MDIO program, as its port mapper knows it.
+// The port of the board's MDIO program, as its port mapper knows it.
 std::uint16_t mdioPort(const std::string& address) {
     sockaddr_in place = OrvaneSim::endPoint(address, 111);
     return pmap_getport(&place, SIM_MDIO, SIM_MDIO_VERSION, IPPROTO_UDP);
@@ -123,7 +123,7 @@ void compareReads(std::uint16_t barePort) {
                 kRounds * kReadsInARound, one, other, one / other);
 }
 
-/// CPU seconds of this process's other threads, of which the lab's is the only one at work.
+// CPU seconds of this process's other threads, of which the lab's is the only one at work.
 double otherThreadsSeconds() {
     const auto seconds = [](clockid_t clock) {
         timespec time{};
@@ -133,7 +133,7 @@ double otherThreadsSeconds() {
     return seconds(CLOCK_PROCESS_CPUTIME_ID) - seconds(CLOCK_THREAD_CPUTIME_ID);
 }
 
-/// A datagram that asks for one register.
+// A datagram that asks for one register.
 std::vector<std::uint32_t> readRequest(unsigned identity) {
     std::vector<std::uint32_t> words{
         1, CALL, RPC_MSG_VERSION, SIM_MDIO, SIM_MDIO_VERSION, SIM_MDIO_READ, 0, 0,
@@ -167,7 +167,7 @@ void countRequests() {
                 (otherThreadsSeconds() - boardBefore) / requests * 1e6);
 }
 
-/// Resident memory of this process in MiB.
+// Resident memory of this process in MiB.
 double residentMemory() {
     std::ifstream file("/proc/self/status");
     for (std::string line; std::getline(file, line);)

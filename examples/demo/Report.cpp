@@ -1,3 +1,4 @@
+// Aligns the rows, and counts.
 #include "examples/demo/Report.h"
 
 #include <array>

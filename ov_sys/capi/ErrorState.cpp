@@ -1,3 +1,4 @@
+// Keeps the texts of errors, from whichever thread they come.
 #include "ov_sys/capi/ErrorState.h"
 
 #include "ov_sys/Interface/foundation/Diagnostics.h"

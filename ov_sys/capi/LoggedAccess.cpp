@@ -1,3 +1,4 @@
+// An access goes to the device, and into the log; no failure ends a path.
 #include "ov_sys/capi/LoggedAccess.h"
 
 #include "ov_sys/Interface/foundation/Diagnostics.h"

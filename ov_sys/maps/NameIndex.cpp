@@ -1,3 +1,4 @@
+// Elements of an array share one entry of the index, when their numbers are regular.
 #include "ov_sys/maps/NameIndex.h"
 
 #include <algorithm>

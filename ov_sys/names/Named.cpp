@@ -1,3 +1,4 @@
+// Reads, decodes and writes a register or a field, and refuses what cannot be.
 #include "ov_sys/names/Named.h"
 
 #include "ov_sys/maps/Numbers.h"

@@ -1,3 +1,4 @@
+// Turns pages between the accesses, and turns them back at the end.
 #include "ov_sys/names/NamedBatch.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// The time that is left, and the pages that stand before.
 #include "ov_sys/names/Paging.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Names the registers that operations reach, turning pages as they do.
 #include "ov_sys/names/Plan.h"
 
 #include "ov_sys/maps/Numbers.h"

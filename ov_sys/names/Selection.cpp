@@ -1,3 +1,4 @@
+// Names and patterns become registers in the order of their addresses.
 #include "ov_sys/names/Selection.h"
 
 #include <algorithm>

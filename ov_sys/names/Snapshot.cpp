@@ -1,3 +1,4 @@
+// Looks values up, decodes them, and compares them field by field.
 #include "ov_sys/names/Snapshot.h"
 
 #include "ov_sys/maps/Numbers.h"

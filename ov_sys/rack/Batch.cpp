@@ -1,3 +1,4 @@
+// How a batch is filled, and what it gives back.
 #include "ov_sys/rack/Batch.h"
 
 #include <utility>

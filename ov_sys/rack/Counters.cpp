@@ -1,3 +1,4 @@
+// The buckets of the latencies.
 #include "ov_sys/rack/Counters.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// An event as a line of text.
 #include "ov_sys/rack/Event.h"
 
 #include <ostream>

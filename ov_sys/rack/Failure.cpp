@@ -1,3 +1,4 @@
+// The sentence of a failure, and the advice for each kind.
 #include "ov_sys/rack/Failure.h"
 
 #include <cstdio>

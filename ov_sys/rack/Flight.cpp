@@ -1,3 +1,4 @@
+// Operations become jobs of a fleet, and a fleet's ends become results.
 #include "ov_sys/rack/Flight.h"
 
 #include "ov_sys/rack/core/Fleet.h"

@@ -1,3 +1,4 @@
+// Each operation of a PHY, by the caller's thread until its deadline.
 #include "ov_sys/rack/Phy.h"
 
 #include "ov_sys/rack/core/OpenSession.h"

@@ -1,3 +1,4 @@
+// What a port knows: its board's state and the access that was asked for.
 #include "ov_sys/rack/Port.h"
 
 #include "ov_sys/rack/core/PortState.h"

@@ -1,3 +1,4 @@
+// Names become ports, searches become lists of boards.
 #include "ov_sys/rack/Rack.h"
 
 #include "ov_sys/rack/core/PortName.h"

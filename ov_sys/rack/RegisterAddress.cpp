@@ -1,3 +1,4 @@
+// A register's address as text.
 #include "ov_sys/rack/RegisterAddress.h"
 
 #include <cstdio>

@@ -1,3 +1,4 @@
+// Which way a register is reached, and what is told when the way breaks off.
 #include "ov_sys/rack/RoutedPhy.h"
 
 #include "ov_sys/rack/access/PathAccess.h"

@@ -1,3 +1,4 @@
+// Each operation of a service as one call with its record.
 #include "ov_sys/rack/Services.h"
 
 #include "ov_sys/rack/core/ServiceCall.h"

@@ -1,3 +1,4 @@
+// The descriptor by which a cancellation wakes those who wait.
 #include "ov_sys/rack/Within.h"
 
 #include <cerrno>

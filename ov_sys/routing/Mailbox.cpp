@@ -1,3 +1,4 @@
+// The steps of a mailbox command, and the bounds of its waits.
 #include "ov_sys/routing/Mailbox.h"
 
 namespace Orvane::Routing {

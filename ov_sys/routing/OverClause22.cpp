@@ -1,3 +1,4 @@
+// The four accesses that carry one.
 #include "ov_sys/routing/OverClause22.h"
 
 namespace Orvane::Routing {

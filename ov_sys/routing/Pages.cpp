@@ -1,3 +1,4 @@
+// The selection of a page, or of a lane and an index, and the access behind it.
 #include "ov_sys/routing/Pages.h"
 
 namespace Orvane::Routing {

@@ -1,3 +1,4 @@
+// The registers of each class, one bit for each.
 #include "ov_sys/routing/RegisterClasses.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// The table of paths, and the call of each.
 #include "ov_sys/routing/Route.h"
 
 #include "ov_sys/routing/Mailbox.h"

@@ -1,3 +1,4 @@
+// The steps through the bridge, and what its status says.
 #include "ov_sys/routing/SerdesBridge.h"
 
 namespace Orvane::Routing {

@@ -1,3 +1,4 @@
+// The control words of the GFE's two mechanisms, and the accesses around them.
 #include "ov_sys/routing/TgeRegisters.h"
 
 namespace Orvane::Routing {

@@ -1,3 +1,4 @@
+// The steps through the window, and the wait for it.
 #include "ov_sys/routing/Window.h"
 
 namespace Orvane::Routing {

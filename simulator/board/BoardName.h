@@ -6,17 +6,17 @@
 
 namespace OrvaneSim {
 
-/// The names of one board.
+// The names of one board.
 struct BoardName {
     std::string serial;
     std::string firstWord;
     std::vector<std::string> devices;
 
-    /// First word and device names, separated by single blanks.
+    // First word and device names, separated by single blanks.
     std::string line() const;
 
-    /// Whether a request for `word` is meant for this board: the word is empty or, letter case aside, its
-    /// serial number or one of its device names.
+    // Whether a request for `word` is meant for this board: the word is empty or, letter case aside, its
+    // serial number or one of its device names.
     bool answersTo(const std::string& word) const;
 };
 

@@ -23,7 +23,7 @@
 
 namespace OrvaneSim {
 
-/// One board's state without its sockets. Belongs to the loop's thread, but for the request log.
+// One board's state without its sockets. Belongs to the loop's thread, but for the request log.
 struct BoardParts {
     BoardParts(const std::string& serial, const std::string& nameLine, std::uint64_t seed);
     BoardParts(const BoardParts&) = delete;
@@ -34,7 +34,7 @@ struct BoardParts {
     FaultQueue faults;
     RequestLog requests;
     CallCounters counters;
-    /// Told of every request after its fault was decided, before it is executed.
+    // Told of every request after its fault was decided, before it is executed.
     std::list<std::function<void(const Request&)>> observers; // one may add another
     MdioPorts mdio;
     GpioBank gpio;

@@ -11,16 +11,16 @@
 
 namespace OrvaneSim {
 
-/// Cheap to count in, slower to read. Belongs to the loop's thread.
+// Cheap to count in, slower to read. Belongs to the loop's thread.
 class CallCounters {
 public:
-    /// The counts of a procedure, to be counted in. `procedure` must outlive the object.
+    // The counts of a procedure, to be counted in. `procedure` must outlive the object.
     CallCounts& of(const Procedure& procedure) { return counts_[&procedure]; }
 
-    /// What was counted under a procedure's name; zeros when it was never called.
+    // What was counted under a procedure's name; zeros when it was never called.
     CallCounts of(std::string_view procedure) const;
 
-    /// Every procedure called so far, by its name.
+    // Every procedure called so far, by its name.
     std::map<std::string, CallCounts> all() const;
 
 private:

@@ -5,7 +5,7 @@
 
 namespace OrvaneSim {
 
-/// A small generator (splitmix64), the same on every machine. Belongs to one thread.
+// A small generator (splitmix64), the same on every machine. Belongs to one thread.
 class Dice {
 public:
     explicit Dice(std::uint64_t seed) : state_(seed) {}
@@ -17,10 +17,10 @@ public:
         return mixed ^ (mixed >> 31);
     }
 
-    /// A number less than `limit`, which must not be 0.
+    // A number less than `limit`, which must not be 0.
     std::uint64_t below(std::uint64_t limit) { return next() % limit; }
 
-    /// True in the given share of throws; a share of 1 or more takes no throw.
+    // True in the given share of throws; a share of 1 or more takes no throw.
     bool falls(double probability) {
         constexpr double kUnit = 1.0 / 9007199254740992.0; // 2 to the power of -53
         return probability >= 1 || static_cast<double>(next() >> 11) * kUnit < probability;

@@ -15,35 +15,35 @@
 
 namespace OrvaneSim {
 
-/// UDP port of discovery requests and replies, TCP port of the probe.
+// UDP port of discovery requests and replies, TCP port of the probe.
 constexpr std::uint16_t kDiscoveryPort = 12345;
 
-/// The word of a discovery request; none when the message is no request.
+// The word of a discovery request; none when the message is no request.
 std::optional<std::string> discoveryWord(std::string_view message);
 
-/// What one board hears and says in discovery. Belongs to the loop's thread, but for the lists of requests
-/// heard, which any thread may read.
+// What one board hears and says in discovery. Belongs to the loop's thread, but for the lists of requests
+// heard, which any thread may read.
 class DiscoveryResponder {
 public:
     explicit DiscoveryResponder(BoardName name) : name_(std::move(name)) {}
 
     const BoardName& name() const { return name_; }
 
-    /// Replies to a multicast request for `word`, in order; usually one, or none when another board is meant.
+    // Replies to a multicast request for `word`, in order; usually one, or none when another board is meant.
     std::vector<std::string> repliesTo(const std::string& word, FaultQueue& faults);
 
-    /// Pieces of the answer to a TCP probe for `word`, to be sent apart from each other before the connection
-    /// is closed; none when the connection is to stay open without an answer.
+    // Pieces of the answer to a TCP probe for `word`, to be sent apart from each other before the connection
+    // is closed; none when the connection is to stay open without an answer.
     std::optional<std::vector<std::string>> probeReplyTo(const std::string& word, FaultQueue& faults);
 
-    /// Answers every multicast request and probe, whatever its word, with these texts; none restores the
-    /// usual reply.
+    // Answers every multicast request and probe, whatever its word, with these texts; none restores the
+    // usual reply.
     void setReplies(std::optional<std::vector<std::string>> texts) { replies_ = std::move(texts); }
 
-    /// Answers every probe with these pieces; none restores the usual reply.
+    // Answers every probe with these pieces; none restores the usual reply.
     void setProbeChunks(std::optional<std::vector<std::string>> chunks) { chunks_ = std::move(chunks); }
 
-    /// Words of the requests heard, answered or not.
+    // Words of the requests heard, answered or not.
     std::vector<std::string> requestsHeard() const;
     std::vector<std::string> probesHeard() const;
 

@@ -60,7 +60,7 @@ void MulticastResponder::remove(const std::string& address) {
     members_.erase(address);
 }
 
-/// Takes one datagram; false when there is none.
+// Takes one datagram; false when there is none.
 bool MulticastResponder::receive() {
     std::vector<char>& room = loop_.scratch();
     sockaddr_in requester{};

@@ -11,15 +11,15 @@
 
 namespace OrvaneSim {
 
-/// One socket in the discovery group; each board answers from its own address. Many replies are spread over
-/// time, so that they do not overrun the requester's receive buffer. Belongs to the loop's thread.
+// One socket in the discovery group; each board answers from its own address. Many replies are spread over
+// time, so that they do not overrun the requester's receive buffer. Belongs to the loop's thread.
 class MulticastResponder {
 public:
-    /// `loop` must outlive the responder. Throws std::system_error.
+    // `loop` must outlive the responder. Throws std::system_error.
     explicit MulticastResponder(EventLoop& loop);
 
-    /// Lets a board hear and answer what is sent from now on; `discovery` and `faults` must live until
-    /// `remove`.
+    // Lets a board hear and answer what is sent from now on; `discovery` and `faults` must live until
+    // `remove`.
     void add(const std::string& address, DiscoveryResponder& discovery, FaultQueue& faults);
     void remove(const std::string& address);
 

@@ -9,7 +9,7 @@
 namespace OrvaneSim {
 namespace {
 
-/// Apart enough for the receiver to take the pieces one by one.
+// Apart enough for the receiver to take the pieces one by one.
 constexpr std::chrono::milliseconds kPieceGap{5};
 constexpr std::size_t kLongestRequest = 4096;
 

@@ -12,11 +12,11 @@
 
 namespace OrvaneSim {
 
-/// Reads a discovery request from each connection, answers as the board does and closes. Belongs to the
-/// loop's thread.
+// Reads a discovery request from each connection, answers as the board does and closes. Belongs to the
+// loop's thread.
 class ProbeServer {
 public:
-    /// Listens at dotted `address`; the three others must outlive the server. Throws std::system_error.
+    // Listens at dotted `address`; the three others must outlive the server. Throws std::system_error.
     ProbeServer(EventLoop& loop, const std::string& address, DiscoveryResponder& discovery,
                 FaultQueue& faults);
 

@@ -18,7 +18,7 @@ void count(CallCounts& counts, const Fault& fault) {
         ++counts.lostReplies;
 }
 
-/// How the reply travels, for faults that leave its bytes alone.
+// How the reply travels, for faults that leave its bytes alone.
 void setDelivery(const Fault& fault, Delivery& delivery) {
     const std::chrono::milliseconds time(fault.value);
     switch (fault.kind) {

@@ -21,7 +21,7 @@ struct HasIdentity : std::false_type {};
 template <class Argument>
 struct HasIdentity<Argument, std::void_t<decltype(std::declval<Argument&>().handle)>> : std::true_type {};
 
-/// Finds the session of a call that carries an identity word; false when the board does not know it.
+// Finds the session of a call that carries an identity word; false when the board does not know it.
 template <class Argument>
 bool findSession(ProcedureCall& call, const Argument& argument) {
     if constexpr (HasIdentity<Argument>::value) {
@@ -31,21 +31,21 @@ bool findSession(ProcedureCall& call, const Argument& argument) {
     return true;
 }
 
-/// What was decided about a call before its procedure runs.
+// What was decided about a call before its procedure runs.
 struct CallFate {
     std::optional<Fault> fault;
     CallCounts& counts;
     bool executed = true;
 };
 
-/// Records and counts a decoded call, lets it meet its fault and tells the board's observers.
+// Records and counts a decoded call, lets it meet its fault and tells the board's observers.
 CallFate beginCall(ProcedureCall& call);
 
-/// Whether a call that meets `fault` is executed; sets how the call is answered.
+// Whether a call that meets `fault` is executed; sets how the call is answered.
 bool passesFault(const Fault& fault, RpcCall& call, Dice& dice);
 
-/// Takes a decoded call to its result: its fate, the check of its session, `function`. Returns whether the
-/// result is to be sent.
+// Takes a decoded call to its result: its fate, the check of its session, `function`. Returns whether the
+// result is to be sent.
 template <class Argument, class Result>
 bool perform(ProcedureCall& call, void (*function)(ProcedureCall&, const Argument&, Result&),
              const Argument& argument, Result& result) {
@@ -71,7 +71,7 @@ bool perform(ProcedureCall& call, void (*function)(ProcedureCall&, const Argumen
     return true;
 }
 
-/// Makes the handler of a function; argument and result are decoded and encoded as its parameters say.
+// Makes the handler of a function; argument and result are decoded and encoded as its parameters say.
 template <class Function, Function function>
 struct HandlerOf;
 template <class Argument, class Result, void (*function)(ProcedureCall&, const Argument&, Result&)>
@@ -90,7 +90,7 @@ struct HandlerOf<void (*)(ProcedureCall&, const Argument&, Result&), function> {
     }
 };
 
-/// The handler of a `void(ProcedureCall&, const Argument&, Result&)` that leaves its status in the result.
+// The handler of a `void(ProcedureCall&, const Argument&, Result&)` that leaves its status in the result.
 template <auto function>
 inline constexpr Handler handler{HandlerOf<decltype(function), function>::serve,
                                  HandlerOf<decltype(function), function>::describe};

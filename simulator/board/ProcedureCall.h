@@ -14,17 +14,17 @@
 
 namespace OrvaneSim {
 
-/// What a procedure is given beside its argument. Lives for the length of one request.
+// What a procedure is given beside its argument. Lives for the length of one request.
 struct ProcedureCall {
     BoardParts& board;
     RpcCall& rpc;
     const Program& program;
     const Procedure& procedure;
     std::pmr::memory_resource& memory;
-    /// The caller's session; null only for procedures that need none.
+    // The caller's session; null only for procedures that need none.
     const Session* session = nullptr;
 
-    /// Allocates `count` elements of a reply, all zero, gone with the request.
+    // Allocates `count` elements of a reply, all zero, gone with the request.
     template <class Element>
     Element* allocate(std::size_t count) const {
         static_assert(std::is_trivially_destructible_v<Element>);
@@ -35,7 +35,7 @@ struct ProcedureCall {
         return elements;
     }
 
-    /// Copies bytes into a counted list of a reply.
+    // Copies bytes into a counted list of a reply.
     template <class Element, class Container>
     void fill(u_int& count, Element*& elements, const Container& bytes) const {
         count = static_cast<u_int>(std::min<std::size_t>(bytes.size(), SIM_LIST_LIMIT));

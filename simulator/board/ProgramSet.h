@@ -7,11 +7,11 @@
 
 namespace OrvaneSim {
 
-/// Answers a board's requests with one set of programs; others are refused as unavailable, other versions
-/// with the version that is served. Belongs to the loop's thread.
+// Answers a board's requests with one set of programs; others are refused as unavailable, other versions
+// with the version that is served. Belongs to the loop's thread.
 class ProgramSet : public RpcHandler {
 public:
-    /// Both must outlive the set.
+    // Both must outlive the set.
     ProgramSet(BoardParts& board, const ProgramList& programs) : board_(board), programs_(programs) {}
 
     void answer(RpcCall& call) override;

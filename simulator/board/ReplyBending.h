@@ -11,7 +11,7 @@
 
 namespace OrvaneSim {
 
-/// Puts a status into a reply, or a value into a bare number.
+// Puts a status into a reply, or a value into a bare number.
 class StatusSetter {
 public:
     explicit StatusSetter(int status) : status_(status) {}
@@ -30,7 +30,7 @@ private:
     int status_;
 };
 
-/// Replaces the first plain word beside the status.
+// Replaces the first plain word beside the status.
 class WordSetter {
 public:
     explicit WordSetter(std::int64_t word) : word_(word) {}
@@ -52,7 +52,7 @@ private:
     bool done_ = false;
 };
 
-/// Cuts every list to a length or fills it up with bytes 0xEE.
+// Cuts every list to a length or fills it up with bytes 0xEE.
 class CountSetter {
 public:
     CountSetter(const ProcedureCall& call, std::size_t count) : call_(call), count_(count) {}
@@ -87,7 +87,7 @@ private:
     std::size_t count_;
 };
 
-/// Makes `result` the answer of a procedure that failed with `status`.
+// Makes `result` the answer of a procedure that failed with `status`.
 template <class Result>
 void setStatus(Result& result, std::int64_t status) {
     if constexpr (std::is_arithmetic_v<Result>) {

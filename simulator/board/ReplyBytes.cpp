@@ -14,7 +14,7 @@ std::size_t limited(std::int64_t value) {
     return static_cast<std::size_t>(std::clamp<std::int64_t>(value, 0, kMostMadeUp));
 }
 
-/// Changes `count` different bytes, or all there are, at places and by patterns that `dice` decides.
+// Changes `count` different bytes, or all there are, at places and by patterns that `dice` decides.
 void corrupt(std::string& reply, std::size_t count, Dice dice) {
     std::set<std::size_t> places;
     while (places.size() < std::min(count, reply.size()))

@@ -9,10 +9,10 @@
 
 namespace OrvaneSim {
 
-/// What a fault does to the bytes of a reply, made-up bytes already drawn; null when it leaves them alone.
+// What a fault does to the bytes of a reply, made-up bytes already drawn; null when it leaves them alone.
 std::function<void(std::string& reply)> byteChangeOf(const Fault& fault, Dice& dice);
 
-/// `count` made-up bytes.
+// `count` made-up bytes.
 std::string madeUpBytes(std::size_t count, Dice& dice);
 
 } // namespace OrvaneSim

@@ -16,11 +16,11 @@
 
 namespace OrvaneSim {
 
-/// A ring of requests. `add` is called on the loop's thread, everything else may be called on any thread but
-/// the loop's.
+// A ring of requests. `add` is called on the loop's thread, everything else may be called on any thread but
+// the loop's.
 class RequestLog {
 public:
-    /// A request before it is shown to anybody; its program must outlive it.
+    // A request before it is shown to anybody; its program must outlive it.
     struct Entry {
         const Program* program;
         const Procedure* procedure;
@@ -31,14 +31,14 @@ public:
 
     void add(Entry entry);
 
-    /// How many requests are kept at most; 100,000 at first.
+    // How many requests are kept at most; 100,000 at first.
     void keep(std::size_t entries);
 
-    /// Requests that `wanted` accepts, in arrival order.
+    // Requests that `wanted` accepts, in arrival order.
     std::vector<Request> select(const std::function<bool(const Request&)>& wanted) const;
 
-    /// The first request, recorded or yet to come, that `wanted` accepts. Blocks up to `limit`; then throws
-    /// std::runtime_error that lists what came instead. `wanted` runs on the calling thread, under no lock.
+    // The first request, recorded or yet to come, that `wanted` accepts. Blocks up to `limit`; then throws
+    // std::runtime_error that lists what came instead. `wanted` runs on the calling thread, under no lock.
     Request waitFor(const std::function<bool(const Request&)>& wanted, std::chrono::milliseconds limit) const;
 
     void clear();

@@ -17,14 +17,14 @@ struct Session {
     std::uint32_t key = 0;
 };
 
-/// Grants and forgets sessions. An exclusive session keeps every other one from its port (device index and
-/// PHY address) and is granted only on a free port; whoever brings the holder's key, if that is not 0,
-/// passes. Concurrent and simple sessions share a port. A client that asks without key for an exclusive or
-/// concurrent session is given one; a simple session without key stays without. Ids are 1 to 255, the longest
-/// unused first. Belongs to the loop's thread.
+// Grants and forgets sessions. An exclusive session keeps every other one from its port (device index and
+// PHY address) and is granted only on a free port; whoever brings the holder's key, if that is not 0,
+// passes. Concurrent and simple sessions share a port. A client that asks without key for an exclusive or
+// concurrent session is given one; a simple session without key stays without. Ids are 1 to 255, the longest
+// unused first. Belongs to the loop's thread.
 class Sessions {
 public:
-    /// Outcome of an open: `error` 0 and the session, or a negative errno value.
+    // Outcome of an open: `error` 0 and the session, or a negative errno value.
     struct Opening {
         int error = 0;
         unsigned id = 0;
@@ -33,11 +33,11 @@ public:
 
     Opening open(Session wanted);
 
-    /// The session that an identity word names in its low 8 bits; null when there is none. The pointer is
-    /// good until the next open or close.
+    // The session that an identity word names in its low 8 bits; null when there is none. The pointer is
+    // good until the next open or close.
     const Session* find(std::uint32_t identity) const;
 
-    /// Forgets the session of an identity word; false when there is none.
+    // Forgets the session of an identity word; false when there is none.
     bool close(std::uint32_t identity);
 
     void clear();

@@ -16,36 +16,36 @@
 
 namespace OrvaneSim {
 
-/// One board at one address. Everything but `requests` and the lists of requests heard belongs to the loop's
-/// thread.
+// One board at one address. Everything but `requests` and the lists of requests heard belongs to the loop's
+// thread.
 class SimulatedBoard {
 public:
-    /// A board that does not serve yet. `loop`, `responder` and `programs` must outlive it.
+    // A board that does not serve yet. `loop`, `responder` and `programs` must outlive it.
     SimulatedBoard(EventLoop& loop, MulticastResponder& responder, std::string address, BoardName name,
                    const BoardPrograms& programs, std::uint64_t seed);
     ~SimulatedBoard();
     SimulatedBoard(const SimulatedBoard&) = delete;
     SimulatedBoard& operator=(const SimulatedBoard&) = delete;
 
-    /// Opens the board's sockets; a serving board goes on. Throws std::system_error when the address is not
-    /// there to be had, and then serves nothing.
+    // Opens the board's sockets; a serving board goes on. Throws std::system_error when the address is not
+    // there to be had, and then serves nothing.
     void start();
-    /// Closes every socket: calls are refused, discovery is not heard.
+    // Closes every socket: calls are refused, discovery is not heard.
     void stop();
-    /// Stops and starts, with other ports for the programs.
+    // Stops and starts, with other ports for the programs.
     void restart();
-    /// Goes on at another address, with other ports. Throws std::system_error when that is not there to be
-    /// had, std::invalid_argument when it is none, and then serves where it did.
+    // Goes on at another address, with other ports. Throws std::system_error when that is not there to be
+    // had, std::invalid_argument when it is none, and then serves where it did.
     void move(const std::string& address);
 
-    /// Closes or opens the port mapper's sockets, from now on and at every start.
+    // Closes or opens the port mapper's sockets, from now on and at every start.
     void setPortMapper(bool open);
 
-    /// Begins a stream of stray datagrams, in place of one that is still flowing. It ends with a stop.
+    // Begins a stream of stray datagrams, in place of one that is still flowing. It ends with a stop.
     void sendStrays(const StrayDatagrams& what);
     std::uint64_t straysSent() const { return straysSent_; }
 
-    /// Runs remote commands in a real shell of this machine from now on. Throws as ShellRunner does.
+    // Runs remote commands in a real shell of this machine from now on. Throws as ShellRunner does.
     void allowShell();
 
     const std::string& address() const { return address_; }
@@ -54,7 +54,7 @@ public:
     DiscoveryResponder& discovery() { return discovery_; }
 
 private:
-    /// What exists only while the board serves.
+    // What exists only while the board serves.
     struct Sockets {
         Sockets(EventLoop& loop, SimulatedBoard& board);
         std::unique_ptr<RpcServer> portMapper; // null while it is closed

@@ -36,7 +36,7 @@ void StrayStream::tick() {
     loop_.after(std::chrono::microseconds(1000000 / ticks), life_, [this] { tick(); });
 }
 
-/// A successful reply whose result is one word 0.
+// A successful reply whose result is one word 0.
 std::string StrayStream::reply(std::uint32_t transaction) {
     constexpr std::uint32_t kReplyDirection = 1;
     std::string bytes;

@@ -11,11 +11,11 @@
 
 namespace OrvaneSim {
 
-/// One stream, from its making until its count is reached or it goes. Before the server has seen a client it
-/// waits. Belongs to the loop's thread.
+// One stream, from its making until its count is reached or it goes. Before the server has seen a client it
+// waits. Belongs to the loop's thread.
 class StrayStream {
 public:
-    /// The three references must outlive the stream; `sent` is counted up.
+    // The three references must outlive the stream; `sent` is counted up.
     StrayStream(EventLoop& loop, RpcServer& server, std::uint64_t& sent, const StrayDatagrams& what,
                 Dice dice);
 

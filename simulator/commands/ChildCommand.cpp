@@ -32,7 +32,7 @@ Pipe makePipe() {
     return {Orvane::FileDescriptor(ends[0]), Orvane::FileDescriptor(ends[1])};
 }
 
-/// Children of any thread of this process.
+// Children of any thread of this process.
 std::vector<pid_t> children() {
     std::vector<pid_t> found;
     std::error_code ignored;
@@ -108,7 +108,7 @@ int ChildCommand::run() {
     return shellStatus(status_);
 }
 
-/// Takes the status of the command if it has ended. Other children may be somebody else's to wait for.
+// Takes the status of the command if it has ended. Other children may be somebody else's to wait for.
 void ChildCommand::reapCommand() {
     int status = 0;
     if (::waitpid(child_, &status, WNOHANG) != child_)

@@ -10,20 +10,20 @@
 
 namespace OrvaneSim {
 
-/// A child that waits for `start` before it becomes the command, so that it can be made while this process
-/// still has one thread and run when there is something to run against. It dies with this process.
+// A child that waits for `start` before it becomes the command, so that it can be made while this process
+// still has one thread and run when there is something to run against. It dies with this process.
 class ChildCommand {
 public:
-    /// `signals` must block SIGCHLD and outlive the object. Throws std::system_error.
+    // `signals` must block SIGCHLD and outlive the object. Throws std::system_error.
     ChildCommand(std::vector<std::string> words, const StopSignals& signals);
-    /// Ends the child and whatever it left running.
+    // Ends the child and whatever it left running.
     ~ChildCommand();
     ChildCommand(const ChildCommand&) = delete;
     ChildCommand& operator=(const ChildCommand&) = delete;
 
-    /// Runs the command and waits for its end, passing on the signals that come meanwhile; then ends what it
-    /// left running. Returns its exit status, 128 + signal when one killed it, 127 when there is no such
-    /// command and 126 when it cannot be run (both with a line on standard error).
+    // Runs the command and waits for its end, passing on the signals that come meanwhile; then ends what it
+    // left running. Returns its exit status, 128 + signal when one killed it, 127 when there is no such
+    // command and 126 when it cannot be run (both with a line on standard error).
     int run();
 
 private:

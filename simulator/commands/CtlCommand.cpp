@@ -69,7 +69,7 @@ std::vector<std::string> unnamed(const std::string& verb) {
     return unnamedMembers(verb);
 }
 
-/// The request as an object; the lab looks at what the members say.
+// The request as an object; the lab looks at what the members say.
 Json requestOf(const CtlCommand& command) {
     Json request{{"board", command.board}, {"action", command.verb}};
     const auto names = unnamed(command.verb);
@@ -92,7 +92,7 @@ Json requestOf(const CtlCommand& command) {
     return request;
 }
 
-/// A text of the lab in which nothing can speak to the terminal: the bytes of control characters become \xNN.
+// A text of the lab in which nothing can speak to the terminal: the bytes of control characters become \xNN.
 std::string visible(std::string_view text) {
     std::string shown;
     while (!text.empty()) {
@@ -118,7 +118,7 @@ std::string cell(const Json& row, const std::string& column) {
     return visible(row[column].is_string() ? row[column].get<std::string>() : row[column].dump());
 }
 
-/// Prints objects as a table, a column for each member that one of them has.
+// Prints objects as a table, a column for each member that one of them has.
 void printTable(const Json& rows) {
     std::vector<std::string> columns;
     for (const Json& row : rows)

@@ -10,7 +10,7 @@ class App;
 
 namespace OrvaneSim {
 
-/// The words of one `ctl` command line.
+// The words of one `ctl` command line.
 struct CtlCommand {
     std::string board;
     std::string verb;
@@ -18,11 +18,11 @@ struct CtlCommand {
     std::string controlPath;
     bool json = false;
 
-    /// Adds the flags and the help text. `app` keeps pointers into this object.
+    // Adds the flags and the help text. `app` keeps pointers into this object.
     void addTo(CLI::App& app);
 
-    /// Asks the lab and prints its answer; 0 when it did so, 1 (with a line on standard error) when it
-    /// refused, 2 when no lab can be reached or the words make no request.
+    // Asks the lab and prints its answer; 0 when it did so, 1 (with a line on standard error) when it
+    // refused, 2 when no lab can be reached or the words make no request.
     int run() const;
 };
 

@@ -13,7 +13,7 @@ class App;
 
 namespace OrvaneSim {
 
-/// Flags that `orvane-sim` and `orvane-lab` share, and the lab that they ask for.
+// Flags that `orvane-sim` and `orvane-lab` share, and the lab that they ask for.
 struct LabFlags {
     unsigned boards = 1;
     std::string serialPrefix = "OV";
@@ -30,12 +30,12 @@ struct LabFlags {
     std::string recordFile;
     std::string controlPath;
 
-    /// Adds the flags to a command. `app` keeps pointers into this object.
+    // Adds the flags to a command. `app` keeps pointers into this object.
     void addTo(CLI::App& app);
 
-    /// The lab asked for, by a lab file or by flags: addresses and serial numbers are dealt out in order;
-    /// boards beyond them get the next free address and a number after the prefix. Throws
-    /// std::invalid_argument for flags that do not go together and ScriptError for a file that is wrong.
+    // The lab asked for, by a lab file or by flags: addresses and serial numbers are dealt out in order;
+    // boards beyond them get the next free address and a number after the prefix. Throws
+    // std::invalid_argument for flags that do not go together and ScriptError for a file that is wrong.
     LabSetup setup(const LabPlace& place) const;
 
 private:

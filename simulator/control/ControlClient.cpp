@@ -21,7 +21,7 @@ namespace {
 
 constexpr timeval kConnectLimit{5, 0};
 
-/// The user who serves the other end; nobody when the kernel does not say.
+// The user who serves the other end; nobody when the kernel does not say.
 uid_t userBehind(const Orvane::FileDescriptor& connection) {
     ucred peer{};
     socklen_t size = sizeof peer;
@@ -29,7 +29,7 @@ uid_t userBehind(const Orvane::FileDescriptor& connection) {
     return ::getsockopt(connection.get(), SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 ? peer.uid : kNobody;
 }
 
-/// One request and its answer, which together take `limit` at most.
+// One request and its answer, which together take `limit` at most.
 class Conversation {
 public:
     Conversation(const std::string& path, std::chrono::milliseconds limit)
@@ -53,7 +53,7 @@ public:
         }
     }
 
-    /// What comes in front of the first line end.
+    // What comes in front of the first line end.
     std::string receiveLine() {
         std::string answer;
         std::array<char, 65536> room{};

@@ -9,7 +9,7 @@
 
 namespace OrvaneSim {
 
-/// A verb of the control socket that is no action, for help texts.
+// A verb of the control socket that is no action, for help texts.
 struct QueryForm {
     const char* name;
     const char* members;
@@ -18,14 +18,14 @@ struct QueryForm {
 };
 const std::vector<QueryForm>& queryForms();
 
-/// Asks and changes the boards of a lab. One request at a time; any thread but the lab's.
+// Asks and changes the boards of a lab. One request at a time; any thread but the lab's.
 class LabControl {
 public:
-    /// `lab` must outlive the object.
+    // `lab` must outlive the object.
     explicit LabControl(Lab& lab) : lab_(lab) {}
 
-    /// Answers one line of the protocol with one: {"ok": true} and what was asked for as "result", or
-    /// {"ok": false} and the reason as "error". Never throws.
+    // Answers one line of the protocol with one: {"ok": true} and what was asked for as "result", or
+    // {"ok": false} and the reason as "error". Never throws.
     std::string answer(const std::string& line);
 
 private:

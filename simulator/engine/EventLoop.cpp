@@ -24,7 +24,7 @@ std::uint64_t tokenOf(std::uint32_t index, std::uint32_t generation) {
     return (std::uint64_t{generation} << 32) | index;
 }
 
-/// One board's trouble must not end the others'; the loop goes on after a line on standard error.
+// One board's trouble must not end the others'; the loop goes on after a line on standard error.
 template <class Work>
 void guarded(const Work& task) {
     try {

@@ -18,36 +18,36 @@
 
 namespace OrvaneSim {
 
-/// An epoll loop on a thread of its own. `post`, `call` and `stop` may be used from any thread, everything
-/// else only on the loop's thread. No call-back may block.
+// An epoll loop on a thread of its own. `post`, `call` and `stop` may be used from any thread, everything
+// else only on the loop's thread. No call-back may block.
 class EventLoop {
 public:
     using Clock = std::chrono::steady_clock;
     using Task = std::function<void()>;
-    /// Held by an object for as long as its timers may run.
+    // Held by an object for as long as its timers may run.
     using Life = std::shared_ptr<const char>;
     static Life makeLife() { return std::make_shared<const char>(); }
-    /// Receives the epoll events that are ready.
+    // Receives the epoll events that are ready.
     using Ready = std::function<void(std::uint32_t events)>;
 
-    /// Starts the thread. `prologue` runs first on it; what it throws comes out of the constructor, as does
-    /// std::system_error when the kernel gives no descriptor.
+    // Starts the thread. `prologue` runs first on it; what it throws comes out of the constructor, as does
+    // std::system_error when the kernel gives no descriptor.
     explicit EventLoop(const Task& prologue = nullptr);
     ~EventLoop();
     EventLoop(const EventLoop&) = delete;
     EventLoop& operator=(const EventLoop&) = delete;
 
-    /// Ends the thread after the tasks posted so far; a second call does nothing. Not from the loop's thread.
+    // Ends the thread after the tasks posted so far; a second call does nothing. Not from the loop's thread.
     void stop();
 
-    /// Runs `task` on the loop's thread as soon as it is free. False, and the task dropped, after `stop`.
+    // Runs `task` on the loop's thread as soon as it is free. False, and the task dropped, after `stop`.
     bool post(Task task);
 
-    /// Whether the caller is on the loop's thread.
+    // Whether the caller is on the loop's thread.
     bool isHere() const { return std::this_thread::get_id() == thread_.get_id(); }
 
-    /// Runs `work` on the loop's thread, waits, and returns (or throws) what it returned (or threw). On the
-    /// loop's thread itself it just runs. Throws std::logic_error after `stop`.
+    // Runs `work` on the loop's thread, waits, and returns (or throws) what it returned (or threw). On the
+    // loop's thread itself it just runs. Throws std::logic_error after `stop`.
     template <class Work>
     std::invoke_result_t<Work> call(Work work) {
         if (isHere())
@@ -59,14 +59,14 @@ public:
         return outcome.get();
     }
 
-    /// Keeps a descriptor watched for as long as it lives. The descriptor must stay open meanwhile.
+    // Keeps a descriptor watched for as long as it lives. The descriptor must stay open meanwhile.
     class Watch {
     public:
         Watch() = default;
         Watch(Watch&& other) noexcept { *this = std::move(other); }
         Watch& operator=(Watch&& other) noexcept;
         ~Watch();
-        /// Replaces the epoll events that are waited for.
+        // Replaces the epoll events that are waited for.
         void setEvents(std::uint32_t events);
 
     private:
@@ -76,14 +76,14 @@ public:
         std::uint64_t token_ = 0;
     };
 
-    /// Calls `ready` whenever one of `events` (EPOLLIN, EPOLLOUT) is there on `fd`, level-triggered. Throws
-    /// std::system_error when the kernel refuses.
+    // Calls `ready` whenever one of `events` (EPOLLIN, EPOLLOUT) is there on `fd`, level-triggered. Throws
+    // std::system_error when the kernel refuses.
     [[nodiscard]] Watch watch(int fd, std::uint32_t events, Ready ready);
 
-    /// Runs `task` once after `delay`, unless the loop stops or the last owner of `life` goes first.
+    // Runs `task` once after `delay`, unless the loop stops or the last owner of `life` goes first.
     void after(Clock::duration delay, const Life& life, Task task);
 
-    /// Scratch room of 64 KiB for the datagram or the piece of a stream that is being received.
+    // Scratch room of 64 KiB for the datagram or the piece of a stream that is being received.
     std::vector<char>& scratch() { return scratch_; }
 
 private:

@@ -10,13 +10,13 @@ namespace {
 constexpr std::size_t kFirstReplyRoom = 65536;
 constexpr std::size_t kLargestReply = std::size_t{16} << 20;
 
-/// Room for the reply being encoded, kept from call to call.
+// Room for the reply being encoded, kept from call to call.
 std::vector<char>& replyRoom() {
     static thread_local std::vector<char> room(kFirstReplyRoom);
     return room;
 }
 
-/// The encoded message, good until the next one is encoded on this thread; empty when it does not encode.
+// The encoded message, good until the next one is encoded on this thread; empty when it does not encode.
 std::string_view encode(rpc_msg& message, std::uint32_t transaction) {
     message.rm_xid = transaction;
     std::vector<char>& room = replyRoom();
@@ -47,7 +47,7 @@ XDR decoder(std::string_view bytes) {
     return xdr;
 }
 
-/// Reads a credential or verifier; its content does not matter to a board.
+// Reads a credential or verifier; its content does not matter to a board.
 bool skipAuthentication(XDR& xdr) {
     std::array<char, MAX_AUTH_BYTES> body{};
     opaque_auth authentication{};

@@ -12,30 +12,30 @@
 
 namespace OrvaneSim {
 
-/// Joins the fragments of incoming records and sends replies as one fragment each. While the peer does not
-/// take its replies, its requests are left unread. Belongs to the loop's thread.
+// Joins the fragments of incoming records and sends replies as one fragment each. While the peer does not
+// take its replies, its requests are left unread. Belongs to the loop's thread.
 class RpcConnection {
 public:
-    /// Takes over a connected non-blocking socket; `ready` is called whenever `transfer` has something to do.
+    // Takes over a connected non-blocking socket; `ready` is called whenever `transfer` has something to do.
     RpcConnection(EventLoop& loop, Orvane::FileDescriptor socket, EventLoop::Ready ready);
 
-    /// Reads or writes what is possible.
+    // Reads or writes what is possible.
     void transfer(std::uint32_t events);
 
-    /// The next whole record, valid until the next call on this object; none while more has to arrive.
+    // The next whole record, valid until the next call on this object; none while more has to arrive.
     std::optional<std::string_view> nextRecord();
 
-    /// Queues one record `copies` times.
+    // Queues one record `copies` times.
     void send(std::string_view record, int copies);
 
-    /// Queues the first `bytes` bytes of a record. The connection then ends or, when half open, stays without
-    /// carrying anything any more.
+    // Queues the first `bytes` bytes of a record. The connection then ends or, when half open, stays without
+    // carrying anything any more.
     void sendCut(std::string_view record, std::size_t bytes, bool halfOpen);
 
-    /// Sends one record byte by byte, `gap` apart; what is queued meanwhile follows in the same way.
+    // Sends one record byte by byte, `gap` apart; what is queued meanwhile follows in the same way.
     void trickle(std::string_view record, std::chrono::milliseconds gap);
 
-    /// False once the peer has gone or sent what is no record; the connection is then to be destroyed.
+    // False once the peer has gone or sent what is no record; the connection is then to be destroyed.
     bool isOpen() const { return open_; }
 
 private:

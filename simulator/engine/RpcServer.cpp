@@ -37,7 +37,7 @@ std::uint16_t RpcServer::port(Transport transport) const {
     return transport == Transport::Udp ? localPort(udp_) : acceptor_.port();
 }
 
-/// Has a request served and its reply sent, at once or when it is there.
+// Has a request served and its reply sent, at once or when it is there.
 void RpcServer::answer(RpcCall& call, const Client& client) {
     lastTransaction_ = call.header().transaction;
     if (call.reply().empty())
@@ -84,7 +84,7 @@ void RpcServer::hold(const Client& client, std::string reply, const Delivery& de
     });
 }
 
-/// Sends the held replies that are due, the oldest first.
+// Sends the held replies that are due, the oldest first.
 void RpcServer::releaseHeld(const std::function<bool(const Held&)>& due) {
     std::list<Held> released;
     for (auto held = held_.begin(); held != held_.end();) {
@@ -97,7 +97,7 @@ void RpcServer::releaseHeld(const std::function<bool(const Held&)>& due) {
         transmit(held.client, held.reply, held.delivery);
 }
 
-/// Lets a reply leave, and those behind it that waited for it.
+// Lets a reply leave, and those behind it that waited for it.
 void RpcServer::transmit(const Client& client, std::string_view reply, const Delivery& delivery) {
     if (client.connection != 0) {
         const auto found = connections_.find(client.connection);

@@ -17,48 +17,48 @@
 
 namespace OrvaneSim {
 
-/// Answers requests; called on the loop's thread.
+// Answers requests; called on the loop's thread.
 class RpcHandler {
 public:
     virtual ~RpcHandler() = default;
-    /// Serves one request and leaves its reply, or none, in `call`. Not called for requests that no handler
-    /// can serve, such as one of another RPC version.
+    // Serves one request and leaves its reply, or none, in `call`. Not called for requests that no handler
+    // can serve, such as one of another RPC version.
     virtual void answer(RpcCall& call) = 0;
 };
 
 class RpcConnection;
 
-/// A UDP socket, a TCP listener and its connections. Everything is refused once it is destroyed. Belongs to
-/// the loop's thread.
+// A UDP socket, a TCP listener and its connections. Everything is refused once it is destroyed. Belongs to
+// the loop's thread.
 class RpcServer {
 public:
-    /// Serves at dotted `address`; port 0 lets the kernel choose one for each transport. `loop` and `handler`
-    /// must outlive the server. Throws std::system_error when a socket cannot be had.
+    // Serves at dotted `address`; port 0 lets the kernel choose one for each transport. `loop` and `handler`
+    // must outlive the server. Throws std::system_error when a socket cannot be had.
     RpcServer(EventLoop& loop, const std::string& address, std::uint16_t port, RpcHandler& handler);
     ~RpcServer();
     RpcServer(const RpcServer&) = delete;
     RpcServer& operator=(const RpcServer&) = delete;
 
-    /// The port served on a transport, in host byte order.
+    // The port served on a transport, in host byte order.
     std::uint16_t port(Transport transport) const;
 
-    /// Whom the newest datagrams came from, the last first; at most four.
+    // Whom the newest datagrams came from, the last first; at most four.
     const std::vector<sockaddr_in>& recentPeers() const { return recentPeers_; }
-    /// Transaction id of the last request, 0 before the first.
+    // Transaction id of the last request, 0 before the first.
     std::uint32_t lastTransaction() const { return lastTransaction_; }
 
-    /// Sends a datagram as it is, from the served port or from another one of the same address. One that the
-    /// kernel does not take is lost, as any datagram may be.
+    // Sends a datagram as it is, from the served port or from another one of the same address. One that the
+    // kernel does not take is lost, as any datagram may be.
     void sendDatagram(const sockaddr_in& peer, std::string_view bytes, bool otherPort);
 
 private:
-    /// Where a reply goes: to a datagram's sender or, when `connection` is not 0, over that connection.
+    // Where a reply goes: to a datagram's sender or, when `connection` is not 0, over that connection.
     struct Client {
         sockaddr_in peer{};
         std::uint64_t connection = 0;
         bool operator==(const Client& other) const;
     };
-    /// A reply that waits for the client's next one.
+    // A reply that waits for the client's next one.
     struct Held {
         Client client;
         std::string reply;

@@ -19,7 +19,7 @@ namespace {
 constexpr unsigned kNobody = 65534;
 constexpr int kCannotRun = 126;
 
-/// The user outside of this user namespace that one inside is; none when the namespace does not know it.
+// The user outside of this user namespace that one inside is; none when the namespace does not know it.
 struct MappedUser {
     bool known = false;
     std::uint64_t outside = 0;
@@ -35,8 +35,8 @@ MappedUser mappedUser(std::uint64_t inside) {
     return {};
 }
 
-/// Gives up all that root has. The system calls themselves: the C library's functions would wait for threads
-/// that a forked child does not have.
+// Gives up all that root has. The system calls themselves: the C library's functions would wait for threads
+// that a forked child does not have.
 bool becomeNobody() {
     return ::syscall(SYS_setgroups, 0, nullptr) == 0 &&
            ::syscall(SYS_setresgid, kNobody, kNobody, kNobody) == 0 &&
@@ -44,8 +44,8 @@ bool becomeNobody() {
            ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && ::chdir("/") == 0;
 }
 
-/// Turns a forked child into the shell. Only calls that are safe in a signal handler: other threads of the
-/// parent may have held any lock.
+// Turns a forked child into the shell. Only calls that are safe in a signal handler: other threads of the
+// parent may have held any lock.
 [[noreturn]] void becomeShell(const char* command, int output, int errors, ShellRights rights) {
     ::setpgid(0, 0);
     sigset_t none;

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kMostKept = 65536;
 
-/// Makes a pipe, keeps its reading end in `reader` and returns the writing end.
+// Makes a pipe, keeps its reading end in `reader` and returns the writing end.
 Orvane::FileDescriptor openPipe(Orvane::FileDescriptor& reader) {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0)

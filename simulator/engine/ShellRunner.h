@@ -12,8 +12,8 @@
 
 namespace OrvaneSim {
 
-/// Each command runs in /bin/sh in a process group of its own, without input and never as root, and is killed
-/// with its group when its time is up or the runner goes. Belongs to the loop's thread.
+// Each command runs in /bin/sh in a process group of its own, without input and never as root, and is killed
+// with its group when its time is up or the runner goes. Belongs to the loop's thread.
 class ShellRunner {
 public:
     struct Outcome {
@@ -24,14 +24,14 @@ public:
     };
     using Done = std::function<void(const Outcome&)>;
 
-    /// `loop` must outlive the runner. Throws std::runtime_error when only root's rights could be given.
+    // `loop` must outlive the runner. Throws std::runtime_error when only root's rights could be given.
     explicit ShellRunner(EventLoop& loop) : loop_(loop) {}
     ~ShellRunner();
     ShellRunner(const ShellRunner&) = delete;
     ShellRunner& operator=(const ShellRunner&) = delete;
 
-    /// Starts `command`; `done` is called once, when the shell has ended; what it left in the background is
-    /// killed. Outputs are kept up to 64 KiB each. Throws std::system_error when no process can be made.
+    // Starts `command`; `done` is called once, when the shell has ended; what it left in the background is
+    // killed. Outputs are kept up to 64 KiB each. Throws std::system_error when no process can be made.
     void run(const std::string& command, std::chrono::seconds limit, Done done);
 
 private:

@@ -9,26 +9,26 @@
 
 namespace OrvaneSim {
 
-/// The end point of dotted `address` and `port` (host byte order). Throws std::invalid_argument for a text
-/// that is no IPv4 address.
+// The end point of dotted `address` and `port` (host byte order). Throws std::invalid_argument for a text
+// that is no IPv4 address.
 sockaddr_in endPoint(const std::string& address, std::uint16_t port);
 
-/// The dotted address of an end point.
+// The dotted address of an end point.
 std::string addressText(const sockaddr_in& point);
 
-/// A non-blocking UDP socket bound to `point`. Throws std::system_error naming the end point.
+// A non-blocking UDP socket bound to `point`. Throws std::system_error naming the end point.
 Orvane::FileDescriptor openUdp(const sockaddr_in& point);
 
-/// A non-blocking TCP socket listening at `point`. Throws std::system_error naming the end point.
+// A non-blocking TCP socket listening at `point`. Throws std::system_error naming the end point.
 Orvane::FileDescriptor openTcpListener(const sockaddr_in& point);
 
-/// The local port of a bound socket, in host byte order.
+// The local port of a bound socket, in host byte order.
 std::uint16_t localPort(const Orvane::FileDescriptor& socket);
 
-/// Sets an integer socket option. Throws std::system_error.
+// Sets an integer socket option. Throws std::system_error.
 void setOption(const Orvane::FileDescriptor& socket, int level, int option, int value);
 
-/// Raises this process's soft limit of open descriptors to its hard limit, for many boards in one process.
+// Raises this process's soft limit of open descriptors to its hard limit, for many boards in one process.
 void raiseDescriptorLimit();
 
 } // namespace OrvaneSim

@@ -15,7 +15,7 @@ void checkShellPlace(const std::string& address) {
             address);
 }
 
-/// Does what opens or closes sockets: at once, or, while a request may be being served, after it.
+// Does what opens or closes sockets: at once, or, while a request may be being served, after it.
 void Board::disturb(std::function<void()> work) {
     if (impl_->loop.isHere())
         impl_->loop.post([this, work = std::move(work)] {
@@ -98,7 +98,7 @@ void Board::openPortMapper() {
 
 namespace {
 
-/// Calls the member function of a board that an action stands for.
+// Calls the member function of a board that an action stands for.
 struct ActionVisitor {
     Board& board;
     void operator()(const Fault& fault) const { board.inject(fault); }

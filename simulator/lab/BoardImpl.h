@@ -12,10 +12,10 @@
 
 namespace OrvaneSim {
 
-/// The addresses of a lab's boards; any thread may use it.
+// The addresses of a lab's boards; any thread may use it.
 class AddressBook {
 public:
-    /// Takes an address; false when a board has it already.
+    // Takes an address; false when a board has it already.
     bool take(const std::string& address) {
         const std::lock_guard<std::mutex> lock(mutex_);
         return addresses_.insert(address).second;
@@ -30,8 +30,8 @@ private:
     std::set<std::string> addresses_;
 };
 
-/// Refuses a place where others than this machine could use a board's shell: with std::invalid_argument, when
-/// `address` is neither a loopback address nor in a private network.
+// Refuses a place where others than this machine could use a board's shell: with std::invalid_argument, when
+// `address` is neither a loopback address nor in a private network.
 void checkShellPlace(const std::string& address);
 
 struct Board::Impl {
@@ -40,7 +40,7 @@ struct Board::Impl {
     std::string serial;
     std::unique_ptr<SimulatedBoard> board; // made and destroyed on the loop's thread
 
-    /// Runs `work(BoardParts&)` on the loop's thread.
+    // Runs `work(BoardParts&)` on the loop's thread.
     template <class Work>
     auto withParts(Work work) const {
         return loop.call([this, &work] { return work(board->parts()); });

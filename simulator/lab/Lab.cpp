@@ -61,7 +61,7 @@ struct Lab::Impl {
         });
     }
 
-    /// Serves at an address that was taken; gives it back when that fails.
+    // Serves at an address that was taken; gives it back when that fails.
     std::unique_ptr<SimulatedBoard> serveTaken(const BoardOptions& options, const std::string& address) {
         try {
             return serve(options, address);
@@ -77,8 +77,8 @@ struct Lab::Impl {
         return serveTaken(options, address);
     }
 
-    /// Serves at the next default address; one that a board or another lab of this machine has is passed
-    /// over.
+    // Serves at the next default address; one that a board or another lab of this machine has is passed
+    // over.
     std::unique_ptr<SimulatedBoard> serveAnywhere(const BoardOptions& options) {
         for (;;) {
             const std::string address = defaultAddress(++lastDefault);

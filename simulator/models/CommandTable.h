@@ -6,18 +6,18 @@
 
 namespace OrvaneSim {
 
-/// The outcome of a command.
+// The outcome of a command.
 struct CommandOutcome {
-    int status = 0; ///< as a shell gives it
+    int status = 0; // as a shell gives it
     std::string output;
     std::string errors;
-    /// Seconds that the command takes; one that takes longer than its time-out ends as timed out.
+    // Seconds that the command takes; one that takes longer than its time-out ends as timed out.
     unsigned seconds = 0;
 };
 
-/// Commands and their canned outcomes. Knows `true`, `false`, `hostname`, `cat /boardInfo/name` and `echo`
-/// with anything behind it; whatever else is not told to it is not found (status 127). Belongs to the loop's
-/// thread.
+// Commands and their canned outcomes. Knows `true`, `false`, `hostname`, `cat /boardInfo/name` and `echo`
+// with anything behind it; whatever else is not told to it is not found (status 127). Belongs to the loop's
+// thread.
 class CommandTable {
 public:
     CommandTable(const std::string& serial, const std::string& nameLine);

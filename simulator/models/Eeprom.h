@@ -7,13 +7,13 @@
 
 namespace OrvaneSim {
 
-/// One address byte, then data; reads go on from the address and wrap at the end, writes wrap within their
-/// page of 8 bytes, as such memories do.
+// One address byte, then data; reads go on from the address and wrap at the end, writes wrap within their
+// page of 8 bytes, as such memories do.
 class Eeprom : public I2cDevice {
 public:
     static constexpr std::size_t kSize = 256;
 
-    /// Holds `text` from address 0 on, erased (FF) behind it.
+    // Holds `text` from address 0 on, erased (FF) behind it.
     explicit Eeprom(const std::string& text);
 
     bool write(const Bytes& bytes) override;

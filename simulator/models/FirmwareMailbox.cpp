@@ -1,3 +1,4 @@
+// What the firmware does when the command register is written.
 #include "simulator/models/FirmwareMailbox.h"
 
 namespace OrvaneSim {
@@ -14,7 +15,7 @@ constexpr std::uint32_t kWriteCommand = 0x200;
 constexpr std::uint32_t kDone = 1;
 constexpr std::uint32_t kError = 2;
 
-/// Carries out the command that is in the registers; its status.
+// Carries out the command that is in the registers; its status.
 std::uint32_t carryOut(const PhyRegisters& phy) {
     const std::uint32_t command = phy.get(kMmd, kCommand);
     const std::uint32_t mmd = command & 0xFF;

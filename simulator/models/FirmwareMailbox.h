@@ -6,8 +6,8 @@
 
 namespace OrvaneSim {
 
-/// Register numbers in hexadecimal: C47C address, C47D data, C47E command (100 read, 200 write, with the MMD
-/// in the low byte), C47F status (0 busy, 1 done, 2 error). A command sets the status when it is done.
+// Register numbers in hexadecimal: C47C address, C47D data, C47E command (100 read, 200 write, with the MMD
+// in the low byte), C47F status (0 busy, 1 done, 2 error). A command sets the status when it is done.
 class FirmwareMailbox {
 public:
     void beforeRead(const PhyRegisters& phy, std::uint32_t reg, const PathTroubles& troubles);

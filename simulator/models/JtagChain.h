@@ -7,9 +7,9 @@
 
 namespace OrvaneSim {
 
-/// Devices in one chain, data entering at the last and leaving from the first. Each knows two instructions: 1
-/// selects its 32-bit identification register (also after reset), every other one its bypass bit. Belongs to
-/// the loop's thread.
+// Devices in one chain, data entering at the last and leaving from the first. Each knows two instructions: 1
+// selects its 32-bit identification register (also after reset), every other one its bypass bit. Belongs to
+// the loop's thread.
 class JtagChain {
 public:
     struct Device {
@@ -19,7 +19,7 @@ public:
 
     explicit JtagChain(const std::vector<Device>& devices);
 
-    /// One clock with these levels; returns the level of TDO during it (high outside of shifting).
+    // One clock with these levels; returns the level of TDO during it (high outside of shifting).
     bool clock(bool tms, bool tdi);
 
     const std::vector<Device>& devices() const { return devices_; }

@@ -11,10 +11,10 @@
 
 namespace OrvaneSim {
 
-/// How one register of a PHY behaves. A set bit in a mask means that its bit of the register behaves so; bits
-/// in no mask only tell what they hold.
+// How one register of a PHY behaves. A set bit in a mask means that its bit of the register behaves so; bits
+// in no mask only tell what they hold.
 struct MappedRegister {
-    /// A select register whose bits of `mask` equal `value` while the register is reached.
+    // A select register whose bits of `mask` equal `value` while the register is reached.
     struct Page {
         Space space = Space::C45;
         std::uint32_t address = 0;
@@ -34,23 +34,23 @@ struct MappedRegister {
     std::uint32_t unreadable = 0;       // tells 0
 };
 
-/// The mapped registers of a board's PHYs and what they hold. A write to bits that return to 0 by themselves
-/// has no mask: they are back before the next access. Belongs to the loop's thread.
+// The mapped registers of a board's PHYs and what they hold. A write to bits that return to 0 by themselves
+// has no mask: they are back before the next access. Belongs to the loop's thread.
 class MappedRegisters {
 public:
-    /// One register and what it holds.
+    // One register and what it holds.
     class Cell {
     public:
         Cell(MappedRegister declared, std::uint32_t value);
-        /// Holds a value as if it had always done so.
+        // Holds a value as if it had always done so.
         void hold(std::uint32_t value) { held_ = live_ = value; }
 
-        /// Accesses as the bus makes them.
+        // Accesses as the bus makes them.
         std::uint32_t read();
         void write(std::uint32_t value);
-        /// What the next read tells, bits that tell nothing included.
+        // What the next read tells, bits that tell nothing included.
         std::uint32_t value() const { return held_; }
-        /// The PHY changes its register: what latches goes on holding.
+        // The PHY changes its register: what latches goes on holding.
         void set(std::uint32_t value);
 
         const MappedRegister& declared() const { return declared_; }
@@ -61,16 +61,16 @@ public:
         std::uint32_t live_; // what latching bits tell after the next read
     };
 
-    /// Declares a register, in place of one at the same place and page.
+    // Declares a register, in place of one at the same place and page.
     void add(PhyAddress where, const MappedRegister& declared, std::uint32_t value);
-    /// All hold their reset values.
+    // All hold their reset values.
     void reset();
-    /// Forgets those of one PHY.
+    // Forgets those of one PHY.
     void remove(PhyAddress where);
-    /// The register that is reached at an address; null when none was declared there, or none for the page
-    /// that is selected. `address` as a frame of the space carries it.
+    // The register that is reached at an address; null when none was declared there, or none for the page
+    // that is selected. `address` as a frame of the space carries it.
     Cell* find(const MdioPorts& ports, PhyAddress where, Space space, std::uint32_t address);
-    /// What those hold that are on no page.
+    // What those hold that are on no page.
     std::vector<RegisterValue> values() const;
 
 private:

@@ -16,7 +16,7 @@ std::uint64_t phyKey(PhyAddress where) {
     return (std::uint64_t{where.device & 0xFFU} << 8) | (where.phy & 0x1FU);
 }
 
-/// The part of an address that a frame of the space carries.
+// The part of an address that a frame of the space carries.
 std::uint32_t significant(Space space, std::uint32_t address) {
     switch (space) {
     case Space::C45:

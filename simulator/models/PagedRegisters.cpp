@@ -1,3 +1,4 @@
+// Which register a page, or a lane and an index, stand for.
 #include "simulator/models/PagedRegisters.h"
 
 namespace OrvaneSim {

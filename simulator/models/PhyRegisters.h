@@ -7,7 +7,7 @@
 
 namespace OrvaneSim {
 
-/// Reaches one PHY's registers without any effect of a bus access. Valid as long as `ports`.
+// Reaches one PHY's registers without any effect of a bus access. Valid as long as `ports`.
 struct PhyRegisters {
     MdioPorts& ports;
     PhyAddress where;
@@ -22,7 +22,7 @@ struct PhyRegisters {
     void setWord(std::uint32_t address, std::uint32_t value) const {
         ports.poke(where, Space::Ext32, address, value);
     }
-    /// A number for this PHY among all of the board.
+    // A number for this PHY among all of the board.
     std::uint32_t key() const { return (where.device << 8) | where.phy; }
 };
 

@@ -8,13 +8,13 @@
 
 namespace OrvaneSim {
 
-/// At most one command for each PHY, by the PHY's number.
+// At most one command for each PHY, by the PHY's number.
 class PolledCommands {
 public:
-    /// Starts a command that stays busy for so many polls, in the place of one that is still busy.
+    // Starts a command that stays busy for so many polls, in the place of one that is still busy.
     void start(std::uint32_t phy, std::uint32_t busyPolls) { busyPolls_[phy] = busyPolls; }
 
-    /// Whether this poll finds a command done; the command is over then.
+    // Whether this poll finds a command done; the command is over then.
     bool poll(std::uint32_t phy) {
         const auto command = busyPolls_.find(phy);
         if (command == busyPolls_.end())

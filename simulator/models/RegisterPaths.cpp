@@ -1,3 +1,4 @@
+// Each access is shown to every path.
 #include "simulator/models/RegisterPaths.h"
 
 #include "simulator/models/PagedRegisters.h"

@@ -8,14 +8,14 @@
 
 namespace OrvaneSim {
 
-/// What a Clause 45 access to one of the paths' registers brings about beyond that register. To be told of
-/// every access on the bus; any other register is left as it is.
+// What a Clause 45 access to one of the paths' registers brings about beyond that register. To be told of
+// every access on the bus; any other register is left as it is.
 class RegisterPaths {
 public:
     PathTroubles troubles;
 
-    /// To be called before the register is read and after it was written; `address` is (MMD << 16) |
-    /// register.
+    // To be called before the register is read and after it was written; `address` is (MMD << 16) |
+    // register.
     void beforeRead(const PhyRegisters& phy, std::uint32_t address);
     void afterWrite(const PhyRegisters& phy, std::uint32_t address);
 

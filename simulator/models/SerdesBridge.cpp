@@ -1,3 +1,4 @@
+// What the bridge does when its command register is written.
 #include "simulator/models/SerdesBridge.h"
 
 namespace OrvaneSim {

@@ -6,8 +6,8 @@
 
 namespace OrvaneSim {
 
-/// Register numbers in hexadecimal: a write is an address to A104 and a value to A105; a read is an address
-/// to A108, and its value stands in A109. A111 is the status of the last access, cleared by a write to A110.
+// Register numbers in hexadecimal: a write is an address to A104 and a value to A105; a read is an address
+// to A108, and its value stands in A109. A111 is the status of the last access, cleared by a write to A110.
 class SerdesBridge {
 public:
     static void afterWrite(const PhyRegisters& phy, std::uint32_t reg, const PathTroubles& troubles);

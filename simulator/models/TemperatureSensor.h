@@ -8,12 +8,12 @@
 
 namespace OrvaneSim {
 
-/// Four registers chosen by the first byte written: 0 temperature (read only), 1 configuration (one byte),
-/// 2 hysteresis, 3 over-temperature limit. Temperatures are two bytes, high byte first, in half degrees
-/// Celsius left-aligned.
+// Four registers chosen by the first byte written: 0 temperature (read only), 1 configuration (one byte),
+// 2 hysteresis, 3 over-temperature limit. Temperatures are two bytes, high byte first, in half degrees
+// Celsius left-aligned.
 class TemperatureSensor : public I2cDevice {
 public:
-    /// `celsius` tells the temperature that the sensor feels.
+    // `celsius` tells the temperature that the sensor feels.
     explicit TemperatureSensor(std::function<double()> celsius) : celsius_(std::move(celsius)) {}
 
     bool write(const Bytes& bytes) override;

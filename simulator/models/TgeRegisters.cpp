@@ -1,3 +1,4 @@
+// What the GFE does when its control register is written.
 #include "simulator/models/TgeRegisters.h"
 
 namespace OrvaneSim {

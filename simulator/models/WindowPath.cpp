@@ -1,3 +1,4 @@
+// What the window does when its command register is written.
 #include "simulator/models/WindowPath.h"
 
 namespace OrvaneSim {

@@ -6,9 +6,9 @@
 
 namespace OrvaneSim {
 
-/// Numbers in hexadecimal: 202 and 203 are the upper and lower half of a byte address, 204 and 205 those of
-/// the 32-bit word there, 200 is the command (8000 fetches the word, C000 stores it), in which bit 100 reads
-/// set while a fetch is busy.
+// Numbers in hexadecimal: 202 and 203 are the upper and lower half of a byte address, 204 and 205 those of
+// the 32-bit word there, 200 is the command (8000 fetches the word, C000 stores it), in which bit 100 reads
+// set while a fetch is busy.
 class WindowPath {
 public:
     void beforeRead(const PhyRegisters& phy, std::uint32_t reg);

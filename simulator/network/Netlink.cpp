@@ -41,7 +41,7 @@ rtmsg routeTo(std::uint8_t prefixBits, std::uint8_t table, std::uint8_t scope, s
 
 } // namespace
 
-/// One request under construction; the kernel wants every part aligned to four bytes.
+// One request under construction; the kernel wants every part aligned to four bytes.
 class Netlink::Message {
 public:
     Message(std::uint16_t type, std::uint16_t extraFlags) : bytes_(NLMSG_HDRLEN) {
@@ -69,7 +69,7 @@ public:
         return attribute(type, &value, sizeof value);
     }
 
-    /// Begins an attribute that holds others; `close` ends it.
+    // Begins an attribute that holds others; `close` ends it.
     std::size_t open(std::uint16_t type) {
         const std::size_t start = bytes_.size();
         rtattr attribute{};

@@ -17,9 +17,9 @@ namespace {
     throw std::system_error(errno, std::generic_category(), "cannot replace " + path);
 }
 
-/// A folder in memory that only this process sees, taken from view again with this object; mounts of its
-/// files live on. A removed file would not do: nothing can be mounted over a mount of one, and networks may
-/// be nested.
+// A folder in memory that only this process sees, taken from view again with this object; mounts of its
+// files live on. A removed file would not do: nothing can be mounted over a mount of one, and networks may
+// be nested.
 class PrivateFolder {
 public:
     PrivateFolder() {

@@ -31,7 +31,7 @@ struct State {
     std::vector<int> boardInterfaces;
 };
 
-/// Written once by `enter`, while the process has one thread.
+// Written once by `enter`, while the process has one thread.
 State& state() {
     static State instance;
     return instance;
@@ -62,8 +62,8 @@ Orvane::FileDescriptor currentNetwork() {
     return network;
 }
 
-/// Tries in a child whether the kernel grants these namespaces, since leaving a user namespace is impossible.
-/// Returns 0 or the error number.
+// Tries in a child whether the kernel grants these namespaces, since leaving a user namespace is impossible.
+// Returns 0 or the error number.
 int tryNamespaces(int flags) {
     const pid_t child = ::fork();
     if (child < 0)
@@ -76,7 +76,7 @@ int tryNamespaces(int flags) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : EPERM;
 }
 
-/// The namespaces to ask for: with a user namespace unless root can do without.
+// The namespaces to ask for: with a user namespace unless root can do without.
 int grantedNamespaces() {
     constexpr int plain = CLONE_NEWNET | CLONE_NEWNS;
     if (::geteuid() == 0 && tryNamespaces(plain) == 0)
@@ -105,8 +105,8 @@ void becomeRootOfOwnNamespace(uid_t user, gid_t group) {
     writeFile("/proc/self/gid_map", "0 " + std::to_string(group) + " 1");
 }
 
-/// A reply may arrive by another interface than the one its board's network is routed to. Where the setting
-/// is read-only it already allows that, or boards answer on the first interface only.
+// A reply may arrive by another interface than the one its board's network is routed to. Where the setting
+// is read-only it already allows that, or boards answer on the first interface only.
 void acceptRepliesOnAnyInterface() {
     std::ofstream("/proc/sys/net/ipv4/conf/all/rp_filter") << "0";
 }

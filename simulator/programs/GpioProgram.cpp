@@ -15,7 +15,7 @@ bool allExist(const Bytes& lines) {
     return std::all_of(lines.begin(), lines.end(), [](std::uint8_t line) { return GpioBank::exists(line); });
 }
 
-/// Answers with one byte for each line asked for.
+// Answers with one byte for each line asked for.
 template <class Level>
 void answerLevels(const ProcedureCall& call, const sim_GPIO_Indexes_Param& argument,
                   sim_GPIO_Read_Result& result, Level level) {
@@ -29,7 +29,7 @@ void answerLevels(const ProcedureCall& call, const sim_GPIO_Indexes_Param& argum
     call.fill(result.states.states_len, result.states.states_val, lines);
 }
 
-/// Does `change(line, state)` for each line named.
+// Does `change(line, state)` for each line named.
 template <class Change>
 void changeLines(const sim_GPIO_States_Param& argument, sim_Simple_Result& result, Change change) {
     const Bytes lines = bytesOf(argument.indexes.indexes_val, argument.indexes.indexes_len);
@@ -76,8 +76,8 @@ void reset(ProcedureCall& call, const sim_Simple_Param&, sim_Simple_Result&) {
     call.board.gpio.reset();
 }
 
-/// Steps in order: each latches a state into a line, unless its mode is 1, and then samples the line's level
-/// into the answer.
+// Steps in order: each latches a state into a line, unless its mode is 1, and then samples the line's level
+// into the answer.
 void bitBang(ProcedureCall& call, const sim_GPIO_BitBang_Param& argument, sim_GPIO_Read_Result& result) {
     const Bytes lines = bytesOf(argument.indexes.indexes_val, argument.indexes.indexes_len);
     const Bytes states = bytesOf(argument.states.states_val, argument.states.states_len);

@@ -7,8 +7,8 @@ namespace {
 
 constexpr u_int kLongestRegister = 4;
 
-/// The bytes of a register number as they go over the bus, low byte first. `length` 0 sends none, so that the
-/// device goes on where it stands.
+// The bytes of a register number as they go over the bus, low byte first. `length` 0 sends none, so that the
+// device goes on where it stands.
 Bytes registerBytes(u_int number, u_int length) {
     Bytes bytes;
     for (u_int i = 0; i < length; ++i, number >>= 8)
@@ -16,8 +16,8 @@ Bytes registerBytes(u_int number, u_int length) {
     return bytes;
 }
 
-/// Writes `bytes` and reads `count` bytes into `answer`; nothing of either kind is left out. Returns the
-/// status.
+// Writes `bytes` and reads `count` bytes into `answer`; nothing of either kind is left out. Returns the
+// status.
 int transfer(ProcedureCall& call, u_int bus, u_int address, const Bytes& bytes, std::size_t count,
              Bytes& answer) {
     if (bus >= I2cBuses::kBuses)
@@ -59,8 +59,8 @@ void readRegister(ProcedureCall& call, const sim_I2C_Read_Reg_Param& argument, s
     call.fill(result.data.data_len, result.data.data_val, answer);
 }
 
-/// Whether the lists of a block are of one length, its registers of a length that exists and its data (if it
-/// writes any) of the sum of its lengths.
+// Whether the lists of a block are of one length, its registers of a length that exists and its data (if it
+// writes any) of the sum of its lengths.
 bool isConsistent(const sim_I2C_Block_Trans_Param& block, const u_int* dataLength) {
     const u_int count = block.buses.buses_len;
     if (block.addresses.addresses_len != count || block.registers.registers_len != count ||
@@ -75,8 +75,8 @@ bool isConsistent(const sim_I2C_Block_Trans_Param& block, const u_int* dataLengt
     return total <= SIM_LIST_LIMIT && (!dataLength || total == *dataLength);
 }
 
-/// Carries out each access of a block in order, until one fails. `access(bus, address, register bytes,
-/// length)` returns a status.
+// Carries out each access of a block in order, until one fails. `access(bus, address, register bytes,
+// length)` returns a status.
 template <class Access>
 int forEachAccess(const sim_I2C_Block_Trans_Param& block, Access access) {
     int error = 0;
@@ -102,7 +102,7 @@ void blockRead(ProcedureCall& call, const sim_I2C_Block_Reg_Read_Param& argument
     call.fill(result.data.data_len, result.data.data_val, answer);
 }
 
-/// Writes the data of a block; where a bit of `mask` is 0, the register's own bit stays.
+// Writes the data of a block; where a bit of `mask` is 0, the register's own bit stays.
 int writeMasked(ProcedureCall& call, const sim_I2C_Block_Trans_Param& block, const u_char* data,
                 std::uint8_t mask) {
     return forEachAccess(block, [&](u_int bus, u_int address, const Bytes& number, u_int length) {

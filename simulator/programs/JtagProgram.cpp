@@ -18,8 +18,8 @@ std::string_view textOf(const sim_StringArrayEntry& entry) {
     return entry.text ? entry.text : "";
 }
 
-/// Clocks the levels of `tms` with those of `data`, then the levels of `tmsAfter` with data low. The answer
-/// is the level of TDO for each clock of the first part. Data that is shorter goes on low.
+// Clocks the levels of `tms` with those of `data`, then the levels of `tmsAfter` with data low. The answer
+// is the level of TDO for each clock of the first part. Data that is shorter goes on low.
 std::string shift(JtagChain& chain, std::string_view data, std::string_view tms, std::string_view tmsAfter) {
     std::string answer;
     for (std::size_t i = 0; i < tms.size(); ++i)

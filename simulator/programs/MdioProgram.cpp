@@ -11,16 +11,16 @@ PhyAddress phyOfSession(const Session& session) {
     return {session.deviceIndex, session.phyAddress};
 }
 
-/// The PHY that a 16-bit access goes to: bits 24 to 28 of the address word are its address, bits 29 to 31 the
-/// low bits of its device index. The session's own index completes them where they agree, so that ports 8 and
-/// 9 are not ports 0 and 1.
+// The PHY that a 16-bit access goes to: bits 24 to 28 of the address word are its address, bits 29 to 31 the
+// low bits of its device index. The session's own index completes them where they agree, so that ports 8 and
+// 9 are not ports 0 and 1.
 PhyAddress phyOfAddress(const Session& session, std::uint32_t address) {
     const unsigned lowBits = address >> 29;
     const unsigned device = (session.deviceIndex & 7U) == lowBits ? session.deviceIndex : lowBits;
     return {device, (address >> 24) & 0x1FU};
 }
 
-/// Accesses in one frame format.
+// Accesses in one frame format.
 template <Space space>
 struct Access {
     static PhyAddress where(const ProcedureCall& call, std::uint32_t address) {
@@ -55,8 +55,8 @@ void writeList(ProcedureCall& call, const sim_MDIO_Write_Param& argument, sim_MD
         Access<space>::write(call, argument.addresses.addresses_val[i], argument.values.values_val[i]);
 }
 
-/// Runs alternate between the two lists, a write run first; what the runs leave over is not executed, and its
-/// reads are answered with 0.
+// Runs alternate between the two lists, a write run first; what the runs leave over is not executed, and its
+// reads are answered with 0.
 template <Space space>
 void mixedBlock(ProcedureCall& call, const sim_MDIO_Mixed_Param& argument, sim_MDIO_Read_Result& result) {
     const auto& data = argument.writeData;

@@ -15,7 +15,7 @@ extern const Program kKeepAliveProgram;
 extern const Program kAdcProgram;
 extern const Program kThermalProgram;
 
-/// All of them, where they are served.
+// All of them, where they are served.
 const BoardPrograms& boardPrograms();
 
 } // namespace OrvaneSim

@@ -5,7 +5,7 @@
 namespace OrvaneSim {
 namespace {
 
-/// The call sequence that a client starts from.
+// The call sequence that a client starts from.
 constexpr u_int kFirstSequence = 100;
 
 void openConnection(ProcedureCall& call, const sim_Open_Param& argument, sim_Open_Result& result) {
@@ -44,7 +44,7 @@ void pingClient(ProcedureCall&, const sim_ID_Param&, sim_Simple_Result&) {
     // That the session was found is the whole answer.
 }
 
-/// The command text, which clients send with its terminating NUL.
+// The command text, which clients send with its terminating NUL.
 std::string commandText(const sim_Command_Param& argument) {
     std::string text(argument.command.command_val, argument.command.command_len);
     return text.substr(0, text.find('\0'));
@@ -69,8 +69,8 @@ void answerFromShell(const std::shared_ptr<LaterReply>& reply, const ShellRunner
     reply->send(reinterpret_cast<xdrproc_t>(xdr_sim_Command_Result), &result);
 }
 
-/// A board without a shell answers from its table, after the time that the table says; with one, the shell's
-/// outcome is the answer. A command that outlasts its time-out (in seconds) ends as timed out.
+// A board without a shell answers from its table, after the time that the table says; with one, the shell's
+// outcome is the answer. A command that outlasts its time-out (in seconds) ends as timed out.
 void executeCommand(ProcedureCall& call, const sim_Command_Param& argument, sim_Command_Result& result) {
     const std::string text = commandText(argument);
     if (call.board.shell) {

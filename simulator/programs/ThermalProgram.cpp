@@ -5,7 +5,7 @@
 namespace OrvaneSim {
 namespace {
 
-/// The status of an access to a channel: the unit must be connected and the channel exist.
+// The status of an access to a channel: the unit must be connected and the channel exist.
 int channelStatus(const ProcedureCall& call, u_int channel) {
     if (channel >= ThermalPlant::kChannels)
         return -EINVAL;
@@ -42,7 +42,7 @@ void getSettledTemperature(ProcedureCall& call, const sim_THRM_Get_Temp_Arg& arg
         result.temperature = static_cast<float>(call.board.thermal.settle(argument.channel));
 }
 
-/// A flag other than 0 starts control at once.
+// A flag other than 0 starts control at once.
 void setTemperature(ProcedureCall& call, const sim_THRM_Set_Temp_Arg& argument, sim_THRM_Result& result) {
     result.error = targetStatus(call, argument);
     if (result.error != 0)

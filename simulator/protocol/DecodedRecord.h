@@ -8,7 +8,7 @@
 
 namespace OrvaneSim {
 
-/// What a procedure without argument is given.
+// What a procedure without argument is given.
 struct Nothing {};
 inline bool_t xdrNothing(XDR*, Nothing*) {
     return TRUE;
@@ -16,7 +16,7 @@ inline bool_t xdrNothing(XDR*, Nothing*) {
 template <class V>
 void members(V&, Nothing&) {}
 
-/// The routine of every type that is an argument or a result; found by that type.
+// The routine of every type that is an argument or a result; found by that type.
 inline constexpr auto kRoutines = std::make_tuple(
     xdrNothing, xdr_int, xdr_u_int, xdr_sim_Simple_Param, xdr_sim_ID_Param, xdr_sim_Simple_Result,
     // setup
@@ -45,13 +45,13 @@ inline constexpr auto kRoutines = std::make_tuple(
 template <class Record>
 inline constexpr auto kRoutine = std::get<bool_t (*)(XDR*, Record*)>(kRoutines);
 
-/// The same, as libtirpc takes it: its routine type leaves the parameters open.
+// The same, as libtirpc takes it: its routine type leaves the parameters open.
 template <class Record>
 xdrproc_t openRoutine() {
     return reinterpret_cast<xdrproc_t>(kRoutine<Record>);
 }
 
-/// A decoded record with all that XDR allocated for it.
+// A decoded record with all that XDR allocated for it.
 template <class Record>
 class DecodedRecord {
 public:
@@ -69,7 +69,7 @@ public:
     DecodedRecord(const DecodedRecord&) = delete;
     DecodedRecord& operator=(const DecodedRecord&) = delete;
 
-    /// False when the bytes were not such a record; it then holds what came before the place where they fail.
+    // False when the bytes were not such a record; it then holds what came before the place where they fail.
     explicit operator bool() const { return whole_; }
     Record& operator*() { return record_; }
 

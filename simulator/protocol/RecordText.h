@@ -11,8 +11,8 @@
 
 namespace OrvaneSim {
 
-/// Writes the members that it is shown as one JSON object. Characters become text, every other list an array
-/// of numbers or objects.
+// Writes the members that it is shown as one JSON object. Characters become text, every other list an array
+// of numbers or objects.
 class RecordWriter {
 public:
     template <class Number>
@@ -39,7 +39,7 @@ public:
         value(record);
     }
 
-    /// The object; the writer is then done.
+    // The object; the writer is then done.
     std::string take() {
         json_ += json_.empty() ? "{}" : "}";
         return std::move(json_);

@@ -24,7 +24,7 @@ namespace OrvaneSim {
 //   visit.text(name, count, elements)   an array of characters
 //   visit.record(name, record)          an embedded record
 
-/// A bare integer or boolean on the wire, called `value`.
+// A bare integer or boolean on the wire, called `value`.
 template <class V, class Number, std::enable_if_t<std::is_arithmetic_v<Number>, int> = 0>
 void members(V& visit, Number& number) {
     visit("value", number);

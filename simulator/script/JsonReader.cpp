@@ -22,7 +22,7 @@ std::string plainReal(double number) {
     return text;
 }
 
-/// The line and column, both from 1, of the byte number `byte` (from 1).
+// The line and column, both from 1, of the byte number `byte` (from 1).
 std::string placeOf(const std::string& text, std::size_t byte) {
     const std::size_t before = std::min(byte == 0 ? 0 : byte - 1, text.size());
     const auto end = text.begin() + static_cast<std::ptrdiff_t>(before);
@@ -32,7 +32,7 @@ std::string placeOf(const std::string& text, std::size_t byte) {
     return "line " + std::to_string(line) + ", column " + std::to_string(column) + ": ";
 }
 
-/// What the parser says beyond the place, which it counts in its own way.
+// What the parser says beyond the place, which it counts in its own way.
 std::string problemOf(const std::string& message) {
     const std::size_t column = message.find(", column ");
     const std::size_t begin = column == std::string::npos ? std::string::npos : message.find(": ", column);
@@ -41,8 +41,8 @@ std::string problemOf(const std::string& message) {
 
 constexpr int kDeepest = 64;
 
-/// Builds the value, and refuses a name that an object has twice and lists in lists without end: what walks
-/// the value takes some of the stack for each level.
+// Builds the value, and refuses a name that an object has twice and lists in lists without end: what walks
+// the value takes some of the stack for each level.
 class Strictness {
 public:
     bool operator()(int depth, Json::parse_event_t event, const Json& value) {

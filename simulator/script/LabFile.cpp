@@ -121,7 +121,7 @@ BoardSetup readBoard(ObjectReader& reader, const LabPlace& place, std::uint64_t 
     return setup;
 }
 
-/// Refuses a name that another board has; `places` tells which.
+// Refuses a name that another board has; `places` tells which.
 void checkUnique(std::map<std::string, std::string>& places, const std::string& name,
                  const std::string& path) {
     const auto [found, fresh] = places.emplace(name, path);
@@ -129,7 +129,7 @@ void checkUnique(std::map<std::string, std::string>& places, const std::string& 
         throw ScriptError(path, "\"" + name + "\" is taken by " + found->second);
 }
 
-/// Gives boards without address the usual ones that no other board names.
+// Gives boards without address the usual ones that no other board names.
 void fillAddresses(std::vector<BoardSetup>& boards, const std::map<std::string, std::string>& taken,
                    const LabPlace& place) {
     if (taken.empty())

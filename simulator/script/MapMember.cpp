@@ -1,3 +1,4 @@
+// Which map a member names: a file, or the one that is built in.
 #include "simulator/script/MapMember.h"
 
 #include <filesystem>

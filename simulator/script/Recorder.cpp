@@ -10,7 +10,7 @@
 namespace OrvaneSim {
 namespace {
 
-/// The file and the time of its beginning. Written on the lab's thread only.
+// The file and the time of its beginning. Written on the lab's thread only.
 struct Recording {
     std::ofstream file;
     std::chrono::steady_clock::time_point begin = std::chrono::steady_clock::now();

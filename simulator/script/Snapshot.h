@@ -9,14 +9,14 @@
 
 namespace OrvaneSim {
 
-/// The registers ever written on these boards.
+// The registers ever written on these boards.
 Json snapshotOf(const std::vector<Board*>& boards);
 
-/// Gives the boards that the snapshot names the registers that it holds, and no others. Nothing is changed
-/// when it throws ScriptError: for members that are wrong or a board that is not among `boards`.
+// Gives the boards that the snapshot names the registers that it holds, and no others. Nothing is changed
+// when it throws ScriptError: for members that are wrong or a board that is not among `boards`.
 void restoreSnapshot(const std::vector<Board*>& boards, const Json& snapshot);
 
-/// Writes a snapshot, one register on each line. Throws ScriptError when the file cannot be written.
+// Writes a snapshot, one register on each line. Throws ScriptError when the file cannot be written.
 void writeSnapshot(const std::string& file, const Json& snapshot);
 
 } // namespace OrvaneSim

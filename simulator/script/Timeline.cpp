@@ -26,7 +26,7 @@ void readAfter(ObjectReader& after, TimelineEntry& entry) {
     after.finish();
 }
 
-/// The entries of one board that wait for requests. Belongs to the lab's thread.
+// The entries of one board that wait for requests. Belongs to the lab's thread.
 class Waiting {
 public:
     explicit Waiting(Board& board) : board_(board) {}

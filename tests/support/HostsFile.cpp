@@ -1,3 +1,4 @@
+// The names go into a file of the test's own mount namespace.
 #include "tests/support/HostsFile.h"
 
 #include "simulator/network/PrivateFiles.h"

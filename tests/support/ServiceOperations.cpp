@@ -1,3 +1,4 @@
+// The table of the operations, and the records that they send.
 #include "tests/support/ServiceOperations.h"
 
 #include "ov_sys/Interface/buses/ADC.h"

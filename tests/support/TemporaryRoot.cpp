@@ -1,3 +1,4 @@
+// The folder is made, entered, and removed in the end.
 #include "tests/support/TemporaryRoot.h"
 
 #include <cerrno>

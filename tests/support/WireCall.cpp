@@ -1,3 +1,4 @@
+// Makes recorded requests comparable.
 #include "tests/support/WireCall.h"
 
 #include <ios>

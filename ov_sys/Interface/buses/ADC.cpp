@@ -1,3 +1,4 @@
+// The ADC service: a live session, then the call.
 #include "ov_sys/Interface/buses/ADC.h"
 
 #include "ov_sys/Interface/buses/rpc/RPCADC.h"

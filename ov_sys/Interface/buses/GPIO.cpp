@@ -1,3 +1,4 @@
+// The GPIO service: a live session, then the call.
 #include "ov_sys/Interface/buses/GPIO.h"
 
 #include "ov_sys/Interface/buses/rpc/RPCGPIO.h"

@@ -1,3 +1,4 @@
+// The I2C service: a live session, then the call.
 #include "ov_sys/Interface/buses/I2C.h"
 
 #include "ov_sys/Interface/buses/rpc/RPCI2C.h"

@@ -1,3 +1,4 @@
+// The JTAG service: a live session, then the call.
 #include "ov_sys/Interface/buses/JTAG.h"
 
 #include "ov_sys/Interface/buses/rpc/RPCJTAG.h"

@@ -1,3 +1,4 @@
+// The keep-alive service: a live session, then the call.
 #include "ov_sys/Interface/buses/KeepAlive.h"
 
 #include "ov_sys/Interface/buses/rpc/RPCKeepAlive.h"

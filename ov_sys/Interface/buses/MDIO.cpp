@@ -1,3 +1,4 @@
+// The MDIO service: lists that agree, a live session, then the call.
 #include "ov_sys/Interface/buses/MDIO.h"
 
 #include "ov_sys/Interface/buses/rpc/RPCMDIO.h"

@@ -1,3 +1,4 @@
+// How accesses are queued in runs of reads and of writes, and sent.
 #include "ov_sys/Interface/buses/MdioAsync.h"
 
 #include "ov_sys/Interface/foundation/Requirement.h"

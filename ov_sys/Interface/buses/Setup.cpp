@@ -1,3 +1,4 @@
+// The setup service: a live session, then the call.
 #include "ov_sys/Interface/buses/Setup.h"
 
 #include <utility>

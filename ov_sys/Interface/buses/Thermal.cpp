@@ -1,3 +1,4 @@
+// The thermal service: a live session, then the call.
 #include "ov_sys/Interface/buses/Thermal.h"
 
 #include "ov_sys/Interface/buses/rpc/RPCThermal.h"

@@ -1,3 +1,4 @@
+// The making of a board's clients, and the search for a board that has moved or gone.
 #include "ov_sys/Interface/connection/BoardConnection.h"
 
 #include "ov_sys/Interface/connection/BoardPing.h"

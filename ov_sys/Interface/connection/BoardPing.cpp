@@ -1,3 +1,4 @@
+// The ping through a client's handle, or beside a call that holds it.
 #include "ov_sys/Interface/connection/BoardPing.h"
 
 #include "ov_sys/Interface/connection/StubCall.h"

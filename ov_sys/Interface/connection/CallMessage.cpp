@@ -1,3 +1,4 @@
+// Requests and replies, coded by libtirpc's routines.
 #include "ov_sys/Interface/connection/CallMessage.h"
 
 #include <arpa/inet.h>

@@ -1,3 +1,4 @@
+// Calls by UDP: what came late is drained, what is not the answer is passed over.
 #include "ov_sys/Interface/connection/DatagramTransport.h"
 
 #include <cerrno>

@@ -1,3 +1,4 @@
+// Waits for a turn, and for the handle that stands when it comes.
 #include "ov_sys/Interface/connection/HandleTurn.h"
 
 #include "ov_sys/Interface/connection/RPCClient.h"

@@ -1,3 +1,4 @@
+// The question to the port mapper, coded by libtirpc's routines.
 #include "ov_sys/Interface/connection/PortMapperCall.h"
 
 #include "ov_sys/Interface/foundation/Deadline.h"

@@ -1,3 +1,4 @@
+// One question for each program, and the answers in whatever order they come.
 #include "ov_sys/Interface/connection/PortsAhead.h"
 
 #include "ov_sys/Interface/connection/ProgramSocket.h"

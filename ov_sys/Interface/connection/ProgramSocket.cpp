@@ -1,3 +1,4 @@
+// The look-up at the port mapper and the connection, each until its deadline.
 #include "ov_sys/Interface/connection/ProgramSocket.h"
 
 #include "ov_sys/Interface/connection/DatagramTransport.h"

@@ -1,3 +1,4 @@
+// How a client gets, replaces and drops its handle.
 #include "ov_sys/Interface/connection/RPCClient.h"
 
 #include "ov_sys/Interface/connection/RPCHandle.h"

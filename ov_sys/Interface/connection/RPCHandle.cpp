@@ -1,3 +1,4 @@
+// The operations behind a complete CLIENT, which stubs call and clnt_control() asks.
 #include "ov_sys/Interface/connection/RPCHandle.h"
 
 #include "ov_sys/Interface/connection/DatagramTransport.h"

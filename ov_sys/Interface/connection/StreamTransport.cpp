@@ -1,3 +1,4 @@
+// Calls by TCP: a record is sent whole, and received mark by mark until the deadline.
 #include "ov_sys/Interface/connection/StreamTransport.h"
 
 #include <algorithm>

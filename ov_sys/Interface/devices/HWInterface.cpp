@@ -1,3 +1,4 @@
+// The device list: discovery, look-ups, and what begins and ends with the object.
 #include "ov_sys/Interface/devices/HWInterface.h"
 
 #include "ov_sys/Interface/devices/ListedNames.h"

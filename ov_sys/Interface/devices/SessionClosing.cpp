@@ -1,3 +1,4 @@
+// Sessions closed side by side, by helper threads that share them out.
 #include "ov_sys/Interface/devices/SessionClosing.h"
 
 #include "ov_sys/Interface/foundation/Threads.h"

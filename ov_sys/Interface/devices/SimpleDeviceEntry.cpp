@@ -1,3 +1,4 @@
+// How a device opens, finds, shares and closes its sessions.
 #include "ov_sys/Interface/devices/SimpleDeviceEntry.h"
 
 #include "ov_sys/Interface/buses/rpc/RPCSetup.h"

@@ -1,3 +1,4 @@
+// Each access by MDIO or by SMBus, as the port has it.
 #include "ov_sys/Interface/devices/SimpleSessionEntry.h"
 
 #include "ov_sys/Interface/buses/MDIO.h"

@@ -1,3 +1,4 @@
+// The I2C transfers of an access, in the two protocols.
 #include "ov_sys/Interface/devices/SmbusAccess.h"
 
 #include "ov_sys/Interface/buses/I2C.h"

@@ -1,3 +1,4 @@
+// How a line becomes one write, or one call of the application's sink.
 #include "ov_sys/Interface/foundation/Diagnostics.h"
 
 #include "ov_sys/Interface/foundation/Uncancelled.h"

@@ -1,3 +1,4 @@
+// The handler that the process runs when it exits, and an unloading does not.
 #include "ov_sys/Interface/foundation/ProcessExit.h"
 
 #include <semaphore.h>

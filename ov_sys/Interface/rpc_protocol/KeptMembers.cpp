@@ -1,3 +1,4 @@
+// Compares a record's members with those that it had before the decode.
 #include "ov_sys/Interface/rpc_protocol/KeptMembers.h"
 
 #include <cstdint>

@@ -1,3 +1,4 @@
+// The session's state machine, and its recovery after a failed call.
 #include "ov_sys/Interface/sessions/PhySession.h"
 
 #include "ov_sys/Interface/connection/BoardConnection.h"

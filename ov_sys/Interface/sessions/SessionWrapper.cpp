@@ -1,3 +1,4 @@
+// Refuses a session that is missing or dead.
 #include "ov_sys/Interface/sessions/SessionWrapper.h"
 
 #include "ov_sys/Interface/foundation/Exceptions.h"

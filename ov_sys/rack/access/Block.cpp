@@ -1,3 +1,4 @@
+// The records of a block, and where the values of its reply go.
 #include "ov_sys/rack/access/Block.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Which blocks go out together, and what has been done when one fails.
 #include "ov_sys/rack/access/Blocks.h"
 
 #include "ov_sys/rack/access/Block.h"

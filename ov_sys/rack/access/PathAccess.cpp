@@ -1,3 +1,4 @@
+// Each step of a path as one access, until the first that fails.
 #include "ov_sys/rack/access/PathAccess.h"
 
 #include <cstdio>

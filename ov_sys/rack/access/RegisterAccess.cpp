@@ -1,3 +1,4 @@
+// Which call reads or writes a register, in each space and on each kind of port.
 #include "ov_sys/rack/access/RegisterAccess.h"
 
 #include "ov_sys/rack/access/Blocks.h"

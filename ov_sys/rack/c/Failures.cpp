@@ -1,3 +1,4 @@
+// Each kind of failure has its status, and each status its exception.
 #include "ov_sys/rack/c/Failures.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Copies between the C structs and the C++ values.
 #include "ov_sys/rack/c/Values.h"
 
 #include "ov_sys/rack/c/Failures.h"

@@ -1,3 +1,4 @@
+// The sessions of a board, one for each port, PHY and access.
 #include "ov_sys/rack/core/Board.h"
 
 namespace Orvane::RackCore {

@@ -1,3 +1,4 @@
+// Events in their order, to the callback that stands when they are delivered.
 #include "ov_sys/rack/core/EventQueue.h"
 
 #include <utility>

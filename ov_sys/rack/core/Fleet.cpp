@@ -1,3 +1,4 @@
+// One poll loop over the links of all boards: jobs start, calls settle, deadlines expire.
 #include "ov_sys/rack/core/Fleet.h"
 
 #include "ov_sys/rack/link/Drive.h"

@@ -1,3 +1,4 @@
+// What a job says that ran out of memory.
 #include "ov_sys/rack/core/Job.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// When the thread pings, reopens, searches and sleeps.
 #include "ov_sys/rack/core/Keeper.h"
 
 #include "ov_sys/rack/core/Fleet.h"

@@ -1,3 +1,4 @@
+// When a session opens, is forgotten, and closes.
 #include "ov_sys/rack/core/OpenSession.h"
 
 #include "ov_sys/rack/core/Board.h"

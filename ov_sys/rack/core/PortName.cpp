@@ -1,3 +1,4 @@
+// What a name may consist of.
 #include "ov_sys/rack/core/PortName.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// How boards become known, are found again, and end with their rack.
 #include "ov_sys/rack/core/RackState.h"
 
 #include "ov_sys/rack/link/Endpoint.h"

@@ -1,3 +1,4 @@
+// Which call a job makes next, and what it makes of the answer.
 #include "ov_sys/rack/core/RegisterJobs.h"
 
 #include <algorithm>

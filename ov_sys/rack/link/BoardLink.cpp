@@ -1,3 +1,4 @@
+// How calls are started, sent, repeated and ended, up to the window of calls in flight.
 #include "ov_sys/rack/link/BoardLink.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Datagrams out and in, whatever signals interrupt.
 #include "ov_sys/rack/link/DatagramSocket.h"
 
 #include <cerrno>

@@ -1,3 +1,4 @@
+// Takes the turn, and waits, sends and receives until the calls have ended or a limit is reached.
 #include "ov_sys/rack/link/Drive.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// A question by TCP, sent and answered without waiting.
 #include "ov_sys/rack/link/Probe.h"
 
 #include "ov_sys/Interface/discovery/DiscoveryProtocol.h"

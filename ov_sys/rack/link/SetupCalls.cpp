@@ -1,3 +1,4 @@
+// The records of those calls, and what is checked of the answers.
 #include "ov_sys/rack/link/SetupCalls.h"
 
 #include <cerrno>

@@ -1,3 +1,4 @@
+// Records out and in, as far as the socket takes and gives them without waiting.
 #include "ov_sys/rack/link/Stream.h"
 
 #include <cerrno>

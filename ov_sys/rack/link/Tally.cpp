@@ -1,3 +1,4 @@
+// The counters of each program, made when it is first called.
 #include "ov_sys/rack/link/Tally.h"
 
 namespace Orvane::RackLink {

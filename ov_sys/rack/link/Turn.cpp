@@ -1,3 +1,4 @@
+// A turn that its thread may take again, and that others wait for until their deadline.
 #include "ov_sys/rack/link/Turn.h"
 
 #include <algorithm>

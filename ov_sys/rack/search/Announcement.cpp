@@ -1,3 +1,4 @@
+// Reads the words of an answer, and refuses what is none.
 #include "ov_sys/rack/search/Announcement.h"
 
 #include "ov_sys/rack/core/PortName.h"

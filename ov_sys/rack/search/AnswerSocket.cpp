@@ -1,3 +1,4 @@
+// The options of the socket, and the datagrams through it.
 #include "ov_sys/rack/search/AnswerSocket.h"
 
 #include "ov_sys/Interface/discovery/DiscoveryProtocol.h"

@@ -1,3 +1,4 @@
+// When a search asks, how long it listens, and whom it tells.
 #include "ov_sys/rack/search/Search.h"
 
 #include "ov_sys/rack/link/Drive.h"

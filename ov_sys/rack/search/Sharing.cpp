@@ -1,3 +1,4 @@
+// The messages between the programs, and the sockets that carry them.
 #include "ov_sys/rack/search/Sharing.h"
 
 #include "ov_sys/Interface/discovery/DiscoveryProtocol.h"

@@ -7,7 +7,7 @@
 
 namespace OrvaneSim {
 
-/// What `request.arguments()` says, its members in wire order.
+// What `request.arguments()` says, its members in wire order.
 inline nlohmann::ordered_json argumentsOf(const Request& request) {
     return nlohmann::ordered_json::parse(request.arguments());
 }

@@ -10,7 +10,7 @@
 
 namespace OrvaneSim {
 
-/// The bits of a register that have an access; those of no field have the register's.
+// The bits of a register that have an access; those of no field have the register's.
 inline std::uint32_t bitsWith(const Orvane::MapRegister& reg, Orvane::MapAccess access) {
     std::uint64_t found = 0;
     std::uint64_t named = 0;
@@ -22,8 +22,8 @@ inline std::uint32_t bitsWith(const Orvane::MapRegister& reg, Orvane::MapAccess 
     return static_cast<std::uint32_t>(found | (reg.access() == access ? all & ~named : 0));
 }
 
-/// Where a board has a register of a map; nothing for one that it does not have: wider than 32 bits, or an
-/// SMBus device's own.
+// Where a board has a register of a map; nothing for one that it does not have: wider than 32 bits, or an
+// SMBus device's own.
 inline std::optional<RegisterValue> placeOf(const Orvane::MapRegister& reg) {
     const Orvane::MapAddress& address = reg.address();
     RegisterValue place;
@@ -37,7 +37,7 @@ inline std::optional<RegisterValue> placeOf(const Orvane::MapRegister& reg) {
     return place;
 }
 
-/// What a map says of a PHY's registers, for Board::useMap().
+// What a map says of a PHY's registers, for Board::useMap().
 inline std::vector<MappedRegister> mappedRegisters(const Orvane::RegisterMap& map) {
     using Orvane::MapAccess;
     std::vector<MappedRegister> list;

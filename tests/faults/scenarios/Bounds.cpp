@@ -18,10 +18,10 @@ using OrvaneSim::Board;
 using OrvaneSim::Fault;
 using std::chrono::milliseconds;
 
-/// One way of making the library wait.
+// One way of making the library wait.
 struct Manner {
     const char* name;
-    bool answersCalls; ///< or a call has no bound, as the board says itself
+    bool answersCalls; // or a call has no bound, as the board says itself
     std::function<void(Board&)> begin;
 };
 
@@ -69,7 +69,7 @@ double msOf(Action action) {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// What is timed, and the most that docs/limits.md says of it, in milliseconds.
+// What is timed, and the most that docs/limits.md says of it, in milliseconds.
 struct Work {
     std::string name;
     double limit;
@@ -77,7 +77,7 @@ struct Work {
     std::function<double(SessionOnBoard&)> timed;
 };
 
-/// Ends the session in the middle of the next ping, or of a search for the board.
+// Ends the session in the middle of the next ping, or of a search for the board.
 Work closing(int afterMs) {
     return {"closing, " + std::to_string(afterMs) + " ms on", 6000, false, [afterMs](SessionOnBoard& each) {
                 std::this_thread::sleep_for(milliseconds(afterMs));
@@ -85,7 +85,7 @@ Work closing(int afterMs) {
             }};
 }
 
-/// Refreshes a list of devices.
+// Refreshes a list of devices.
 Work looking(const char* name, double limit, bool byName, bool byAddress) {
     return {name, limit, false, [byName, byAddress](SessionOnBoard& each) {
                 return msOf([&] {
@@ -125,7 +125,7 @@ struct Case {
     const Work& work;
 };
 
-/// In small runs without what takes longest, which is opening, calls and a look at an address.
+// In small runs without what takes longest, which is opening, calls and a look at an address.
 std::vector<Case> cases(bool full) {
     std::vector<Case> all;
     for (const Manner& manner : manners())

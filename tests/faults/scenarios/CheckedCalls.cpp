@@ -1,3 +1,4 @@
+// The values that registers must have, and the calls that compare them.
 #include "tests/faults/scenarios/CheckedCalls.h"
 
 #include "ov_sys/Interface/buses/rpc/RPCMDIO.h"

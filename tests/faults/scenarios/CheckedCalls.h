@@ -15,38 +15,38 @@ namespace OrvaneFaults {
 constexpr int kPhy = 3;
 constexpr unsigned kPort = 1;
 
-/// Fills the registers that CheckedCalls reads on a board.
+// Fills the registers that CheckedCalls reads on a board.
 void prepareRegisters(OrvaneSim::Board& board, unsigned number);
 
-/// A simple session on a board, kept alive unless told otherwise. Throws what opening throws.
+// A simple session on a board, kept alive unless told otherwise. Throws what opening throws.
 std::unique_ptr<Orvane::PhySession> openSession(const std::string& serial, const std::string& address,
                                                 bool keepAlive = true);
 
-/// How calls ended, and how long they took.
+// How calls ended, and how long they took.
 struct Outcomes {
     std::size_t calls = 0;
     std::size_t good = 0;
-    std::size_t remoteErrors = 0;    ///< Exceptions::Standard "Remote error."
-    std::size_t invalidSessions = 0; ///< Exceptions::InvalidSession
-    std::size_t otherDocumented = 0; ///< Exceptions::NoDevice, InvalidRPCClient, DeviceConnection
-    std::size_t wrong = 0;           ///< a wrong value, or anything that is not documented
+    std::size_t remoteErrors = 0;    // Exceptions::Standard "Remote error."
+    std::size_t invalidSessions = 0; // Exceptions::InvalidSession
+    std::size_t otherDocumented = 0; // Exceptions::NoDevice, InvalidRPCClient, DeviceConnection
+    std::size_t wrong = 0;           // a wrong value, or anything that is not documented
     double slowestMs = 0;
 
     Outcomes& operator+=(const Outcomes& other);
     std::size_t failed() const { return remoteErrors + invalidSessions + otherDocumented; }
 };
 
-/// Reads of checked registers, and writes of a sequence number with its check word that are read back. The
-/// registers written belong to the object of their board alone. One thread.
+// Reads of checked registers, and writes of a sequence number with its check word that are read back. The
+// registers written belong to the object of their board alone. One thread.
 class CheckedCalls {
 public:
     CheckedCalls(unsigned number, std::uint64_t seed) : number_(number), dice_(seed + number) {}
 
-    /// Makes one call on the session.
+    // Makes one call on the session.
     void one(Orvane::PhySession& session);
-    /// Makes one read; true when it succeeded with the right value.
+    // Makes one read; true when it succeeded with the right value.
     bool read(Orvane::PhySession& session);
-    /// The outcomes since the last call of this.
+    // The outcomes since the last call of this.
     Outcomes take() { return std::exchange(outcomes_, {}); }
 
 private:

@@ -1,3 +1,4 @@
+// Processes that are forked, told by pipes, and waited for.
 #include "tests/faults/scenarios/Children.h"
 
 #include "simulator/lab/Lab.h"

@@ -18,10 +18,10 @@ struct NamedBoard {
     unsigned number;
 };
 
-/// Boards in processes of their own, a few hundred to each. To be made while this process has one thread.
+// Boards in processes of their own, a few hundred to each. To be made while this process has one thread.
 class BoardProcesses {
 public:
-    /// Throws std::runtime_error when they do not come up.
+    // Throws std::runtime_error when they do not come up.
     explicit BoardProcesses(unsigned count);
     ~BoardProcesses();
     BoardProcesses(const BoardProcesses&) = delete;
@@ -32,7 +32,7 @@ public:
 private:
     struct Child {
         pid_t pid;
-        Orvane::FileDescriptor stop; ///< the child ends when this end of the pipe is closed
+        Orvane::FileDescriptor stop; // the child ends when this end of the pipe is closed
     };
     void startSome(unsigned first, unsigned count);
 
@@ -40,16 +40,16 @@ private:
     std::vector<NamedBoard> boards_;
 };
 
-/// How a child ended.
+// How a child ended.
 struct ChildEnd {
     enum class How { Exited, Killed, Hung } how;
-    int value;         ///< exit status, or the signal
-    std::string words; ///< what it wrote to its descriptor
+    int value;         // exit status, or the signal
+    std::string words; // what it wrote to its descriptor
 };
 
-/// Runs `work` in a child and gives what it returned as exit status; it may write a few words (up to the size
-/// of a pipe) to the descriptor that it is given. A child that takes longer than `limit` is killed and counts
-/// as hung. To be called while this process has one thread.
+// Runs `work` in a child and gives what it returned as exit status; it may write a few words (up to the size
+// of a pipe) to the descriptor that it is given. A child that takes longer than `limit` is killed and counts
+// as hung. To be called while this process has one thread.
 ChildEnd inChild(const std::function<int(int words)>& work, std::chrono::seconds limit);
 
 } // namespace OrvaneFaults

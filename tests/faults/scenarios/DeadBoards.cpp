@@ -18,17 +18,17 @@ using OrvaneSim::Board;
 using OrvaneSim::Fault;
 using OrvaneSim::Request;
 
-/// In milliseconds: the time-out of the call and of two pings, a search of 4 s that finds nothing, the pauses
-/// between, and the connecting of six clients to a board whose port mapper is silent.
+// In milliseconds: the time-out of the call and of two pings, a search of 4 s that finds nothing, the pauses
+// between, and the connecting of six clients to a board whose port mapper is silent.
 constexpr double kLongestStruckCall = 30000;
 
-/// One way of dying. `strike` is done before the call that meets it, `revive` after that call.
+// One way of dying. `strike` is done before the call that meets it, `revive` after that call.
 struct Death {
     const char* name;
     std::function<void(Board&)> strike;
     std::function<void(Board&)> revive;
-    bool keepsSession; ///< the session must survive
-    bool isFoundAgain; ///< while the call is under way, by a search
+    bool keepsSession; // the session must survive
+    bool isFoundAgain; // while the call is under way, by a search
 };
 
 std::string otherAddress() {
@@ -37,7 +37,7 @@ std::string otherAddress() {
     return "10.83." + std::to_string(64 + number / 250 % 60) + "." + std::to_string(1 + number % 250);
 }
 
-/// Does `action` as soon as the next MDIO request has come, which also meets `fault`.
+// Does `action` as soon as the next MDIO request has come, which also meets `fault`.
 void duringTheNextCall(Board& board, Fault::Kind fault, const Action& action) {
     auto armed = std::make_shared<std::atomic<bool>>(true);
     board.inject({"mdio", "", fault, 1});
@@ -52,8 +52,8 @@ void start(Board& board) {
 }
 void nothing(Board&) {}
 
-/// After a restart in the same place the clients still have the old ports, which is why the session is lost:
-/// they are made anew only for another address.
+// After a restart in the same place the clients still have the old ports, which is why the session is lost:
+// they are made anew only for another address.
 const std::vector<Death>& deaths() {
     static const std::vector<Death> all{
         {"idle: restarted in place", [](Board& b) { b.restart(); }, nothing, false, true},
@@ -93,8 +93,8 @@ struct Tally {
     std::size_t goodAfterwards = 0;
 };
 
-/// The ping of the keep-alive thread may have been first to fail; then the call has ended in an error while
-/// that thread is still looking for the board.
+// The ping of the keep-alive thread may have been first to fail; then the call has ended in an error while
+// that thread is still looking for the board.
 void awaitVerdict(const Orvane::PhySession& session) {
     while (session.getSessionState() == Orvane::PhySession::SESSION_ERROR_HANDLING)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));

@@ -23,7 +23,7 @@ void tell(int words, const std::string& text) {
     static_cast<void>(!write(words, text.data(), text.size()));
 }
 
-/// Everything that a short-lived tool does: looks for boards, opens one, reads, closes.
+// Everything that a short-lived tool does: looks for boards, opens one, reads, closes.
 int lifeOfATool(const NamedBoard& board, int words) {
     std::vector<Orvane::AddressResponse*> found;
     std::string outcome = "worked";
@@ -50,7 +50,7 @@ int lifeOfATool(const NamedBoard& board, int words) {
     return 0;
 }
 
-/// Runs a tool once for each value and counts how the lives ended.
+// Runs a tool once for each value and counts how the lives ended.
 template <class Prepare>
 void sweep(Run& run, Table& table, const std::string& name, const NamedBoard& board,
            const std::vector<rlim_t>& values, Prepare prepare) {

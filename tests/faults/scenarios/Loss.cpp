@@ -8,7 +8,7 @@ namespace {
 
 using OrvaneSim::Fault;
 
-/// In milliseconds: eight attempts of 2 s, and behind each a recovery of up to 12.5 s.
+// In milliseconds: eight attempts of 2 s, and behind each a recovery of up to 12.5 s.
 constexpr double kLongestLossyCall = 100000;
 
 constexpr unsigned kWarmUp = 10; // calls

@@ -20,7 +20,7 @@ constexpr std::size_t kThreadsPerBoard = 1;
 
 using Session = std::unique_ptr<Orvane::PhySession>;
 
-/// Calls `work` with every number below `count`, a few at a time.
+// Calls `work` with every number below `count`, a few at a time.
 template <class Work>
 void someAtATime(std::size_t count, Work work) {
     constexpr unsigned kWorkers = 16;
@@ -101,8 +101,8 @@ void holdAll(Run& run, const std::vector<NamedBoard>& boards) {
     run.report.show(table);
 }
 
-/// Opens boards until one does not fit, and a few more; every one that was opened must go on, but for the
-/// last, in which perhaps not every client found a descriptor: its calls end in an error.
+// Opens boards until one does not fit, and a few more; every one that was opened must go on, but for the
+// last, in which perhaps not every client found a descriptor: its calls end in an error.
 int openWithLimit(const std::vector<NamedBoard>& boards, int words) {
     constexpr rlim_t kLimit = 1024;
     const rlimit limit{kLimit, kLimit};

@@ -1,3 +1,4 @@
+// Counts descriptors, threads and memory.
 #include "tests/faults/scenarios/Process.h"
 
 #include <chrono>

@@ -14,7 +14,7 @@ namespace {
 
 constexpr unsigned kThreads = 16;
 
-/// Repeats `work` until the readers are done.
+// Repeats `work` until the readers are done.
 template <class Work>
 std::thread meanwhile(const std::atomic<bool>& over, std::atomic<std::size_t>& done, Work work) {
     return std::thread([&over, &done, work]() mutable {
@@ -32,8 +32,8 @@ void searchOnce() {
         delete each;
 }
 
-/// Reads on the session until it made `calls` calls; a session that a reset killed is revived, as another
-/// thread cannot be told to open it anew.
+// Reads on the session until it made `calls` calls; a session that a reset killed is revived, as another
+// thread cannot be told to open it anew.
 Outcomes readShared(Orvane::PhySession& session, unsigned boardNumber, std::uint64_t seed, unsigned calls) {
     CheckedCalls checked(boardNumber, seed);
     for (unsigned i = 0; i < calls; ++i) {
@@ -44,15 +44,15 @@ Outcomes readShared(Orvane::PhySession& session, unsigned boardNumber, std::uint
     return checked.take();
 }
 
-/// What a race consists of, and what came of it.
+// What a race consists of, and what came of it.
 struct Race {
     Run& run;
-    unsigned calls; ///< of each thread on the shared session
+    unsigned calls; // of each thread on the shared session
     std::atomic<bool> over{false};
     std::atomic<std::size_t> resets{0};
     std::atomic<std::size_t> closes{0};
     std::atomic<std::size_t> searches{0};
-    std::mutex mutex{}; ///< guards the rest
+    std::mutex mutex{}; // guards the rest
     Outcomes shared{};
     Outcomes alone{};
 
@@ -61,8 +61,8 @@ struct Race {
         sum += more;
     }
 
-    /// Sixteen readers, one who resets their clients, one who searches; the race is over when the readers are
-    /// done.
+    // Sixteen readers, one who resets their clients, one who searches; the race is over when the readers are
+    // done.
     void onSharedSession(Orvane::PhySession& session, unsigned boardNumber) {
         std::thread resetter = meanwhile(over, resets, [&] {
             session.connection->resetClients();

@@ -17,8 +17,8 @@ using State = Orvane::PhySession::SessionState_t;
 struct Code {
     const char* name;
     int value;
-    const char* opening; ///< what opening ends in
-    State keptAlive;     ///< the session's state after the ping that it answered
+    const char* opening; // what opening ends in
+    State keptAlive;     // the session's state after the ping that it answered
 };
 
 const std::vector<Code>& codes() {
@@ -45,7 +45,7 @@ std::string openOutcome(OrvaneSim::Board& board) {
     }
 }
 
-/// Waits, within reason, for something that another thread brings about.
+// Waits, within reason, for something that another thread brings about.
 template <class Condition>
 bool comesTrue(Condition condition) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);

@@ -1,3 +1,4 @@
+// Prints tables, lines and broken invariants.
 #include "tests/faults/scenarios/Report.h"
 
 #include <algorithm>

@@ -10,12 +10,12 @@
 
 namespace OrvaneFaults {
 
-/// A table in Markdown, its columns as wide as their widest cell. One thread.
+// A table in Markdown, its columns as wide as their widest cell. One thread.
 class Table {
 public:
     Table(std::string title, std::vector<std::string> columns);
 
-    /// Adds a row; each cell is shown as operator<< shows it.
+    // Adds a row; each cell is shown as operator<< shows it.
     template <class... Cells>
     void row(const Cells&... cells) {
         rows_.push_back({shown(cells)...});
@@ -34,10 +34,10 @@ private:
     std::vector<std::vector<std::string>> rows_; // the first is the heading
 };
 
-/// Collects broken invariants. Any thread.
+// Collects broken invariants. Any thread.
 class Report {
 public:
-    /// Remembers, and shows at once, that something which must hold does not.
+    // Remembers, and shows at once, that something which must hold does not.
     template <class... Parts>
     void expect(bool holds, const Parts&... parts) {
         if (holds)
@@ -46,7 +46,7 @@ public:
         (text << ... << parts);
         broken(text.str());
     }
-    /// Shows a table.
+    // Shows a table.
     void show(const Table& table);
     std::size_t brokenInvariants() const;
 
@@ -57,14 +57,14 @@ private:
     std::size_t broken_ = 0;
 };
 
-/// Where figures go from now on; the library itself writes to both standard streams.
+// Where figures go from now on; the library itself writes to both standard streams.
 void figuresTo(std::FILE* file);
-/// Writes a line of the run's own.
+// Writes a line of the run's own.
 void say(const std::string& line);
 
-/// Milliseconds as seconds with three digits.
+// Milliseconds as seconds with three digits.
 std::string seconds(double milliseconds);
-/// A share of 1 in per cent.
+// A share of 1 in per cent.
 std::string percent(double share);
 
 } // namespace OrvaneFaults

@@ -11,9 +11,9 @@ namespace OrvaneFaults {
 struct Run {
     Report& report;
     std::uint64_t seed;
-    bool full; ///< the sizes whose figures are published; otherwise seconds of everything
+    bool full; // the sizes whose figures are published; otherwise seconds of everything
 
-    /// The size of something, by the kind of run.
+    // The size of something, by the kind of run.
     template <class Number>
     Number size(Number inFull, Number small) const {
         return full ? inFull : small;
@@ -21,13 +21,13 @@ struct Run {
 };
 
 struct Scenario {
-    const char* name;  ///< on the command line
-    const char* claim; ///< what holds when it passes
-    bool computes;     ///< all the time; otherwise it waits for most of it
+    const char* name;  // on the command line
+    const char* claim; // what holds when it passes
+    bool computes;     // all the time; otherwise it waits for most of it
     void (*run)(Run&);
 };
 
-/// In the order in which they are begun.
+// In the order in which they are begun.
 const std::vector<Scenario>& scenarios();
 
 void loss(Run& run);

@@ -1,3 +1,4 @@
+// Makes the boards and their sessions, and a thread for each.
 #include "tests/faults/scenarios/SessionsOnBoards.h"
 
 #include <string>

@@ -1,3 +1,4 @@
+// A process for each scenario, and its figures when it ends.
 #include "tests/faults/scenarios/SideBySide.h"
 
 #include <algorithm>
@@ -21,7 +22,7 @@ using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 struct Running {
     const Scenario* scenario;
-    File figures; ///< what the process says
+    File figures; // what the process says
 };
 
 double msOf(const timeval& time) {
@@ -56,7 +57,7 @@ public:
 
     bool any() const { return !running_.empty(); }
 
-    /// Waits for the end of one, and shows it; whether its status was 0 comes with the scenario.
+    // Waits for the end of one, and shows it; whether its status was 0 comes with the scenario.
     std::pair<const Scenario*, bool> next() {
         int status = 0;
         rusage used{};

@@ -30,7 +30,7 @@ const std::vector<Scenario>& scenarios() {
 
 namespace {
 
-/// True when every invariant of the scenario held.
+// True when every invariant of the scenario held.
 bool runOne(const Scenario& scenario, std::uint64_t seed, bool full) {
     const auto start = std::chrono::steady_clock::now();
     say(std::string("\n## ") + scenario.name + ": " + scenario.claim + "\n");
@@ -47,7 +47,7 @@ bool runOne(const Scenario& scenario, std::uint64_t seed, bool full) {
     return held;
 }
 
-/// All when there are no names; none when one of them is no scenario's.
+// All when there are no names; none when one of them is no scenario's.
 std::vector<const Scenario*> scenariosNamed(const std::vector<std::string>& names) {
     std::vector<const Scenario*> found;
     for (const Scenario& each : scenarios())
@@ -58,8 +58,8 @@ std::vector<const Scenario*> scenariosNamed(const std::vector<std::string>& name
     return found;
 }
 
-/// Starts this program anew with a malloc whose figures are exact: what threads keep to themselves of the
-/// memory that they gave back would count as in use.
+// Starts this program anew with a malloc whose figures are exact: what threads keep to themselves of the
+// memory that they gave back would count as in use.
 void countMemoryExactly(char** argv) {
     constexpr const char* kVariable = "GLIBC_TUNABLES";
     if (getenv(kVariable) != nullptr) // NOLINT(concurrency-mt-unsafe): there is one thread yet

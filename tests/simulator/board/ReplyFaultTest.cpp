@@ -166,7 +166,7 @@ TEST_F(FaultyReply, MeantForTcpIsLostOverUdp) {
     EXPECT_EQ(socket.receive(), pingReply(3));
 }
 
-/// Which of a hundred pings meet a fault of half probability, on a board of its own.
+// Which of a hundred pings meet a fault of half probability, on a board of its own.
 std::string halfOfTheCalls(std::uint64_t seed) {
     Lab lab;
     Board& board = lab.add({"", "half", {}, "host", seed, false});

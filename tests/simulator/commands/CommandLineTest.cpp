@@ -85,7 +85,7 @@ TEST(OrvaneLab, RefusesAFileThatIsNestedTooDeepToBeWalked) {
     EXPECT_EQ(outcome.output, "orvane-lab: " + file + ": nested deeper than 64 levels\n");
 }
 
-/// Runs a script in a lab with two boards, with orvane-sim on its path.
+// Runs a script in a lab with two boards, with orvane-sim on its path.
 Outcome inLab(const std::string& script) {
     const ScratchFolder folder;
     folder.write("script", script);

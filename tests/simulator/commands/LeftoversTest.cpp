@@ -15,7 +15,7 @@
 namespace OrvaneSim {
 namespace {
 
-/// Names of the processes of this machine, other than this one, whose network namespace is `network`.
+// Names of the processes of this machine, other than this one, whose network namespace is `network`.
 std::vector<std::string> processesIn(const std::string& network) {
     std::vector<std::string> found;
     std::error_code ignored;
@@ -27,7 +27,7 @@ std::vector<std::string> processesIn(const std::string& network) {
     return found;
 }
 
-/// A command with a terminal of its own.
+// A command with a terminal of its own.
 class Terminal {
 public:
     explicit Terminal(std::vector<std::string> words) {
@@ -54,7 +54,7 @@ public:
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
-    /// What the command wrote so far, read until `pattern` is found; the first group of it.
+    // What the command wrote so far, read until `pattern` is found; the first group of it.
     std::string await(const std::string& pattern) {
         std::smatch match;
         while (!std::regex_search(output_, match, std::regex(pattern))) {
@@ -77,10 +77,10 @@ public:
 
     pid_t process() const { return child_; }
 
-    /// Closes the terminal.
+    // Closes the terminal.
     void hangUp() { master_.reset(); }
 
-    /// Waits for the command's end.
+    // Waits for the command's end.
     int status() {
         int status = 0;
         EXPECT_EQ(::waitpid(child_, &status, 0), child_);
@@ -101,7 +101,7 @@ const char* const kShowAndSleep =
 
 class InterruptedLab : public testing::Test {
 protected:
-    /// Runs a lab, has `interrupt` end it and looks for what is left.
+    // Runs a lab, has `interrupt` end it and looks for what is left.
     template <class Interrupt>
     int statusAfter(Interrupt interrupt) {
         Terminal terminal({ORVANE_LAB, "--boards", "3", "--", "sh", "-c", kShowAndSleep});

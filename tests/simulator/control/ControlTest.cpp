@@ -19,7 +19,7 @@ class Control : public BoardWithClient {
 protected:
     LabControl control{lab};
 
-    /// The answer to a request for board 01A2 with the members of `members`, an object without its braces.
+    // The answer to a request for board 01A2 with the members of `members`, an object without its braces.
     std::string ask(const std::string& members, const std::string& to = "01A2") {
         return control.answer(R"({"board": ")" + to + R"(", )" + members + "}");
     }

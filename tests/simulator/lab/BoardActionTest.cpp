@@ -11,7 +11,7 @@ using Kind = Fault::Kind;
 
 class DisturbedBoard : public RawBoard {
 protected:
-    /// Whether a board answers a ping over UDP, asked through its port mapper.
+    // Whether a board answers a ping over UDP, asked through its port mapper.
     static bool answers(const Board& asked) {
         CLIENT* client = clnt_create_timed(asked.address().c_str(), SIM_SETUP, 1, "udp", &kLimit);
         if (!client)
@@ -119,7 +119,7 @@ TEST_F(DisturbedBoard, DoesWhatActionsSay) {
 
 class StrayingBoard : public DisturbedBoard {
 protected:
-    /// What a client that was seen last receives of a stream.
+    // What a client that was seen last receives of a stream.
     std::vector<std::string> strays(StrayDatagrams::Kind kind, unsigned count) {
         RawSocket socket = RawSocket::datagram(0);
         socket.sendTo(ping(7), board.address(), port(IPPROTO_UDP));

@@ -12,7 +12,7 @@
 namespace OrvaneSim {
 namespace {
 
-/// Why a connection cannot be had; 0 when it can.
+// Why a connection cannot be had; 0 when it can.
 int connectionError(const std::string& address, std::uint16_t port) {
     const Orvane::FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     const sockaddr_in point = endPoint(address, port);

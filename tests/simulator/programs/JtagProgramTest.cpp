@@ -31,7 +31,7 @@ protected:
     }
 };
 
-/// The bits of a word as they leave a shift register.
+// The bits of a word as they leave a shift register.
 std::string bits(std::uint32_t word) {
     std::string text;
     for (int i = 0; i < 32; ++i, word >>= 1)

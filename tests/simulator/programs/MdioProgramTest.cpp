@@ -8,7 +8,7 @@ namespace {
 
 using Words = std::vector<u_int>;
 
-/// The address word of a 16-bit access.
+// The address word of a 16-bit access.
 u_int at(unsigned device, unsigned phy, unsigned rest) {
     return (device << 29) | (phy << 24) | rest;
 }

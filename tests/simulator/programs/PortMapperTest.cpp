@@ -23,12 +23,12 @@ protected:
     }
 };
 
-/// Coding of a procedure that has neither argument nor result.
+// Coding of a procedure that has neither argument nor result.
 bool_t nothing(XDR*, ...) {
     return TRUE;
 }
 
-/// How a call without argument ends.
+// How a call without argument ends.
 rpc_err outcome(CLIENT* client, rpcproc_t procedure) {
     clnt_call(client, procedure, nothing, nullptr, nothing, nullptr, (timeval{2, 0}));
     rpc_err error{};
@@ -36,7 +36,7 @@ rpc_err outcome(CLIENT* client, rpcproc_t procedure) {
     return error;
 }
 
-/// A client of the port mapper's own port for any program and version, made without asking the port mapper.
+// A client of the port mapper's own port for any program and version, made without asking the port mapper.
 class RawMapper {
 public:
     RawMapper(const Board& board, rpcprog_t program, rpcvers_t version, bool tcp) {

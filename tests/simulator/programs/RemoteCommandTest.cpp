@@ -70,7 +70,7 @@ TEST_F(RemoteCommand, RunsInAShellOnlyWhereThatIsAllowed) {
     EXPECT_EQ(answer->status, 137);
 }
 
-/// The user a shell runs as: nobody, where root can become somebody else.
+// The user a shell runs as: nobody, where root can become somebody else.
 std::string shellUser() {
     if (::geteuid() != 0)
         return std::to_string(::geteuid());

@@ -37,7 +37,7 @@ TEST_F(AskedByRpcinfo, TellsWhichVersionItServes) {
     EXPECT_NE(refused.output.find("low version = 1, high version = 1"), std::string::npos) << refused.output;
 }
 
-/// Exchanges messages with a board and keeps them as a capture.
+// Exchanges messages with a board and keeps them as a capture.
 class DissectedByTshark : public RawBoard {
 protected:
     ScratchFolder folder;
@@ -64,7 +64,7 @@ protected:
         capture.segment({board.address(), to}, client, socket.receive());
     }
 
-    /// Message type, program, version, procedure and state of each message that tshark sees.
+    // Message type, program, version, procedure and state of each message that tshark sees.
     std::string dissected() {
         capture.close();
         const std::string fields =

@@ -15,7 +15,7 @@ LabSetup read(const std::string& text) {
     return readLab(parseJson(text), privatePlace());
 }
 
-/// Why a lab file is refused, empty when it is not.
+// Why a lab file is refused, empty when it is not.
 std::string refusalOf(const std::string& text) {
     try {
         read(text);
@@ -212,7 +212,7 @@ const Refusal kRefusals[] = {
 INSTANTIATE_TEST_SUITE_P(With, WrongLabFile, testing::ValuesIn(kRefusals),
                          [](const auto& one) { return std::string(one.param.name); });
 
-/// Names of an object's members, sorted.
+// Names of an object's members, sorted.
 std::set<std::string> membersOf(const Json& object) {
     std::set<std::string> names;
     for (const auto& member : object.items())
@@ -220,7 +220,7 @@ std::set<std::string> membersOf(const Json& object) {
     return names;
 }
 
-/// What an object may hold, as the refusal of an unknown member tells.
+// What an object may hold, as the refusal of an unknown member tells.
 std::set<std::string> knownMembers(const std::string& fileWithUnknown) {
     std::string text = refusalOf(fileWithUnknown);
     text.erase(0, text.rfind("there are ") + 10);

@@ -14,7 +14,7 @@ class LabWithTimeline : public testing::Test {
 protected:
     Lab lab;
 
-    /// Starts boards A and B with a time line, a list of entries.
+    // Starts boards A and B with a time line, a list of entries.
     void start(const std::string& timeline) {
         const LabSetup setup = readLab(
             parseJson(R"({"boards": [{"serial": "A"}, {"serial": "B"}], "timeline": [)" + timeline + "]}"),
@@ -23,7 +23,7 @@ protected:
         startTimeline(lab, setup.timeline);
     }
 
-    /// What pings with the numbers from 1 on return.
+    // What pings with the numbers from 1 on return.
     static std::vector<int> pings(const Board& board, int count) {
         Client client(board, SIM_SETUP, "tcp");
         std::vector<int> values;

@@ -1,3 +1,4 @@
+// Gives each board a name and an address that the process has not seen.
 #include "tests/support/capi/FlatBoard.h"
 
 #include "ov_sys/Interface/devices/HWInterface.h"

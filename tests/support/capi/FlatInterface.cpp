@@ -1,3 +1,4 @@
+// The fixture, the frames as texts, and the log in memory.
 #include "tests/support/capi/FlatInterface.h"
 
 #include "ov_sys/Interface/devices/HWInterface.h"

@@ -1,3 +1,4 @@
+// Steps as frames and as lines of a log.
 #include "tests/support/capi/Steps.h"
 
 #include <cstdio>

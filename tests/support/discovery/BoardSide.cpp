@@ -1,3 +1,4 @@
+// A thread that hears requests and sends what the test has it answer.
 #include "tests/support/discovery/BoardSide.h"
 
 #include "simulator/network/PrivateNetwork.h"

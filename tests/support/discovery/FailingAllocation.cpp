@@ -1,3 +1,4 @@
+// The program's own operator new, which fails for the size that was named.
 #include "tests/support/discovery/FailingAllocation.h"
 
 #include <cstdlib>

@@ -1,3 +1,4 @@
+// Stands before the system's calls of the same names.
 #include "tests/support/discovery/Limits.h"
 
 #include <cerrno>

@@ -1,3 +1,4 @@
+// A thread that accepts one connection and says its part.
 #include "tests/support/discovery/LoopbackServer.h"
 
 #include <cstdint>

@@ -1,3 +1,4 @@
+// Makes the namespace and its interfaces, and goes back in the end.
 #include "tests/support/discovery/OwnNetwork.h"
 
 #include "ov_sys/Interface/foundation/FileDescriptor.h"

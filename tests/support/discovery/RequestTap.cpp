@@ -1,3 +1,4 @@
+// A socket on the link itself, which takes whatever passes.
 #include "tests/support/discovery/RequestTap.h"
 
 #include <arpa/inet.h>

@@ -1,3 +1,4 @@
+// Stands before the system's sendto().
 #include "tests/support/discovery/ThrowingSend.h"
 
 #include <stdexcept>

@@ -1,3 +1,4 @@
+// Stands before the system's clock_gettime().
 #include "tests/support/discovery/WallClock.h"
 
 #include <atomic>

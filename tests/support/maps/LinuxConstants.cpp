@@ -1,3 +1,4 @@
+// Reads the definitions of a header, and evaluates them.
 #include "tests/support/maps/LinuxConstants.h"
 
 #include <fstream>

@@ -1,3 +1,4 @@
+// Parses a text, and keeps what is thrown.
 #include "tests/support/maps/MapTexts.h"
 
 namespace OrvaneTest {

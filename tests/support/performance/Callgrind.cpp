@@ -1,3 +1,4 @@
+// Runs the program under callgrind and adds up what its output says of the library.
 #include "tests/support/performance/Callgrind.h"
 
 #include <cstdlib>

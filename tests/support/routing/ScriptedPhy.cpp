@@ -1,3 +1,4 @@
+// Answers, fails or throws as the script says, and writes each access down.
 #include "tests/support/routing/ScriptedPhy.h"
 
 #include <cstdio>

@@ -21,7 +21,7 @@
 
 namespace OrvaneSim {
 
-/// One program of one board over one transport. Results are freed with the client's next call.
+// One program of one board over one transport. Results are freed with the client's next call.
 class Client {
 public:
     Client(const Board& board, rpcprog_t program, const char* transport, rpcvers_t version = 1)
@@ -38,8 +38,8 @@ public:
         clnt_control(client_, CLSET_TIMEOUT, reinterpret_cast<char*>(&limit));
     }
 
-    /// Makes a call with a generated stub and tells its outcome. What XDR allocated in `result` is the
-    /// caller's.
+    // Makes a call with a generated stub and tells its outcome. What XDR allocated in `result` is the
+    // caller's.
     template <class Argument, class Result>
     clnt_stat call(clnt_stat (*stub)(Argument*, Result*, CLIENT*), Argument argument, Result& result) {
         result = Result{};
@@ -52,7 +52,7 @@ private:
     CLIENT* client_;
 };
 
-/// Owns what XDR allocated in a result.
+// Owns what XDR allocated in a result.
 template <class Result>
 class Decoded {
 public:
@@ -61,7 +61,7 @@ public:
     Decoded& operator=(const Decoded&) = delete;
     ~Decoded() { free(); }
 
-    /// An empty record to decode into.
+    // An empty record to decode into.
     Result& fresh() {
         free();
         return result_;
@@ -77,7 +77,7 @@ private:
     Result result_{};
 };
 
-/// Opens a session on a port and returns its identity word.
+// Opens a session on a port and returns its identity word.
 inline unsigned openSession(Client& setup, int device = 0, int phy = 0) {
     sim_Open_Param argument{};
     argument.simple = 1;
@@ -89,7 +89,7 @@ inline unsigned openSession(Client& setup, int device = 0, int phy = 0) {
     return (result.sequence << 8) | result.id;
 }
 
-/// A lab with one board, and a session on its port 0, PHY 0.
+// A lab with one board, and a session on its port 0, PHY 0.
 class BoardWithClient : public testing::Test {
 protected:
     Lab lab;

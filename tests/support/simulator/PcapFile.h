@@ -10,13 +10,13 @@
 
 namespace OrvaneSim {
 
-/// One end of what is captured.
+// One end of what is captured.
 struct CapturedEnd {
     std::string address;
     std::uint16_t port;
 };
 
-/// A capture of bare IPv4 packets, made up around messages that really went over a socket.
+// A capture of bare IPv4 packets, made up around messages that really went over a socket.
 class PcapFile {
 public:
     explicit PcapFile(const std::string& path) : file_(path, std::ios::binary) {
@@ -33,7 +33,7 @@ public:
         packet(from, to, 17, big16(from.port) + big16(to.port) + big16(size) + big16(0) + message);
     }
 
-    /// A piece of a stream, in order.
+    // A piece of a stream, in order.
     void segment(const CapturedEnd& from, const CapturedEnd& to, const std::string& bytes) {
         std::uint32_t& sent = sent_[{from.port, to.port}];
         const std::uint32_t acknowledged = 1 + sent_[{to.port, from.port}];

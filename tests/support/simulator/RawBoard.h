@@ -8,24 +8,24 @@ namespace OrvaneSim {
 
 constexpr std::uint32_t kTransaction = 0x1234;
 
-/// A request without credentials.
+// A request without credentials.
 inline std::string request(std::uint32_t program, std::uint32_t procedure, const std::string& arguments,
                            std::uint32_t version = 1, std::uint32_t rpcVersion = 2,
                            std::uint32_t transaction = kTransaction) {
     return words({transaction, CALL, rpcVersion, program, version, procedure, 0, 0, 0, 0}) + arguments;
 }
 
-/// A ping that returns `value`, under a transaction id of the same number.
+// A ping that returns `value`, under a transaction id of the same number.
 inline std::string ping(std::uint32_t value) {
     return request(SIM_SETUP, SIM_PING, words({value}), 1, 2, value);
 }
 
-/// The answer to that ping.
+// The answer to that ping.
 inline std::string pingReply(std::uint32_t value) {
     return words({value, REPLY, MSG_ACCEPTED, 0, 0, SUCCESS, value});
 }
 
-/// One record as TCP carries it.
+// One record as TCP carries it.
 inline std::string record(const std::string& message) {
     return words({0x80000000U | static_cast<std::uint32_t>(message.size())}) + message;
 }
@@ -41,14 +41,14 @@ protected:
     }
     RawSocket stream() { return RawSocket::stream(board.address(), port(IPPROTO_TCP)); }
 
-    /// Sends one datagram and gives the words of the answer.
+    // Sends one datagram and gives the words of the answer.
     std::vector<std::uint32_t> exchange(const std::string& datagram) {
         RawSocket socket = RawSocket::datagram(0);
         socket.sendTo(datagram, board.address(), port(IPPROTO_UDP));
         return wordsOf(socket.receive());
     }
 
-    /// Adds a fault of the ping.
+    // Adds a fault of the ping.
     void inject(Fault::Kind kind, std::int64_t value = 0, int count = 1) {
         board.inject({"setup", "ping", kind, count, value});
     }

@@ -13,10 +13,10 @@
 
 namespace OrvaneSim {
 
-/// A socket with bounded waits.
+// A socket with bounded waits.
 class RawSocket {
 public:
-    /// A datagram socket bound to `port` on every address (0 for any), or a connected stream.
+    // A datagram socket bound to `port` on every address (0 for any), or a connected stream.
     static RawSocket datagram(std::uint16_t port) {
         RawSocket socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
         setOption(socket.descriptor_, SOL_SOCKET, SO_REUSEADDR, 1);
@@ -44,7 +44,7 @@ public:
                   static_cast<ssize_t>(bytes.size()));
     }
 
-    /// What arrives next, empty at the end of a stream. Fails the test after ten seconds.
+    // What arrives next, empty at the end of a stream. Fails the test after ten seconds.
     std::string receive(std::string* sender = nullptr) {
         std::array<char, 70000> room;
         EXPECT_TRUE(readable(10000)) << "nothing came";
@@ -57,7 +57,7 @@ public:
         return count > 0 ? std::string(room.data(), static_cast<std::size_t>(count)) : std::string();
     }
 
-    /// Everything up to the end of a stream.
+    // Everything up to the end of a stream.
     std::string receiveAll() {
         std::string all;
         for (std::string piece = receive(); !piece.empty(); piece = receive())
@@ -75,7 +75,7 @@ private:
     Orvane::FileDescriptor descriptor_;
 };
 
-/// Big-endian words, as XDR has them.
+// Big-endian words, as XDR has them.
 inline std::string words(const std::vector<std::uint32_t>& values) {
     std::string bytes;
     for (const std::uint32_t value : values) {

@@ -13,7 +13,7 @@
 
 namespace OrvaneSim {
 
-/// Output (both streams) and exit status of a shell command.
+// Output (both streams) and exit status of a shell command.
 struct Outcome {
     std::string output;
     int status;
@@ -29,7 +29,7 @@ inline Outcome shell(const std::string& command) {
     return {output, WIFEXITED(status) ? WEXITSTATUS(status) : -1};
 }
 
-/// A folder that goes with the object, and everything in it.
+// A folder that goes with the object, and everything in it.
 class ScratchFolder {
 public:
     ScratchFolder() {

@@ -1,3 +1,4 @@
+// Starts the program on pipes or a terminal, and waits for its end.
 #include "tests/support/tools/Program.h"
 
 #include <array>

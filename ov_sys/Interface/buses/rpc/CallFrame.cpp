@@ -1,3 +1,4 @@
+// The frames of an opening, a closing and a remote command, and what all frames share.
 #include "ov_sys/Interface/buses/rpc/CallFrame.h"
 
 #include "ov_sys/Interface/foundation/Diagnostics.h"

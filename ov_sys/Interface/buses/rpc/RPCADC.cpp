@@ -1,3 +1,4 @@
+// The records of the ADC service's calls, filled and read.
 #include "ov_sys/Interface/buses/rpc/RPCADC.h"
 
 #include "ov_sys/Interface/buses/rpc/CallInto.h"

@@ -1,3 +1,4 @@
+// The records of the GPIO service's calls, filled and read.
 #include "ov_sys/Interface/buses/rpc/RPCGPIO.h"
 
 #include "ov_sys/Interface/buses/rpc/CallInto.h"

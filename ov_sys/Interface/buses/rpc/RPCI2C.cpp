@@ -1,3 +1,4 @@
+// The records of the I2C service's calls, filled and read.
 #include "ov_sys/Interface/buses/rpc/RPCI2C.h"
 
 #include "ov_sys/Interface/buses/rpc/CallInto.h"

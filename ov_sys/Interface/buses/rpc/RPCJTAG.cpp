@@ -1,3 +1,4 @@
+// The records of the JTAG service's calls, filled and read.
 #include "ov_sys/Interface/buses/rpc/RPCJTAG.h"
 
 #include "ov_sys/Interface/buses/rpc/CallFrame.h"

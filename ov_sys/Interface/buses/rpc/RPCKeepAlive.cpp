@@ -1,3 +1,4 @@
+// The records of the keep-alive service's calls, filled and read.
 #include "ov_sys/Interface/buses/rpc/RPCKeepAlive.h"
 
 #include "ov_sys/Interface/buses/rpc/CallFrame.h"

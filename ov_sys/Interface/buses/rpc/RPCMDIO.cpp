@@ -1,3 +1,4 @@
+// The records of the MDIO service's calls, with a session's PHY and port put into every address.
 #include "ov_sys/Interface/buses/rpc/RPCMDIO.h"
 
 #include "ov_sys/Interface/buses/rpc/CallInto.h"

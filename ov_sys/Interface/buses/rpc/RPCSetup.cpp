@@ -1,3 +1,4 @@
+// The records of the setup service's calls, and what a session keeps of them.
 #include "ov_sys/Interface/buses/rpc/RPCSetup.h"
 
 #include "ov_sys/Interface/buses/rpc/CallFrame.h"

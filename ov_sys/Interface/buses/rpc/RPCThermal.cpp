@@ -1,3 +1,4 @@
+// The records of the thermal service's calls, and its two kinds of call.
 #include "ov_sys/Interface/buses/rpc/RPCThermal.h"
 
 #include "ov_sys/Interface/buses/rpc/CallFrame.h"

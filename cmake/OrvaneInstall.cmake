@@ -62,7 +62,7 @@ endif()
 
 # Builds what is installed and nothing else; ./demo does, so that `cmake --install` may follow it.
 add_custom_target(orvane-installed)
-foreach(target orvane orvane-sim orvane-lab orvane-tool)
+foreach(target orvane orvane-sim orvane-lab orvane-tool orvane_python)
   if(TARGET ${target})
     add_dependencies(orvane-installed ${target})
   endif()

@@ -1,4 +1,4 @@
-# The Debian packages that `cpack --preset package` makes: liborvane0, liborvane-dev and orvane-tools.
+# The Debian packages that `cpack --preset package` makes: liborvane0, liborvane-dev, orvane-tools and python3-orvane.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME orvane)
 set(CPACK_PACKAGE_CONTACT "Orvane developers <orvane@example.org>")
@@ -33,5 +33,14 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION electronics)
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION "The command line tools and the simulated boards: orvane-sim serves them, orvane-lab runs a command
 in a private network with boards in it.")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${ORVANE_LIBRARY_PACKAGE}")
+
+if(TARGET orvane_python)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-orvane)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+  set(CPACK_COMPONENT_PYTHON_DESCRIPTION "The package orvane for Python: registers of Ethernet PHYs on evaluation boards as numpy arrays.")
+  math(EXPR next_minor "${Python_VERSION_MINOR} + 1") # the module is compiled for one minor version
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${ORVANE_LIBRARY_PACKAGE}, python3 (>= 3.${Python_VERSION_MINOR}), python3 (<< 3.${next_minor}~), python3-numpy")
+endif()
 
 include(CPack)

@@ -221,7 +221,8 @@ std::string textOf(const Counted& member) {
 
 } // namespace
 
-BoardShell::Outcome BoardShell::run(const std::string& command, std::chrono::seconds limit) const {
+BoardShell::Outcome BoardShell::run(const std::string& command, std::chrono::seconds limit,
+                                    const Cancellation* cancellation) const {
     constexpr std::chrono::seconds kMargin{5};
     require(limit.count() > 0, *session_, "run", "A command has a limit of 1 s at least.");
     ServiceCall<Command_Param, Command_Result> call(*session_, Program::Setup,
@@ -229,7 +230,9 @@ BoardShell::Outcome BoardShell::run(const std::string& command, std::chrono::sec
     const std::string terminated(command.c_str(), command.size() + 1);
     pointAt(call.argument.command, terminated);
     call.argument.word1 = static_cast<u_int>(limit.count());
-    call.run("run", within(limit + kMargin).once());
+    Within within = Orvane::within(limit + kMargin).once();
+    within.cancellation = cancellation;
+    call.run("run", within);
     return {call.result.status, textOf(call.result.output1), textOf(call.result.output2)};
 }
 

@@ -159,8 +159,9 @@ public:
     explicit BoardShell(std::shared_ptr<RackCore::OpenSession> session) noexcept;
 
     // Runs a command, which the board ends after `limit` (whole seconds; Failure with ETIMEDOUT). Blocks for
-    // 5 s longer at most. Other calls on the board wait.
-    Outcome run(const std::string& command, std::chrono::seconds limit) const;
+    // 5 s longer at most, or until it is cancelled; the command goes on then. Other calls on the board wait.
+    Outcome run(const std::string& command, std::chrono::seconds limit,
+                const Cancellation* cancellation = nullptr) const;
     // The time that an answer took.
     std::chrono::microseconds ping(const Within& within = {}) const;
 

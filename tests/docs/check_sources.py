@@ -5,7 +5,7 @@ import re
 import sys
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
-FOLDERS = ["ov_sys", "simulator", "tools", "tests", "bench", "fuzz", "examples", "packaging"]
+FOLDERS = ["ov_sys", "simulator", "tools", "tests", "bench", "fuzz", "examples", "packaging", "python"]
 ENDINGS = {".h", ".hpp", ".c", ".cpp"}
 PURPOSE = re.compile(r"(//|/\*) \S.*")
 LONG_MARK = re.compile(r"(^|[\s;,{}])///(?!/)")

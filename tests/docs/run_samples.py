@@ -3,10 +3,10 @@
 
     run_samples.py PAGE --stage STAGE --scratch SCRATCH
 
-STAGE is an installation (cmake --install --prefix STAGE). Every fenced sh, c, cpp, cmake and yaml block of the page
+STAGE is an installation (cmake --install --prefix STAGE). Every fenced sh, c, cpp, python, cmake and yaml block of the page
 is treated as the HTML comment in front of it says (CONTRIBUTING.md, "Documentation"):
 
-    (none)            sh: runs in a lab with two boards; c, cpp: compiles and runs there
+    (none)            sh, python: runs in a lab with two boards; c, cpp: compiles and runs there
     <!-- frame: F --> c, cpp: a fragment; it stands where tests/docs/frames/F says SAMPLE
     <!-- file: F -->  is written to the file F, for blocks that follow; so are blocks of other languages
     <!-- example: F --> is the file examples/tasks/F, which has a test of its own
@@ -27,7 +27,8 @@ import textwrap
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 COMMENT = re.compile(r"<!--\s*(\w+)(?::\s*(.*?))?\s*-->\s*$")
 FENCE = re.compile(r"^(`{3,})(\w*)\s*$")
-RUNNABLE = {"sh", "c", "cpp", "cmake", "yaml"}
+RUNNABLE = {"sh", "c", "cpp", "python", "cmake", "yaml"}
+PYTHON = "/usr/bin/python3"  # Debian's, for which the package is built
 COMPILERS = {"c": "cc -std=c99", "cpp": "c++ -std=c++17"}
 WARNINGS = "-Wall -Wextra -Werror"
 SECONDS = 120
@@ -89,6 +90,7 @@ class Page:
         shutil.rmtree(self.folder, ignore_errors=True)
         self.folder.mkdir(parents=True)
         libraries = next(stage.rglob("liborvane.so")).parent
+        packages = [str(module.parents[1]) for module in stage.rglob("orvane/_orvane.*.so")]
         self.environment = {
             **os.environ,
             "PATH": f"{stage}/bin:{os.environ['PATH']}",
@@ -96,6 +98,7 @@ class Page:
             "PKG_CONFIG_PATH": str(libraries / "pkgconfig"),
             "CMAKE_PREFIX_PATH": str(stage),
             "CMAKE_GENERATOR": "Ninja",
+            "PYTHONPATH": os.pathsep.join(packages),
             "LC_ALL": "C.UTF-8",
             "STAGE": str(stage),
         }
@@ -129,6 +132,8 @@ class Page:
             self.run_shell(block)
         elif block.language in COMPILERS:
             self.run_program(block)
+        elif block.language == "python":
+            self.run_python(block)
         else:
             raise Failure(f"a {block.language} block says neither file nor skip")
 
@@ -146,6 +151,11 @@ class Page:
             self.execute(block, command, SOURCE)
         else:
             self.execute(block, ["orvane-lab", "--boards", "2", "--", *command], self.folder)
+
+    def run_python(self, block):
+        script = self.folder / f"line{block.line}.py"
+        script.write_text(block.text)
+        self.execute(block, ["orvane-lab", "--boards", "2", "--", PYTHON, str(script)], self.folder)
 
     def run_program(self, block):
         text = block.text

@@ -45,6 +45,11 @@ class Samples(unittest.TestCase):
     def test_a_command_that_fails_fails(self):
         self.assert_fails("```sh\nfalse\ntrue\n```\n", "page.md:1: exit status 1 instead of 0")
 
+    def test_a_python_sample_runs_in_the_lab(self):
+        page = "```python\nprint(6 * 7)\n```\n<!-- prints -->\n```text\n42\n```\n"
+        self.assertEqual(self.run_page(page), {"run": 1, "compared": 1, "skipped": 0})
+        self.assert_fails("```python\nraise SystemExit(2)\n```\n", "page.md:1: exit status 2 instead of 0")
+
     def test_an_exit_status_that_was_announced_passes(self):
         self.assertEqual(self.run_page("<!-- status: 3 -->\n```sh\nexit 3\n```\n")["run"], 1)
 

@@ -1,0 +1,21 @@
+# Finds what the Python package is built with: the interpreter that Debian's pybind11 and numpy are for, whichever other
+# one comes first in PATH, and pybind11. Sets ORVANE_BUILD_PYTHON, on where both are there.
+find_program(ORVANE_PYTHON NAMES python3 PATHS /usr/bin NO_DEFAULT_PATH DOC "Interpreter of the Python package")
+find_program(ORVANE_PYTHON NAMES python3)
+if(ORVANE_PYTHON)
+  set(Python_EXECUTABLE ${ORVANE_PYTHON})
+  find_package(Python 3.9 QUIET COMPONENTS Interpreter Development.Module)
+  if(Python_FOUND)
+    find_package(pybind11 2.10 CONFIG QUIET)
+  endif()
+endif()
+# An interpreter that is not built with a sanitizer cannot load a module that is.
+if(pybind11_FOUND AND NOT ORVANE_SANITIZE)
+  set(python_possible ON)
+else()
+  set(python_possible OFF)
+endif()
+option(ORVANE_BUILD_PYTHON "Build the Python package (needs pybind11 and numpy)" ${python_possible})
+if(ORVANE_BUILD_PYTHON AND NOT pybind11_FOUND)
+  message(FATAL_ERROR "ORVANE_BUILD_PYTHON needs pybind11 2.10 and the headers of Python (pybind11-dev, python3-dev)")
+endif()

@@ -1,0 +1,255 @@
+"""Racks, ports, and what is done to many boards at once."""
+from __future__ import annotations
+
+import dataclasses
+import fnmatch
+import logging
+from collections import abc
+from types import TracebackType
+from typing import Any, Callable, Dict, List, Optional, Type, Union
+
+import numpy
+import numpy.typing
+
+from orvane import _orvane
+from orvane.codes import AccessMode
+from orvane.errors import Error
+from orvane.events import BoardCounters, Event, counters_of, event_of
+from orvane.limits import Within, WithinLike, limits_of
+from orvane.phy import Phy
+from orvane.registers import RegisterLike, check_range, register_at
+from orvane.services import Services
+
+__all__ = ["Discovery", "FoundBoard", "Port", "Rack", "Readings", "discover", "open", "read_all"]
+
+
+@dataclasses.dataclass(frozen=True)
+class FoundBoard:
+    """A board that answered a search."""
+
+    serial: str
+    address: str
+    ports: abc.Sequence[int]
+
+    def __str__(self) -> str:
+        return f"{self.serial} at {self.address}, ports {', '.join(map(str, self.ports))}"
+
+
+class Discovery(List[FoundBoard]):
+    """The boards that a search found, by serial number."""
+
+    def __init__(self, boards: abc.Iterable[FoundBoard], malformed: int) -> None:
+        super().__init__(boards)
+        self.malformed = malformed
+        """different answers that name no port as they should"""
+
+    def _repr_html_(self) -> str:
+        rows = "".join(f"<tr><td>{each.serial}</td><td>{each.address}</td><td>{', '.join(map(str, each.ports))}</td>"
+                       "</tr>" for each in self)
+        return f"<table><tr><th>board</th><th>address</th><th>ports</th></tr>{rows}</table>"
+
+
+class Port(Services):
+    """One port of a board. As a context manager it closes its sessions at the end.
+
+    The services (port.i2c, port.thermal, ...) go through the session of the PHY that was asked for first, or of PHY 0.
+    """
+
+    def __init__(self, core: _orvane.Port, access: str) -> None:
+        self._core = core
+        self._access = access
+        self._phys: Dict[int, Phy] = {}
+
+    @property
+    def board(self) -> str:
+        """The board's serial number."""
+        return self._core.board
+
+    @property
+    def number(self) -> int:
+        """0 to 9: MDIO. From 10 on: SMBus, of I2C bus number - 10."""
+        return self._core.number
+
+    @property
+    def name(self) -> str:
+        """As it is opened: "OV0001:0"."""
+        return f"{self.board}:{self.number}"
+
+    def __repr__(self) -> str:
+        return f"<orvane.Port {self.name}, {self._access}>"
+
+    def phy(self, number: int) -> Phy:
+        """The PHY at an address of the port: 0 to 31, on an SMBus port 0 to 127."""
+        known = self._phys.get(number)
+        if known is None:
+            check_range("PHY", number, 127 if self.number >= 10 else 31)
+            known = self._phys[number] = Phy(self._core.phy(number), self.name, number)
+        return known
+
+    def close(self) -> None:
+        """Closes the sessions of all its PHYs, which cannot be used after that."""
+        self._phys.clear()
+        self._core.close()
+
+    def __enter__(self) -> Port:
+        return self
+
+    def __exit__(self, kind: Optional[Type[BaseException]], raised: Optional[BaseException],
+                 trace: Optional[TracebackType]) -> None:
+        self.close()
+
+    def _session(self) -> _orvane.Phy:
+        first = next(iter(self._phys.values()), None) or self.phy(0)
+        return first._core
+
+
+class Rack:
+    """Any number of boards: finds them, opens their ports, keeps sessions alive by one thread of its own.
+
+    As a context manager it closes everything at the end; so does the end of the program.
+    """
+
+    def __init__(self) -> None:
+        self._core = _orvane.Rack()
+
+    def __repr__(self) -> str:
+        return "<orvane.Rack>" if self._core.usable else "<orvane.Rack, closed>"
+
+    def __enter__(self) -> Rack:
+        return self
+
+    def __exit__(self, kind: Optional[Type[BaseException]], raised: Optional[BaseException],
+                 trace: Optional[TracebackType]) -> None:
+        self.close()
+
+    def close(self) -> None:
+        """Closes every session, all boards side by side, and ends the rack's thread."""
+        self._core.close()
+
+    def open(self, name: str, *, exclusive: Union[bool, int] = False, shared: Union[bool, int] = False,
+             key: int = 0, queue: bool = False, within: WithinLike = None) -> Port:
+        """A port by its name: "OV0001:0". A board that is not known yet is looked for.
+
+        exclusive  keeps everybody out who does not bring the key, which may stand here: exclusive=0x4711
+        shared     beside other shared sessions; likewise
+        key        of a session without the two
+        queue      a refused opening is tried again up to the call's limit
+
+        No session is opened yet: the first use does that, or Phy.open().
+        """
+        mode, key = _access(exclusive, shared, key)
+        core = self._core.open(name, int(mode), key, queue, limits_of(within))
+        return Port(core, f"{mode.name.lower()} {key:#06x}" if key else mode.name.lower())
+
+    def open_all(self, pattern: str = "*", *, exclusive: Union[bool, int] = False, shared: Union[bool, int] = False,
+                 key: int = 0, queue: bool = False, within: WithinLike = None) -> List[Port]:
+        """The ports whose names match a pattern of the shell, as "OV*:0", of the boards that a search finds.
+
+        Of an opening hold the words of open(); `within` is the search's, 1 s unless told.
+        """
+        names = [f"{board.serial}:{port}" for board in self.discover(within=within) for port in board.ports]
+        return [self.open(name, exclusive=exclusive, shared=shared, key=key, queue=queue)
+                for name in dict.fromkeys(names) if fnmatch.fnmatchcase(name, pattern.upper())]
+
+    def discover(self, *, within: WithinLike = None) -> Discovery:
+        """Every board that answers on the networks of this host. Listens for the whole time, 1 s unless told."""
+        boards, malformed = self._core.discover(limits_of(within, _SEARCH))
+        return Discovery((FoundBoard(serial, address, tuple(ports)) for serial, address, ports in boards), malformed)
+
+    def know(self, board: str, address: str) -> None:
+        """Makes a board known, or tells where it is now: spares the search."""
+        self._core.know(board, address)
+
+    def on_event(self, callback: Optional[Callable[[Event], object]]) -> None:
+        """Called with each Event, on the rack's own thread, one at a time and in order. None: no more."""
+        if callback is None:
+            self._core.on_event(None)
+        else:
+            tell = callback
+            self._core.on_event(lambda *told: tell(event_of(*told)))
+
+    def log_events(self, logger: Optional[logging.Logger] = None) -> None:
+        """Makes records of a logger ("orvane" unless told) of the events; each has its Event as record.event."""
+        target = logger or logging.getLogger("orvane")
+        self.on_event(lambda event: target.log(int(event.level), "%s", event, extra={"event": event}))
+
+    def counters(self) -> Dict[str, BoardCounters]:
+        """Counts of each board that was opened, by its serial number."""
+        return {board: counters_of(counts) for board, counts in self._core.counters().items()}
+
+
+class Readings(abc.Sequence[int]):
+    """What read_all() read, in the order of what was read: readings[i] is a value, or raises that board's failure."""
+
+    def __init__(self, values: numpy.typing.NDArray[numpy.uint32], failed: numpy.typing.NDArray[numpy.bool_],
+                 failures: Dict[int, Error]) -> None:
+        self.values: Any = numpy.ma.masked_array(values, failed)  # type: ignore[no-untyped-call]
+        """a masked array; what was not read is masked"""
+        self.failures = failures
+        """why, by index"""
+
+    def __len__(self) -> int:
+        return len(self.values)
+
+    def __getitem__(self, index: Any) -> Any:
+        if isinstance(index, slice):
+            return [self[each] for each in range(*index.indices(len(self)))]
+        index = range(len(self))[index]
+        if index in self.failures:
+            raise self.failures[index]
+        return int(self.values.data[index])
+
+    def __iter__(self) -> abc.Iterator[int]:
+        return (self[each] for each in range(len(self)))
+
+    def __repr__(self) -> str:
+        first = next(iter(self.failures.values()), None)
+        tail = "" if first is None else f", {len(self.failures)} failed, the first: {first}"
+        return f"<orvane.Readings: {len(self) - len(self.failures)} read{tail}>"
+
+
+def read_all(targets: abc.Iterable[Union[Phy, Port]], register: RegisterLike, *, phy: int = 0,
+             within: WithinLike = None) -> Readings:
+    """Reads one register of many boards, all at once; a failure of one leaves the others alone.
+
+    Of a port, the PHY `phy` is read.
+    """
+    where = register_at(register)
+    cores = [(each.phy(phy) if isinstance(each, Port) else each)._core for each in targets]
+    return Readings(*_orvane.read_all(cores, *where, limits_of(within)))
+
+
+_SEARCH = Within(1.0)
+_usual: Optional[Rack] = None
+
+
+def rack() -> Rack:
+    """The rack of open() and discover(): one for the process, made when it is first asked for."""
+    global _usual
+    if _usual is None or not _usual._core.usable:
+        _usual = Rack()
+    return _usual
+
+
+def open(name: str, *, exclusive: Union[bool, int] = False, shared: Union[bool, int] = False, key: int = 0,
+         queue: bool = False, within: WithinLike = None) -> Port:
+    """Opens a port of the process's usual rack; see Rack.open().
+
+    >>> with orvane.open("OV0001:0", exclusive=0x4711) as port:
+    ...     port.phy(3)[1, 2]
+    """
+    return rack().open(name, exclusive=exclusive, shared=shared, key=key, queue=queue, within=within)
+
+
+def discover(*, within: WithinLike = None) -> Discovery:
+    """Every board that answers; see Rack.discover()."""
+    return rack().discover(within=within)
+
+
+def _access(exclusive: Union[bool, int], shared: Union[bool, int], key: int) -> tuple[AccessMode, int]:
+    if exclusive is not False and shared is not False:
+        raise ValueError("a session is exclusive or shared, not both")
+    for wanted, mode in ((exclusive, AccessMode.EXCLUSIVE), (shared, AccessMode.SHARED)):
+        if wanted is not False:
+            return mode, check_range("key", key if wanted is True else wanted, 0xFFFF)
+    return AccessMode.SIMPLE, check_range("key", key, 0xFFFF)

@@ -1,0 +1,151 @@
+"""Racks and ports: finding, opening, closing, many boards at once."""
+import logging
+import queue
+
+import numpy
+import pytest
+
+import orvane
+
+
+def test_search_finds_every_board(rack):
+    found = rack.discover()
+    assert [each.serial for each in found] == [f"OV{number:04}" for number in range(1, 9)]
+    assert found[0].ports == (0, 1, 10)
+    assert found.malformed == 0
+    assert str(found[0]) == "OV0001 at 10.83.0.1, ports 0, 1, 10"
+    assert "<td>OV0008</td>" in found._repr_html_()
+
+
+def test_open_all_takes_the_ports_that_match(rack):
+    assert [port.name for port in rack.open_all("OV000[12]:1*")] == ["OV0001:1", "OV0001:10", "OV0002:1", "OV0002:10"]
+
+
+def test_known_board_is_opened_without_a_search(rack, lab):
+    before = lab["OV0001"].received("discovery")
+    rack.know("OV0001", "10.83.0.1")
+    rack.open("ov0001:0").phy(3).open()
+    assert lab["OV0001"].received("discovery") == before
+
+
+def test_context_manager_closes_the_session_on_the_board(rack, board):
+    with rack.open("OV0001:0", exclusive=0x4711) as port:
+        phy = port.phy(3)
+        phy[1, 2]
+        assert (board.sessions, phy.is_open, phy.key) == (1, True, 0x4711)
+    assert board.sessions == 0
+    with pytest.raises(RuntimeError, match="^closed$"):
+        phy[1, 2]
+    with pytest.raises(RuntimeError, match="^closed$"):
+        port.phy(4)
+
+
+def test_last_handle_closes_the_session(rack, board):
+    phy = rack.open("OV0001:0").phy(3)
+    phy[1, 2]
+    assert board.sessions == 1
+    del phy
+    assert board.sessions == 0
+
+
+def test_closed_rack_has_closed_its_sessions(lab):
+    rack = orvane.Rack()
+    phys = [rack.open(f"OV000{number}:0").phy(3) for number in (1, 2)]
+    for phy in phys:
+        phy.open()
+    rack.close()
+    assert [lab[serial].sessions for serial in ("OV0001", "OV0002")] == [0, 0]
+    assert repr(rack) == "<orvane.Rack, closed>"
+    with pytest.raises(RuntimeError, match="^closed$"):
+        phys[0][1, 2]
+    rack.close()
+
+
+@pytest.mark.parametrize("arguments", [{"exclusive": 0x10000}, {"shared": -1}, {"exclusive": 1, "shared": 1}])
+def test_access_that_makes_no_sense_is_a_value_error(rack, arguments):
+    with pytest.raises(ValueError):
+        rack.open("OV0001:0", **arguments)
+
+
+def test_read_all_reads_every_board_in_order(rack, lab):
+    ports = rack.open_all("OV*:0")
+    for number, port in enumerate(ports):
+        port.phy(3)[30, 0x30] = number
+    values = orvane.read_all(ports, (30, 0x30), phy=3)
+    assert list(values) == list(range(8))
+    assert values.values.dtype == numpy.uint32
+    assert repr(values) == "<orvane.Readings: 8 read>"
+
+
+def test_board_that_fails_leaves_the_others_alone(rack, lab):
+    phys = [port.phy(3) for port in rack.open_all("OV000[123]:0")]
+    orvane.read_all(phys, (1, 2))
+    lab["OV0002"].inject("result", code=-5, procedure="mdio_read")
+    values = orvane.read_all(phys, (1, 2))
+    assert values.values.mask.tolist() == [False, True, False]
+    assert values[0] == values[2] == phys[0][1, 2]
+    with pytest.raises(orvane.BoardError) as raised:
+        values[1]
+    assert raised.value.board == "OV0002"
+    assert list(values.failures) == [1]
+
+
+def test_read_all_of_nothing_is_empty():
+    assert list(orvane.read_all([], (1, 2))) == []
+
+
+def test_events_come_to_the_callback(rack, board):
+    events = queue.Queue()
+    rack.on_event(events.put)
+    phy = rack.open("OV0001:0").phy(3)
+    phy[1, 2]
+    board.do("forget-sessions")
+    phy[1, 2]
+    kinds = [events.get(timeout=10).kind for _ in range(3)]
+    assert kinds == [orvane.EventKind.OPENED, orvane.EventKind.LOST, orvane.EventKind.REOPENED]
+
+
+def test_events_become_log_records(rack, board, caplog):
+    done = queue.Queue()
+
+    class Told(logging.Handler):
+        def emit(self, record):
+            done.put(record)
+
+    logger = logging.getLogger("orvane.test")
+    logger.setLevel(logging.DEBUG)
+    logger.addHandler(Told())
+    rack.log_events(logger)
+    rack.open("OV0001:0").phy(3).open()
+    record = done.get(timeout=10)
+    assert record.getMessage() == "OV0001:0 PHY 3: opened"
+    assert record.levelno == logging.INFO or record.levelno == logging.DEBUG
+    assert (record.event.board, record.event.port, record.event.phy) == ("OV0001", 0, 3)
+
+
+def test_callback_cannot_close_its_rack(rack, board):
+    told = queue.Queue()
+
+    def close(event):
+        try:
+            rack.close()
+        except RuntimeError as problem:
+            told.put(str(problem))
+
+    rack.on_event(close)
+    rack.open("OV0001:0").phy(3).open()
+    assert "callback" in told.get(timeout=10)
+
+
+def test_counters_count_calls_and_bytes(rack):
+    phy = rack.open("OV0001:0").phy(3)
+    for _ in range(5):
+        phy[1, 2]
+    counters = rack.counters()["OV0001"]
+    mdio = counters.programs["mdio"]
+    assert (counters.opens, mdio.calls, mdio.succeeded, mdio.failed) == (1, 5, 5, 0)
+    assert mdio.bytes_sent > 0 and mdio.bytes_received > 0
+    assert mdio.latency.count == 5
+    assert 0 < mdio.latency.percentile(50) <= mdio.latency.percentile(100) < 5
+    with pytest.raises(ValueError):
+        mdio.latency.percentile(101)

@@ -17,26 +17,30 @@ namespace Orvane {
 // A plain value; one thread.
 class ORVANE_API Batch {
 public:
+    // A read or a write.
     struct Operation {
         RegisterAddress address;
         std::uint32_t value; // to be written
         bool writes;
     };
-    // Names one read, or several in a row, in the results of the batch.
+    // Names one read in the results of the batch.
     struct Reading {
         std::size_t index;
     };
+    // Several in a row: the first one and how many.
     struct Readings {
         std::size_t first;
         std::size_t count;
     };
 
+    // One register.
     Reading read(RegisterAddress address);
     // `count` registers from `first` on.
     Readings read(RegisterAddress first, std::size_t count);
     Readings read(const std::vector<RegisterAddress>& addresses);
     void write(RegisterAddress address, std::uint32_t value);
 
+    // The operations, in order.
     std::size_t size() const noexcept { return operations_.size(); }
     const std::vector<Operation>& operations() const noexcept { return operations_; }
     void clear() noexcept { operations_.clear(); }
@@ -54,9 +58,9 @@ struct OperationOutcome {
         Unknown, // sent, and no usable answer: it may have been executed
     };
 
-    State state = State::NotSent;
-    std::uint32_t value = 0; // for Done only
-    int code = 0;            // for Refused: a negative errno value
+    State state = State::NotSent; // good in any case
+    std::uint32_t value = 0;      // for Done only
+    int code = 0;                 // for Refused: a negative errno value
 };
 
 // In words, e.g. "not sent". Never null.
@@ -65,6 +69,7 @@ ORVANE_API const char* toText(OperationOutcome::State state) noexcept;
 // The outcomes of a batch. A plain value; one thread.
 class ORVANE_API BatchResult {
 public:
+    // `failure` empty: every operation was done.
     BatchResult(std::vector<OperationOutcome> outcomes, std::optional<Failure> failure);
 
     // Whether every operation was done.

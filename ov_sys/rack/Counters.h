@@ -16,6 +16,7 @@ namespace Orvane {
 class ORVANE_API LatencyHistogram {
 public:
     static constexpr unsigned kFirstOctave = 3; // 2^3 us
+    // Octaves, buckets in each, and in all.
     static constexpr unsigned kOctaves = 23;
     static constexpr unsigned kSteps = 16;
     static constexpr unsigned kBuckets = kOctaves * kSteps;
@@ -25,9 +26,11 @@ public:
     // The duration in the middle of a bucket, within 3.2 % of every one that counts there.
     static std::chrono::microseconds middleOf(unsigned bucket) noexcept;
 
+    // Empty, or of counts for each bucket.
     LatencyHistogram() = default;
     explicit LatencyHistogram(std::vector<std::uint32_t> buckets) : buckets_(std::move(buckets)) {}
 
+    // The calls that were counted.
     std::uint64_t count() const noexcept;
     // The duration that `percent` (0 to 100) of the calls did not exceed; 0 when there were none.
     std::chrono::microseconds percentile(double percent) const noexcept;

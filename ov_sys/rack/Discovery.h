@@ -7,6 +7,7 @@
 
 namespace Orvane {
 
+// A board that answered.
 struct FoundBoard {
     std::string serial;          // upper case, printable ASCII without blanks
     std::string address;         // dotted IPv4

@@ -10,14 +10,17 @@
 
 namespace Orvane {
 
+// Something that happened. A plain value.
 struct Event {
+    // What happened.
     enum class Kind { Opened, Lost, Retried, Moved, Reopened, PingLost, Closed };
+    // How much it matters.
     enum class Level { Debug, Info, Warning };
 
-    std::chrono::system_clock::time_point time;
-    std::string board;
-    int port = -1; // -1: the board as a whole
-    int phy = -1;
+    std::chrono::system_clock::time_point time; // when
+    std::string board;                          // serial number
+    int port = -1;                              // -1: the board as a whole
+    int phy = -1;                               // -1: none
     Kind kind = Kind::Opened;
     Level level = Level::Info;
     std::string text; // details, e.g. the board's new address; may be empty

@@ -10,6 +10,7 @@
 
 namespace Orvane {
 
+// What went wrong, as a program tells one from another.
 enum class FailureKind {
     InvalidArgument, // refused here: nothing was sent
     NoSuchPort,      // no board or port of that name was found
@@ -30,7 +31,7 @@ ORVANE_API const char* toText(FailureKind kind) noexcept;
 struct FailureDetails {
     FailureKind kind = FailureKind::InvalidArgument;
     std::string board;     // serial number
-    int port = -1;         //
+    int port = -1;         // -1: none
     int phy = -1;          // PHY id, or SMBus device address
     std::string operation; // "read", "open", ...
     std::string location;  // register, e.g. "30.0xC010"
@@ -49,6 +50,7 @@ public:
     // One line with everything: "OV0001:0 PHY 3: read 30.0xC010: timed out after 12 attempts in 5.000 s. ..."
     const char* what() const noexcept override;
 
+    // The details one by one.
     FailureKind kind() const noexcept { return details().kind; }
     const std::string& board() const noexcept { return details().board; }
     int port() const noexcept { return details().port; }
@@ -62,6 +64,7 @@ public:
     // "EREMOTEIO" for -121; empty for 0, the number for what has no name.
     std::string codeName() const;
 
+    // All of them; good as long as the failure.
     const FailureDetails& details() const noexcept;
 
 private:

@@ -38,6 +38,7 @@ class OpenSession;
 // not returned.
 class ORVANE_API Phy {
 public:
+    // For Port, which gives them out.
     explicit Phy(std::shared_ptr<RackCore::OpenSession> session) noexcept;
 
     // PHY id, or the SMBus device's address.

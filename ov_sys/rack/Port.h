@@ -17,6 +17,7 @@ struct PortState;
 // A handle; copies share their sessions. Any thread.
 class ORVANE_API Port {
 public:
+    // For Rack, which gives them out.
     explicit Port(std::shared_ptr<RackCore::PortState> state) noexcept;
 
     // The board's serial number, upper case.

@@ -17,6 +17,7 @@ struct RegisterAddress {
     std::uint32_t mmd;    // 0 to 31, Clause 45 only
     std::uint32_t number; // 0 to 65535, Clause 22: 0 to 31, Ext32: any word
 
+    // A Clause 45 register, and one of any space.
     constexpr RegisterAddress(std::uint32_t device, std::uint32_t reg) noexcept
         : RegisterAddress(Space::Clause45, device, reg) {}
     constexpr RegisterAddress(Space where, std::uint32_t device, std::uint32_t reg) noexcept
@@ -37,9 +38,11 @@ struct RegisterAddress {
         return {space, mmd, number + count};
     }
 
+    // Whether they name the same register.
     friend constexpr bool operator==(const RegisterAddress& left, const RegisterAddress& right) noexcept {
         return left.space == right.space && left.word() == right.word();
     }
+    // Whether they do not.
     friend constexpr bool operator!=(const RegisterAddress& left, const RegisterAddress& right) noexcept {
         return !(left == right);
     }

@@ -33,8 +33,10 @@ struct RegisterPaths {
 // BoardError without a code().
 class ORVANE_API RoutedPhy {
 public:
+    // For Phy, which gives them out.
     RoutedPhy(std::shared_ptr<RackCore::OpenSession> session, const RegisterPaths& paths) noexcept;
 
+    // The ways that it takes.
     const RegisterPaths& paths() const noexcept { return paths_; }
 
     // Registers of 16 bits. `address` is one of Clause 45.

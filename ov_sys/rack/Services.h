@@ -34,8 +34,10 @@ public:
         std::vector<std::uint8_t> bytes{};
     };
 
+    // For Phy, which gives them out.
     explicit I2cBus(std::shared_ptr<RackCore::OpenSession> session) noexcept;
 
+    // Writes bytes to a device.
     void write(std::uint8_t bus, std::uint32_t device, const std::vector<std::uint8_t>& bytes,
                const Within& within = Within{}.once()) const;
     // Writes the byte `command`, then reads 1 to 255 bytes.
@@ -60,10 +62,12 @@ private:
 // General-purpose lines, by their indexes; states are 0 or 1, a byte each.
 class ORVANE_API GpioLines {
 public:
-    using Bytes = std::vector<std::uint8_t>;
+    using Bytes = std::vector<std::uint8_t>; // one for each line
 
+    // For Phy, which gives them out.
     explicit GpioLines(std::shared_ptr<RackCore::OpenSession> session) noexcept;
 
+    // Levels of the lines.
     Bytes read(const Bytes& lines, const Within& within = {}) const;
     // As many states as lines.
     void write(const Bytes& lines, const Bytes& states, const Within& within = {}) const;
@@ -89,6 +93,7 @@ public:
         std::string lastTms;
     };
 
+    // For Phy, which gives them out.
     explicit JtagChain(std::shared_ptr<RackCore::OpenSession> session) noexcept;
 
     // The longest shift that the board accepts, in bytes.
@@ -104,10 +109,12 @@ private:
 // The board's capture of analogue inputs. Over TCP.
 class ORVANE_API AdcCapture {
 public:
-    using Bytes = std::vector<std::uint8_t>;
+    using Bytes = std::vector<std::uint8_t>; // samples, or text
 
+    // For Phy, which gives them out.
     explicit AdcCapture(std::shared_ptr<RackCore::OpenSession> session) noexcept;
 
+    // Back to power-on, and a capture from its start to its stop.
     void initialize(const Within& within = Within{}.once()) const;
     void start(const Within& within = Within{}.once()) const;
     void stop(const Within& within = Within{}.once()) const;
@@ -127,8 +134,10 @@ private:
 // The board's temperature control. Degrees Celsius.
 class ORVANE_API ThermalControl {
 public:
+    // For Phy, which gives them out.
     explicit ThermalControl(std::shared_ptr<RackCore::OpenSession> session) noexcept;
 
+    // Takes hold of the temperature control, and lets it go, which ends control on every channel.
     void connect(const Within& within = {}) const;
     void disconnect(const Within& within = {}) const;
     // As the board's service numbers them.
@@ -150,12 +159,14 @@ private:
 // Commands on the board itself, and whether it answers. Over TCP.
 class ORVANE_API BoardShell {
 public:
+    // What a command came to.
     struct Outcome {
         int status = 0; // exit status
         std::string output;
         std::string errors;
     };
 
+    // For Phy, which gives them out.
     explicit BoardShell(std::shared_ptr<RackCore::OpenSession> session) noexcept;
 
     // Runs a command, which the board ends after `limit` (whole seconds; Failure with ETIMEDOUT). Blocks for
@@ -172,8 +183,10 @@ private:
 // How the board talks to a PHY over MDIO, and what of it is no plain register access. For MDIO ports.
 class ORVANE_API MdioBus {
 public:
+    // For Phy, which gives them out.
     explicit MdioBus(std::shared_ptr<RackCore::OpenSession> session) noexcept;
 
+    // The switches of the bus.
     void flush(const Within& within = {}) const;
     void setSingleWire(bool on, const Within& within = {}) const;
     // Bits of preamble; the board must echo them.

@@ -46,22 +46,26 @@ private:
 
 // The limits of one call. `time` counts from the call's beginning.
 struct Within {
-    std::chrono::nanoseconds time = std::chrono::seconds(5);
+    std::chrono::nanoseconds time = std::chrono::seconds(5); // from the beginning of the call
     Repeat repeat{};
     bool heal = true; // look a lost board up and open a lost session again
     const Cancellation* cancellation = nullptr;
 
+    // The same limits with another policy.
     constexpr Within repeating(Repeat policy) const noexcept {
         Within copy = *this;
         copy.repeat = policy;
         return copy;
     }
+    // The same limits, nothing sent twice.
     constexpr Within once() const noexcept { return repeating(Repeat::once()); }
+    // The same limits; a lost session or board is a failure.
     Within withoutHealing() const noexcept {
         Within copy = *this;
         copy.heal = false;
         return copy;
     }
+    // The same limits, ended by `who`, which must outlive the call.
     Within cancelledBy(const Cancellation& who) const noexcept {
         Within copy = *this;
         copy.cancellation = &who;

@@ -1,25 +1,22 @@
 // The maps for C: records of what the C++ objects say, and no exception beyond this file.
+#include "ov_sys/maps/MapHandle.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <new>
-#include <orvane/maps.h>
-#include <orvane/maps.hpp>
 
-struct orvane_map {
-    Orvane::RegisterMap map;
-};
-
-namespace {
-
-using namespace Orvane;
-
-char* copyOf(const std::string& text) {
+char* Orvane::Maps::copyOf(const std::string& text) {
     auto* const copy = static_cast<char*>(std::malloc(text.size() + 1));
     if (copy == nullptr)
         throw std::bad_alloc();
     std::memcpy(copy, text.c_str(), text.size() + 1);
     return copy;
 }
+
+namespace {
+
+using namespace Orvane;
+using Maps::copyOf;
 
 template <class Value, class Result>
 void give(Result* to, const Value& value) {

@@ -24,6 +24,7 @@
 
 #include <orvane/rack_core.h>
 #include <orvane/rack_flight.h>
+#include <orvane/rack_names.h>
 #include <orvane/rack_ports.h>
 #include <orvane/rack_routed.h>
 #include <orvane/rack_services.h>

@@ -92,6 +92,23 @@ TEST_F(OrvaneLog, HasTheHistoryOfARegister) {
               prints("place,adapter,phy,access,value,changed\n6,12,3,write,0x0123456789ABCDEF,\n"));
 }
 
+TEST_F(OrvaneLog, HasTheHistoryOfAFieldByItsName) {
+    const std::string map =
+        folder.write("wren.json", R"({"format": "orvane-map-1", "name": "wren", "registers": {
+        "CONTROL": {"at": "30.0xC010", "fields": {"LED": 0, "MODE": {"bits": "7:6", "values": {"3": "both"}}}}}})");
+    EXPECT_EQ(orvane({"log", log, "--register", "CONTROL", "--fields", "--map", map}),
+              prints("PLACE  ADAPTER  PHY  ACCESS  VALUE   CHANGED  FIELDS\n"
+                     "    1        0    3  write   0xCAFE           MODE both, LED 0\n"
+                     "    2        0    3  read    0xCAFE\n"
+                     "    3        0    3  read    0xCAFF  0x0001   LED 1\n"));
+}
+
+TEST_F(OrvaneLog, NamesItsRegisters_WhereFieldsAreShown) {
+    EXPECT_EQ(orvane({"log", log, "--phy", "4", "--fields", "--csv"}),
+              prints("adapter,phy,address,register,reads,writes,changes,first,last\n"
+                     "0,4,1.0x0002,PMA.ID1,1,0,0,0x0A5C,0x0A5C\n"));
+}
+
 TEST_F(OrvaneLog, GivesQueuedReadsTheValuesOfTheirBlock) {
     EXPECT_EQ(orvane({"log", log, "--register", "1.3", "--csv"}),
               prints("place,adapter,phy,access,value,changed\n10,0,3,queued read,0x1E83,\n"));

@@ -44,6 +44,35 @@ TEST_F(OrvaneReport, ReferencesNothingOutsideItself) {
     EXPECT_THAT(page, HasSubstr("link \\u003cb>up\\u003c/b>"));
 }
 
+TEST_F(OrvaneReport, HasTheNamesAndFieldsOfRegistersThatAMapHas) {
+    const std::string map =
+        folder.write("wren.json", R"({"format": "orvane-map-1", "name": "wren", "registers": {
+        "CONTROL": {"at": "30.0xC010", "fields": {"SPEED": {"bits": "6,13", "values": {"2": "1000 Mb/s"}},
+                    "LEVEL": {"bits": "11:8", "signed": true, "scale": 0.5, "unit": "V", "text": "of <b>it</b>"}}}}})");
+    EXPECT_EQ(orvane({"log", folder.path("session.csv"), "--html", folder.path("named.html"), "--map", map}),
+              prints(""));
+    EXPECT_THAT(
+        folder.content("named.html"),
+        HasSubstr(
+            R"("name":"CONTROL","fields":[)"
+            R"({"name":"LEVEL","text":"of \u003cb>it\u003c/b>","bits":[[11,8]],"signed":true,"scale":0.5,)"
+            R"("offset":0,"unit":"V"},)"
+            R"({"name":"SPEED","text":"","bits":[[6,6],[13,13]],"choices":{"2":"1000 Mb/s"}}])"));
+}
+
+TEST_F(OrvaneReport, ShowsFieldsAndTheirHistory) {
+    NEEDS_CHROMIUM();
+    const std::string map =
+        folder.write("wren.json", R"({"format": "orvane-map-1", "name": "wren", "registers": {
+        "CONTROL": {"at": "30.0xC010", "fields": {"LED": "0: Lights the LED", "MODE": {"bits": "7:6", "values": {"3": "both"}}}}}})");
+    ASSERT_EQ(orvane({"log", folder.path("session.csv"), "--html", folder.path("report.html"), "--map", map}),
+              prints(""));
+    const std::string page = browse("--dump-dom");
+    EXPECT_THAT(page, HasSubstr("<td>MODE</td><td>both</td>"));
+    EXPECT_THAT(page, HasSubstr("<td>LED</td><td class=\"changed\">1</td><td class=\"n\">1 changes</td>"));
+    EXPECT_THAT(page, HasSubstr("LED 1<span class=\"bits\"> was 0</span>"));
+}
+
 TEST_F(OrvaneReport, ShowsTotalsRegistersAndTheHistoryThatChangedMost) {
     NEEDS_CHROMIUM();
     const std::string page = browse("--dump-dom");
@@ -51,8 +80,10 @@ TEST_F(OrvaneReport, ShowsTotalsRegistersAndTheHistoryThatChangedMost) {
     EXPECT_THAT(page, HasSubstr("<b>5</b><span>accesses</span>"));
     EXPECT_THAT(page, HasSubstr("<b>2</b><span>writes</span>"));
     EXPECT_THAT(page, HasSubstr("<b>1</b><span>changed between reads</span>"));
-    EXPECT_THAT(page,
-                HasSubstr("<td class=\"v\">0x80004000</td><td class=\"n\">0</td><td class=\"n\">1</td>"));
+    EXPECT_THAT(
+        page,
+        HasSubstr("<td class=\"v\">0x80004000</td><td></td><td class=\"n\">0</td><td class=\"n\">1</td>"));
+    EXPECT_THAT(page, HasSubstr("<td class=\"v\">1.0x0002</td><td>PMA.ID1</td>"));
     EXPECT_THAT(page, HasSubstr("<b>30.0xC010</b> on PHY 3 of adapter 0"));
     EXPECT_THAT(page, HasSubstr("<td class=\"v changed\">0xCAFF</td>"
                                 "<td class=\"bits\">1100 1010 1111 111<b>1</b></td>"));

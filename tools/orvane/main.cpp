@@ -16,13 +16,14 @@ constexpr const char* kFooter =
     "2 wrong usage, 128 + signal after a signal.\n"
     "\n"
     "Environment: ORVANE_ADDRESS the addresses of --address, separated by commas; NO_COLOR no\n"
-    "colours; EXCLUSIVE_KEY, CONCURRENT_KEY, SIMPLE_KEY how the library opens its sessions.\n"
+    "colours; ORVANE_MAPS register maps, separated by colons; EXCLUSIVE_KEY, CONCURRENT_KEY, SIMPLE_KEY how "
+    "the library opens its sessions.\n"
     "\n"
     "'orvane VERB --help' explains a verb, with examples.";
 
-constexpr std::array kVerbs{addList, addInfo,    addPing,  addRead, addWrite,  addModify,
-                            addDump, addDiff,    addWatch, addI2c,  addGpio,   addJtag,
-                            addAdc,  addThermal, addExec,  addLog,  addReplay, addGenerate};
+constexpr std::array kVerbs{addList, addInfo,    addPing,   addRead, addWrite,  addModify,  addDump,
+                            addDiff, addWatch,   addDecode, addMap,  addI2c,    addGpio,    addJtag,
+                            addAdc,  addThermal, addExec,   addLog,  addReplay, addGenerate};
 
 void addVerbs(CLI::App& app, Context& context) {
     app.formatter(std::make_shared<HelpFormatter>());

@@ -6,8 +6,10 @@
 #include "tools/orvane/output/Console.h"
 #include "tools/orvane/output/Table.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,6 +28,12 @@ public:
     bool json = false;
     bool csv = false;
     Format format() const { return json ? Format::Json : csv ? Format::Csv : Format::Text; }
+
+    std::vector<std::string> mapFiles;       // register maps, the first asked first
+    std::optional<std::uint32_t> identifier; // of the PHY that they are loaded for
+    bool fields = false;                     // show fields
+    bool noFields = false;                   // do not; neither: as suits the output
+    bool sideEffects = false;                // also read by the way what a read changes
 
     std::function<int()> action; // of the verb that was given; returns the exit status
 

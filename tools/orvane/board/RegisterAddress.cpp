@@ -33,6 +33,10 @@ const SpaceFacts& factsOf(Space space) {
 
 Register parseRegister(std::string_view text, Space space) {
     Register parsed{space, 0, 0};
+    if (const std::size_t sign = text.find('@'); sign != std::string_view::npos) {
+        parsed.page = numberAs<std::int64_t>(text.substr(sign + 1), 0xFFFFFFFF, "the page");
+        text = text.substr(0, sign);
+    }
     std::string_view rest = text;
     if (space == Space::C45) {
         const std::size_t dot = text.find('.');
@@ -75,8 +79,9 @@ std::uint64_t countUpTo(const Register& first, std::string_view lastText, std::u
 
 std::string Register::text() const {
     const int digits = factsOf(space).addressDigits;
-    return space == Space::C45 ? fmt::format("{}.0x{:0{}X}", mmd, address, digits)
-                               : fmt::format("0x{:0{}X}", address, digits);
+    const std::string on = page >= 0 ? fmt::format("@{}", page) : "";
+    return space == Space::C45 ? fmt::format("{}.0x{:0{}X}{}", mmd, address, digits, on)
+                               : fmt::format("0x{:0{}X}{}", address, digits, on);
 }
 
 int valueDigits(Space space) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace OrvaneTool {
@@ -19,13 +20,15 @@ struct Register {
     Space space = Space::C45;
     unsigned mmd = 0; // of Clause 45
     std::uint32_t address = 0;
+    std::int64_t page = -1; // what a select register holds while it is reached; -1: reached on any page
 
-    std::string text() const; // 1.0x0002, 0x02 or 0x80004000
+    std::string text() const; // 1.0x0002, 0x02 or 0x80004000; a page follows as @3
     friend bool operator==(const Register& left, const Register& right) {
-        return left.space == right.space && left.mmd == right.mmd && left.address == right.address;
+        return left.space == right.space && left.mmd == right.mmd && left.address == right.address &&
+               left.page == right.page;
     }
     friend bool operator<(const Register& left, const Register& right) {
-        return left.mmd != right.mmd ? left.mmd < right.mmd : left.address < right.address;
+        return std::tie(left.mmd, left.page, left.address) < std::tie(right.mmd, right.page, right.address);
     }
 };
 
@@ -38,8 +41,8 @@ const char* nameOf(Space space);
 Space spaceNamed(std::string_view name);
 
 // The registers of one argument: ADDRESS, ADDRESS+COUNT or FIRST-LAST, where an address is MMD.REGISTER in
-// Clause 45 and a number elsewhere, decimal or 0x. `step` is the distance between two neighbours. Throws
-// UsageError.
+// Clause 45 and a number elsewhere, decimal or 0x, and @PAGE may follow. `step` is the distance between two
+// neighbours. Throws UsageError.
 std::vector<Register> parseRegisters(std::string_view text, Space space, std::uint32_t step = 1);
 
 // The registers of several arguments, in order.

@@ -28,6 +28,7 @@ void addRegisterOptions(CLI::App& verb, Context& context, RegisterOptions& optio
         ->excludes(routed);
     for (const char* space : {"--c22", "--ext32"})
         routed->excludes(verb.get_option(space));
+    addFieldOptions(verb, context);
     addBoardOptions(verb, context);
 }
 

@@ -21,9 +21,6 @@ struct RegisterOptions {
     Way way() const { return routed ? Way::Routed : Way::Queued; }
     // Distance of neighbouring registers in a range: words of 4 bytes in the 32-bit extension.
     std::uint32_t distance() const { return step > 0 ? step : ext32 ? 4 : 1; }
-    std::vector<Register> registers(const std::vector<std::string>& texts) const {
-        return parseRegisters(texts, space(), distance());
-    }
 };
 
 // The arguments DEVICE and PHY, and the options for how registers are named and reached.

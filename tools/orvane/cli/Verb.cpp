@@ -28,6 +28,30 @@ void addFormatOptions(CLI::App& verb, Context& context) {
     verb.add_flag("--csv", context.csv, "Print comma-separated values")->excludes(json);
 }
 
+void addMapOptions(CLI::App& verb, Context& context) {
+    verb.add_option("--map", context.mapFiles, "Register map, asked for names before IEEE 802.3; repeatable")
+        ->type_name("FILE")
+        ->expected(1)
+        ->delimiter(':')
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->envname("ORVANE_MAPS");
+    verb.add_option("--phy-identifier", context.identifier,
+                    "PHY that the maps are loaded for: registers 2 and 3 in one number")
+        ->type_name("ID");
+}
+
+void addFieldOptions(CLI::App& verb, Context& context) {
+    addMapOptions(verb, context);
+    CLI::Option* fields = verb.add_flag("--fields", context.fields,
+                                        "Show fields (the default on a terminal, with a map or a name)");
+    verb.add_flag("--no-fields", context.noFields, "Show no fields")->excludes(fields);
+}
+
+void addSideEffects(CLI::App& verb, Context& context) {
+    verb.add_flag("--side-effects", context.sideEffects,
+                  "Read what a read changes, too, where a pattern, a block or a range means it");
+}
+
 void addDevice(CLI::App& verb, std::string& device) {
     verb.add_option("DEVICE", device, "Device: board serial number, colon, port")->required()->type_name("");
 }

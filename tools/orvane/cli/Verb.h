@@ -31,6 +31,12 @@ void setAction(CLI::App& verb, Context& context, std::shared_ptr<Options> option
 void addBoardOptions(CLI::App& verb, Context& context);
 void addFormatOptions(CLI::App& verb, Context& context);
 
+// Options for the names of registers: which maps, whether fields are shown, and, of verbs that read many
+// registers, whether also those that a read changes.
+void addMapOptions(CLI::App& verb, Context& context);
+void addFieldOptions(CLI::App& verb, Context& context);
+void addSideEffects(CLI::App& verb, Context& context);
+
 // DEVICE, the first argument of most verbs.
 void addDevice(CLI::App& verb, std::string& device);
 

@@ -19,7 +19,7 @@ constexpr std::size_t kMostNoteBytes = std::size_t{4} * 1024 * 1024;
 constexpr std::size_t kBars = 120; // of the picture of the activity
 
 // JSON text. Nothing in it may end the script element that it stands in.
-std::string quoted(std::string_view text) {
+std::string jsonText(std::string_view text) {
     std::string json = nlohmann::json(text).dump(-1, ' ', true, nlohmann::json::error_handler_t::replace);
     for (std::size_t found = 0; (found = json.find('<', found)) != std::string::npos;)
         json.replace(found, 1, "\\u003c");
@@ -33,11 +33,17 @@ std::string listed(const List& list) {
 
 class Report {
 public:
-    Report(std::ostream& page, const LogFile& log, const Selection& selection, const LogSummary& summary)
-        : page_(page), log_(log), selection_(selection), summary_(summary), limits_(limitsFor(summary)) {}
+    Report(std::ostream& page, const LogFile& log, const Selection& selection, const LogSummary& summary,
+           const KnownMaps& maps)
+        : page_(page),
+          log_(log),
+          selection_(selection),
+          summary_(summary),
+          maps_(maps),
+          limits_(limitsFor(summary)) {}
 
     void write(const std::string& title) {
-        page_ << "{\"title\":" << quoted(title) << ",\"accesses\":[";
+        page_ << "{\"title\":" << jsonText(title) << ",\"accesses\":[";
         writeAccesses();
         page_ << "],\"registers\":[";
         writeRegisters();
@@ -87,11 +93,45 @@ private:
             page_ << comma
                   << fmt::format(
                          R"({{"adapter":{},"phy":{},"address":"{}","reads":{},"writes":{},"changes":{},)"
-                         R"("first":"{}","last":"{}","at":{}}})",
+                         R"("first":"{}","last":"{}","at":{})",
                          reg.adapter, reg.phy, reg.reg.text(), history.reads, history.writes, history.changes,
                          history.first.text(), history.last.text(), listed(shown_[reg].at));
+            if (const Orvane::MapRegister* const mapped = maps_.find(reg.reg))
+                writeMeaning(*mapped);
+            page_ << "}";
             comma = ",";
         }
+    }
+
+    // Bits are [high, low], the most significant first.
+    void writeMeaning(const Orvane::MapRegister& reg) {
+        page_ << ",\"name\":" << jsonText(reg.name()) << ",\"fields\":[";
+        const char* comma = "";
+        for (const Orvane::DecodedField& each : Orvane::RegisterMap::decode(reg, 0)) {
+            const Orvane::MapField& field = *each.field;
+            page_ << comma << "{\"name\":" << jsonText(field.name) << ",\"text\":" << jsonText(field.text)
+                  << ",\"bits\":[";
+            for (std::size_t i = 0; i < field.bits.size(); ++i)
+                page_ << (i > 0 ? "," : "") << fmt::format("[{},{}]", field.bits[i].high, field.bits[i].low);
+            page_ << "]";
+            if (field.isScaled || field.isSigned)
+                page_ << fmt::format(R"(,"signed":{},"scale":{},"offset":{},"unit":{})", field.isSigned,
+                                     field.scale, field.offset, jsonText(field.unit));
+            writeChoices(field);
+            page_ << "}";
+            comma = ",";
+        }
+        page_ << "]";
+    }
+
+    void writeChoices(const Orvane::MapField& field) {
+        if (field.choices.empty())
+            return;
+        page_ << ",\"choices\":{";
+        for (std::size_t i = 0; i < field.choices.size(); ++i)
+            page_ << (i > 0 ? "," : "") << fmt::format("\"{}\":", field.choices[i].value)
+                  << jsonText(field.choices[i].name);
+        page_ << "}";
     }
 
     void writeNotes() {
@@ -101,7 +141,7 @@ private:
             if (more > 0 || bytes + note.size() > kMostNoteBytes)
                 ++more;
             else
-                page_ << (bytes > 0 ? "," : "") << quoted(note);
+                page_ << (bytes > 0 ? "," : "") << jsonText(note);
             bytes += note.size();
         });
         page_ << "]";
@@ -120,6 +160,7 @@ private:
     const LogFile& log_;
     const Selection& selection_;
     const LogSummary& summary_;
+    const KnownMaps& maps_;
     ReportLimits limits_;
     std::map<PhyRegister, Shown> shown_;
     std::vector<std::uint64_t> places_; // of what is on the page, in the log; only when something is not
@@ -149,12 +190,12 @@ ReportLimits limitsFor(const LogSummary& summary) {
 }
 
 void writeHtmlReport(std::ostream& page, const std::string& title, const LogFile& log,
-                     const Selection& selection, const LogSummary& summary) {
+                     const Selection& selection, const LogSummary& summary, const KnownMaps& maps) {
     const std::string_view frame = kReportPage;
     const std::string_view mark = "ORVANE_REPORT_DATA";
     const std::size_t place = frame.find(mark);
     page << frame.substr(0, place);
-    Report(page, log, selection, summary).write(title);
+    Report(page, log, selection, summary, maps).write(title);
     page << frame.substr(place + mark.size());
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tools/orvane/log/LogSummary.h"
+#include "tools/orvane/names/KnownMaps.h"
 
 #include <ostream>
 #include <string>
@@ -20,9 +21,10 @@ struct ReportLimits {
 ReportLimits limitsFor(const LogSummary& summary);
 
 // Writes the whole page, with its styles, its script and the log's accesses in it. `title` is shown as it is.
+// Registers that a map has carry their names and fields.
 // What does not fit the limits is counted on the page, and the page says so. Throws Failure when the log
 // cannot be read; whether the stream could be written is its user's to ask.
 void writeHtmlReport(std::ostream& page, const std::string& title, const LogFile& log,
-                     const Selection& selection, const LogSummary& summary);
+                     const Selection& selection, const LogSummary& summary, const KnownMaps& maps);
 
 } // namespace OrvaneTool

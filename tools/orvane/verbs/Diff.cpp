@@ -1,7 +1,8 @@
 // orvane diff: two dumps, or a dump and a PHY as it is now.
 #include "tools/orvane/board/Bits.h"
 #include "tools/orvane/board/DumpFile.h"
-#include "tools/orvane/cli/RegisterOptions.h"
+#include "tools/orvane/names/FieldTable.h"
+#include "tools/orvane/names/NamedPhy.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <fmt/format.h>
@@ -17,19 +18,20 @@ struct Options {
     bool routed = false;
 };
 
-// The present values of what is in the dump.
+// The present values of what is in the dump; what a read changes is read where the dump names it.
 std::map<Register, std::uint32_t> liveValues(Context& context, const Options& options, const Dump& dump) {
-    const bool asDumped = options.second.empty();
-    Device device(context, asDumped ? dump.header.device : options.second);
-    const unsigned phy = options.phy < 0 ? dump.header.phy : static_cast<unsigned>(options.phy);
-    std::vector<Register> list;
+    RegisterOptions reached;
+    reached.device = options.second.empty() ? dump.header.device : options.second;
+    reached.phy = options.phy < 0 ? dump.header.phy : static_cast<unsigned>(options.phy);
+    reached.routed = options.routed;
+    NamedPhy phy(context, reached);
+    std::vector<Asked> list;
     for (const auto& [reg, value] : dump.values)
-        list.push_back(reg);
-    const Way way = options.routed ? Way::Routed : Way::Queued;
-    const std::vector<std::uint32_t> values = Registers(device, phy, way).read(list);
+        list.push_back({reg, phy.maps().find(reg)});
+    const std::vector<std::uint32_t> values = phy.read(list);
     std::map<Register, std::uint32_t> result;
     for (std::size_t i = 0; i < list.size(); ++i)
-        result[list[i]] = values[i];
+        result[list[i].reg] = values[i];
     return result;
 }
 
@@ -68,11 +70,26 @@ Table differences(const Stream& out, const Dump& dump, const std::map<Register, 
     return table;
 }
 
+// The same by fields, of registers that both have.
+FieldTable fieldDifferences(const Stream& out, Format format, const KnownMaps& maps, const Dump& dump,
+                            const std::map<Register, std::uint32_t>& other) {
+    FieldTable table(out, format, true);
+    for (const auto& [reg, value] : dump.values)
+        if (const auto found = other.find(reg); found != other.end() && found->second != value)
+            table.add({reg, maps.find(reg)}, found->second, value, true);
+    return table;
+}
+
 int run(Context& context, const Options& options) {
     const Dump dump = readDump(options.first);
-    const Table table = differences(context.console.out, dump, otherValues(context, options, dump));
-    if (table.size() > 0 || context.format() != Format::Text)
-        table.print(context.console.out, context.format());
+    const std::map<Register, std::uint32_t> other = otherValues(context, options, dump);
+    Stream& out = context.console.out;
+    const Format format = context.format();
+    const Table table = differences(out, dump, other);
+    if (const KnownMaps maps(context); table.size() > 0 && showsFields(context, maps, {}))
+        fieldDifferences(out, format, maps, dump, other).print(out);
+    else if (table.size() > 0 || format != Format::Text)
+        table.print(out, format);
     return table.size() == 0 ? kSuccess : kFailed;
 }
 
@@ -83,6 +100,7 @@ void addDiff(CLI::App& app, Context& context) {
                                    "  orvane diff before.dump after.dump\n"
                                    "  orvane diff before.dump --live           the PHY that it was taken of\n"
                                    "  orvane diff before.dump OV0002:0 3       another PHY\n"
+                                   "  orvane diff before.dump after.dump --fields --map chip.json\n"
                                    " The exit status is 1 when there are differences.\n"});
     auto options = std::make_shared<Options>();
     verb.add_option("DUMP", options->first, "A dump")->required()->type_name("");
@@ -92,6 +110,7 @@ void addDiff(CLI::App& app, Context& context) {
         ->check(CLI::Range(0, 127).description(""));
     verb.add_flag("--live", options->live, "Compare with the PHY that the dump was taken of");
     verb.add_flag("--routed", options->routed, "Read the PHY by the library's path for each register");
+    addFieldOptions(verb, context);
     addFormatOptions(verb, context);
     addBoardOptions(verb, context);
     setAction(verb, context, options, run);

@@ -17,6 +17,8 @@ void addModify(CLI::App& app, Context& context);
 void addDump(CLI::App& app, Context& context);
 void addDiff(CLI::App& app, Context& context);
 void addWatch(CLI::App& app, Context& context);
+void addDecode(CLI::App& app, Context& context);
+void addMap(CLI::App& app, Context& context);
 void addI2c(CLI::App& app, Context& context);
 void addGpio(CLI::App& app, Context& context);
 void addJtag(CLI::App& app, Context& context);

@@ -1,0 +1,39 @@
+// Registers with their fields, decoded.
+#pragma once
+
+#include "tools/orvane/names/KnownMaps.h"
+#include "tools/orvane/output/Table.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace OrvaneTool {
+
+// Rows of fields behind the address, value and name of their register. In text a register's own columns are
+// not repeated.
+class FieldTable {
+public:
+    // `compares`: with a column of what was before.
+    FieldTable(const Stream& stream, Format format, bool compares = false);
+
+    // The fields of a value, or the one that was asked for. With what was before, in a table that compares,
+    // those that differ are marked; `onlyChanged` leaves out the others.
+    void add(const Asked& asked, std::uint64_t value, std::optional<std::uint64_t> before = std::nullopt,
+             bool onlyChanged = false);
+    std::size_t size() const { return table_.size(); }
+    void print(Stream& stream) const { table_.print(stream, format_); }
+
+private:
+    void addRow(const Asked& asked, std::uint64_t value, const Orvane::DecodedField* decoded,
+                const Orvane::DecodedField* before, bool isFirst);
+
+    const Stream& stream_;
+    Format format_;
+    bool compares_;
+    Table table_;
+};
+
+// What a field says, in words, with what a latched bit tells behind it.
+std::string meaningOf(const Orvane::DecodedField& field);
+
+} // namespace OrvaneTool

@@ -1,0 +1,218 @@
+// orvane map: register maps themselves.
+#include "tools/orvane/cli/Verb.h"
+#include "tools/orvane/names/KnownMaps.h"
+#include "tools/orvane/output/Errors.h"
+#include "tools/orvane/verbs/Verbs.h"
+
+#include <cerrno>
+#include <fmt/format.h>
+#include <fstream>
+
+namespace OrvaneTool {
+namespace {
+
+struct Options {
+    std::vector<std::string> words;
+    std::string output; // a file; empty: standard output
+    std::string form = "json";
+    std::string prefix;
+    std::string space = "ext32";
+    unsigned mmd = 0;
+};
+
+void put(Context& context, const Options& options, const std::string& text) {
+    if (options.output.empty())
+        return context.console.out.write(text);
+    std::ofstream file(options.output, std::ios::binary | std::ios::trunc);
+    if (!(file << text).flush())
+        throw Failure(fmt::format("{}: cannot write: {}", options.output, errorText(errno)));
+}
+
+Orvane::MapOptions loadingFor(const Context& context) {
+    Orvane::MapOptions options;
+    options.identifier = context.identifier;
+    return options;
+}
+
+int check(Context& context, const Options& options) {
+    std::string wrong;
+    for (const std::string& file : options.words) {
+        try {
+            const auto map = Orvane::RegisterMap::load(file, loadingFor(context));
+            context.console.out.print("{}: {}, {} registers\n", file, map.name(), map.size());
+        } catch (const Orvane::MapError& error) {
+            wrong += (wrong.empty() ? "" : "\n") + std::string(error.what());
+        }
+    }
+    if (!wrong.empty())
+        throw Failure(wrong);
+    return kSuccess;
+}
+
+Table tableOfReferences() {
+    return Table(
+        {{"name", "NAME"}, {"address", "ADDRESS"}, {"bits", "BITS"}, {"access", "ACCESS"}, {"text", "TEXT"}});
+}
+
+void addTo(Table& table, const Orvane::MapReference& each) {
+    const Orvane::MapRegister& reg = *each.reg;
+    if (each.field == nullptr)
+        table.add({reg.name(), reg.address().text(), std::to_string(reg.width()), nameOf(reg.access()),
+                   reg.text()});
+    else
+        table.add({each.name(), reg.address().text(), each.field->bitsText(), nameOf(each.field->access),
+                   each.field->text});
+}
+
+// Without a word the maps, with words the registers that they mean and the fields of each that is named in
+// full.
+int show(Context& context, const Options& options) {
+    const KnownMaps maps(context);
+    Stream& out = context.console.out;
+    if (options.words.empty()) {
+        Table table({{"map", "MAP"}, {"registers", "REGISTERS", true}, {"text", "TEXT"}});
+        for (const Orvane::RegisterMap& map : maps.all())
+            table.add({map.name(), {std::to_string(map.size()), map.size()}, map.text()});
+        table.print(out, context.format());
+        return kSuccess;
+    }
+    context.sideEffects = true;
+    Table table = tableOfReferences();
+    std::vector<std::string> leftOut;
+    for (const std::string& word : options.words) {
+        const std::vector<Asked> list = maps.parse(word, Space::C45, 1, leftOut);
+        for (const Asked& each : list) {
+            if (each.mapped == nullptr)
+                throw Failure(fmt::format("no map has {}", each.reg.text()));
+            addTo(table, {each.mapped, each.field});
+            if (list.size() == 1 && each.field == nullptr)
+                for (const Orvane::MapField& field : each.mapped->fields())
+                    addTo(table, {each.mapped, &field});
+        }
+    }
+    table.print(out, context.format());
+    return kSuccess;
+}
+
+int search(Context& context, const Options& options) {
+    const KnownMaps maps(context);
+    Table table = tableOfReferences();
+    for (const Orvane::RegisterMap& map : maps.all())
+        for (const Orvane::MapReference& each : map.search(fmt::format("{}", fmt::join(options.words, " "))))
+            addTo(table, each);
+    if (table.size() == 0)
+        throw Failure(fmt::format("nothing has '{}' in its name or text", fmt::join(options.words, " ")));
+    table.print(context.console.out, context.format());
+    return kSuccess;
+}
+
+int import(Context& context, const Options& options) {
+    Orvane::ImportOptions into;
+    into.space = options.space == "c45"   ? Orvane::MapSpace::c45
+                 : options.space == "c22" ? Orvane::MapSpace::c22
+                                          : Orvane::MapSpace::ext32;
+    into.mmd = static_cast<std::uint8_t>(options.mmd);
+    try {
+        const Orvane::ImportedMap imported = Orvane::RegisterMap::importFile(options.words.front(), into);
+        for (const Orvane::MapProblem& each : imported.notCarriedOver)
+            context.console.err.write("orvane: not carried over: " + each.text() + "\n");
+        context.console.err.flushIfPossible();
+        put(context, options, imported.map.toJson());
+    } catch (const Orvane::MapError& error) {
+        throw Failure(error.what());
+    }
+    return kSuccess;
+}
+
+int exportMap(Context& context, const Options& options) {
+    try {
+        const auto map = options.words.front() == "ieee8023"
+                             ? Orvane::RegisterMap::ieee8023()
+                             : Orvane::RegisterMap::load(options.words.front(), loadingFor(context));
+        put(context, options,
+            options.form == "c"          ? map.toCHeader(options.prefix.empty() ? map.name() : options.prefix)
+            : options.form == "markdown" ? map.toMarkdown()
+                                         : map.toJson());
+    } catch (const Orvane::MapError& error) {
+        throw Failure(error.what());
+    }
+    return kSuccess;
+}
+
+// For the shell: how a word may go on, one a line.
+int complete(Context& context, const Options& options) {
+    const KnownMaps maps(context);
+    for (const Orvane::RegisterMap& map : maps.all())
+        for (const std::string& each : map.complete(options.words.empty() ? "" : options.words.front()))
+            context.console.out.print("{}\n", each);
+    return kSuccess;
+}
+
+// An operation on words; returns it and its options.
+template <class Run>
+std::pair<CLI::App*, std::shared_ptr<Options>> add(CLI::App& map, Context& context, const VerbText& text,
+                                                   const char* words, int least, int most, Run run) {
+    CLI::App& verb = addVerb(map, text);
+    auto options = std::make_shared<Options>();
+    verb.add_option(words, options->words, "")->type_name("")->expected(least, most)->required(least > 0);
+    setAction(verb, context, options, run);
+    return {&verb, options};
+}
+
+constexpr int kAny = 1000;
+
+void addFiles(CLI::App& map, Context& context) {
+    const auto output = [](const auto& added) {
+        added.first->add_option("-o,--output", added.second->output, "Write it to this file")
+            ->type_name("FILE");
+    };
+    const auto imported = add(map, context,
+                              {"import", "Make a map of a CMSIS-SVD, uHAL or CSV file",
+                               "  orvane map import chip.svd -o chip.json\n"},
+                              "FILE", 1, 1, import);
+    output(imported);
+    imported.first
+        ->add_option("--space", imported.second->space, "Where registers go: c45, c22 or ext32 (ext32)")
+        ->check(CLI::IsMember({"c45", "c22", "ext32"}).description(""))
+        ->type_name("SPACE");
+    imported.first->add_option("--mmd", imported.second->mmd, "Their MMD in Clause 45 (0)")
+        ->check(CLI::Range(0U, 31U).description(""))
+        ->type_name("MMD");
+    const auto exported = add(map, context,
+                              {"export", "Print a map as JSON, a C header or Markdown",
+                               "  orvane map export chip.json --form c --prefix CHIP -o chip_registers.h\n"
+                               "  orvane map export ieee8023 --form markdown\n"},
+                              "FILE", 1, 1, exportMap);
+    output(exported);
+    exported.first->add_option("--form", exported.second->form, "json, c or markdown (json)")
+        ->check(CLI::IsMember({"json", "c", "markdown"}).description(""))
+        ->type_name("FORM");
+    exported.first->add_option("--prefix", exported.second->prefix, "What a C header's names begin with")
+        ->type_name("PREFIX");
+}
+
+} // namespace
+
+void addMap(CLI::App& app, Context& context) {
+    CLI::App& map = addVerb(app, {"map", "Check, look through and translate register maps",
+                                  "  orvane map check chip.json\n"
+                                  "  orvane map show AN.STATUS\n"
+                                  "  orvane map search link partner\n"});
+    add(map, context, {"check", "Tell everything that is wrong with maps", ""}, "FILE", 1, kAny, check);
+    const auto shown = add(map, context,
+                           {"show", "List the maps, or the registers and fields that are named",
+                            "  orvane map show 'AN.*' --map chip.json\n"},
+                           "NAME", 0, kAny, show);
+    const auto searched =
+        add(map, context, {"search", "Find names and texts with every word", ""}, "WORD", 1, kAny, search);
+    const auto completed =
+        add(map, context, {"complete", "How a name may go on", ""}, "BEGINNING", 0, 1, complete);
+    completed.first->group(""); // for the shell
+    for (CLI::App* verb : {shown.first, searched.first, completed.first})
+        addMapOptions(*verb, context);
+    for (CLI::App* verb : {shown.first, searched.first})
+        addFormatOptions(*verb, context);
+    addFiles(map, context);
+}
+
+} // namespace OrvaneTool

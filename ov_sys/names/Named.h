@@ -23,6 +23,7 @@ public:
         std::uint64_t now = 0;
     };
 
+    // A register or field of `map`, which `what` belongs to. Copies are the same place; nothing is sent.
     Named(Phy phy, RegisterMap map, MapReference what);
     Named(const Named&) = default;
     Named(Named&&) noexcept = default;
@@ -30,6 +31,7 @@ public:
 
     // The raw value. Refused where a read tells nothing.
     std::uint64_t read(const Within& within = {}) const;
+    // The same.
     operator std::uint64_t() const { return read(); } // NOLINT(google-explicit-constructor)
     // In its unit. Refused for a whole register.
     double scaled(const Within& within = {}) const;
@@ -60,6 +62,7 @@ public:
         return *this;
     }
 
+    // What the map says of it, valid as long as this; and its full name.
     const MapReference& reference() const noexcept { return what_; }
     std::string name() const { return what_.name(); }
 

@@ -30,6 +30,7 @@ public:
     // The select registers of these registers, whose values the batch has to know; each once.
     static std::vector<const MapRegister*> selectsOf(const std::vector<const MapRegister*>& registers);
 
+    // An empty one, for select registers that hold these values.
     explicit NamedBatch(Selects selects);
 
     // Every register must be reachable, and the select register of its page known: throws std::out_of_range

@@ -24,7 +24,7 @@ struct ORVANE_API Snapshot {
         std::uint64_t value = 0;
     };
 
-    RegisterMap map;
+    RegisterMap map;           // that the values belong to
     std::vector<Value> values; // in the map's order
     // In the scope, but not read: a read would change them or tell nothing, or no board reaches them.
     std::vector<const MapRegister*> leftOut;
@@ -42,6 +42,7 @@ struct ORVANE_API FieldChange {
     std::uint64_t before = 0;        // raw; of bits of no field where they are in the register
     std::uint64_t after = 0;
 
+    // The full name.
     std::string name() const;
     // "CHIP.CONTROL.SPEED: 100 Mb/s -> 1000 Mb/s"
     std::string text() const;

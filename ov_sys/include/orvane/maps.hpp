@@ -73,9 +73,11 @@ struct ORVANE_API MapAddress {
     // Reads what text() writes; numbers also decimal. Throws MapError.
     static MapAddress parse(std::string_view text);
 
+    // Space, MMD, number and page.
     friend bool operator==(const MapAddress &a, const MapAddress &b) noexcept {
         return a.number == b.number && a.mmd == b.mmd && a.space == b.space && a.page == b.page;
     }
+    // The opposite.
     friend bool operator!=(const MapAddress &a, const MapAddress &b) noexcept { return !(a == b); }
     // By space, MMD, page and number.
     friend ORVANE_API bool operator<(const MapAddress &a, const MapAddress &b) noexcept;
@@ -94,9 +96,11 @@ struct ORVANE_API MapProblem {
 // What is wrong with a file, a name or a value; all problems at once.
 class ORVANE_API MapError : public std::exception {
 public:
+    // One problem that concerns no file, or several. Copies share nothing.
     explicit MapError(std::string message);
     explicit MapError(std::vector<MapProblem> problems);
     ~MapError() override;
+    // As it was.
     MapError(const MapError &) = default;
     MapError &operator=(const MapError &) = default;
     // One problem a line, without a line end after the last.
@@ -170,15 +174,15 @@ struct MapDefinition;
 // A register of a map.
 class ORVANE_API MapRegister {
 public:
-    const std::string &name() const noexcept { return name_; } // with its blocks'
-    const MapAddress &address() const noexcept { return address_; }
-    const std::string &text() const noexcept;
-    unsigned width() const noexcept;                      // 8, 16, 32 or 64 bits
-    std::optional<std::uint64_t> reset() const noexcept;  // none: not told
+    const std::string &name() const noexcept { return name_; }      // with its blocks'
+    const MapAddress &address() const noexcept { return address_; } // where it is reached
+    const std::string &text() const noexcept;                       // for people; may be empty
+    unsigned width() const noexcept;                                // 8, 16, 32 or 64 bits
+    std::optional<std::uint64_t> reset() const noexcept;            // none: not told
     MapAccess access() const noexcept;                    // of its fields, unless they say otherwise
     const std::vector<MapField> &fields() const noexcept; // in file order
     const MapField *field(std::string_view fieldName) const noexcept; // null: none
-    std::optional<MapPage> page() const noexcept;
+    std::optional<MapPage> page() const noexcept;                     // none: reached on any page
     // Whether a plain read changes nothing: nothing in it latches or is cleared by it, and nobody declared
     // side effects.
     bool isSafeToRead() const noexcept;
@@ -205,6 +209,7 @@ struct MapReference {
     const MapRegister *reg = nullptr; // null: nothing
     const MapField *field = nullptr;  // null: the whole register
 
+    // Whether it stands for something.
     explicit operator bool() const noexcept { return reg != nullptr; }
     // The full name; empty for nothing.
     ORVANE_API std::string name() const;
@@ -265,13 +270,15 @@ public:
     // XML), CSV. Throws MapError when the file cannot be read at all.
     static ImportedMap importFile(const std::string &path, const ImportOptions &options = {});
 
-    const std::string &name() const noexcept;
-    const std::string &text() const noexcept;
+    const std::string &name() const noexcept; // an identifier; empty for an empty map
+    const std::string &text() const noexcept; // for people; may be empty
+    // The PHYs that it is for; may be empty.
     const std::vector<MapIdentifier> &identifiers() const noexcept;
     // Whether one of the identifiers fits.
     bool describes(std::uint32_t phyIdentifier) const noexcept;
 
     std::size_t size() const noexcept; // registers, each element of an array counted
+    // Whether it has no register.
     bool empty() const noexcept { return size() == 0; }
     // In file order.
     const std::vector<MapRegister> &registers() const noexcept;

@@ -1,10 +1,9 @@
 // The general call frame: attempts, thresholds, verdicts.
 #include "ov_sys/Interface/buses/rpc/CallFrame.h"
 
+#include "tests/support/buses/ScriptedFrame.h"
 #include "tests/support/HookedClient.h"
 #include "tests/support/RepeatedText.h"
-#include "tests/support/ScriptedStub.h"
-#include "tests/support/SessionOnBoard.h"
 #include "tests/support/WrittenText.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +14,6 @@ namespace Orvane {
 namespace {
 
 using namespace OrvaneTest;
-using SimpleStub = ScriptedStub<Simple_Param, Simple_Result>;
 
 constexpr const char* kBusy = "mdio Board in busy. Retrying...-16\n";
 constexpr const char* kHandling = "mdioRPC call error: 5. Session error handling started...\n";
@@ -25,41 +23,21 @@ constexpr const char* kWarning =
 constexpr const char* kFatal = "Error level of attempts for RPC call was achieved.\n"
                                "Remote Error:5\n  \"RPC: Success\n\"\n";
 
-class CallFrame : public testing::Test, public SessionOnBoard {
+class CallFrame : public ScriptedFrame<Simple_Param> {
 protected:
     CallFrame() { rpc_createerr.cf_stat = RPC_SUCCESS; }
 
-    struct Outcome {
-        std::string error;
-        std::string thrown;
-    };
-
-    // Runs the frame with stubs that answer as `answer` says.
-    Outcome run(const SimpleStub::Answer& answer) {
-        SimpleStub stub(answer);
-        Outcome outcome;
-        outcome.error = textWritten([&] {
-                            try {
-                                DO_RPC(SimpleStub::call, Simple_Param{11, session.identityWord()}, &result,
-                                       session, BoardConnection::MDIO);
-                            } catch (const std::exception& problem) {
-                                outcome.thrown = problem.what();
-                            }
-                        }).error;
-        calls = stub.calls;
-        params = stub.params;
-        return outcome;
+    Outcome run(const Stub::Answer& answer) {
+        return outcomeOf(answer, [this] {
+            DO_RPC(Stub::call, Simple_Param{11, session.identityWord()}, &result, session,
+                   BoardConnection::MDIO);
+        });
     }
 
     // A transport error, after which the session is as if a ping had validated it.
     clnt_stat failAndValidate() {
         session.setSessionState(PhySession::SESSION_VALID);
         return RPC_TIMEDOUT;
-    }
-
-    static clnt_stat answer(Simple_Result& answered, int code) {
-        answered.error = code;
-        return RPC_SUCCESS;
     }
 
     // `busy` busy answers, then `failures` transport errors, then success.
@@ -70,10 +48,6 @@ protected:
             return number <= busy + failures ? failAndValidate() : answer(answered, 0);
         });
     }
-
-    Simple_Result result{};
-    std::size_t calls = 0;
-    std::vector<Simple_Param> params;
 };
 
 TEST_F(CallFrame, SucceedsAtOnceAndCountsTheCall) {
@@ -133,7 +107,7 @@ TEST_F(CallFrame, RefusesAClientThatCannotBeConnected) {
 TEST_F(CallFrame, RefusesAnUnknownClient) {
     Simple_Result ignored{};
     EXPECT_EQ(thrownText<std::out_of_range>([&] {
-                  DO_RPC(SimpleStub::call, Simple_Param{}, &ignored, session,
+                  DO_RPC(Stub::call, Simple_Param{}, &ignored, session,
                          static_cast<BoardConnection::clientId>(8));
               }),
               "map::at");

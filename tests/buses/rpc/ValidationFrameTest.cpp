@@ -1,9 +1,8 @@
 // The frame of pings.
 #include "ov_sys/Interface/buses/rpc/CallFrame.h"
 #include "ov_sys/Interface/buses/rpc/RPCKeepAlive.h"
+#include "tests/support/buses/ScriptedFrame.h"
 #include "tests/support/HookedClient.h"
-#include "tests/support/ScriptedStub.h"
-#include "tests/support/SessionOnBoard.h"
 #include "tests/support/SleepingThread.h"
 #include "tests/support/WrittenText.h"
 
@@ -16,41 +15,16 @@ namespace Orvane {
 namespace {
 
 using namespace OrvaneTest;
-using PingStub = ScriptedStub<ID_Param, Simple_Result>;
 
 constexpr const char* kPingHandling = "keepAliveRPC call error: 5. Session error handling started...\n";
 
-class ValidationFrame : public testing::Test, public SessionOnBoard {
+class ValidationFrame : public ScriptedFrame<ID_Param> {
 protected:
-    struct Outcome {
-        std::string error;
-        std::string thrown;
-    };
-
-    Outcome run(const PingStub::Answer& answer) {
-        PingStub stub(answer);
-        Outcome outcome;
-        outcome.error = textWritten([&] {
-                            try {
-                                DO_RPC_VALIDATION(PingStub::call, ID_Param{77}, &result, session,
-                                                  BoardConnection::KEEPALIVE);
-                            } catch (const std::exception& problem) {
-                                outcome.thrown = problem.what();
-                            }
-                        }).error;
-        calls = stub.calls;
-        params = stub.params;
-        return outcome;
+    Outcome run(const Stub::Answer& answer) {
+        return outcomeOf(answer, [this] {
+            DO_RPC_VALIDATION(Stub::call, ID_Param{77}, &result, session, BoardConnection::KEEPALIVE);
+        });
     }
-
-    static clnt_stat answer(Simple_Result& answered, int code) {
-        answered.error = code;
-        return RPC_SUCCESS;
-    }
-
-    Simple_Result result{};
-    std::size_t calls = 0;
-    std::vector<ID_Param> params;
 };
 
 TEST_F(ValidationFrame, SucceedsAndCountsThePing) {

@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <exception>
+#include <future>
+#include <stdexcept>
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <system_error>
@@ -92,6 +94,17 @@ bool EventLoop::post(Task task) {
     }
     wake();
     return true;
+}
+
+// `call` whatever the work returns, so that it is compiled once.
+void EventLoop::runThere(const Task& work) {
+    if (isHere())
+        return work();
+    std::packaged_task<void()> packaged(work);
+    auto outcome = packaged.get_future();
+    if (!post([&packaged] { packaged(); }))
+        throw std::logic_error("the event loop has stopped");
+    outcome.get();
 }
 
 void EventLoop::wake() {

@@ -6,11 +6,10 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
-#include <future>
 #include <map>
 #include <memory>
 #include <mutex>
-#include <stdexcept>
+#include <optional>
 #include <thread>
 #include <type_traits>
 #include <utility>
@@ -50,13 +49,13 @@ public:
     // loop's thread itself it just runs. Throws std::logic_error after `stop`.
     template <class Work>
     std::invoke_result_t<Work> call(Work work) {
-        if (isHere())
-            return work();
-        std::packaged_task<std::invoke_result_t<Work>()> packaged(std::move(work));
-        auto outcome = packaged.get_future();
-        if (!post([&packaged] { packaged(); }))
-            throw std::logic_error("the event loop has stopped");
-        return outcome.get();
+        if constexpr (std::is_void_v<std::invoke_result_t<Work>>) {
+            runThere(std::ref(work));
+        } else {
+            std::optional<std::invoke_result_t<Work>> result;
+            runThere([&] { result.emplace(work()); });
+            return std::move(*result);
+        }
     }
 
     // Keeps a descriptor watched for as long as it lives. The descriptor must stay open meanwhile.
@@ -98,6 +97,7 @@ private:
     };
 
     void run();
+    void runThere(const Task& work);
     void dispatch(std::uint64_t token, std::uint32_t events);
     void unwatch(int fd, std::uint64_t token);
     void runTasks();

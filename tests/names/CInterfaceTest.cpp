@@ -2,6 +2,7 @@
 #include "tests/support/names/MappedBoard.h"
 
 #include <cstring>
+#include <gmock/gmock.h>
 #include <orvane/rack.h>
 
 namespace OrvaneTest {

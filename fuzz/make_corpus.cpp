@@ -113,6 +113,21 @@ void seedTransports() {
     seed("datagrams", "long", datagram(1, reply(7, WireBytes(8950, 0))));
 }
 
+void seedRack() {
+    const WireBytes read = reply(7, sampleOf<MDIO_Read_Result>().bytes());
+    const auto values = static_cast<unsigned char>((read.size() - 32) / 4);
+    seed("rack", "read", joined({{0, values}, read}));
+    seed("rack", "read-refused", joined({{0, 1}, reply(7, wire("fffffffb 00000000"))}));
+    seed("rack", "read-too-many", joined({{0, 1}, reply(7, wire("00000000 00000002 00000001 00000002"))}));
+    seed("rack", "opened", joined({{0, 0}, reply(7, sampleOf<Open_Result>().bytes())}));
+    seed("rack", "port", joined({{0, 0}, reply(7, wire("0000c000"))}));
+    seed("rack", "stream", joined({{1}, record(read), record(reply(8, sampleOf<Open_Result>().bytes()))}));
+    seed("rack", "fragments", joined({{1}, wire("00000004 00000007 80000004 00000001")}));
+    seed("rack", "endless", joined({{1}, wire("ffffffff 00000007")}));
+    seed("rack", "announcement", bytesOf("\2|host OV0001:0 OV0001:10 ov2:3"));
+    seed("rack", "bad-port", bytesOf("\2|host OV0001:20"));
+}
+
 void seedNames() {
     seed("names", "replies", joined({bytesOf(std::string("\0\5OV01A\16", 8)), bytesOf("ov01a|host x:1\n")}));
     seed("names", "device", bytesOf("\1OV0001:1"));
@@ -133,6 +148,7 @@ int main(int argc, char** argv) try {
     seedReplies();
     seedTransports();
     seedNames();
+    seedRack();
     return 0;
 } catch (const std::exception& problem) {
     std::fprintf(stderr, "%s\n", problem.what());

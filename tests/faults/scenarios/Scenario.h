@@ -40,5 +40,6 @@ void bounds(Run& run);
 void races(Run& run);
 void manyBoards(Run& run);
 void exhaustion(Run& run);
+void rackFaults(Run& run);
 
 } // namespace OrvaneFaults

@@ -16,6 +16,7 @@ const std::vector<Scenario>& scenarios() {
     static const std::vector<Scenario> all{
         {"exhaustion", "RunningOutOfAnythingIsAnErrorAndNoCrash", false, exhaustion},
         {"many", "ManyBoardsAreHeldAtOnce", false, manyBoards},
+        {"rack", "ARackOfBoardsGivesNoWrongValueAndLosesNobody", false, rackFaults},
         {"loss", "LostRequestsAndRepliesCostTimeAndNothingElse", false, loss},
         {"duplicates", "DuplicatedAndReorderedRepliesChangeNoAnswer", true, duplicatesAndOrder},
         {"late", "ALateReplyIsNotTakenForALaterAnswer", true, lateReplies},

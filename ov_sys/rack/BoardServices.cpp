@@ -1,4 +1,4 @@
-// JTAG, ADC, thermal control, remote commands and the MDIO bus.
+// JTAG, ADC, thermal control and the MDIO bus.
 #include "ov_sys/rack/core/ServiceCall.h"
 #include "ov_sys/rack/Services.h"
 
@@ -20,6 +20,10 @@ using RackLink::Program;
 // ---- JTAG ----
 
 namespace {
+
+bool isBits(const std::string& text) {
+    return text.find_first_not_of("01") == std::string::npos;
+}
 
 std::vector<StringArrayEntry> entriesOf(const std::vector<JtagChain::Shift>& shifts,
                                         std::string JtagChain::Shift::*text) {
@@ -44,6 +48,9 @@ std::string JtagChain::shift(const Shift& one, const Within& within) const {
 }
 
 std::vector<std::string> JtagChain::shift(const std::vector<Shift>& shifts, const Within& within) const {
+    for (const Shift& one : shifts)
+        require(isBits(one.data) && isBits(one.tms) && isBits(one.lastTms), *session_, "JTAG shift",
+                "Shifts are texts of 0 and 1.");
     const std::vector<StringArrayEntry> data = entriesOf(shifts, &Shift::data);
     const std::vector<StringArrayEntry> tms = entriesOf(shifts, &Shift::tms);
     const std::vector<StringArrayEntry> last = entriesOf(shifts, &Shift::lastTms);
@@ -208,52 +215,19 @@ void ThermalControl::stopControl(const Within& within) const {
     simple(*session_, ThermalProcedure::StopControl, "thermal stop", within);
 }
 
-// ---- Remote commands ----
-
-namespace {
-
-// Output of a command, which ends where the board says.
-template <class Counted>
-std::string textOf(const Counted& member) {
-    const auto& [length, text] = member;
-    return text == nullptr ? std::string{} : std::string(text, length);
-}
-
-} // namespace
-
-BoardShell::Outcome BoardShell::run(const std::string& command, std::chrono::seconds limit,
-                                    const Cancellation* cancellation) const {
-    constexpr std::chrono::seconds kMargin{5};
-    require(limit.count() > 0, *session_, "run", "A command has a limit of 1 s at least.");
-    ServiceCall<Command_Param, Command_Result> call(*session_, Program::Setup,
-                                                    Programs::SetupProcedure::ExecuteCommand, Effect::Alone);
-    const std::string terminated(command.c_str(), command.size() + 1);
-    pointAt(call.argument.command, terminated);
-    call.argument.word1 = static_cast<u_int>(limit.count());
-    Within within = Orvane::within(limit + kMargin).once();
-    within.cancellation = cancellation;
-    call.run("run", within);
-    return {call.result.status, textOf(call.result.output1), textOf(call.result.output2)};
-}
-
-std::chrono::microseconds BoardShell::ping(const Within& within) const {
-    constexpr int kEcho = 123;
-    const auto begun = RackLink::Clock::now();
-    ServiceCall<int, int> call(*session_, Program::Setup, Programs::SetupProcedure::Ping, Effect::Reads);
-    call.session = nullptr; // a ping needs none
-    call.argument = kEcho;
-    call.run("ping", within);
-    requireCount(static_cast<std::size_t>(call.result), kEcho, *session_, "ping");
-    return std::chrono::duration_cast<std::chrono::microseconds>(RackLink::Clock::now() - begun);
-}
-
 // ---- The MDIO bus ----
 
 namespace {
 
 using MdioProcedure = Programs::MDIOProcedure;
 
+// SMBus ports have no MDIO bus.
+void requireMdio(OpenSession& session, const char* operation) {
+    require(!session.target().overSmbus(), session, operation, "An SMBus port has no MDIO bus.");
+}
+
 std::uint32_t readWord(OpenSession& session, MdioProcedure procedure, Effect effect, const Within& within) {
+    requireMdio(session, "read");
     ServiceCall<MDIO_Read_Param_No_Addr, MDIO_Read_Result_Single> call(session, Program::Mdio, procedure,
                                                                        effect);
     call.run("read", within, "ext32 at its address");
@@ -262,6 +236,7 @@ std::uint32_t readWord(OpenSession& session, MdioProcedure procedure, Effect eff
 
 void writeWord(OpenSession& session, MdioProcedure procedure, Effect effect, std::uint32_t value,
                const Within& within) {
+    requireMdio(session, "write");
     ServiceCall<MDIO_Write_Param_No_Addr, MDIO_Result> call(session, Program::Mdio, procedure, effect);
     call.argument.value = value;
     call.run("write", within, "ext32 at its address");
@@ -270,6 +245,7 @@ void writeWord(OpenSession& session, MdioProcedure procedure, Effect effect, std
 } // namespace
 
 void MdioBus::flush(const Within& within) const {
+    requireMdio(*session_, "flush");
     ServiceCall<MDIO_FlushPort_Param, MDIO_Result> call(*session_, Program::Mdio, MdioProcedure::FlushPort,
                                                         Effect::Writes);
     call.argument.byte1 = static_cast<u_char>(session_->state().port);
@@ -278,11 +254,13 @@ void MdioBus::flush(const Within& within) const {
 }
 
 void MdioBus::setSingleWire(bool on, const Within& within) const {
+    requireMdio(*session_, "single wire");
     runSimple<MDIO_Result>(*session_, Program::Mdio, MdioProcedure::SingleWire, Effect::Writes, on ? 1 : 0,
                            "single wire", within);
 }
 
 void MdioBus::setPreambleCount(std::uint32_t count, const Within& within) const {
+    requireMdio(*session_, "preamble count");
     const auto echo = runSimple<Simple_Result>(*session_, Program::Mdio, MdioProcedure::SetPreambleCount,
                                                Effect::Writes, count, "preamble count", within);
     requireCount(static_cast<std::uint32_t>(echo.value), count, *session_, "preamble count");
@@ -306,6 +284,7 @@ void MdioBus::writeCurrent(std::uint32_t value, const Within& within) const {
 
 int MdioBus::requestInterrupt(std::uint8_t first, std::uint8_t second, int third, int fourth,
                               const Within& within) const {
+    requireMdio(*session_, "interrupt request");
     ServiceCall<MDIO_InterruptRequest_Param, MDIO_Result> call(
         *session_, Program::Mdio, MdioProcedure::InterruptRequest, Effect::Writes);
     call.argument.byte1 = first;
@@ -317,12 +296,14 @@ int MdioBus::requestInterrupt(std::uint8_t first, std::uint8_t second, int third
 }
 
 int MdioBus::waitForInterrupt(std::uint32_t value, const Within& within) const {
+    requireMdio(*session_, "interrupt wait");
     return runSimple<MDIO_Result>(*session_, Program::Mdio, MdioProcedure::InterruptWait, Effect::Alone,
                                   value, "interrupt wait", within)
         .value;
 }
 
 int MdioBus::interruptProcessed(std::uint32_t value, const Within& within) const {
+    requireMdio(*session_, "interrupt processed");
     ServiceCall<MDIO_InterruptProcessed_Param, MDIO_Result> call(
         *session_, Program::Mdio, MdioProcedure::InterruptProcessed, Effect::Writes);
     call.argument.word1 = value;
@@ -331,6 +312,7 @@ int MdioBus::interruptProcessed(std::uint32_t value, const Within& within) const
 }
 
 int MdioBus::releaseInterrupt(std::uint32_t value, const Within& within) const {
+    requireMdio(*session_, "interrupt release");
     return runSimple<MDIO_Result>(*session_, Program::Mdio, MdioProcedure::InterruptRelease, Effect::Writes,
                                   value, "interrupt release", within)
         .value;

@@ -104,14 +104,24 @@ namespace {
 
 using I2cProcedure = Programs::I2CProcedure;
 
+// Throws for a device that no board can have.
+void requireDevice(const OpenSession& session, const char* operation, std::uint32_t bus, std::uint32_t device,
+                   std::uint32_t format = 0) {
+    require(bus <= 9, session, operation, "I2C buses are 0 to 9.");
+    require(device <= 127, session, operation, "I2C devices are 0 to 127.");
+    require(format <= 4, session, operation, "A register number has 0 to 4 bytes.");
+}
+
 // The lists of a block, as the wire has them: one for each member of a transfer.
 struct Lists {
     std::vector<u_char> buses;
     std::vector<u_int> devices, registers, lengths, formats;
     std::vector<u_char> data;
 
-    Lists(const std::vector<I2cBus::Transfer>& transfers, bool writes) {
+    Lists(const OpenSession& session, const char* operation, const std::vector<I2cBus::Transfer>& transfers,
+          bool writes) {
         for (const I2cBus::Transfer& one : transfers) {
+            requireDevice(session, operation, one.bus, one.device, one.format);
             buses.push_back(one.bus);
             devices.push_back(one.device);
             registers.push_back(one.reg);
@@ -133,6 +143,7 @@ struct Lists {
 } // namespace
 
 void I2cBus::write(std::uint8_t bus, std::uint32_t device, const Bytes& bytes, const Within& within) const {
+    requireDevice(*session_, "I2C write", bus, device);
     ServiceCall<I2C_Write_Param, Simple_Result> call(*session_, Program::I2c, I2cProcedure::Write,
                                                      Effect::Alone);
     call.argument.byte1 = bus;
@@ -143,6 +154,7 @@ void I2cBus::write(std::uint8_t bus, std::uint32_t device, const Bytes& bytes, c
 
 Bytes I2cBus::read(std::uint8_t bus, std::uint32_t device, std::uint8_t command, std::uint32_t length,
                    const Within& within) const {
+    requireDevice(*session_, "I2C read", bus, device);
     require(length >= 1 && length <= 255, *session_, "I2C read", "A read is of 1 to 255 bytes.");
     ServiceCall<I2C_Read_Param, I2C_Read_Result> call(*session_, Program::I2c, I2cProcedure::Read,
                                                       Effect::Alone);
@@ -158,7 +170,7 @@ Bytes I2cBus::read(std::uint8_t bus, std::uint32_t device, std::uint8_t command,
 Bytes I2cBus::readRegister(std::uint8_t bus, std::uint32_t device, std::uint32_t reg, std::uint8_t format,
                            std::uint32_t length, const Within& within) const {
     require(length >= 1 && length <= 255, *session_, "I2C read", "A read is of 1 to 255 bytes.");
-    require(format <= 4, *session_, "I2C read", "A register number has 0 to 4 bytes.");
+    requireDevice(*session_, "I2C read", bus, device, format);
     ServiceCall<I2C_Read_Reg_Param, I2C_Read_Result> call(*session_, Program::I2c, I2cProcedure::ReadRegister,
                                                           Effect::Alone);
     call.argument.byte1 = bus;
@@ -172,7 +184,7 @@ Bytes I2cBus::readRegister(std::uint8_t bus, std::uint32_t device, std::uint32_t
 }
 
 Bytes I2cBus::readBlock(const std::vector<Transfer>& transfers, const Within& within) const {
-    const Lists lists(transfers, false);
+    const Lists lists(*session_, "I2C block read", transfers, false);
     std::size_t total = 0;
     for (const u_int length : lists.lengths)
         total += length;
@@ -185,7 +197,7 @@ Bytes I2cBus::readBlock(const std::vector<Transfer>& transfers, const Within& wi
 }
 
 void I2cBus::writeBlock(const std::vector<Transfer>& transfers, const Within& within) const {
-    const Lists lists(transfers, true);
+    const Lists lists(*session_, "I2C block write", transfers, true);
     ServiceCall<I2C_Block_Reg_Write_Param, Simple_Result> call(
         *session_, Program::I2c, I2cProcedure::BlockWriteRegister, Effect::Alone);
     lists.into(call.argument.trans);
@@ -195,7 +207,7 @@ void I2cBus::writeBlock(const std::vector<Transfer>& transfers, const Within& wi
 
 void I2cBus::writeBlockMasked(const std::vector<Transfer>& transfers, std::uint8_t mask,
                               const Within& within) const {
-    const Lists lists(transfers, true);
+    const Lists lists(*session_, "I2C block write", transfers, true);
     ServiceCall<I2C_Block_Mask_Write_Param, Simple_Result> call(*session_, Program::I2c,
                                                                 I2cProcedure::BlockWriteMask, Effect::Alone);
     lists.into(call.argument.trans);

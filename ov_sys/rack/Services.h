@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -175,6 +176,24 @@ public:
                 const Cancellation* cancellation = nullptr) const;
     // The time that an answer took.
     std::chrono::microseconds ping(const Within& within = {}) const;
+    // The same through the session, which is opened if need be: by the setup service, over TCP, and by the
+    // service that keeps sessions alive, over UDP.
+    std::chrono::microseconds pingSession(const Within& within = {}) const;
+    std::chrono::microseconds pingKeepAlive(const Within& within = {}) const;
+
+    // What the board has on record for one of its codes, a negative errno value; all 0 when it has nothing.
+    // The numbers are the board's own.
+    struct ErrorRecord {
+        unsigned kind = 0; // 0 to 255
+        int detail = 0;
+    };
+    ErrorRecord errorRecord(int code, const Within& within = {}) const;
+
+    // The ports at which the board's port mapper says that its services are, by name ("mdio", "setup", ...);
+    // those that it does not run are left out.
+    std::map<std::string, std::uint16_t> services(const Within& within = {}) const;
+    // Where the board is, dotted. Does not block.
+    std::string address() const;
 
 private:
     std::shared_ptr<RackCore::OpenSession> session_;
@@ -188,6 +207,7 @@ public:
 
     // The switches of the bus.
     void flush(const Within& within = {}) const;
+    // Lets writes reach every PHY of the port; the board's documents also call it broadcast.
     void setSingleWire(bool on, const Within& within = {}) const;
     // Bits of preamble; the board must echo them.
     void setPreambleCount(std::uint32_t count, const Within& within = {}) const;

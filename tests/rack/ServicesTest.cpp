@@ -3,6 +3,7 @@
 
 #include "tests/support/rack/RackOnBoard.h"
 
+#include <functional>
 #include <gmock/gmock.h>
 
 namespace OrvaneTest {
@@ -165,6 +166,62 @@ TEST_F(ServicesTest, InterruptsReachTheBoard) {
     EXPECT_EQ(procedures(),
               (std::vector<std::string>{"open_connection", "mdio_interruptrequest", "mdio_interruptwait",
                                         "mdio_interruptprocessed", "mdio_interrutprelease"}));
+}
+
+TEST_F(ServicesTest, PingsReachTheirService) {
+    phy.shell().ping();
+    phy.shell().pingSession();
+    phy.shell().pingKeepAlive();
+    EXPECT_EQ(count("ping"), 1U);
+    EXPECT_EQ(board.requestsOf("pingclient").at(0).transport, "tcp");
+    EXPECT_EQ(board.requestsOf("pingkeepalive").at(0).transport, "udp");
+}
+
+TEST_F(ServicesTest, ErrorRecordIsWhatTheBoardHasForACode) {
+    EXPECT_EQ(phy.shell().errorRecord(-5).kind, 0U);
+    Fault record{"setup", "get_error_msg", Fault::Kind::ReplyBody};
+    record.bytes = std::string("\0\0\0\0\0\0\0\x7\xFF\xFF\xFF\xFE", 12);
+    board.inject(record);
+    const BoardShell::ErrorRecord said = phy.shell().errorRecord(-5);
+    EXPECT_EQ(said.kind, 7U);
+    EXPECT_EQ(said.detail, -2);
+    EXPECT_EQ(argumentsOf(board.requestsOf("get_error_msg").back()).front().get<std::int64_t>(), 0xFFFFFFFB);
+}
+
+TEST_F(ServicesTest, BoardSaysWhereItsServicesAre) {
+    const auto services = phy.shell().services();
+    EXPECT_EQ(services.size(), 8U);
+    EXPECT_NE(services.at("mdio"), 0U);
+    EXPECT_EQ(services.count("portmap"), 0U);
+    EXPECT_EQ(phy.shell().address(), board.address());
+}
+
+TEST_F(ServicesTest, ArgumentsThatNoBoardTakesAreRefusedBeforeAnythingIsSent) {
+    const Phy smbus = rack.open("BOARD7:10").phy(3);
+    const std::vector<std::function<void()>> bad{
+        [&] { phy.i2c().write(10, kEeprom, {1}); },
+        [&] { phy.i2c().read(0, 128, 0, 1); },
+        [&] { phy.i2c().readRegister(0, kEeprom, 0, 5, 1); },
+        [&] {
+            phy.i2c().readBlock({{10, kEeprom, 0, 1, 1}});
+        },
+        [&] {
+            phy.i2c().writeBlock({{0, 200, 0, 1, 0, {1}}});
+        },
+        [&] {
+            phy.gpio().write({1, 2}, {1});
+        },
+        [&] {
+            phy.jtag().shift({"01x", "000", "000"});
+        },
+        [&] { smbus.mdio().flush(); },
+        [&] { smbus.mdio().setSingleWire(true); },
+        [&] { smbus.mdio().readNext(); },
+        [&] { smbus.mdio().requestInterrupt(0, 0, 0, 0); },
+    };
+    for (const auto& call : bad)
+        EXPECT_EQ(failureOf(call).kind(), FailureKind::InvalidArgument);
+    EXPECT_TRUE(board.requests().empty());
 }
 
 } // namespace

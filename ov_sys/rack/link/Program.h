@@ -27,6 +27,13 @@ constexpr std::uint32_t versionOf(Program program) noexcept {
     return program == Program::PortMapper ? 2 : static_cast<std::uint32_t>(Programs::Version);
 }
 
+// As counters and failures name it.
+constexpr const char* nameOf(Program program) noexcept {
+    constexpr const char* kNames[kPrograms] = {"setup",     "i2c", "mdio",    "jtag",   "gpio",
+                                               "keepAlive", "adc", "thermal", "portmap"};
+    return kNames[indexOf(program)];
+}
+
 // Setup and ADC speak TCP, all others UDP.
 constexpr bool overStream(Program program) noexcept {
     return program == Program::Setup || program == Program::Adc;

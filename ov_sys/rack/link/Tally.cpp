@@ -2,12 +2,6 @@
 #include "ov_sys/rack/link/Tally.h"
 
 namespace Orvane::RackLink {
-namespace {
-
-constexpr const char* kNames[kPrograms] = {"setup",     "i2c", "mdio",    "jtag",   "gpio",
-                                           "keepAlive", "adc", "thermal", "portmap"};
-
-} // namespace
 
 struct Tally::OfProgram {
     Count calls, succeeded, failed, timedOut, boardErrors, repeats, bytesSent, bytesReceived;
@@ -79,7 +73,7 @@ BoardCounters Tally::read() const {
     BoardCounters all;
     for (std::size_t i = 0; i < kPrograms; ++i)
         if (const OfProgram* const counters = programs_[i].load(std::memory_order_acquire))
-            all.programs.emplace(kNames[i], counters->read());
+            all.programs.emplace(nameOf(static_cast<Program>(i)), counters->read());
     all.opens = opens.get();
     all.reopens = reopens.get();
     all.moves = moves.get();

@@ -62,9 +62,6 @@ void object(RackCore::OpenSession& session, const Batch& batch, const Within& wi
     const Limits limits(within);
     for (const Batch::Operation& one : batch.operations())
         session.object(one.writes ? "write" : "read", one.address, one.value, limits);
-    if (session.target().overSmbus())
-        throw session.failure(FailureKind::InvalidArgument, "batch", {}, limits,
-                              "Batches do not fly on SMBus ports: use Phy::run().");
 }
 
 } // namespace
@@ -88,21 +85,21 @@ Pending<std::vector<std::uint32_t>> Flight::read(const Phy& phy, RegisterAddress
     const Batch::Readings all = batch.read(first, count);
     object(*phy.session_, batch, within);
     auto result = pending<std::vector<std::uint32_t>>();
-    fleet_->add(std::make_unique<RackCore::BatchJob>(phy.session_, within, std::move(batch),
-                                                     [state = result.state_, all](const BatchResult& done) {
-                                                         state->failure = done.failure();
-                                                         if (done.complete())
-                                                             storeValues(*state, done, all);
-                                                     }));
+    fleet_->add(RackCore::jobOf(phy.session_, within, std::move(batch),
+                                [state = result.state_, all](const BatchResult& done) {
+                                    state->failure = done.failure();
+                                    if (done.complete())
+                                        storeValues(*state, done, all);
+                                }));
     return result;
 }
 
 Pending<BatchResult> Flight::run(const Phy& phy, Batch batch, const Within& within) {
     object(*phy.session_, batch, within);
     Pending<BatchResult> result = pending<BatchResult>();
-    fleet_->add(std::make_unique<RackCore::BatchJob>(
-        phy.session_, within, std::move(batch),
-        [state = result.state_](BatchResult done) { state->value = std::move(done); }));
+    fleet_->add(
+        RackCore::jobOf(phy.session_, within, std::move(batch),
+                        [state = result.state_](BatchResult done) { state->value = std::move(done); }));
     return result;
 }
 

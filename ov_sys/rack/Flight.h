@@ -53,8 +53,8 @@ private:
 // For an event loop: watch descriptor() and call step() when it is readable.
 class ORVANE_API Flight {
 public:
-    // `window`: calls in flight on one board at most, 1 to 64; in bytes they are 32 KiB at most. Throws
-    // std::system_error.
+    // `window`: calls in flight on one board at most, 1 to 64. Neither they nor their answers are more than
+    // 32 KiB together. Throws std::system_error.
     explicit Flight(unsigned window = 8);
     // Cancels what is under way.
     ~Flight();
@@ -69,7 +69,6 @@ public:
     // `count` registers from `first` on, any number.
     Pending<std::vector<std::uint32_t>> read(const Phy& phy, RegisterAddress first, std::size_t count,
                                              const Within& within = {});
-    // On SMBus ports a batch cannot fly.
     Pending<BatchResult> run(const Phy& phy, Batch batch, const Within& within = {});
 
     // Opens or closes the session.

@@ -4,6 +4,7 @@
 #include "tests/support/rack/RackOnBoard.h"
 
 #include <poll.h>
+#include <set>
 
 namespace OrvaneTest {
 namespace {
@@ -107,6 +108,79 @@ TEST_F(FlightTest, SmbusAccessesOfOneBoardDoNotMix) {
     flight.wait();
     for (std::uint32_t i = 0; i < 8; ++i)
         EXPECT_EQ(results[i].get(), i + 100);
+}
+
+TEST_F(FlightTest, BatchesOnSmbusPortsFlyAlone) {
+    const Port smbus = rack.open("BOARD7:10");
+    std::vector<Pending<BatchResult>> results;
+    std::vector<Batch::Readings> readings;
+    for (std::uint32_t i = 0; i < 6; ++i) {
+        Batch batch;
+        batch.write({1, 7}, i + 100);
+        batch.write(ext32(0x80004000), i + 0x12340000);
+        readings.push_back(batch.read({RegisterAddress{1, 7}, ext32(0x80004000)}));
+        results.push_back(flight.run(smbus.phy(3 + i % 2), batch));
+    }
+    const auto list = flight.read(smbus.phy(3), {1, 7}, 2);
+    flight.wait();
+    for (std::uint32_t i = 0; i < 6; ++i)
+        EXPECT_EQ(results[i].get()[readings[i]], (std::vector<std::uint32_t>{i + 100, i + 0x12340000}));
+    EXPECT_EQ(list.get(), (std::vector<std::uint32_t>{104, 0}));
+}
+
+TEST_F(FlightTest, BatchOnAnSmbusPortTellsOfEachOperation) {
+    const Phy device = rack.open("BOARD7:10").phy(3);
+    device.open();
+    Batch batch;
+    batch.write({1, 7}, 1);
+    batch.write({1, 8}, 2);
+    batch.write({1, 9}, 3);
+    board.onRequest([this, writes = 0](const Request& request) mutable {
+        if (request.procedure == "i2c_write" && ++writes == 2) // the second of the first operation
+            inject(Fault::Kind::ResultCode, "i2c", "i2c_write", 1, -121);
+    });
+    const auto result = flight.run(device, batch);
+    flight.wait();
+    EXPECT_EQ(result.get().outcome(0).state, OperationOutcome::State::Done);
+    EXPECT_EQ(result.get().outcome(1).state, OperationOutcome::State::Refused);
+    EXPECT_EQ(result.get().outcome(1).code, -121);
+    EXPECT_EQ(result.get().outcome(2).state, OperationOutcome::State::NotSent);
+    EXPECT_EQ(result.get().failure()->location(), "from 1.0x0008");
+}
+
+class FlightWindowTest : public FlightTest {
+protected:
+    // Registers that the board has heard of while the first operation, whose answer is late, was under way.
+    template <class Operation>
+    std::size_t heardBeside(Flight& many, const Operation& first) {
+        std::set<unsigned> heard;
+        for (bool done = false; !done; done = first.done()) {
+            const std::vector<unsigned> asked = registersAsked();
+            heard.insert(asked.begin(), asked.end());
+            many.step();
+            pollfd entry{many.descriptor(), POLLIN, 0};
+            poll(&entry, 1, 5);
+        }
+        return heard.size();
+    }
+};
+
+TEST_F(FlightWindowTest, HoldsNoMoreThanItsCalls) {
+    Flight many(1000); // 64 at most
+    inject(Fault::Kind::DelayReply, "mdio", "mdio_read", 1, 300);
+    const auto first = many.read(phy, {1, 0});
+    for (std::uint32_t i = 1; i < 120; ++i)
+        many.read(phy, {1, i});
+    EXPECT_EQ(heardBeside(many, first), 64U);
+}
+
+TEST_F(FlightWindowTest, HoldsNoMoreThanItsBytes) {
+    Flight many(64);
+    inject(Fault::Kind::DelayReply, "mdio", "mdio_read", 1, 300);
+    const auto first = many.read(phy, {1, 0}, 873);
+    for (std::uint32_t i = 1; i < 20; ++i)
+        many.read(phy, {1, i}, 873);
+    EXPECT_EQ(heardBeside(many, first), 9U); // of 3,624 bytes in 32 KiB
 }
 
 TEST_F(FlightTest, BlocksOfAnyLengthFly) {

@@ -32,6 +32,8 @@ Block::Block(const Target& target, const Operations& operations, std::size_t fir
                 ? listed(target, effect)
                 : mixed(target, proceduresOf(space), effect);
     call_->session = &target.session;
+    const std::size_t words = data_.size() + writeAddresses_.size() + readAddresses_.size() + runs_.size();
+    call_->room = static_cast<std::uint32_t>(kRoomOfOne + words * sizeof(u_int));
 }
 
 std::size_t Block::length(const Operations& operations, std::size_t first) noexcept {

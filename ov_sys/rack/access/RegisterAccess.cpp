@@ -44,6 +44,7 @@ Trouble write(const Target& target, const RegisterAddress& address, std::uint32_
     const Effect effect = limits.within.repeat.writes == 0 ? Effect::Alone : Effect::Writes;
     WriteCall call(Program::Mdio, static_cast<std::uint32_t>(proceduresOf(address.space).write), effect);
     call.session = &target.session;
+    call.room = kRoomOfOne;
     call.argument.addresses = {1, &word};
     call.argument.values = {1, &value};
     return drive(target.link, call, limits);
@@ -64,11 +65,7 @@ Trouble runSingly(const Target& target, const std::vector<Batch::Operation>& ope
         const Trouble trouble = one.writes ? write(target, one.address, one.value, limits)
                                            : read(target, one.address, outcome.value, limits);
         if (trouble) {
-            outcome.value = 0;
-            outcome.code = trouble.code();
-            outcome.state = trouble.kind() == FailureKind::BoardError ? State::Refused
-                            : limits.attempts == before               ? State::NotSent
-                                                                      : State::Unknown;
+            outcome = outcomeOf(trouble, limits.attempts != before);
             return trouble;
         }
         outcome.state = State::Done;
@@ -77,6 +74,12 @@ Trouble runSingly(const Target& target, const std::vector<Batch::Operation>& ope
 }
 
 } // namespace
+
+OperationOutcome outcomeOf(Trouble trouble, bool sent) noexcept {
+    if (trouble.kind() == FailureKind::BoardError)
+        return {State::Refused, 0, trouble.code()};
+    return {sent ? State::Unknown : State::NotSent, 0, 0};
+}
 
 Trouble run(const Target& target, const std::vector<Batch::Operation>& operations,
             std::vector<OperationOutcome>& outcomes, std::size_t& failed, Limits& limits) {

@@ -36,4 +36,7 @@ RackLink::Trouble write(const Target& target, const RegisterAddress& address, st
 RackLink::Trouble run(const Target& target, const std::vector<Batch::Operation>& operations,
                       std::vector<OperationOutcome>& outcomes, std::size_t& failed, RackLink::Limits& limits);
 
+// Of an access that was not done. `sent`: whether any part of it was.
+OperationOutcome outcomeOf(RackLink::Trouble trouble, bool sent) noexcept;
+
 } // namespace Orvane::RackAccess

@@ -36,6 +36,7 @@ std::unique_ptr<Call> RegisterJob::mdioCall() {
     auto call =
         std::make_unique<WriteCall>(Program::Mdio, static_cast<std::uint32_t>(procedures.write), effect);
     call->session = &session->state();
+    call->room = kRoomOfOne;
     call->argument.addresses = {1, &word_};
     call->argument.values = {1, &value_};
     return call;
@@ -74,6 +75,53 @@ void BatchJob::settle(Trouble trouble) {
                                     "from " + toText(batch_.operations()[run_.failed].address), limits);
         });
     told_({std::move(run_.outcomes), std::move(failure)});
+}
+
+SmbusBatchJob::SmbusBatchJob(std::shared_ptr<OpenSession> target, const Within& said, Batch batch,
+                             BatchJob::Told told)
+    : Job(std::move(target), said),
+      batch_(std::move(batch)),
+      outcomes_(batch_.size()),
+      told_(std::move(told)) {}
+
+void SmbusBatchJob::begin(const Batch::Operation& operation) {
+    const RackAccess::Target here = session->target();
+    transfers_ = operation.writes
+                     ? std::make_unique<RackAccess::SmbusTransfers>(here, operation.address, operation.value)
+                     : std::make_unique<RackAccess::SmbusTransfers>(here, operation.address);
+    sentBefore_ = limits.attempts;
+}
+
+void SmbusBatchJob::next(std::vector<Call*>& list) {
+    for (; at_ < batch_.size(); ++at_) {
+        const Batch::Operation& operation = batch_.operations()[at_];
+        if (!transfers_)
+            begin(operation);
+        if (Call* const call = transfers_->next()) {
+            list.push_back(call);
+            return;
+        }
+        outcomes_[at_] = {OperationOutcome::State::Done,
+                          operation.writes ? operation.value : transfers_->value(), 0};
+        transfers_.reset();
+    }
+}
+
+void SmbusBatchJob::settle(Trouble trouble) {
+    std::optional<Failure> failure;
+    if (trouble) {
+        outcomes_[at_] = RackAccess::outcomeOf(trouble, limits.attempts != sentBefore_);
+        failure =
+            session->failure(trouble, "batch", "from " + toText(batch_.operations()[at_].address), limits);
+    }
+    told_({std::move(outcomes_), std::move(failure)});
+}
+
+std::unique_ptr<Job> jobOf(std::shared_ptr<OpenSession> target, const Within& said, Batch batch,
+                           BatchJob::Told told) {
+    if (target->target().overSmbus())
+        return std::make_unique<SmbusBatchJob>(std::move(target), said, std::move(batch), std::move(told));
+    return std::make_unique<BatchJob>(std::move(target), said, std::move(batch), std::move(told));
 }
 
 } // namespace Orvane::RackCore

@@ -59,4 +59,28 @@ private:
     const Told told_;
 };
 
+// Runs a batch on an SMBus port, one access after the other. Told: its outcomes.
+class SmbusBatchJob : public Job {
+public:
+    SmbusBatchJob(std::shared_ptr<OpenSession> target, const Within& said, Batch batch, BatchJob::Told told);
+
+    void next(std::vector<RackLink::Call*>& list) override;
+    void settle(RackLink::Trouble trouble) override;
+    bool alone() const noexcept override { return true; }
+
+private:
+    void begin(const Batch::Operation& operation);
+
+    const Batch batch_;
+    std::vector<OperationOutcome> outcomes_;
+    std::size_t at_ = 0;      // operation under way
+    unsigned sentBefore_ = 0; // requests, for those before it
+    std::unique_ptr<RackAccess::SmbusTransfers> transfers_;
+    const BatchJob::Told told_;
+};
+
+// The job of a batch on the port that the session is of.
+std::unique_ptr<Job> jobOf(std::shared_ptr<OpenSession> target, const Within& said, Batch batch,
+                           BatchJob::Told told);
+
 } // namespace Orvane::RackCore

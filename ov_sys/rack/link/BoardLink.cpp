@@ -42,7 +42,8 @@ void BoardLink::step(TimePoint now, bool streams) {
     // First: what arrives behind the end of a connection may be another board's.
     if (streams)
         stepStreams(now);
-    stepProbe(now);
+    if (probe_)
+        stepProbe(now);
     receive(now);
     checkPatience(now);
     if (now >= nextDeadline_)
@@ -73,7 +74,7 @@ bool BoardLink::mayFly(const Call& call) const noexcept {
     // Nothing could put a read right whose answer got lost when a write has passed it.
     if (call.effect == Effect::Writes && last->effect == Effect::Reads)
         return false;
-    return inFlight_ < window_ && bytesInFlight_ + kLargestDatagram <= kWindowBytes;
+    return inFlight_ < window_ && bytesInFlight_ + call.room <= kWindowBytes;
 }
 
 void BoardLink::launch(Call& call, TimePoint now) {
@@ -83,8 +84,8 @@ void BoardLink::launch(Call& call, TimePoint now) {
     call.stage = Call::Stage::Flying;
     flying_.pushBack(call);
     ++inFlight_;
+    bytesInFlight_ += call.room;
     transmit(call, now);
-    bytesInFlight_ += call.size;
 }
 
 void BoardLink::transmit(Call& call, TimePoint now) {
@@ -126,7 +127,7 @@ void BoardLink::finish(Call& call, Trouble trouble, TimePoint now) {
     if (call.stage == Stage::Flying || call.stage == Stage::Answered) {
         flying_.remove(call);
         --inFlight_;
-        bytesInFlight_ -= std::min<std::size_t>(bytesInFlight_, call.size);
+        bytesInFlight_ -= call.room;
     } else if (call.stage == Stage::Waiting) {
         waiting_.remove(call);
     }

@@ -129,7 +129,7 @@ void BoardLink::goBack(Call& from) {
         before = call == &from ? nullptr : call->previous;
         flying_.remove(*call);
         --inFlight_;
-        bytesInFlight_ -= std::min<std::size_t>(bytesInFlight_, call->size);
+        bytesInFlight_ -= call->room;
         call->stage = Stage::Waiting;
         waiting_.pushFront(*call);
     }

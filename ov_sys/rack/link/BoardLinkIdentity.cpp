@@ -37,8 +37,6 @@ void BoardLink::beginProbe(TimePoint now) {
 }
 
 void BoardLink::stepProbe(TimePoint now) {
-    if (!probe_)
-        return;
     const Probe::State state = probe_->step();
     if (state == Probe::State::Waiting && now < probeEnd_)
         return;

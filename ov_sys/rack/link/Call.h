@@ -53,6 +53,7 @@ public:
     bool heals = true;
     bool isHook = false;        // made by the hook that follows a reopening
     bool isPing = false;        // counted apart from the session's other calls
+    std::uint32_t room = 8800;  // bytes that neither request nor answer exceed
     unsigned repeatsLeft = 0;   // times that a request without answer may still be sent again
     Session* session = nullptr; // null: carries no session word
     TimePoint begun{};

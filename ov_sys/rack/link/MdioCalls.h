@@ -13,6 +13,9 @@ namespace Orvane::RackLink {
 // Register accesses in one call at most: the worst mix of reads and writes still fits a datagram.
 constexpr std::size_t kLongestBlock = 873;
 
+// Bytes that a request or answer of one access stays below.
+constexpr std::uint32_t kRoomOfOne = 128;
+
 // The word that names a register of a session's PHY to its board. The 32-bit extension has no room for the
 // PHY.
 constexpr std::uint32_t addressWord(const Session& session, const RegisterAddress& address) noexcept {
@@ -31,20 +34,21 @@ public:
           values_(values),
           count_(count) {
         this->session = &owner;
+        this->room = static_cast<std::uint32_t>(kRoomOfOne + count * sizeof(u_int));
     }
 
     Trouble decode(char* reply, std::size_t length) override {
         u_int nothing = 0; // a pointer that is not null, so that a list that should be empty is not allocated
-        u_int* const room = count_ != 0 ? values_ : &nothing;
-        const DecodeGuard guard(room, count_);
-        room_ = room;
+        u_int* const place = count_ != 0 ? values_ : &nothing;
+        const DecodeGuard guard(place, count_);
+        place_ = place;
         const Trouble ended = TypedCall<Param, MDIO_Read_Result>::decode(reply, length);
         this->result.data.data_val = nullptr;
         return ended;
     }
 
 protected:
-    void prepare() override { this->result.data.data_val = room_; }
+    void prepare() override { this->result.data.data_val = place_; }
     Trouble check() override {
         return this->result.data.data_len == count_ ? Trouble{} : Trouble{FailureKind::BadReply};
     }
@@ -52,7 +56,7 @@ protected:
 private:
     u_int* values_;
     std::size_t count_;
-    u_int* room_ = nullptr;
+    u_int* place_ = nullptr;
 };
 
 using ReadCall = ReadingCall<MDIO_Read_Param>;

@@ -100,6 +100,7 @@ PingCall::PingCall(Session& which) noexcept
                 Effect::Reads) {
     session = &which;
     isPing = true;
+    room = 128;
 }
 
 } // namespace Orvane::RackLink

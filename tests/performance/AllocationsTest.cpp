@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <orvane/orvane.h>
+#include <orvane/rack.hpp>
 
 namespace {
 
@@ -48,6 +49,16 @@ TEST(SingleAccess, ThroughTheFlatInterfaceAllocatesNothing) {
     HW_DisableLogging(1);
     HW_CloseAdapter(0);
     EXPECT_EQ(lab.count("mdio_read"), 2 * (kReads + 1U));
+}
+
+TEST(SingleAccess, ThroughARackAllocatesNothing) {
+    OneBoard lab;
+    Orvane::Rack rack;
+    rack.know(kBoardSerial, lab.board.address());
+    const Orvane::Phy phy = rack.open("board7:1").phy(kPhy);
+    EXPECT_EQ(allocationsOf([&] { phy.read({1, 0x20}); }), 0U);
+    EXPECT_EQ(allocationsOf([&] { phy.write({1, 0x20}, 1); }), 0U);
+    EXPECT_EQ(lab.count("mdio_read"), kReads + 1U);
 }
 
 } // namespace

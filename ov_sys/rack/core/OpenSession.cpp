@@ -92,8 +92,8 @@ void OpenSession::check(Trouble trouble, const char* operation, const std::strin
         throw failure(trouble, operation, location, limits);
 }
 
-void OpenSession::object(const char* operation, const RegisterAddress& address, std::uint32_t value,
-                         const Limits& limits) const {
+void OpenSession::objectAtLength(const char* operation, const RegisterAddress& address, std::uint32_t value,
+                                 const Limits& limits) const {
     const RackAccess::Target self{board_->link, const_cast<Session&>(state_),
                                   SmbusProtocol::Paged16}; // NOLINT
     if (std::string why = RackAccess::objection(self, address, value); !why.empty())

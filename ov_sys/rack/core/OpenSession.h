@@ -34,7 +34,11 @@ public:
                     const RackLink::Limits& limits, std::string advice = {}) const;
     // Throws what RackAccess::objection() has to say.
     void object(const char* operation, const RegisterAddress& address, std::uint32_t value,
-                const RackLink::Limits& limits) const;
+                const RackLink::Limits& limits) const {
+        const bool usual = address.space == RegisterAddress::Space::Clause45;
+        if (!usual || !address.valid() || value > address.limit())
+            objectAtLength(operation, address, value, limits);
+    }
 
     void open(RackLink::Limits& limits);
     // Does nothing when it is not open.
@@ -62,6 +66,9 @@ public:
     }
 
 private:
+    void objectAtLength(const char* operation, const RegisterAddress& address, std::uint32_t value,
+                        const RackLink::Limits& limits) const;
+
     const std::shared_ptr<Board> board_;
     std::atomic<SmbusProtocol> smbus_{SmbusProtocol::Paged16};
     RackLink::Session state_;

@@ -163,7 +163,10 @@ Trouble takeTurn(BoardLink& link, const Limits& limits) {
     return {};
 }
 
-void drive(BoardLink& link, Call* const* calls, std::size_t count, Limits& limits) {
+namespace {
+
+// Of one call the compiler makes a way of its own.
+inline void driveAll(BoardLink& link, Call* const* calls, std::size_t count, Limits& limits) {
     if (const Trouble why = takeTurn(link, limits)) {
         for (std::size_t i = 0; i < count; ++i)
             CallsInDrive::skip(*calls[i], why);
@@ -186,9 +189,15 @@ void drive(BoardLink& link, Call* const* calls, std::size_t count, Limits& limit
     }
 }
 
+} // namespace
+
+void drive(BoardLink& link, Call* const* calls, std::size_t count, Limits& limits) {
+    driveAll(link, calls, count, limits);
+}
+
 Trouble drive(BoardLink& link, Call& call, Limits& limits) {
     Call* const one = &call;
-    drive(link, &one, 1, limits);
+    driveAll(link, &one, 1, limits);
     return call.trouble;
 }
 

@@ -2,11 +2,14 @@
 #pragma once
 
 #include "ov_sys/Interface/rpc_protocol/DecodeGuard.h"
+#include "ov_sys/rack/link/MdioBytes.h"
 #include "ov_sys/rack/link/Session.h"
 #include "ov_sys/rack/link/TypedCall.h"
 #include "ov_sys/rack/RegisterAddress.h"
 
 #include <cstddef>
+#include <optional>
+#include <type_traits>
 
 namespace Orvane::RackLink {
 
@@ -37,7 +40,17 @@ public:
         this->room = static_cast<std::uint32_t>(kRoomOfOne + count * sizeof(u_int));
     }
 
+    std::size_t encode(char* buffer, std::size_t capacity) override {
+        if constexpr (std::is_same_v<Param, MDIO_Read_Param>)
+            return encodeRead(*this, this->argument.addresses.addresses_val,
+                              this->argument.addresses.addresses_len, buffer, capacity);
+        else
+            return TypedCall<Param, MDIO_Read_Result>::encode(buffer, capacity);
+    }
+
     Trouble decode(char* reply, std::size_t length) override {
+        if (const std::optional<Trouble> usual = decodeRead(reply, length, values_, count_))
+            return *usual;
         u_int nothing = 0; // a pointer that is not null, so that a list that should be empty is not allocated
         u_int* const place = count_ != 0 ? values_ : &nothing;
         const DecodeGuard guard(place, count_);

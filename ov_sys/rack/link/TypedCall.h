@@ -30,7 +30,10 @@ template <class Param, class Result>
 class TypedCall : public Call {
 public:
     using Call::Call;
-    ~TypedCall() override { freeDecoded(result); }
+    ~TypedCall() override {
+        if (decoded_)
+            freeDecoded(result);
+    }
 
     Param argument{};
     Result result{};
@@ -42,7 +45,9 @@ public:
     }
 
     Trouble decode(char* reply, std::size_t length) override {
-        freeDecoded(result);
+        if (decoded_)
+            freeDecoded(result);
+        decoded_ = true;
         result = Result{};
         prepare();
         rpc_err error{};
@@ -69,6 +74,8 @@ private:
                 xdrProcedure<Result>,
                 &result};
     }
+
+    bool decoded_ = false; // there may be something to free
 };
 
 } // namespace Orvane::RackLink

@@ -10,6 +10,7 @@
 #include <exception>
 #include <functional>
 #include <orvane/orvane.h>
+#include <orvane/rack.hpp>
 #include <valgrind/callgrind.h>
 
 namespace {
@@ -35,6 +36,14 @@ void countClassReads(int times, const char* address) {
     count(times, [&session] { Orvane::mdio.read(&session, 0x10020); });
 }
 
+void countRackReads(int times, const char* address) {
+    Orvane::Rack rack;
+    rack.know("BOARD7", address);
+    const Orvane::Phy phy = rack.open("BOARD7:0").phy(kPhy);
+    phy.open();
+    count(times, [&phy] { phy.read({1, 0x20}); });
+}
+
 // Runs with the first device of the board as the default adapter.
 void countFlat(int times, const char* address, const Operation& operation) {
     HW_Initialize();
@@ -50,6 +59,8 @@ void countNamed(const char* operation, int times, const char* address) {
     const auto routedRead = [] { ZR_API_MDIO_Read(kPhy, 1, 0x20); };
     if (is("class read"))
         return countClassReads(times, address);
+    if (is("rack read"))
+        return countRackReads(times, address);
     if (is("flat read"))
         return countFlat(times, address, [] { HW_Read_Abstracted(0, kPhy, 1, 0x20); });
     if (is("log record, off"))

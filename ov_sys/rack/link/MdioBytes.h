@@ -1,0 +1,67 @@
+// Messages of register reads as they usually are, coded without the detour through XDR streams.
+#pragma once
+
+#include "ov_sys/rack/link/Call.h"
+
+#include <arpa/inet.h>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <rpc/rpc.h>
+
+namespace Orvane::RackLink {
+
+// A read is coded some thousand times a second; whatever is out of the ordinary is left to CallMessage.
+
+inline void putWord(char*& place, std::uint32_t word) noexcept {
+    word = htonl(word);
+    std::memcpy(place, &word, sizeof word);
+    place += sizeof word;
+}
+
+inline std::uint32_t wordAt(const char* bytes, std::size_t index) noexcept {
+    std::uint32_t word = 0;
+    std::memcpy(&word, bytes + index * sizeof word, sizeof word);
+    return ntohl(word);
+}
+
+// The request of a list read: header, session word, addresses. Its length, 0 when it does not fit.
+inline std::size_t encodeRead(const Call& call, const std::uint32_t* addresses, std::size_t count,
+                              char* buffer, std::size_t capacity) noexcept {
+    constexpr std::size_t kHead = 12; // words before the addresses
+    const std::size_t length = (kHead + count) * sizeof(std::uint32_t);
+    if (length > capacity)
+        return 0;
+    char* place = buffer;
+    for (const std::uint32_t word : {call.id, std::uint32_t{CALL}, std::uint32_t{RPC_MSG_VERSION},
+                                     numberOf(call.program), versionOf(call.program), call.procedure, 0U, 0U,
+                                     0U, 0U, call.identity, static_cast<std::uint32_t>(count)})
+        putWord(place, word);
+    for (std::size_t i = 0; i < count; ++i)
+        putWord(place, addresses[i]);
+    return length;
+}
+
+// What a reply to a read comes to, its values in `values`; nothing when it is not made as it usually is:
+// accepted, without verifier, successful, a status and a list that ends with the message.
+inline std::optional<Trouble> decodeRead(const char* reply, std::size_t length, std::uint32_t* values,
+                                         std::size_t count) noexcept {
+    constexpr std::size_t kHead = 8; // words before the values
+    if (length < kHead * sizeof(std::uint32_t) || wordAt(reply, 1) != REPLY ||
+        wordAt(reply, 2) != MSG_ACCEPTED || wordAt(reply, 3) != AUTH_NONE || wordAt(reply, 4) != 0 ||
+        wordAt(reply, 5) != SUCCESS)
+        return std::nullopt;
+    const std::size_t sent = wordAt(reply, 7);
+    if (length != (kHead + sent) * sizeof(std::uint32_t))
+        return std::nullopt;
+    if (const auto status = static_cast<std::int32_t>(wordAt(reply, 6)); status != 0)
+        return Trouble{FailureKind::BoardError, status};
+    if (sent != count)
+        return Trouble{FailureKind::BadReply};
+    for (std::size_t i = 0; i < count; ++i)
+        values[i] = wordAt(reply, kHead + i);
+    return Trouble{};
+}
+
+} // namespace Orvane::RackLink

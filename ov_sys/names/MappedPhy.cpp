@@ -20,10 +20,14 @@ std::uint64_t bitsWith(const MapRegister& reg, MapAccess access) {
     return bits;
 }
 
-// What brings the register's rw bits back, and does nothing else.
+// What brings the register's rw bits back, and does nothing else: a snapshot tells nothing of write-only
+// bits.
 std::uint32_t restoring(const Snapshot::Value& saved) {
-    return static_cast<std::uint32_t>(saved.value & ~bitsWith(*saved.reg, MapAccess::w1c) &
-                                      ~bitsWith(*saved.reg, MapAccess::selfClearing));
+    const MapRegister& reg = *saved.reg;
+    const std::uint64_t writeOnly = bitsWith(reg, MapAccess::wo);
+    const std::uint64_t kept =
+        saved.value & ~(bitsWith(reg, MapAccess::w1c) | bitsWith(reg, MapAccess::selfClearing) | writeOnly);
+    return static_cast<std::uint32_t>(kept | (reg.reset().value_or(0) & writeOnly));
 }
 
 // The bits that a restore is about.

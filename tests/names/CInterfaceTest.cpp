@@ -80,13 +80,13 @@ TEST_F(CNames, ThatCannotBeWrittenAreRefused) {
 
 TEST_F(CNames, ComeBackFromASnapshot) {
     orvane_snapshot* const before = snapshotOf("CHIP.**");
-    ASSERT_EQ(orvane_snapshot_size(before), 7U);
+    ASSERT_EQ(orvane_snapshot_size(before), 8U);
     const char* name = nullptr;
     uint64_t value = 0;
     ASSERT_EQ(orvane_snapshot_at(before, 0, &name, &value, &failure), ORVANE_DONE);
     EXPECT_STREQ(name, "CHIP.CONTROL");
     EXPECT_EQ(value, 0x2040U);
-    EXPECT_EQ(orvane_snapshot_at(before, 7, &name, &value, &failure), ORVANE_INVALID_ARGUMENT);
+    EXPECT_EQ(orvane_snapshot_at(before, 8, &name, &value, &failure), ORVANE_INVALID_ARGUMENT);
     set(0, 0x2041);
     orvane_snapshot* const after = snapshotOf("CHIP.**");
     char* text = nullptr;
@@ -94,7 +94,7 @@ TEST_F(CNames, ComeBackFromASnapshot) {
     EXPECT_EQ(taken(text), "CHIP.CONTROL.LED: 0 -> 1\n");
     size_t written = 0;
     ASSERT_EQ(orvane_phy_restore(cphy, before, nullptr, &written, &text, &failure), ORVANE_DONE);
-    EXPECT_EQ(written, 7U);
+    EXPECT_EQ(written, 8U);
     EXPECT_EQ(taken(text), "");
     EXPECT_EQ(held(0), 0x2040U);
     orvane_snapshot_free(before);

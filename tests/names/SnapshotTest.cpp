@@ -30,8 +30,8 @@ TEST_F(SnapshotTest, HoldsEveryRegisterThatIsSafeToRead_AndReadsThemInTwoCalls) 
     Names names;
     for (const Snapshot::Value& each : all.values)
         names.push_back(each.reg->name());
-    EXPECT_EQ(names, (Names{"WORD", "CHIP.CONTROL", "CHIP.ALARMS", "CHIP.TEMPERATURE", "CHIP.PAGE",
-                            "CHIP.ONE.HEIGHT", "CHIP.ONE.WIDTH", "CHIP.TWO.HEIGHT"}));
+    EXPECT_EQ(names, (Names{"WORD", "CHIP.CONTROL", "CHIP.ALARMS", "CHIP.TEMPERATURE", "CHIP.MODE",
+                            "CHIP.PAGE", "CHIP.ONE.HEIGHT", "CHIP.ONE.WIDTH", "CHIP.TWO.HEIGHT"}));
     EXPECT_EQ(namesOf(all.leftOut), (Names{"CHIP.STATUS", "CHIP.ERRORS", "CHIP.KEY", "DEVICE"}));
     EXPECT_EQ(all.find("CHIP.TWO.HEIGHT")->value, 22U);
     EXPECT_EQ(all.find("CHIP.ONE.WIDTH")->value, 12U);
@@ -91,9 +91,16 @@ TEST_F(SnapshotTest, RestoredBringsBackWhatCanBeWritten_AndClearsNoAlarm) {
     phy["CHIP.PAGE"] = 7;
     const Restored restored = phy.restore(before);
     EXPECT_EQ(textsOf(restored.notTaken), Names{});
-    EXPECT_EQ(restored.written, 8U);
+    EXPECT_EQ(restored.written, 9U);
     EXPECT_EQ(textsOf(diff(before, phy.snapshot("**"))), Names{});
     EXPECT_EQ(held(2), 3U);
+}
+
+TEST_F(SnapshotTest, RestoredGivesWriteOnlyBitsTheirResetValue) {
+    const Snapshot before = phy.snapshot("CHIP.MODE");
+    set(6, 0x7700);
+    phy.restore(before);
+    EXPECT_EQ(held(6), 0x0110U);
 }
 
 TEST_F(SnapshotTest, RestoredWritesInTheMapsOrder) {

@@ -19,6 +19,7 @@ constexpr const char* kWren = R"({
     "ERRORS": {"at": 3, "reset": 5, "access": "clear-on-read"},
     "TEMPERATURE": {"at": 4, "fields": {"VALUE": {"bits": "7:0", "signed": true, "scale": 0.5, "unit": "C"}}},
     "KEY": {"at": 5, "access": "wo"},
+    "MODE": {"at": 6, "reset": "0x0110", "fields": {"SECRET": "15:8 wo", "LEVEL": "7:0"}},
     "PAGE": {"at": "0x1F", "fields": {"NUMBER": "3:0", "OTHER": "15:4"}}},
     "blocks": {
       "ONE": {"at": "0x10", "page": {"select": "CHIP.PAGE.NUMBER", "value": 1},

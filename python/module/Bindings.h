@@ -18,6 +18,7 @@ void bindRacks(py::module_& module);
 PhyClass bindPhys(py::module_& module);
 void bindServices(PhyClass& phy);
 void bindBatches(py::module_& module, PhyClass& phy);
+void bindNames(py::module_& module, PhyClass& phy);
 void bindFlights(py::module_& module);
 
 // `space` as in RegisterAddress::Space; the package has checked the numbers.

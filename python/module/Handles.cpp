@@ -65,7 +65,7 @@ void PortHandle::close() {
 }
 
 std::shared_ptr<RackHandle> RackHandle::make() {
-    const std::shared_ptr<RackHandle> handle(new RackHandle);
+    std::shared_ptr<RackHandle> handle(new RackHandle);
     remember(racks, handle);
     return handle;
 }

@@ -18,6 +18,7 @@ void fill(py::module_& module) {
     PhyClass phy = bindPhys(module);
     bindServices(phy);
     bindBatches(module, phy);
+    bindNames(module, phy);
     bindFlights(module);
 }
 

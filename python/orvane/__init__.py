@@ -23,10 +23,11 @@ from orvane import _orvane
 from orvane.batch import Batch, BatchResult, Outcome, Reading, Readings as BatchReadings
 from orvane.codes import (AccessMode, Code, EventKind, EventLevel, FailureKind, OperationState, SmbusProtocol,
                           Space)
-from orvane.errors import (BadReply, BoardError, Busy, Cancelled, Error, InvalidArgument, LostSession, NoSuchPort,
-                           Refused, TimedOut, Unreachable)
+from orvane.errors import (BadReply, BoardError, Busy, Cancelled, Error, InvalidArgument, LostSession, MapError,
+                           NoSuchPort, Refused, TimedOut, Unreachable)
 from orvane.events import BoardCounters, Event, Latency, ProgramCounters
 from orvane.limits import Cancellation, Within
+from orvane.names import Change, Diff, Map, Place, Restored, Snapshot
 from orvane.phy import Phy, Routed
 from orvane.rack import Discovery, FoundBoard, Port, Rack, Readings, discover, open, rack, read_all
 from orvane.registers import Register, clause22, clause45, ext32
@@ -34,11 +35,12 @@ from orvane.services import (Adc, CommandOutcome, Gpio, I2c, Jtag, Mdio, Shell, 
                              Transfer)
 
 __all__ = ["AccessMode", "Adc", "BadReply", "Batch", "BatchReadings", "BatchResult", "BoardCounters", "BoardError",
-           "Busy", "Cancellation", "Cancelled", "Code", "CommandOutcome", "Discovery", "Error", "Event", "EventKind",
-           "EventLevel", "FailureKind", "FoundBoard", "Gpio", "I2c", "InvalidArgument", "Jtag", "Latency",
-           "LostSession", "Mdio", "NoSuchPort", "OperationState", "Outcome", "Phy", "Port", "ProgramCounters", "Rack",
-           "Reading", "Readings", "Refused", "Register", "Routed", "Shell", "Shift", "SmbusProtocol", "Space",
-           "Thermal", "ThermalChannel", "TimedOut", "Transfer", "Unreachable", "Within", "clause22", "clause45",
-           "discover", "ext32", "open", "rack", "read_all"]
+           "Busy", "Cancellation", "Cancelled", "Change", "Code", "CommandOutcome", "Diff", "Discovery", "Error",
+           "Event", "EventKind", "EventLevel", "FailureKind", "FoundBoard", "Gpio", "I2c", "InvalidArgument", "Jtag",
+           "Latency", "LostSession", "Map", "MapError", "Mdio", "NoSuchPort", "OperationState", "Outcome", "Phy",
+           "Place", "Port", "ProgramCounters", "Rack", "Reading", "Readings", "Refused", "Register", "Restored",
+           "Routed", "Shell", "Shift", "SmbusProtocol", "Snapshot", "Space", "Thermal", "ThermalChannel", "TimedOut",
+           "Transfer", "Unreachable", "Within", "clause22", "clause45", "discover", "ext32", "open", "rack",
+           "read_all"]
 
 _atexit.register(_orvane.close_all)

@@ -11,8 +11,8 @@ from typing import Any
 
 from orvane.codes import Code, FailureKind
 
-__all__ = ["BadReply", "BoardError", "Busy", "Cancelled", "Error", "InvalidArgument", "LostSession", "NoSuchPort",
-           "Refused", "TimedOut", "Unreachable"]
+__all__ = ["BadReply", "BoardError", "Busy", "Cancelled", "Error", "InvalidArgument", "LostSession", "MapError",
+           "NoSuchPort", "Refused", "TimedOut", "Unreachable"]
 
 
 class Error(Exception):
@@ -93,6 +93,10 @@ class BoardError(Error):
 
 class Cancelled(Error):
     """Ended by the program. What was already sent may have been executed."""
+
+
+class MapError(ValueError):
+    """What is wrong with a register map's file; a problem a line."""
 
 
 _CLASSES: dict[FailureKind, type[Error]] = {

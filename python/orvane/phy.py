@@ -11,6 +11,7 @@ from orvane import _aio, _orvane
 from orvane.batch import Batch, BatchResult
 from orvane.codes import SmbusProtocol
 from orvane.limits import USUAL, WithinLike, limits_of
+from orvane.names import NamesOfPhy
 from orvane.registers import Register, RegisterLike, check_value, clause45, register_at
 from orvane.services import Services
 
@@ -20,13 +21,15 @@ Values = numpy.typing.NDArray[Any]
 _LIMITS = limits_of(USUAL)
 
 
-class Phy(Services):
+class Phy(NamesOfPhy, Services):
     """The registers of a PHY.
 
     phy[1, 2]                     a register of Clause 45, as an int
     phy[30, 0xC010] = 0xCAFE      writes it
     phy[clause22(2)]              registers of the other spaces
     phy[1, 0:16]                  a row of registers, as a numpy array
+    phy["AN.STATUS.LINK"]         a register or field by its name in the map in use
+    phy.AN.STATUS.LINK            the same, to be read, written, completed
     phy.read(1, range(4096))      the same, with limits of its own if need be
 
     The session is opened by the first use. Any thread may use it; calls on one board take turns. What was not read
@@ -99,16 +102,21 @@ class Phy(Services):
         check_value(register, value)
         return self._core.modify(*register, mask, value, limits_of(within))
 
-    def __getitem__(self, key: Union[RegisterLike, Tuple[int, slice]]) -> Any:
+    def __getitem__(self, key: Union[RegisterLike, Tuple[int, slice], str]) -> Any:
         if type(key) is tuple and len(key) == 2:
             mmd, number = cast(Tuple[int, Any], key)
             if isinstance(number, slice):
                 return self._read_row(mmd, _row(number), _LIMITS)
             return self._core.read(*clause45(mmd, number), _LIMITS)
+        if isinstance(key, str):
+            return self._core.named_read(key, _LIMITS)
         return self._core.read(*register_at(key), _LIMITS)  # type: ignore[arg-type]
 
-    def __setitem__(self, key: Union[RegisterLike, Tuple[int, slice]], value: Union[int, abc.Sequence[int]]) -> None:
-        if type(key) is tuple and len(key) == 2 and isinstance(key[1], slice):
+    def __setitem__(self, key: Union[RegisterLike, Tuple[int, slice], str],
+                    value: Union[int, str, abc.Sequence[int]]) -> None:
+        if isinstance(key, str):
+            self._place(key).write(value)  # type: ignore[arg-type]
+        elif type(key) is tuple and len(key) == 2 and isinstance(key[1], slice):
             self._write_row(key[0], _row(key[1]), value)  # type: ignore[arg-type]
         else:
             self.write(key, value)  # type: ignore[arg-type]

@@ -1,0 +1,154 @@
+// Registers and fields by the names of a map, and snapshots.
+#include "ov_sys/names/Named.h"
+
+#include "ov_sys/names/Selection.h"
+#include "ov_sys/names/Snapshot.h"
+#include "python/module/Bindings.h"
+
+#include <pybind11/stl.h>
+#include <string>
+#include <utility>
+
+namespace OrvanePython {
+namespace {
+
+using namespace Orvane;
+
+// Runs `call` on what has the name.
+template <class Call>
+auto onName(PhyHandle& self, const std::string& name, const Limits& limits, Call call) {
+    return outside(limits, [&, phy = self.phy()](const Within& within) { return call(phy[name], within); });
+}
+
+std::uint64_t read(PhyHandle& self, const std::string& name, const Limits& limits) {
+    return onName(self, name, limits, [](const Named& it, const Within& within) { return it.read(within); });
+}
+
+double scaled(PhyHandle& self, const std::string& name, const Limits& limits) {
+    return onName(self, name, limits,
+                  [](const Named& it, const Within& within) { return it.scaled(within); });
+}
+
+std::string text(PhyHandle& self, const std::string& name, const Limits& limits) {
+    return onName(self, name, limits, [](const Named& it, const Within& within) { return it.text(within); });
+}
+
+std::pair<std::uint64_t, std::uint64_t> twice(PhyHandle& self, const std::string& name,
+                                              const Limits& limits) {
+    const Named::Twice both =
+        onName(self, name, limits, [](const Named& it, const Within& within) { return it.twice(within); });
+    return {both.before, both.now};
+}
+
+void write(PhyHandle& self, const std::string& name, std::uint64_t value, const Limits& limits) {
+    onName(self, name, limits, [=](const Named& it, const Within& within) { it.write(value, within); });
+}
+
+void writeChoice(PhyHandle& self, const std::string& name, const std::string& choice, const Limits& limits) {
+    onName(self, name, limits, [&](const Named& it, const Within& within) { it.write(choice, within); });
+}
+
+void writeScaled(PhyHandle& self, const std::string& name, double value, const Limits& limits) {
+    onName(self, name, limits, [=](const Named& it, const Within& within) { it.writeScaled(value, within); });
+}
+
+py::list namesOf(const std::vector<MapReference>& references) {
+    py::list names;
+    for (const MapReference& one : references)
+        names.append(one.name());
+    return names;
+}
+
+// Name, before, after and the whole in words.
+py::list listOf(const std::vector<FieldChange>& changes) {
+    py::list all;
+    for (const FieldChange& one : changes)
+        all.append(py::make_tuple(one.name(), one.before, one.after, one.text()));
+    return all;
+}
+
+// Name, address, value and its fields: name, raw value, in words.
+py::list decoded(const Snapshot& self) {
+    py::list all;
+    for (const DecodedRegister& one : self.decoded()) {
+        py::list fields;
+        for (const DecodedField& field : one.fields)
+            fields.append(py::make_tuple(field.field->name, field.raw, field.valueText()));
+        all.append(py::make_tuple(one.reg->name(), one.reg->address().text(), one.value, fields));
+    }
+    return all;
+}
+
+py::list leftOut(const Snapshot& self) {
+    py::list names;
+    for (const MapRegister* const one : self.leftOut)
+        names.append(one->name());
+    return names;
+}
+
+Snapshot snapshot(PhyHandle& self, const std::vector<std::string>& names, bool sideEffects,
+                  const Limits& limits) {
+    return outside(limits, [&, phy = self.phy()](const Within& within) {
+        return phy.snapshot(Scope(names).sideEffects(sideEffects), within);
+    });
+}
+
+py::tuple restore(PhyHandle& self, const Snapshot& saved, const Limits& limits) {
+    const Restored restored =
+        outside(limits, [&, phy = self.phy()](const Within& within) { return phy.restore(saved, within); });
+    return py::make_tuple(restored.written, listOf(restored.notTaken));
+}
+
+// Where a name is, or nothing.
+py::object addressOf(const RegisterMap& self, const std::string& name) {
+    const MapReference found = self.resolve(name);
+    return found ? py::object(py::str(found.reg->address().text())) : py::none();
+}
+
+void bindMaps(py::module_& module) {
+    py::register_exception_translator([](std::exception_ptr thrown) {
+        try {
+            if (thrown)
+                std::rethrow_exception(thrown);
+        } catch (const MapError& error) {
+            PyErr_SetString(py::module_::import("orvane.errors").attr("MapError").ptr(), error.what());
+        }
+    });
+    py::class_<RegisterMap>(module, "Map")
+        .def_static("load", [](const std::string& path) { return RegisterMap::load(path); })
+        .def_static("ieee8023", [] { return RegisterMap::ieee8023(); })
+        .def_property_readonly("name", &RegisterMap::name)
+        .def("__len__", &RegisterMap::size)
+        .def("address_of", addressOf)
+        .def("suggestion",
+             [](const RegisterMap& self, const std::string& name) { return self.suggestion(name); })
+        .def("complete",
+             [](const RegisterMap& self, const std::string& beginning) { return self.complete(beginning); })
+        .def("match",
+             [](const RegisterMap& self, const std::string& pattern) { return namesOf(self.match(pattern)); })
+        .def("search",
+             [](const RegisterMap& self, const std::string& words) { return namesOf(self.search(words)); });
+    py::class_<Snapshot>(module, "Snapshot")
+        .def("decoded", decoded)
+        .def("left_out", leftOut)
+        .def("diff", [](const Snapshot& self, const Snapshot& later) { return listOf(diff(self, later)); });
+}
+
+} // namespace
+
+void bindNames(py::module_& module, PhyClass& phy) {
+    bindMaps(module);
+    phy.def("use", [](PhyHandle& self, const RegisterMap& map) { self.phy().use(map); })
+        .def("map", [](PhyHandle& self) { return self.phy().map(); })
+        .def("named_read", read)
+        .def("named_scaled", scaled)
+        .def("named_text", text)
+        .def("named_twice", twice)
+        .def("named_write", write)
+        .def("named_write_choice", writeChoice)
+        .def("named_write_scaled", writeScaled)
+        .def("snapshot", snapshot)
+        .def("restore", restore);
+}
+
+} // namespace OrvanePython

@@ -176,17 +176,17 @@ public:
                 const Cancellation* cancellation = nullptr) const;
     // The time that an answer took.
     std::chrono::microseconds ping(const Within& within = {}) const;
-    // The same through the session, which is opened if need be: by the setup service, over TCP, and by the
-    // service that keeps sessions alive, over UDP.
+    // The same through the session, which is opened if need be, by the setup service, over TCP.
     std::chrono::microseconds pingSession(const Within& within = {}) const;
+    // The same by the service that keeps sessions alive, over UDP.
     std::chrono::microseconds pingKeepAlive(const Within& within = {}) const;
 
-    // What the board has on record for one of its codes, a negative errno value; all 0 when it has nothing.
-    // The numbers are the board's own.
+    // What the board has on record for one of its codes. The numbers are the board's own.
     struct ErrorRecord {
         unsigned kind = 0; // 0 to 255
-        int detail = 0;
+        int detail = 0;    // any number
     };
+    // The record of a code, a negative errno value; all 0 when the board has none.
     ErrorRecord errorRecord(int code, const Within& within = {}) const;
 
     // The ports at which the board's port mapper says that its services are, by name ("mdio", "setup", ...);

@@ -38,6 +38,8 @@ if(TARGET orvane_python)
   list(APPEND CPACK_COMPONENTS_ALL python)
   set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-orvane)
   set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+    ${PROJECT_SOURCE_DIR}/packaging/python3-orvane/postinst ${PROJECT_SOURCE_DIR}/packaging/python3-orvane/prerm)
   set(CPACK_COMPONENT_PYTHON_DESCRIPTION "The package orvane for Python: registers of Ethernet PHYs on evaluation boards as numpy arrays.")
   math(EXPR next_minor "${Python_VERSION_MINOR} + 1") # the module is compiled for one minor version
   set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${ORVANE_LIBRARY_PACKAGE}, python3 (>= 3.${Python_VERSION_MINOR}), python3 (<< 3.${next_minor}~), python3-numpy")

@@ -1,9 +1,9 @@
 // Characterises every board that answers: a reading for each setting at each temperature, as CSV.
 #include <atomic>
 #include <cstdio>
+#include <deque>
 #include <exception>
 #include <orvane/rack.hpp>
-#include <vector>
 
 using namespace Orvane;
 
@@ -15,7 +15,7 @@ int main() try {
         phy.thermal().setTemperature(0, celsius, 1);
         phy.thermal().settledTemperature(0, within(std::chrono::minutes(10)));
     };
-    std::vector<Phy> phys;
+    std::deque<Phy> phys;
     for (const FoundBoard& board : rack.discover().boards)
         phys.push_back(rack.open(board.serial + ":0", Access::exclusive()).phy(3));
     for (const Phy& phy : phys) // a board that restarts forgets more than its session
@@ -31,7 +31,7 @@ int main() try {
             batch.write({30, 0xC010}, setting);
             const auto reading = batch.read({30, 0xC011});
             Flight flight; // all boards at once
-            std::vector<Pending<BatchResult>> results;
+            std::deque<Pending<BatchResult>> results;
             for (const Phy& phy : phys)
                 results.push_back(flight.run(phy, batch));
             for (std::size_t board = 0; board < results.size(); ++board)

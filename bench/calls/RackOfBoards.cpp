@@ -9,7 +9,7 @@
 #include <malloc.h>
 #include <orvane/rack.hpp>
 #include <stdexcept>
-#include <unistd.h>
+#include <thread>
 
 namespace OrvaneBench {
 namespace {
@@ -42,7 +42,7 @@ public:
         for (const Orvane::OpenedPort& one :
              rack_.openAll(names_, {kPhy}, Orvane::Access::simple(), Orvane::within(60s))) {
             if (one.failure)
-                throw *one.failure;
+                throw Orvane::Failure(*one.failure);
             phys_.push_back(one.port->phy(kPhy));
         }
     }
@@ -93,9 +93,9 @@ nlohmann::json idling(const Arrangement& arrangement) {
     const std::size_t descriptorsBefore = openDescriptors();
     boards.open();
     boards.read();
-    sleep(3); // everybody has been pinged
+    std::this_thread::sleep_for(3s); // everybody has been pinged
     const double before = processorSeconds();
-    sleep(kIdleSeconds);
+    std::this_thread::sleep_for(std::chrono::seconds(kIdleSeconds));
     const auto count = static_cast<double>(boards.size());
     return {{"core percent", 100 * (processorSeconds() - before) / kIdleSeconds},
             {"kilobytes for each", (residentKilobytes() - residentBefore) / count},

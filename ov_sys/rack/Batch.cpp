@@ -49,7 +49,7 @@ BatchResult::BatchResult(std::vector<OperationOutcome> outcomes, std::optional<F
 std::uint32_t BatchResult::operator[](Batch::Reading reading) const {
     const OperationOutcome& one = outcomes_.at(reading.index);
     if (one.state != OperationOutcome::State::Done)
-        throw *failure_; // there is one as soon as anything is not done
+        throw Failure(*failure_); // there is one as soon as anything is not done
     return one.value;
 }
 

@@ -97,7 +97,7 @@ const Value& Pending<Value>::get() const {
     while (!done())
         state_->flight->waitSome();
     if (state_->failure)
-        throw *state_->failure;
+        throw Failure(*state_->failure);
     return *state_->value;
 }
 

@@ -61,7 +61,7 @@ public:
     BatchResult run(const Batch& batch, const Within& within = {}) const;
 
     // The same PHY by the paths that its indirect registers ask for.
-    RoutedPhy routed(const RegisterPaths& paths = {}) const noexcept { return RoutedPhy(session_, paths); }
+    RoutedPhy routed(const RegisterPaths& paths = {}) const noexcept { return {session_, paths}; }
 
     // Runs `work` on the calling thread, with no other call of this process on the board in between. `within`
     // bounds the wait for that only.

@@ -39,7 +39,7 @@ struct Copy {
     }
     void operator()(const Pending<Orvane::BatchResult>& batch) const {
         if (const auto& failure = batch.get().failure())
-            throw *failure;
+            throw Orvane::Failure(*failure);
     }
     void operator()(const Pending<bool>& session) const { session.get(); }
 

@@ -16,10 +16,10 @@ namespace Orvane::RackC {
 
 // What every such function takes, and what null limits stand for.
 struct Edge {
-    orvane_phy* phy;
-    const orvane_limits* limits;
-    orvane_failure* failure;
-    Within usual;
+    orvane_phy* phy = nullptr;
+    const orvane_limits* limits = nullptr;
+    orvane_failure* failure = nullptr;
+    Within usual{};
 };
 inline constexpr Within kRepeated{};
 inline constexpr Within kOnce = Within{}.once();

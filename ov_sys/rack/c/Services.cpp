@@ -151,7 +151,7 @@ int orvane_jtag_shift(orvane_phy* phy, const orvane_jtag_shift_entry* shifts, si
         need({phy});
         const auto results = phy->phy.jtag().shift(shiftsOf(shifts, count), withinOf(limits, kOnce));
         for (size_t i = 0; i < count; ++i)
-            std::strcpy(shifts[i].result, results[i].c_str()); // as long as `tms`
+            std::memcpy(shifts[i].result, results[i].c_str(), results[i].size() + 1); // as long as `tms`
     });
 }
 

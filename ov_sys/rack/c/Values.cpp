@@ -66,7 +66,7 @@ void store(const BatchResult& result, orvane_operation* operations) {
             operations[i].value = outcome.value;
     }
     if (result.failure())
-        throw *result.failure();
+        throw Failure(*result.failure());
 }
 
 } // namespace Orvane::RackC

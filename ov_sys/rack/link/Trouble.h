@@ -9,6 +9,7 @@ namespace Orvane::RackLink {
 class Trouble {
 public:
     constexpr Trouble() noexcept = default;
+    // NOLINTNEXTLINE(google-explicit-constructor): what went wrong is a trouble
     constexpr Trouble(FailureKind kind, int code = 0) noexcept : bad_(true), kind_(kind), code_(code) {}
 
     constexpr explicit operator bool() const noexcept { return bad_; }

@@ -22,7 +22,7 @@ int main(void) {
     double seconds = 0;
     int status = 0;
     require(orvane_shell_ping(phy, NULL, &seconds, &failure)); /* fails when nobody answers */
-    require(orvane_shell_run(phy, "cat /boardInfo/name", 5, &status, &output, NULL, &failure));
+    require(orvane_shell_run(phy, "cat /boardInfo/name", 5, NULL, &status, &output, NULL, &failure));
     printf("exit status %d\n%s", status, orvane_bytes_data(output));
     orvane_bytes_free(output);
     orvane_phy_free(phy);

@@ -32,7 +32,7 @@ ORVANE_C_API int orvane_flight_write(orvane_flight *flight, orvane_phy *phy, orv
 ORVANE_C_API int orvane_flight_read_list(orvane_flight *flight, orvane_phy *phy, orvane_register first,
                                          size_t count, const orvane_limits *limits, orvane_pending **pending,
                                          orvane_failure *failure);
-/* Not on SMBus ports. The operations are copied. */
+/* The operations are copied. */
 ORVANE_C_API int orvane_flight_run(orvane_flight *flight, orvane_phy *phy, const orvane_operation *operations,
                                    size_t count, const orvane_limits *limits, orvane_pending **pending,
                                    orvane_failure *failure);

@@ -141,22 +141,45 @@ ORVANE_C_API int orvane_thermal_start_control(orvane_phy *phy, unsigned channel,
 ORVANE_C_API int orvane_thermal_stop_control(orvane_phy *phy, const orvane_limits *limits,
                                              orvane_failure *failure);
 
-/* ---- Remote commands ---- */
+/* ---- The board itself ---- */
 
-/* Runs a command on the board, which ends it after `seconds` (1 and up). Blocks for 5 s longer at most. Any
- * of the results may be null: the exit status, and what the command wrote on its output and its error stream.
- */
-ORVANE_C_API int orvane_shell_run(orvane_phy *phy, const char *command, unsigned seconds, int *status,
-                                  orvane_bytes **output, orvane_bytes **errors, orvane_failure *failure);
-/* The seconds that an answer of the board took. */
+/* Runs a command on the board, which ends it after `seconds` (1 and up). Blocks for 5 s longer at most, or
+ * until `cancellation`, which may be null. Any of the results may be null: the exit status, and what the
+ * command wrote on its output and its error stream. */
+ORVANE_C_API int orvane_shell_run(orvane_phy *phy, const char *command, unsigned seconds,
+                                  orvane_cancellation *cancellation, int *status, orvane_bytes **output,
+                                  orvane_bytes **errors, orvane_failure *failure);
+/* The seconds that an answer of the board took; the latter two through the session, by the setup service and
+ * by the one that keeps sessions alive. */
 ORVANE_C_API int orvane_shell_ping(orvane_phy *phy, const orvane_limits *limits, double *seconds,
                                    orvane_failure *failure);
+ORVANE_C_API int orvane_shell_ping_session(orvane_phy *phy, const orvane_limits *limits, double *seconds,
+                                           orvane_failure *failure);
+ORVANE_C_API int orvane_shell_ping_keep_alive(orvane_phy *phy, const orvane_limits *limits, double *seconds,
+                                              orvane_failure *failure);
+/* What the board has on record for one of its codes, a negative errno value; zeros when it has nothing. The
+ * numbers are the board's own. */
+ORVANE_C_API int orvane_shell_error_record(orvane_phy *phy, int code, const orvane_limits *limits,
+                                           unsigned *kind, int *detail, orvane_failure *failure);
+
+/* A service of a board, and the port at which it is. */
+typedef struct orvane_service {
+    char name[16]; /* "mdio", "setup", ... */
+    uint16_t port;
+} orvane_service;
+
+/* The services that the board's port mapper knows, by name: `count` becomes their number, and the first
+ * `room` of `services` (which may be null for none) are set. */
+ORVANE_C_API int orvane_shell_services(orvane_phy *phy, const orvane_limits *limits, orvane_service *services,
+                                       size_t room, size_t *count, orvane_failure *failure);
+/* Where the board is, dotted, with a zero behind it. Does not block. */
+ORVANE_C_API int orvane_shell_address(orvane_phy *phy, char address[16], orvane_failure *failure);
 
 /* ---- The MDIO bus ----
  * What of it is no plain register access. For MDIO ports. */
 
 ORVANE_C_API int orvane_mdio_flush(orvane_phy *phy, const orvane_limits *limits, orvane_failure *failure);
-/* `on`: 0 or not. */
+/* Lets writes reach every PHY of the port (`on` not 0). */
 ORVANE_C_API int orvane_mdio_set_single_wire(orvane_phy *phy, int on, const orvane_limits *limits,
                                              orvane_failure *failure);
 /* Bits of preamble. */

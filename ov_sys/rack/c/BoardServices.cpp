@@ -2,7 +2,10 @@
 #include "ov_sys/rack/c/ServiceCalls.h"
 
 #include <chrono>
+#include <cstdio>
+#include <map>
 #include <memory>
+#include <string>
 
 using namespace Orvane;
 using namespace Orvane::RackC;
@@ -100,15 +103,18 @@ int orvane_thermal_stop_control(orvane_phy* phy, const orvane_limits* limits, or
     return call({phy, limits, failure, kRepeated}, &Phy::thermal, &ThermalControl::stopControl);
 }
 
-// ---- Remote commands ----
+// ---- The board itself ----
 
-int orvane_shell_run(orvane_phy* phy, const char* command, unsigned seconds, int* status,
-                     orvane_bytes** output, orvane_bytes** errors, orvane_failure* failure) {
+int orvane_shell_run(orvane_phy* phy, const char* command, unsigned seconds,
+                     orvane_cancellation* cancellation, int* status, orvane_bytes** output,
+                     orvane_bytes** errors, orvane_failure* failure) {
     return guarded(failure, [&] {
         need({phy, command});
         auto written = std::make_unique<orvane_bytes>(); // before the command, which is run but once
         auto complaints = std::make_unique<orvane_bytes>();
-        BoardShell::Outcome outcome = phy->phy.shell().run(command, std::chrono::seconds(seconds));
+        BoardShell::Outcome outcome =
+            phy->phy.shell().run(command, std::chrono::seconds(seconds),
+                                 cancellation != nullptr ? &cancellation->cancellation : nullptr);
         written->bytes = std::move(outcome.output);
         complaints->bytes = std::move(outcome.errors);
         if (status != nullptr)
@@ -120,12 +126,53 @@ int orvane_shell_run(orvane_phy* phy, const char* command, unsigned seconds, int
     });
 }
 
+int orvane_shell_ping_session(orvane_phy* phy, const orvane_limits* limits, double* seconds,
+                              orvane_failure* failure) {
+    return callInto(seconds, {phy, limits, failure, kRepeated}, &Phy::shell, &BoardShell::pingSession);
+}
+
+int orvane_shell_ping_keep_alive(orvane_phy* phy, const orvane_limits* limits, double* seconds,
+                                 orvane_failure* failure) {
+    return callInto(seconds, {phy, limits, failure, kRepeated}, &Phy::shell, &BoardShell::pingKeepAlive);
+}
+
+int orvane_shell_error_record(orvane_phy* phy, int code, const orvane_limits* limits, unsigned* kind,
+                              int* detail, orvane_failure* failure) {
+    return guarded(failure, [&] {
+        need({phy, kind, detail});
+        const BoardShell::ErrorRecord record = phy->phy.shell().errorRecord(code, withinOf(limits));
+        *kind = record.kind;
+        *detail = record.detail;
+    });
+}
+
+int orvane_shell_services(orvane_phy* phy, const orvane_limits* limits, orvane_service* services, size_t room,
+                          size_t* count, orvane_failure* failure) {
+    return guarded(failure, [&] {
+        need({phy, count});
+        const std::map<std::string, std::uint16_t> ports = phy->phy.shell().services(withinOf(limits));
+        size_t at = 0;
+        for (const auto& [name, port] : ports) {
+            if (services != nullptr && at < room) {
+                std::snprintf(services[at].name, sizeof services[at].name, "%s", name.c_str());
+                services[at].port = port;
+            }
+            ++at;
+        }
+        *count = ports.size();
+    });
+}
+
+int orvane_shell_address(orvane_phy* phy, char address[16], orvane_failure* failure) {
+    return guarded(failure, [&] {
+        need({phy, address});
+        std::snprintf(address, 16, "%s", phy->phy.shell().address().c_str());
+    });
+}
+
 int orvane_shell_ping(orvane_phy* phy, const orvane_limits* limits, double* seconds,
                       orvane_failure* failure) {
-    return guarded(failure, [&] {
-        need({phy, seconds});
-        *seconds = std::chrono::duration<double>(phy->phy.shell().ping(withinOf(limits))).count();
-    });
+    return callInto(seconds, {phy, limits, failure, kRepeated}, &Phy::shell, &BoardShell::ping);
 }
 
 // ---- The MDIO bus ----

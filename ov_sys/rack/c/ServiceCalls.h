@@ -6,6 +6,7 @@
 #include "ov_sys/rack/c/Values.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -53,6 +54,9 @@ inline void give(const std::vector<std::uint8_t>& bytes, std::uint8_t* to) noexc
 }
 inline void give(const std::vector<std::uint8_t>& bytes, orvane_bytes** to) {
     *to = new orvane_bytes{std::string(bytes.begin(), bytes.end())};
+}
+inline void give(std::chrono::microseconds time, double* to) noexcept {
+    *to = std::chrono::duration<double>(time).count();
 }
 template <class Value, class Wanted>
 void give(const Value& value, Wanted* to) noexcept {

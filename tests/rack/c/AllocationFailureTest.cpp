@@ -79,7 +79,9 @@ TEST_F(CAllocationFailureTest, IsAStatusOfBatchesAndServices) {
             [&] { return orvane_phy_run(phy, operations, 3, nullptr, &failure); },
             [&] { return orvane_gpio_read(phy, lines, 2, nullptr, states, &failure); },
             [&] { return orvane_adc_max_adc(phy, nullptr, &maxima, &failure); },
-            [&] { return orvane_shell_run(phy, "hostname", 5, nullptr, &output, nullptr, &failure); });
+            [&] {
+                return orvane_shell_run(phy, "hostname", 5, nullptr, nullptr, &output, nullptr, &failure);
+            });
         orvane_bytes_free(output);
         orvane_bytes_free(maxima);
         return status;

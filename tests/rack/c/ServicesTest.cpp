@@ -127,16 +127,46 @@ TEST_F(CServicesTest, ShellReturnsStatusAndBothOutputs) {
     int status = 0;
     orvane_bytes* output = nullptr;
     orvane_bytes* errors = nullptr;
-    EXPECT_EQ(orvane_shell_run(phy, "uname", 10, &status, &output, &errors, &failure), ORVANE_DONE);
+    EXPECT_EQ(orvane_shell_run(phy, "uname", 10, nullptr, &status, &output, &errors, &failure), ORVANE_DONE);
     EXPECT_EQ(status, 3);
     EXPECT_EQ(textOf(output), "Linux\n");
     EXPECT_EQ(textOf(errors), "oops");
-    EXPECT_EQ(orvane_shell_run(phy, "uname", 10, nullptr, nullptr, nullptr, &failure), ORVANE_DONE);
-    EXPECT_EQ(orvane_shell_run(phy, "uname", 0, nullptr, nullptr, nullptr, &failure),
+    EXPECT_EQ(orvane_shell_run(phy, "uname", 10, nullptr, nullptr, nullptr, nullptr, &failure), ORVANE_DONE);
+    EXPECT_EQ(orvane_shell_run(phy, "uname", 0, nullptr, nullptr, nullptr, nullptr, &failure),
               ORVANE_INVALID_ARGUMENT);
-    double seconds = -1;
-    EXPECT_EQ(orvane_shell_ping(phy, nullptr, &seconds, &failure), ORVANE_DONE);
-    EXPECT_GE(seconds, 0.0);
+}
+
+TEST_F(CServicesTest, PingsReachTheirServices) {
+    for (const auto ping : {&orvane_shell_ping, &orvane_shell_ping_session, &orvane_shell_ping_keep_alive}) {
+        double seconds = -1;
+        EXPECT_EQ(ping(phy, nullptr, &seconds, &failure), ORVANE_DONE);
+        EXPECT_GE(seconds, 0.0);
+        EXPECT_LT(seconds, 5.0);
+    }
+    EXPECT_EQ(count("ping"), 1U);
+    EXPECT_EQ(count("pingclient"), 1U);
+    EXPECT_GE(count("pingkeepalive"), 1U); // the rack has its own
+}
+
+TEST_F(CServicesTest, BoardTellsItsServicesItsAddressAndItsErrors) {
+    orvane_service services[16] = {};
+    size_t known = 0;
+    EXPECT_EQ(orvane_shell_services(phy, nullptr, services, 16, &known, &failure), ORVANE_DONE);
+    ASSERT_EQ(known, 8U);
+    EXPECT_STREQ(services[0].name, "adc");
+    EXPECT_GT(services[0].port, 0U);
+    EXPECT_EQ(orvane_shell_services(phy, nullptr, nullptr, 0, &known, &failure), ORVANE_DONE);
+    EXPECT_EQ(known, 8U);
+    char address[16];
+    EXPECT_EQ(orvane_shell_address(phy, address, &failure), ORVANE_DONE);
+    EXPECT_EQ(address, board.address());
+    unsigned kind = 9;
+    int detail = 9;
+    EXPECT_EQ(orvane_shell_error_record(phy, -5, nullptr, &kind, &detail, &failure), ORVANE_DONE);
+    EXPECT_EQ(kind, 0U);
+    EXPECT_EQ(detail, 0);
+    EXPECT_EQ(argumentsOf(board.requestsOf("get_error_msg").at(0))["value"],
+              0xFFFFFFFBU); // -5, as the wire has it
 }
 
 TEST_F(CServicesTest, MdioBusMovesTheAddressOfTheExtension) {

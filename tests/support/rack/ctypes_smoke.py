@@ -66,7 +66,7 @@ def main():
     assert bytes(eeprom) == b"OV0001", bytes(eeprom)
 
     status, output = ctypes.c_int(-1), ctypes.c_void_p()
-    check(orvane.orvane_shell_run(phy, b"hostname", 5, ctypes.byref(status), ctypes.byref(output), None,
+    check(orvane.orvane_shell_run(phy, b"hostname", 5, None, ctypes.byref(status), ctypes.byref(output), None,
                                   ctypes.byref(failure)))
     assert status.value == 0 and orvane.orvane_bytes_data(output) == b"OV0001\n"
     orvane.orvane_bytes_free(output)

@@ -19,7 +19,7 @@ using namespace Orvane;
 using namespace OrvaneFuzz;
 using RackLink::Trouble;
 
-/// Decodes in place, as the bytes of a socket are.
+// Decodes in place, as the bytes of a socket are.
 template <class Call>
 Trouble decoded(Call& call, const Bytes& bytes) {
     alignas(std::uint32_t) std::array<char, 8800> room;
@@ -43,7 +43,7 @@ void reply(Input input) {
     decoded(ping, bytes);
 }
 
-/// A stream that is connected to a listener in this process, which sends the bytes and ends.
+// A stream that is connected to a listener in this process, which sends the bytes and ends.
 void stream(Input input) {
     const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in here = RackLink::endpoint(htonl(INADDR_LOOPBACK), 0);

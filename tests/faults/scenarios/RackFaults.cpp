@@ -29,11 +29,11 @@ constexpr auto kLongestOnARack = 30s;
 struct RackOutcomes {
     std::size_t calls = 0;
     std::size_t good = 0;
-    std::size_t failed = 0; ///< of a documented kind, naming its board
-    std::size_t wrong = 0;  ///< another value, another board's name, a kind that is not expected
+    std::size_t failed = 0; // of a documented kind, naming its board
+    std::size_t wrong = 0;  // another value, another board's name, a kind that is not expected
 };
 
-/// Boards with one open session each, all in one rack.
+// Boards with one open session each, all in one rack.
 class RackOfBoards {
 public:
     RackOfBoards(unsigned count, std::uint64_t seed) {
@@ -48,7 +48,7 @@ public:
         }
     }
 
-    /// What a register of a board holds, which no other board's does.
+    // What a register of a board holds, which no other board's does.
     static std::uint32_t valueOf(std::size_t number) { return static_cast<std::uint32_t>(number * 7 + 1); }
 
     void open(Orvane::Rack& rack) {
@@ -66,7 +66,7 @@ public:
     std::vector<Phy> phys;
 };
 
-/// Judges how an operation on a board ended. `mayFail`: a bad reply is an end, too.
+// Judges how an operation on a board ended. `mayFail`: a bad reply is an end, too.
 void judgeRead(const Pending<std::uint32_t>& result, const Board& board, std::uint32_t expected, bool mayFail,
                RackOutcomes& outcomes) {
     ++outcomes.calls;
@@ -79,7 +79,7 @@ void judgeRead(const Pending<std::uint32_t>& result, const Board& board, std::ui
     ++(documented ? outcomes.failed : outcomes.wrong);
 }
 
-/// Writes, reads back and reads on every board at once, several times.
+// Writes, reads back and reads on every board at once, several times.
 RackOutcomes callAll(RackOfBoards& all, unsigned times) {
     RackOutcomes outcomes;
     Orvane::Flight flight;
@@ -123,7 +123,7 @@ void loseOnRack(Run& run, RackOfBoards& all, Table& table) {
                       " boards");
 }
 
-/// What happens to a board, and whether a call may end in a bad reply for it.
+// What happens to a board, and whether a call may end in a bad reply for it.
 struct Blow {
     const char* name;
     bool mayFail;
@@ -163,7 +163,7 @@ std::vector<Blow> blows(std::chrono::milliseconds off) {
     };
 }
 
-/// Strikes each kind of blow at a hundredth of the boards, and asks all of them.
+// Strikes each kind of blow at a hundredth of the boards, and asks all of them.
 void strike(Run& run, RackOfBoards& all, Table& table) {
     const std::vector<Blow> kinds = blows(run.size(10000ms, 1000ms));
     const std::size_t spacing = std::max<std::size_t>(run.size(100U, 8U), kinds.size());

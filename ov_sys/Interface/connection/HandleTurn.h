@@ -24,7 +24,9 @@ public:
     HandleTurn(const HandleTurn&) = delete;
     HandleTurn& operator=(const HandleTurn&) = delete;
 
+    // The pinned handle, good as long as this object; null when the client has none.
     RPCHandle* handle() const noexcept { return handle_.get(); }
+    // Whether the turn is this thread's.
     bool held() const noexcept { return lock_.owns_lock(); }
     // Whether other threads' calls came first, so that things may have changed since.
     bool waited() const noexcept { return waited_; }

@@ -8,6 +8,7 @@
 
 namespace Orvane::Diagnostics {
 
+// How much a line matters.
 enum class Level : int {
     Information = 0, // on the standard output stream without a sink; the others on the standard error stream
     Warning = 1,

@@ -3,6 +3,7 @@
 #include "tests/support/rack/CRackOnBoard.h"
 
 #include <gmock/gmock.h>
+#include <string>
 
 namespace OrvaneTest {
 namespace {
@@ -37,6 +38,7 @@ protected:
 
 TEST_F(CAllocationFailureTest, IsAStatusOfRacksAndTheirPhys) {
     const orvane_limits brief = orvane_within(0.02);
+    const std::string address = board.address(); // which takes memory of the board's own
     endsIn({ORVANE_OUT_OF_RESOURCES}, [&] {
         orvane_rack* other = nullptr;
         orvane_phy* one = nullptr;
@@ -45,7 +47,7 @@ TEST_F(CAllocationFailureTest, IsAStatusOfRacksAndTheirPhys) {
         uint32_t value = 0;
         const int status = firstStatus(
             [&] { return orvane_rack_new(&other, &failure); },
-            [&] { return orvane_rack_know(other, kBoardSerial, board.address().c_str(), &failure); },
+            [&] { return orvane_rack_know(other, kBoardSerial, address.c_str(), &failure); },
             [&] { return orvane_rack_discover(other, &brief, &boards, &failure); },
             [&] {
                 return orvane_rack_phy(other, "board7:0", {ORVANE_SIMPLE, 0, 0}, 4, nullptr, &one, &failure);

@@ -55,31 +55,37 @@ inline void PortsAhead::ask() noexcept {
 }
 
 // Waits for a datagram and gives it to the call that it answers, which ends when that names no port; false
-// when nothing more is to be expected.
-inline bool PortsAhead::takeAnswer() noexcept {
+// when none came or no more are to be expected.
+inline bool PortsAhead::takeAnswer(const Deadline& deadline) noexcept {
     alignas(std::uint32_t) char answer[kLongestAnswer];
-    if (!socket_ || !deadline_.waitFor(socket_.get(), POLLIN))
+    if (!socket_ || !deadline.waitFor(socket_.get(), POLLIN))
         return false;
     const ssize_t length = recv(socket_.get(), answer, sizeof answer, MSG_DONTWAIT);
     if (length < 0)
         return errno == EAGAIN || errno == EINTR;
+    bool allAnswered = true;
     for (std::optional<PortMapperCall>& call : calls_) {
-        if (!call || !call->message().isAnsweredBy(answer, static_cast<std::size_t>(length)))
-            continue;
         rpc_err error{};
-        call->message().decodeFrom(answer, static_cast<std::size_t>(length), error);
-        if (call->port() == 0)
-            call.reset();
+        if (call && call->message().isAnsweredBy(answer, static_cast<std::size_t>(length))) {
+            call->message().decodeFrom(answer, static_cast<std::size_t>(length), error);
+            if (call->port() == 0)
+                call.reset();
+        }
+        allAnswered = allAnswered && (!call || call->port() != 0);
     }
+    if (allAnswered) // a process may be short of descriptors
+        socket_.reset();
     return !deadline_.passed(); // foreign datagrams may keep coming
 }
 
 inline std::uint16_t PortsAhead::awaited(const std::optional<PortMapperCall>& call) noexcept {
     while (call && call->port() == 0)
-        if (!takeAnswer()) {
+        if (!takeAnswer(deadline_)) {
             socket_.reset();
             return 0;
         }
+    while (takeAnswer(Deadline(Deadline::Clock::time_point()))) { // what has come beside it
+    }
     return call ? call->port() : 0;
 }
 

@@ -42,7 +42,7 @@ public:
 private:
     void ask() noexcept;
     std::uint16_t awaited(const std::optional<PortMapperCall>& call) noexcept;
-    bool takeAnswer() noexcept;
+    bool takeAnswer(const Deadline& deadline) noexcept;
 
     PortsAhead* const outer_;
     in_addr board_{};

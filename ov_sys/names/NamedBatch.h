@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ov_sys/Interface/foundation/Export.h"
-#include "ov_sys/rack/Batch.h"
+#include "ov_sys/rack/values/Batch.h"
 
 #include <cstdint>
 #include <map>

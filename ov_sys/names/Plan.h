@@ -1,8 +1,8 @@
 // What a batch or a routed access would send, without sending it.
 #pragma once
 
-#include "ov_sys/rack/Batch.h"
 #include "ov_sys/rack/RoutedPhy.h"
+#include "ov_sys/rack/values/Batch.h"
 
 #include <cstdint>
 #include <optional>

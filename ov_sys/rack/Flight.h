@@ -2,10 +2,10 @@
 #pragma once
 
 #include "ov_sys/Interface/foundation/Export.h"
-#include "ov_sys/rack/Batch.h"
-#include "ov_sys/rack/Failure.h"
 #include "ov_sys/rack/Phy.h"
-#include "ov_sys/rack/Within.h"
+#include "ov_sys/rack/values/Batch.h"
+#include "ov_sys/rack/values/Failure.h"
+#include "ov_sys/rack/values/Within.h"
 
 #include <cstddef>
 #include <cstdint>

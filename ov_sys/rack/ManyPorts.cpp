@@ -1,9 +1,9 @@
 // Opening and closing of many ports together.
-#include "ov_sys/rack/core/PortName.h"
 #include "ov_sys/rack/core/PortState.h"
 #include "ov_sys/rack/core/RackState.h"
 #include "ov_sys/rack/Flight.h"
 #include "ov_sys/rack/link/Drive.h"
+#include "ov_sys/rack/link/PortName.h"
 #include "ov_sys/rack/Rack.h"
 #include "ov_sys/rack/search/Search.h"
 
@@ -14,8 +14,8 @@
 
 namespace Orvane {
 
-using RackCore::PortName;
 using RackLink::Limits;
+using RackLink::PortName;
 using RackLink::Trouble;
 
 namespace {
@@ -51,7 +51,7 @@ public:
             if (!isPattern(name))
                 add(name);
             else if (!match(PortName::upper(name), found))
-                fail(name, RackCore::notFound(trouble ? trouble : FailureKind::NoSuchPort, "open", {}));
+                fail(name, RackLink::notFound(trouble ? trouble : FailureKind::NoSuchPort, "open", {}));
     }
 
     // Opens the sessions of those PHYs: on boards that are known, and on the others as they are found.
@@ -64,7 +64,7 @@ public:
         for (const Wanted& one : wanted_)
             if (OpenedPort& result = results[one.result]; !result.port)
                 result.failure =
-                    RackCore::notFound(trouble ? trouble : FailureKind::NoSuchPort, "open", one.port);
+                    RackLink::notFound(trouble ? trouble : FailureKind::NoSuchPort, "open", one.port);
         flight_.wait();
         for (const auto& [result, opening] : openings_)
             if (opening.failure())

@@ -2,13 +2,13 @@
 #pragma once
 
 #include "ov_sys/Interface/foundation/Export.h"
-#include "ov_sys/rack/Batch.h"
-#include "ov_sys/rack/Failure.h"
-#include "ov_sys/rack/RegisterAddress.h"
 #include "ov_sys/rack/RoutedPhy.h"
 #include "ov_sys/rack/Services.h"
-#include "ov_sys/rack/SmbusProtocol.h"
-#include "ov_sys/rack/Within.h"
+#include "ov_sys/rack/values/Batch.h"
+#include "ov_sys/rack/values/Failure.h"
+#include "ov_sys/rack/values/RegisterAddress.h"
+#include "ov_sys/rack/values/SmbusProtocol.h"
+#include "ov_sys/rack/values/Within.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "ov_sys/Interface/foundation/Export.h"
-#include "ov_sys/rack/Access.h"
 #include "ov_sys/rack/Phy.h"
+#include "ov_sys/rack/values/Access.h"
 
 #include <memory>
 #include <string>

@@ -1,10 +1,10 @@
 // Names become ports, searches become lists of boards.
 #include "ov_sys/rack/Rack.h"
 
-#include "ov_sys/rack/core/PortName.h"
 #include "ov_sys/rack/core/PortState.h"
 #include "ov_sys/rack/core/RackState.h"
 #include "ov_sys/rack/link/Endpoint.h"
+#include "ov_sys/rack/link/PortName.h"
 
 #include <utility>
 
@@ -19,7 +19,7 @@ Rack::~Rack() {
 }
 
 Port Rack::open(const std::string& name, Access access, const Within& within) {
-    const RackCore::PortName parsed = RackCore::PortName::parse(name, "open");
+    const RackLink::PortName parsed = RackLink::PortName::parse(name, "open");
     std::shared_ptr<Board> board = state_->find(parsed.board);
     if (!board) {
         RackLink::Limits limits(within);
@@ -28,7 +28,7 @@ Port Rack::open(const std::string& name, Access access, const Within& within) {
         if (!trouble && !board)
             trouble = FailureKind::NoSuchPort;
         if (!board)
-            throw RackCore::notFound(trouble, "open", parsed);
+            throw RackLink::notFound(trouble, "open", parsed);
     }
     return Port(std::make_shared<RackCore::PortState>(std::move(board), parsed.port, access));
 }
@@ -37,7 +37,7 @@ Discovery Rack::discover(const Within& within) {
     RackLink::Limits limits(within);
     Discovery found;
     if (const RackLink::Trouble trouble = state_->search(limits, found))
-        throw RackCore::notFound(trouble, "discover", {});
+        throw RackLink::notFound(trouble, "discover", {});
     return found;
 }
 
@@ -50,7 +50,7 @@ void Rack::know(const std::string& board, const std::string& address) {
         details.advice = "An address is four numbers with dots between them.";
         throw Failure(std::move(details));
     }
-    state_->add(RackCore::PortName::upper(board), *parsed);
+    state_->add(RackLink::PortName::upper(board), *parsed);
 }
 
 void Rack::onEvent(EventCallback callback) {

@@ -2,12 +2,12 @@
 #pragma once
 
 #include "ov_sys/Interface/foundation/Export.h"
-#include "ov_sys/rack/Access.h"
-#include "ov_sys/rack/Counters.h"
-#include "ov_sys/rack/Discovery.h"
-#include "ov_sys/rack/Event.h"
 #include "ov_sys/rack/Port.h"
-#include "ov_sys/rack/Within.h"
+#include "ov_sys/rack/values/Access.h"
+#include "ov_sys/rack/values/Counters.h"
+#include "ov_sys/rack/values/Discovery.h"
+#include "ov_sys/rack/values/Event.h"
+#include "ov_sys/rack/values/Within.h"
 
 #include <map>
 #include <memory>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "ov_sys/Interface/foundation/Export.h"
-#include "ov_sys/rack/RegisterAddress.h"
-#include "ov_sys/rack/Within.h"
+#include "ov_sys/rack/values/RegisterAddress.h"
+#include "ov_sys/rack/values/Within.h"
 #include "ov_sys/routing/Delegations.h"
 
 #include <cstdint>

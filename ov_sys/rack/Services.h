@@ -2,8 +2,8 @@
 #pragma once
 
 #include "ov_sys/Interface/foundation/Export.h"
-#include "ov_sys/rack/Failure.h"
-#include "ov_sys/rack/Within.h"
+#include "ov_sys/rack/values/Failure.h"
+#include "ov_sys/rack/values/Within.h"
 
 #include <chrono>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // What each source of the module adds to it.
 #pragma once
 
-#include "ov_sys/rack/RegisterAddress.h"
+#include "ov_sys/rack/values/RegisterAddress.h"
 #include "python/module/Handles.h"
 
 #include <cstdint>

@@ -1,8 +1,8 @@
 // How the module calls what may wait: without the GIL, and so that Ctrl-C ends it.
 #pragma once
 
-#include "ov_sys/rack/Failure.h"
-#include "ov_sys/rack/Within.h"
+#include "ov_sys/rack/values/Failure.h"
+#include "ov_sys/rack/values/Within.h"
 #include "python/module/Interruptible.h"
 
 #include <memory>

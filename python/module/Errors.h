@@ -1,7 +1,7 @@
 // Failures as exceptions of the package.
 #pragma once
 
-#include "ov_sys/rack/Failure.h"
+#include "ov_sys/rack/values/Failure.h"
 
 #include <pybind11/pybind11.h>
 

@@ -1,7 +1,7 @@
 // Lets Ctrl-C end a call that the main thread waits in.
 #pragma once
 
-#include "ov_sys/rack/Within.h"
+#include "ov_sys/rack/values/Within.h"
 
 #include <csignal>
 

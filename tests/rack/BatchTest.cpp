@@ -1,5 +1,5 @@
 // Batches: how they are cut, and what is told of each operation.
-#include "ov_sys/rack/Batch.h"
+#include "ov_sys/rack/values/Batch.h"
 
 #include "tests/support/rack/RackOnBoard.h"
 

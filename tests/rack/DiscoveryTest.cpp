@@ -1,5 +1,5 @@
 // Searches for boards, alone and beside others.
-#include "ov_sys/rack/Discovery.h"
+#include "ov_sys/rack/values/Discovery.h"
 
 #include "ov_sys/rack/core/Hunt.h"
 #include "ov_sys/rack/Flight.h"

@@ -1,9 +1,9 @@
 // Register accesses of one session, over MDIO or SMBus as its port has it.
 #pragma once
 
-#include "ov_sys/rack/Batch.h"
 #include "ov_sys/rack/link/Drive.h"
-#include "ov_sys/rack/SmbusProtocol.h"
+#include "ov_sys/rack/values/Batch.h"
+#include "ov_sys/rack/values/SmbusProtocol.h"
 
 #include <cstdint>
 #include <optional>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ov_sys/Interface/foundation/Uncancelled.h"
-#include "ov_sys/rack/Failure.h"
+#include "ov_sys/rack/values/Failure.h"
 
 #include <exception>
 #include <initializer_list>

@@ -1,10 +1,10 @@
 // What callers of the C interface hand in, and what they get back, beside the C++ values for it.
 #pragma once
 
-#include "ov_sys/rack/Access.h"
-#include "ov_sys/rack/Batch.h"
-#include "ov_sys/rack/RegisterAddress.h"
-#include "ov_sys/rack/Within.h"
+#include "ov_sys/rack/values/Access.h"
+#include "ov_sys/rack/values/Batch.h"
+#include "ov_sys/rack/values/RegisterAddress.h"
+#include "ov_sys/rack/values/Within.h"
 
 #include <cstddef>
 #include <orvane/rack.h>

@@ -1,7 +1,7 @@
 // Events on their way from wherever they happen to the one callback.
 #pragma once
 
-#include "ov_sys/rack/Event.h"
+#include "ov_sys/rack/values/Event.h"
 
 #include <functional>
 #include <mutex>

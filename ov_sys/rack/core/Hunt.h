@@ -1,8 +1,8 @@
 // A search for boards that are missing, by who has other things to do.
 #pragma once
 
-#include "ov_sys/rack/Discovery.h"
 #include "ov_sys/rack/search/Search.h"
+#include "ov_sys/rack/values/Discovery.h"
 
 #include <functional>
 #include <set>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ov_sys/rack/access/RegisterAccess.h"
-#include "ov_sys/rack/SmbusProtocol.h"
+#include "ov_sys/rack/values/SmbusProtocol.h"
 
 #include <atomic>
 #include <functional>

@@ -1,8 +1,8 @@
 // What a port's handles share.
 #pragma once
 
-#include "ov_sys/rack/Access.h"
 #include "ov_sys/rack/core/Board.h"
+#include "ov_sys/rack/values/Access.h"
 
 #include <map>
 #include <memory>

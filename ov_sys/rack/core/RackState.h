@@ -4,8 +4,8 @@
 #include "ov_sys/rack/core/Board.h"
 #include "ov_sys/rack/core/EventQueue.h"
 #include "ov_sys/rack/core/Keeper.h"
-#include "ov_sys/rack/Discovery.h"
 #include "ov_sys/rack/link/Limits.h"
+#include "ov_sys/rack/values/Discovery.h"
 
 #include <map>
 #include <memory>

@@ -1,7 +1,6 @@
 // Everything that is said to one board: its calls in flight, and what it takes to reach it again.
 #pragma once
 
-#include "ov_sys/rack/Event.h"
 #include "ov_sys/rack/link/DatagramSocket.h"
 #include "ov_sys/rack/link/Endpoint.h"
 #include "ov_sys/rack/link/Probe.h"
@@ -10,6 +9,7 @@
 #include "ov_sys/rack/link/Stream.h"
 #include "ov_sys/rack/link/Tally.h"
 #include "ov_sys/rack/link/Turn.h"
+#include "ov_sys/rack/values/Event.h"
 
 #include <array>
 #include <atomic>

@@ -3,7 +3,7 @@
 
 #include "ov_sys/rack/link/Program.h"
 #include "ov_sys/rack/link/Trouble.h"
-#include "ov_sys/rack/Within.h"
+#include "ov_sys/rack/values/Within.h"
 
 #include <algorithm>
 #include <chrono>

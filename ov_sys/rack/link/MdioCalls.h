@@ -5,7 +5,7 @@
 #include "ov_sys/rack/link/MdioBytes.h"
 #include "ov_sys/rack/link/Session.h"
 #include "ov_sys/rack/link/TypedCall.h"
-#include "ov_sys/rack/RegisterAddress.h"
+#include "ov_sys/rack/values/RegisterAddress.h"
 
 #include <cstddef>
 #include <optional>

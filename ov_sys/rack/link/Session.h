@@ -1,7 +1,7 @@
 // What a link knows of one session on its board.
 #pragma once
 
-#include "ov_sys/rack/Access.h"
+#include "ov_sys/rack/values/Access.h"
 
 #include <atomic>
 #include <cstdint>

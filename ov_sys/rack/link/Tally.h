@@ -1,8 +1,8 @@
 // The counters of one board as its link writes them.
 #pragma once
 
-#include "ov_sys/rack/Counters.h"
 #include "ov_sys/rack/link/Call.h"
+#include "ov_sys/rack/values/Counters.h"
 
 #include <array>
 #include <atomic>

@@ -1,7 +1,7 @@
 // How a call ended, as the floors below the public edge pass it on.
 #pragma once
 
-#include "ov_sys/rack/Failure.h"
+#include "ov_sys/rack/values/Failure.h"
 
 namespace Orvane::RackLink {
 

@@ -1,7 +1,7 @@
 // Whose turn it is to talk to a board.
 #pragma once
 
-#include "ov_sys/rack/Within.h"
+#include "ov_sys/rack/values/Within.h"
 
 #include <chrono>
 #include <condition_variable>

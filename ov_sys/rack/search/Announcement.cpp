@@ -1,9 +1,9 @@
 // Reads the words of an answer, and refuses what is none.
 #include "ov_sys/rack/search/Announcement.h"
 
-#include "ov_sys/rack/core/PortName.h"
-#include "ov_sys/rack/Failure.h"
 #include "ov_sys/rack/link/Endpoint.h"
+#include "ov_sys/rack/link/PortName.h"
+#include "ov_sys/rack/values/Failure.h"
 
 #include <algorithm>
 #include <map>
@@ -13,7 +13,7 @@
 namespace Orvane::RackSearch {
 namespace {
 
-using RackCore::PortName;
+using RackLink::PortName;
 
 // A board that gives its type only has one port, of that name.
 constexpr const char* kTypeWord = "ORVANE";

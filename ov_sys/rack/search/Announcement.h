@@ -1,7 +1,7 @@
 // What a board says of itself when it is searched for.
 #pragma once
 
-#include "ov_sys/rack/Discovery.h"
+#include "ov_sys/rack/values/Discovery.h"
 
 #include <netinet/in.h>
 #include <string>

@@ -1,5 +1,5 @@
 // Counters and latencies.
-#include "ov_sys/rack/Counters.h"
+#include "ov_sys/rack/values/Counters.h"
 
 #include "tests/support/rack/RackOnBoard.h"
 

@@ -1,8 +1,8 @@
 // Addresses, failures and events as texts; the limits of calls.
-#include "ov_sys/rack/Event.h"
-#include "ov_sys/rack/Failure.h"
-#include "ov_sys/rack/RegisterAddress.h"
-#include "ov_sys/rack/Within.h"
+#include "ov_sys/rack/values/Event.h"
+#include "ov_sys/rack/values/Failure.h"
+#include "ov_sys/rack/values/RegisterAddress.h"
+#include "ov_sys/rack/values/Within.h"
 
 #include <gtest/gtest.h>
 #include <poll.h>

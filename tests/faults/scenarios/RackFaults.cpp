@@ -31,6 +31,7 @@ struct RackOutcomes {
     std::size_t good = 0;
     std::size_t failed = 0; // of a documented kind, naming its board
     std::size_t wrong = 0;  // another value, another board's name, a kind that is not expected
+    std::string firstWrong; // in words
 };
 
 // Boards with one open session each, all in one rack.
@@ -70,13 +71,17 @@ public:
 void judgeRead(const Pending<std::uint32_t>& result, const Board& board, std::uint32_t expected, bool mayFail,
                RackOutcomes& outcomes) {
     ++outcomes.calls;
-    if (!result.failure()) {
-        ++(result.get() == expected ? outcomes.good : outcomes.wrong);
-        return;
-    }
-    const bool documented = mayFail && result.failure()->kind() == FailureKind::BadReply &&
-                            result.failure()->board() == board.serial();
-    ++(documented ? outcomes.failed : outcomes.wrong);
+    const std::optional<Orvane::Failure>& failure = result.failure();
+    if (!failure && result.get() == expected)
+        ++outcomes.good;
+    else if (failure && mayFail && failure->kind() == FailureKind::BadReply &&
+             failure->board() == board.serial())
+        ++outcomes.failed;
+    else if (++outcomes.wrong == 1)
+        outcomes.firstWrong =
+            board.serial() + ": " +
+            (failure ? failure->what()
+                     : std::to_string(result.get()) + " instead of " + std::to_string(expected));
 }
 
 // Writes, reads back and reads on every board at once, several times.
@@ -118,7 +123,8 @@ void loseOnRack(Run& run, RackOfBoards& all, Table& table) {
     }
     table.row("5 % of requests and of replies lost", all.boards.size(), sum.calls, sum.good, sum.failed,
               sum.wrong, seconds(took.count()) + " s");
-    run.report.expect(sum.good == sum.calls, "loss: ", sum.calls - sum.good, " calls without their value");
+    run.report.expect(sum.good == sum.calls, "loss: ", sum.calls - sum.good,
+                      " calls without their value, first of ", sum.firstWrong);
     run.report.expect(sessions == all.boards.size(), "loss: ", sessions, " sessions on ", all.boards.size(),
                       " boards");
 }
@@ -194,7 +200,8 @@ void strike(Run& run, RackOfBoards& all, Table& table) {
         table.row(name, struck[kind], sums[kind].calls, sums[kind].good, sums[kind].failed, sums[kind].wrong,
                   seconds(took.count()) + " s");
         run.report.expect(sums[kind].wrong == 0, name, ": ", sums[kind].wrong,
-                          " calls with a wrong value or an undocumented failure");
+                          " calls with a wrong value or an undocumented failure, first of ",
+                          sums[kind].firstWrong);
         run.report.expect(struck[kind] > 0, name, ": no board met it");
     }
 }

@@ -13,7 +13,7 @@ std::uint64_t hashOfAddress(const MapAddress& address) {
 } // namespace
 
 const MapRegister* MapContent::find(std::string_view wanted) const noexcept {
-    const std::uint32_t found = byName.find(registers, wanted);
+    const std::uint32_t found = byName.find(wanted);
     return found == Maps::Index::kNone ? nullptr : &registers[found];
 }
 

@@ -16,7 +16,7 @@ public:
     // Room for so many elements.
     void reserve(std::size_t elements) {
         std::size_t slots = 16;
-        while (slots < 2 * elements)
+        while (slots < elements + elements / 4)
             slots *= 2;
         slots_.assign(slots, Slot{});
     }

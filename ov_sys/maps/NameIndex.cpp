@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <functional>
 
 namespace Orvane::Maps {
@@ -21,27 +22,10 @@ bool isDigit(char c) noexcept {
     return c >= '0' && c <= '9';
 }
 
-// Whether two names are the same but for their indices.
-bool areAkin(std::string_view a, std::string_view b) noexcept {
-    std::size_t i = 0;
-    std::size_t j = 0;
-    while (i < a.size() && j < b.size()) {
-        if (a[i] != b[j])
-            return false;
-        const bool opens = a[i] == '[';
-        for (++i; opens && i < a.size() && isDigit(a[i]);)
-            ++i;
-        for (++j; opens && j < b.size() && isDigit(b[j]);)
-            ++j;
-    }
-    return i == a.size() && j == b.size();
-}
-
 } // namespace
 
 // A name taken apart: its letters without the indices, and these.
 struct NameIndex::Parts {
-    std::string_view name;
     std::array<char, kMostLetters> letters;
     std::size_t length = 0;
     std::array<std::uint32_t, kMostIndices> indices;
@@ -49,7 +33,6 @@ struct NameIndex::Parts {
 
     // Whether it has indices, written as the map writes them.
     bool take(std::string_view whole) noexcept {
-        name = whole;
         if (whole.size() > kMostLetters)
             return false;
         for (std::size_t at = 0; at < whole.size();) {
@@ -59,7 +42,7 @@ struct NameIndex::Parts {
         }
         return count > 0;
     }
-    std::uint64_t hash() const noexcept { return hashOfName({letters.data(), length}); }
+    std::string_view form() const noexcept { return {letters.data(), length}; }
 
 private:
     bool takeIndex(std::string_view whole, std::size_t& at) noexcept {
@@ -76,11 +59,32 @@ private:
     }
 };
 
-std::uint32_t NameIndex::familyOf(const std::vector<MapRegister>& registers,
-                                  const Parts& parts) const noexcept {
-    return byParts_.find(parts.hash(), [&](std::uint32_t i) {
-        return areAkin(registers[families_[i].first].name(), parts.name);
-    });
+std::uint32_t NameIndex::keep(std::string_view text, std::uint32_t number) {
+    const auto at = static_cast<std::uint32_t>(entries_.size());
+    const std::array<std::uint32_t, 2> head{number, static_cast<std::uint32_t>(text.size())};
+    entries_.resize(at + sizeof head + text.size());
+    std::memcpy(&entries_[at], head.data(), sizeof head);
+    std::memcpy(&entries_[at] + sizeof head, text.data(), text.size());
+    return at;
+}
+
+NameIndex::Entry NameIndex::entry(std::uint32_t at) const noexcept {
+    std::array<std::uint32_t, 2> head;
+    std::memcpy(head.data(), &entries_[at], sizeof head);
+    return {head[0], {&entries_[at] + sizeof head, head[1]}};
+}
+
+std::uint32_t NameIndex::lookUp(const Index& index, std::string_view text) const noexcept {
+    const std::uint32_t at =
+        index.find(hashOfName(text), [&](std::uint32_t one) { return entry(one).text == text; });
+    return at == Index::kNone ? kNone : entry(at).number;
+}
+
+bool NameIndex::enter(Index& index, std::string_view text, std::uint32_t number) {
+    if (lookUp(index, text) != kNone)
+        return false;
+    index.add(hashOfName(text), keep(text, number), [](std::uint32_t) { return false; });
+    return true;
 }
 
 std::uint32_t NameIndex::numberIn(const Family& family, const Parts& parts) const noexcept {
@@ -104,18 +108,18 @@ bool NameIndex::isRegular(const Family& family) const noexcept {
 // Finds families, and the family of each register; arrays are laid out with the last index running fastest.
 std::vector<std::uint32_t> NameIndex::group(const std::vector<MapRegister>& registers) {
     std::vector<std::uint32_t> family(registers.size(), kNoFamily);
-    byParts_.reserve(registers.size());
+    byForm_.reserve(registers.size());
     for (std::uint32_t i = 0; i < registers.size(); ++i) {
         Parts parts;
         if (!parts.take(registers[i].name()))
             continue;
-        family[i] = familyOf(registers, parts);
+        family[i] = lookUp(byForm_, parts.form());
         if (family[i] == kNone) {
             family[i] = static_cast<std::uint32_t>(families_.size());
             families_.push_back({i, 0, static_cast<std::uint32_t>(dimensions_.size()),
                                  static_cast<std::uint32_t>(parts.count)});
             dimensions_.resize(dimensions_.size() + parts.count);
-            byParts_.add(parts.hash(), family[i], [](std::uint32_t) { return false; });
+            enter(byForm_, parts.form(), family[i]);
         }
         Family& own = families_[family[i]];
         ++own.members;
@@ -144,26 +148,21 @@ std::vector<std::uint32_t> NameIndex::fill(const std::vector<MapRegister>& regis
     for (std::uint32_t i = 0; i < registers.size(); ++i)
         alone += isAlone(i) ? 1U : 0U;
     byName_.reserve(alone);
-    for (std::uint32_t i = 0; i < registers.size(); ++i) {
-        const std::string& wanted = registers[i].name();
-        if (isAlone(i) && byName_.add(hashOfName(wanted), i, [&](std::uint32_t known) {
-                return registers[known].name() == wanted;
-            }) != kNone)
+    for (std::uint32_t i = 0; i < registers.size(); ++i)
+        if (isAlone(i) && !enter(byName_, registers[i].name(), i))
             twice.push_back(i);
-    }
     for (std::size_t i = 0; i < families_.size(); ++i)
         if (!regular[i])
             families_[i].members = 0;
     return twice;
 }
 
-std::uint32_t NameIndex::find(const std::vector<MapRegister>& registers,
-                              std::string_view name) const noexcept {
+std::uint32_t NameIndex::find(std::string_view name) const noexcept {
     if (Parts parts; !families_.empty() && parts.take(name))
-        if (const std::uint32_t family = familyOf(registers, parts);
+        if (const std::uint32_t family = lookUp(byForm_, parts.form());
             family != kNone && families_[family].members > 0)
             return numberIn(families_[family], parts);
-    return byName_.find(hashOfName(name), [&](std::uint32_t i) { return registers[i].name() == name; });
+    return lookUp(byName_, name);
 }
 
 } // namespace Orvane::Maps

@@ -11,17 +11,16 @@
 namespace Orvane::Maps {
 
 // The elements of an array are found by their indices, from one entry for all of them, which stays in the
-// processor's nearest cache whatever the array's size; every other name by a hash table. Filled once, then
-// only read.
+// processor's nearest cache whatever the array's size; every other name by a hash table. The entries' texts
+// lie side by side, so that a look-up does not touch the registers themselves. Filled once, then only read.
 class NameIndex {
 public:
     static constexpr std::uint32_t kNone = Index::kNone;
 
-    // Enters the names of registers, which must not move any more, and returns the numbers of those whose
-    // name one before has already.
+    // Enters the names of registers, and returns the numbers of those whose name one before has already.
     std::vector<std::uint32_t> fill(const std::vector<MapRegister>& registers);
     // The number of the register of this name; kNone: none.
-    std::uint32_t find(const std::vector<MapRegister>& registers, std::string_view name) const noexcept;
+    std::uint32_t find(std::string_view name) const noexcept;
 
 private:
     struct Dimension {
@@ -36,16 +35,26 @@ private:
         std::uint32_t dimensions = 0;
     };
     struct Parts;
+    // What an index leads to.
+    struct Entry {
+        std::uint32_t number = 0; // of a register or a family
+        std::string_view text;
+    };
 
-    std::uint32_t familyOf(const std::vector<MapRegister>& registers, const Parts& parts) const noexcept;
+    std::uint32_t keep(std::string_view text, std::uint32_t number);
+    Entry entry(std::uint32_t at) const noexcept;
+    std::uint32_t lookUp(const Index& index, std::string_view text) const noexcept;
+    // False when there is an entry of this text.
+    bool enter(Index& index, std::string_view text, std::uint32_t number);
     std::vector<std::uint32_t> group(const std::vector<MapRegister>& registers);
     bool isRegular(const Family& family) const noexcept;
     std::uint32_t numberIn(const Family& family, const Parts& parts) const noexcept;
 
     std::vector<Dimension> dimensions_;
     std::vector<Family> families_;
-    Index byParts_; // families
-    Index byName_;  // registers of no family
+    std::vector<char> entries_; // number, length, text; the indices hold where each begins
+    Index byForm_;              // families, by their names without indices
+    Index byName_;              // registers of no family
 };
 
 } // namespace Orvane::Maps

@@ -1,5 +1,6 @@
 // Names for C.
 #include "ov_sys/maps/MapHandle.h"
+#include "ov_sys/maps/Numbers.h"
 #include "ov_sys/names/Named.h"
 #include "ov_sys/names/Plan.h"
 #include "ov_sys/names/Selection.h"
@@ -8,6 +9,7 @@
 #include "ov_sys/rack/c/Handles.h"
 #include "ov_sys/rack/c/Values.h"
 
+#include <optional>
 #include <orvane/rack_names.h>
 #include <string>
 #include <vector>
@@ -26,6 +28,25 @@ std::string linesOf(const std::vector<Orvane::FieldChange>& changes) {
     for (const Orvane::FieldChange& each : changes)
         lines += each.text() + '\n';
     return lines;
+}
+
+std::string linesOf(const Orvane::DecodedRegister& decoded) {
+    if (decoded.reg == nullptr)
+        return {};
+    if (decoded.fields.empty())
+        return decoded.reg->name() + ": " +
+               Orvane::Maps::hexadecimal(decoded.value, decoded.reg->width() / 4) + '\n';
+    std::string lines;
+    for (const Orvane::DecodedField& each : decoded.fields) {
+        const std::string note = each.note();
+        lines += decoded.reg->name() + '.' + each.field->name + ": " + each.valueText() +
+                 (note.empty() ? "" : ": " + note) + '\n';
+    }
+    return lines;
+}
+
+const Orvane::RegisterMap& mapOf(const orvane_map* map) {
+    return map == nullptr ? Orvane::RegisterMap::ieee8023() : map->map;
 }
 
 } // namespace
@@ -78,6 +99,15 @@ int orvane_phy_write_choice(orvane_phy* phy, const char* name, const char* choic
     return guarded(failure, [&] {
         need({phy, name, choice});
         phy->phy[name].write(std::string_view(choice), withinOf(limits));
+    });
+}
+
+int orvane_phy_decode(orvane_phy* phy, orvane_register address, uint32_t value, char** text,
+                      orvane_failure* failure) {
+    return guarded(failure, [&] {
+        need({phy, text});
+        const Orvane::RegisterMap map = phy->phy.map(); // which the decoded fields are of
+        *text = copyOf(linesOf(phy->phy.decode({{addressOf(address), value}}).front()));
     });
 }
 
@@ -137,8 +167,17 @@ int orvane_plan(const orvane_operation* operations, size_t count, const orvane_m
                 orvane_failure* failure) {
     return guarded(failure, [&] {
         need({operations, text});
-        *text = copyOf(Orvane::plan(batchOf(operations, count),
-                                    map == nullptr ? Orvane::RegisterMap::ieee8023() : map->map));
+        *text = copyOf(Orvane::plan(batchOf(operations, count), mapOf(map)));
+    });
+}
+
+int orvane_routed_plan(orvane_register address, const uint32_t* value, const orvane_paths* paths,
+                       const orvane_map* map, char** text, orvane_failure* failure) {
+    return guarded(failure, [&] {
+        need({text});
+        const auto written = value == nullptr ? std::nullopt : std::optional(*value);
+        *text = copyOf(
+            Orvane::plan(Orvane::routedSteps(addressOf(address), written, pathsOf(paths)), mapOf(map)));
     });
 }
 

@@ -111,5 +111,31 @@ TEST_F(CNames, AreInThePlanOfOperations) {
     EXPECT_THAT(taken(text), testing::StartsWith("write c22.0 0x8000      C22.CONTROL: RESET 1, "));
 }
 
+TEST_F(CNames, PutAValueIntoWords) {
+    char* text = nullptr;
+    ASSERT_EQ(orvane_phy_decode(cphy, {ORVANE_CLAUSE45, 30, 0xC001}, 0, &text, &failure), ORVANE_DONE);
+    EXPECT_THAT(taken(text), testing::HasSubstr("CHIP.STATUS.LINK: 0: was low since the last read\n"));
+    ASSERT_EQ(orvane_phy_decode(cphy, {ORVANE_CLAUSE45, 1, 1}, 5, &text, &failure), ORVANE_DONE);
+    EXPECT_EQ(taken(text), "");
+    EXPECT_EQ(orvane_phy_decode(cphy, {99, 1, 1}, 5, &text, &failure), ORVANE_INVALID_ARGUMENT);
+}
+
+TEST_F(CNames, AreInThePlanOfARoutedAccess) {
+    const orvane_register paged{ORVANE_CLAUSE45, 28, 0x0123};
+    char* text = nullptr;
+    ASSERT_EQ(orvane_routed_plan(paged, nullptr, nullptr, nullptr, &text, &failure), ORVANE_DONE);
+    EXPECT_EQ(taken(text), "write 30.0xC47F 0x0000\n"
+                           "write 30.0xC47C 0x0123\n"
+                           "write 30.0xC47E 0x011C\n"
+                           "read  30.0xC47F\n"
+                           "read  30.0xC47D\n");
+    orvane_paths over = orvane_default_paths();
+    over.over_clause22 = 1;
+    const std::uint32_t value = 0xABCD;
+    ASSERT_EQ(orvane_routed_plan({ORVANE_CLAUSE45, 7, 0x10}, &value, &over, nullptr, &text, &failure),
+              ORVANE_DONE);
+    EXPECT_THAT(taken(text), testing::EndsWith("write c22.14 0xABCD     C22.MMD_DATA: DATA 0xABCD\n"));
+}
+
 } // namespace
 } // namespace OrvaneTest

@@ -8,6 +8,7 @@
 
 #include <orvane/maps.h>
 #include <orvane/rack_core.h>
+#include <orvane/rack_routed.h>
 
 #ifdef __cplusplus
 extern "C" {
@@ -32,6 +33,12 @@ ORVANE_C_API int orvane_phy_write_name(orvane_phy *phy, const char *name, uint64
 /* The same by the name of one of the field's values. */
 ORVANE_C_API int orvane_phy_write_choice(orvane_phy *phy, const char *name, const char *choice,
                                          const orvane_limits *limits, orvane_failure *failure);
+
+/* The fields of a value that you have already, a line each, as "CHIP.STATUS.LINK: 0: was low since the last
+ * read"; of a register without fields its own line; empty for an address that the map has not. Sends
+ * nothing. */
+ORVANE_C_API int orvane_phy_decode(orvane_phy *phy, orvane_register address, uint32_t value, char **text,
+                                   orvane_failure *failure);
 
 /* What registers held at one time. A value that never changes; any thread. */
 typedef struct orvane_snapshot orvane_snapshot;
@@ -58,6 +65,11 @@ ORVANE_C_API int orvane_phy_restore(orvane_phy *phy, const orvane_snapshot *snap
 /* What orvane_phy_run() would send, a line each; `map` may be NULL for IEEE 802.3. Sends nothing. */
 ORVANE_C_API int orvane_plan(const orvane_operation *operations, size_t count, const orvane_map *map,
                              char **text, orvane_failure *failure);
+/* The same for the steps that orvane_routed_read() would take, or with `value` those of orvane_routed_write():
+ * each busy status taken to be done at its first look. `paths` as there; empty for an address that no path
+ * leads to. */
+ORVANE_C_API int orvane_routed_plan(orvane_register address, const uint32_t *value, const orvane_paths *paths,
+                                    const orvane_map *map, char **text, orvane_failure *failure);
 
 #ifdef __cplusplus
 }

@@ -5,20 +5,6 @@
 
 using namespace Orvane::RackC;
 
-namespace {
-
-Orvane::RegisterPaths pathsOf(const orvane_paths* paths) noexcept {
-    Orvane::RegisterPaths wanted;
-    if (paths == nullptr)
-        return wanted;
-    wanted.byFirmware = {paths->read_classes != 0, paths->write_paged != 0, paths->read_paged != 0,
-                         paths->tge != 0, paths->serdes != 0};
-    wanted.overClause22 = paths->over_clause22 != 0;
-    return wanted;
-}
-
-} // namespace
-
 extern "C" {
 
 orvane_paths orvane_default_paths(void) {

@@ -34,6 +34,16 @@ Within withinOf(const orvane_limits* limits, const Within& usual) noexcept {
     return within;
 }
 
+RegisterPaths pathsOf(const orvane_paths* paths) noexcept {
+    RegisterPaths wanted;
+    if (paths == nullptr)
+        return wanted;
+    wanted.byFirmware = {paths->read_classes != 0, paths->write_paged != 0, paths->read_paged != 0,
+                         paths->tge != 0, paths->serdes != 0};
+    wanted.overClause22 = paths->over_clause22 != 0;
+    return wanted;
+}
+
 RegisterAddress addressOf(const orvane_register& address) {
     if (address.space > ORVANE_EXT32)
         refuse("There is no such register space.");

@@ -1,6 +1,7 @@
 // What callers of the C interface hand in, and what they get back, beside the C++ values for it.
 #pragma once
 
+#include "ov_sys/rack/RoutedPhy.h"
 #include "ov_sys/rack/values/Access.h"
 #include "ov_sys/rack/values/Batch.h"
 #include "ov_sys/rack/values/RegisterAddress.h"
@@ -13,6 +14,9 @@ namespace Orvane::RackC {
 
 // Null stands for `usual`.
 Within withinOf(const orvane_limits* limits, const Within& usual = {}) noexcept;
+
+// Null stands for the usual ways.
+RegisterPaths pathsOf(const orvane_paths* paths) noexcept;
 
 // Throw Failure for what is none.
 RegisterAddress addressOf(const orvane_register& address);

@@ -12,6 +12,21 @@ namespace Orvane {
 
 using RackCore::Board;
 
+namespace {
+
+in_addr_t parsed(const std::string& address, const char* operation, const std::string& board) {
+    if (const std::optional<in_addr_t> known = RackLink::parseDotted(address))
+        return *known;
+    FailureDetails details;
+    details.board = board;
+    details.operation = operation;
+    details.location = board.empty() ? '"' + address + '"' : "";
+    details.advice = "An address is four numbers with dots between them.";
+    throw Failure(std::move(details));
+}
+
+} // namespace
+
 Rack::Rack() : state_(std::make_shared<RackCore::RackState>()) {}
 
 Rack::~Rack() {
@@ -34,23 +49,31 @@ Port Rack::open(const std::string& name, Access access, const Within& within) {
 }
 
 Discovery Rack::discover(const Within& within) {
+    return discover({}, within);
+}
+
+Discovery Rack::discover(const std::function<bool(const FoundBoard&)>& enough, const Within& within) {
     RackLink::Limits limits(within);
     Discovery found;
-    if (const RackLink::Trouble trouble = state_->search(limits, found))
+    if (const RackLink::Trouble trouble = state_->search(limits, found, enough))
         throw RackLink::notFound(trouble, "discover", {});
     return found;
 }
 
+Discovery Rack::ask(const std::vector<std::string>& addresses, const Within& within) {
+    RackLink::Limits limits(within);
+    std::vector<in_addr_t> whom;
+    whom.reserve(addresses.size());
+    for (const std::string& address : addresses)
+        whom.push_back(parsed(address, "ask", {}));
+    Discovery found;
+    if (const RackLink::Trouble trouble = state_->ask(whom, limits, found))
+        throw RackLink::notFound(trouble, "ask", {});
+    return found;
+}
+
 void Rack::know(const std::string& board, const std::string& address) {
-    const std::optional<in_addr_t> parsed = RackLink::parseDotted(address);
-    if (!parsed) {
-        FailureDetails details;
-        details.board = board;
-        details.operation = "know";
-        details.advice = "An address is four numbers with dots between them.";
-        throw Failure(std::move(details));
-    }
-    state_->add(RackLink::PortName::upper(board), *parsed);
+    state_->add(RackLink::PortName::upper(board), parsed(address, "know", board));
 }
 
 void Rack::onEvent(EventCallback callback) {

@@ -9,6 +9,7 @@
 #include "ov_sys/rack/values/Event.h"
 #include "ov_sys/rack/values/Within.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -59,6 +60,13 @@ public:
     // and asks again and again; programs of this host that search at the same time all get the same answers.
     // Throws Failure (Unreachable, Cancelled).
     Discovery discover(const Within& within = Orvane::within(std::chrono::seconds(1)));
+    // The same, but it ends as soon as `enough` says so, which is called on this thread for each board when
+    // it has answered. What it throws leaves the call.
+    Discovery discover(const std::function<bool(const FoundBoard&)>& enough, const Within& within);
+    // The boards at these addresses (dotted IPv4 text), which are known then. Each is asked by TCP, many at
+    // the same time, and nothing is sent anywhere else; who does not answer within two seconds is left out.
+    // Throws Failure (InvalidArgument, Cancelled).
+    Discovery ask(const std::vector<std::string>& addresses, const Within& within = {});
 
     // Makes a board known, or tells where it is now. `address` is dotted IPv4 text. Does not block. Throws
     // Failure (InvalidArgument).

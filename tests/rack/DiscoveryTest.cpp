@@ -94,6 +94,47 @@ TEST_F(DiscoveryTest, ThreeThousandBoardsAreAllFound) {
     EXPECT_EQ(Rack().discover().boards.size(), 3000U);
 }
 
+TEST_F(DiscoveryTest, EndsWhenItsCallerHasEnough) {
+    addBoards(3);
+    std::vector<std::string> seen;
+    const Discovery found = Rack().discover(
+        [&](const FoundBoard& board) {
+            seen.push_back(board.serial);
+            return seen.size() == 2;
+        },
+        within(60s));
+    EXPECT_EQ(seen.size(), 2U);
+    EXPECT_EQ(found.boards.size(), 2U);
+}
+
+TEST_F(DiscoveryTest, AddressesAreAskedDirectlyAndKnownThen) {
+    OrvaneSim::Board& board = addBoard("aa1");
+    OrvaneSim::Board& other = addBoard("aa2");
+    board.setRegister(Space::C45, 0, 1, 0x10002, 0x42);
+    Rack rack;
+    const Discovery found = rack.ask({board.address(), "10.83.200.1"});
+    ASSERT_EQ(found.boards.size(), 1U);
+    EXPECT_EQ(found.boards[0].serial, "AA1");
+    EXPECT_EQ(found.boards[0].ports, (std::vector<unsigned>{0, 1}));
+    EXPECT_EQ(rack.open("AA1:0").phy(1).read({1, 2}), 0x42U);
+    EXPECT_EQ(board.discoveryCount() + other.discoveryCount(), 0U);
+    EXPECT_EQ(other.probeRequests().size(), 0U);
+}
+
+TEST_F(DiscoveryTest, MoreAddressesThanAreAskedAtATimeAreAllAsked) {
+    addBoards(300);
+    std::vector<std::string> addresses;
+    for (const OrvaneSim::Board* const board : lab.boards())
+        addresses.push_back(board->address());
+    EXPECT_EQ(Rack().ask(addresses, within(60s)).boards.size(), 300U);
+}
+
+TEST_F(DiscoveryTest, AddressThatIsNoneIsRefusedWithItsText) {
+    const Failure failure = RackOnBoard::failureOf([] { Rack().ask({"10.83.0"}); });
+    EXPECT_EQ(failure.kind(), FailureKind::InvalidArgument);
+    EXPECT_EQ(failure.location(), "\"10.83.0\"");
+}
+
 TEST_F(DiscoveryTest, SearchesOfManyProcessesAtOnceAllFindEveryBoard) {
     addBoards(30);
     std::vector<pid_t> children;

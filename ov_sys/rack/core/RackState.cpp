@@ -2,6 +2,7 @@
 #include "ov_sys/rack/core/RackState.h"
 
 #include "ov_sys/rack/link/Endpoint.h"
+#include "ov_sys/rack/search/Asking.h"
 #include "ov_sys/rack/search/Search.h"
 
 #include <algorithm>
@@ -88,10 +89,27 @@ RackLink::Trouble RackState::search(std::set<std::string> names, RackLink::Limit
     return trouble;
 }
 
-RackLink::Trouble RackState::search(RackLink::Limits& limits, Discovery& found) {
-    RackSearch::Search search;
+RackLink::Trouble RackState::search(RackLink::Limits& limits, Discovery& found,
+                                    const std::function<bool(const FoundBoard&)>& enough) {
+    RackSearch::Search search([&](const RackSearch::Answer& answer) {
+        bool over = false;
+        if (enough)
+            for (const FoundBoard& one : RackSearch::boardsOf(answer))
+                over = enough(one) || over;
+        return over;
+    });
     const RackLink::Trouble trouble = search.run(limits);
     found = search.result();
+    learn(found.boards);
+    return trouble;
+}
+
+RackLink::Trouble RackState::ask(const std::vector<in_addr_t>& addresses, RackLink::Limits& limits,
+                                 Discovery& found) {
+    std::set<RackSearch::Answer> answers;
+    const auto told = [&](const RackSearch::Answer& answer) { answers.insert(answer); };
+    const RackLink::Trouble trouble = RackSearch::askAt(addresses, told, limits);
+    found = RackSearch::discoveryOf(answers);
     learn(found.boards);
     return trouble;
 }

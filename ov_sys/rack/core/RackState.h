@@ -7,6 +7,7 @@
 #include "ov_sys/rack/link/Limits.h"
 #include "ov_sys/rack/values/Discovery.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -35,8 +36,12 @@ public:
     void learn(const std::vector<FoundBoard>& boards);
     // Looks for boards until all have answered, and learns where they are.
     RackLink::Trouble search(std::set<std::string> names, RackLink::Limits& limits);
-    // Looks for every board until the limits end.
-    RackLink::Trouble search(RackLink::Limits& limits, Discovery& found);
+    // Looks for every board until the limits end, or `enough`, which may be empty, says so of one.
+    RackLink::Trouble search(RackLink::Limits& limits, Discovery& found,
+                             const std::function<bool(const FoundBoard&)>& enough = {});
+    // Asks which boards are at those addresses.
+    RackLink::Trouble ask(const std::vector<in_addr_t>& addresses, RackLink::Limits& limits,
+                          Discovery& found);
     void onEvent(EventCallback callback) { events_.setCallback(std::move(callback)); }
     // Ends the thread and lets the boards go.
     void end();

@@ -9,6 +9,7 @@
 #include <map>
 #include <set>
 #include <sstream>
+#include <tuple>
 
 namespace Orvane::RackSearch {
 namespace {
@@ -51,6 +52,23 @@ std::vector<FoundBoard> boardsOf(const Answer& answer) {
     for (const auto& [serial, numbers] : ports)
         boards.push_back({serial, RackLink::dotted(answer.from), {numbers.begin(), numbers.end()}});
     return boards;
+}
+
+Discovery discoveryOf(const std::set<Answer>& answers) {
+    Discovery found;
+    for (const Answer& answer : answers) {
+        const std::vector<FoundBoard> boards = boardsOf(answer);
+        found.malformed += boards.empty() ? 1U : 0U;
+        found.boards.insert(found.boards.end(), boards.begin(), boards.end());
+    }
+    const auto place = [](const FoundBoard& one) { return std::tie(one.serial, one.address); };
+    std::sort(found.boards.begin(), found.boards.end(),
+              [&](const FoundBoard& a, const FoundBoard& b) { return place(a) < place(b); });
+    found.boards.erase(
+        std::unique(found.boards.begin(), found.boards.end(),
+                    [&](const FoundBoard& a, const FoundBoard& b) { return place(a) == place(b); }),
+        found.boards.end());
+    return found;
 }
 
 } // namespace Orvane::RackSearch

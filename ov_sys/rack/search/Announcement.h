@@ -4,6 +4,7 @@
 #include "ov_sys/rack/values/Discovery.h"
 
 #include <netinet/in.h>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -22,5 +23,8 @@ struct Answer {
 // The boards that an answer names: one, unless its devices carry several serial numbers; none when the answer
 // is malformed. Whatever is not printable makes it so.
 std::vector<FoundBoard> boardsOf(const Answer& answer);
+
+// What all of them say together.
+Discovery discoveryOf(const std::set<Answer>& answers);
 
 } // namespace Orvane::RackSearch

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <tuple>
 
 namespace Orvane::RackSearch {
 namespace {
@@ -125,23 +124,6 @@ Trouble Search::run(Limits& limits) {
         waitFor(entries, watch(entries), limits, wake(limits));
     }
     return trouble_;
-}
-
-Discovery Search::result() const {
-    Discovery found;
-    for (const Answer& answer : answers_) {
-        const std::vector<FoundBoard> boards = boardsOf(answer);
-        found.malformed += boards.empty() ? 1U : 0U;
-        found.boards.insert(found.boards.end(), boards.begin(), boards.end());
-    }
-    const auto place = [](const FoundBoard& one) { return std::tie(one.serial, one.address); };
-    std::sort(found.boards.begin(), found.boards.end(),
-              [&](const FoundBoard& a, const FoundBoard& b) { return place(a) < place(b); });
-    found.boards.erase(
-        std::unique(found.boards.begin(), found.boards.end(),
-                    [&](const FoundBoard& a, const FoundBoard& b) { return place(a) == place(b); }),
-        found.boards.end());
-    return found;
 }
 
 } // namespace Orvane::RackSearch

@@ -35,7 +35,7 @@ public:
     // Every different answer.
     const std::set<Answer>& answers() const noexcept { return answers_; }
     // What they say.
-    Discovery result() const;
+    Discovery result() const { return discoveryOf(answers_); }
 
 private:
     bool join(RackLink::Limits& limits);

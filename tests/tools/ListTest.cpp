@@ -1,6 +1,8 @@
 // orvane list, info and ping.
 #include "tests/support/tools/Program.h"
 
+#include <algorithm>
+#include <chrono>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -34,9 +36,52 @@ TEST(OrvaneList, AsksTheGivenAddressesAloneAndSendsNoMulticast) {
 
 TEST(OrvaneList, AsCsvHasNoFormulasFromBoards) {
     OrvaneSim::Lab lab;
-    lab.add({"10.83.0.2", "OV0002", {"=1+cmd:-3"}, "host", 2, false});
+    lab.add({"10.83.0.2", "OV0002", {"=1+cmd:3"}, "host", 2, false});
     EXPECT_EQ(orvane({"list", "--address", "10.83.0.2", "--csv"}),
-              prints("name,adapter,address,port,kind,board_ports\n'=1+CMD:-3,0,10.83.0.2,-3,mdio,-3\n"));
+              prints("name,adapter,address,port,kind,board_ports\n'=1+CMD:3,0,10.83.0.2,3,mdio,3\n"));
+}
+
+TEST(OrvaneList, OfThreeThousandBoardsIsComplete) {
+    OrvaneSim::Lab lab;
+    for (int i = 0; i < 3000; ++i)
+        lab.add({"", "B" + std::to_string(1000 + i), {}, "host", 1, false});
+    const Outcome outcome = orvane({"list", "--expect", "3000", "--time", "60", "--csv"});
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(std::count(outcome.output.begin(), outcome.output.end(), '\n'), 1 + 2 * 3000);
+}
+
+TEST(OrvaneList, EndsAsSoonAsTheExpectedBoardsAreThere) {
+    OrvaneSim::Lab lab;
+    lab.add({"10.83.0.1", "OV0001", {"OV0001:0"}, "host", 1, false});
+    lab.add({"10.83.0.2", "OV0002", {"OV0002:0"}, "host", 2, false});
+    const auto begun = std::chrono::steady_clock::now();
+    EXPECT_EQ(orvane({"list", "--expect", "2", "--time", "600", "--csv"}).status, 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(60));
+}
+
+TEST(OrvaneList, FailsWhenFewerBoardsAnswerThanExpected) {
+    const OneBoardLab board;
+    EXPECT_EQ(board.run({"list", "--expect", "2", "--csv"}),
+              fails(1, "orvane: list: 1 of 2 boards answered\n",
+                    "name,adapter,address,port,kind,board_ports\nOV0001:0,0,10.83.0.1,0,mdio,0 1 10\n"
+                    "OV0001:1,1,10.83.0.1,1,mdio,0 1 10\nOV0001:10,2,10.83.0.1,10,smbus,0 1 10\n"));
+}
+
+TEST(OrvaneList, WarnsOfBoardsThatAnswerWithoutAName) {
+    const OneBoardLab board;
+    board.board.setDiscoveryReplies(std::vector<std::string>{"|host OV0001:0", "no bar"});
+    EXPECT_EQ(orvane({"list"}),
+              fails(1, "orvane: list: there may be more boards: 1 answer named no port as it should\n",
+                    "NAME      ADAPTER  ADDRESS    PORT  KIND  BOARD'S PORTS\n"
+                    "OV0001:0        0  10.83.0.1     0  mdio  0\n"));
+}
+
+// The time is so short that nobody knows whether others will follow.
+TEST(OrvaneList, WarnsWhenBoardsStillAnswerInTheEnd) {
+    const OneBoardLab board;
+    EXPECT_EQ(orvane({"list", "--time", "0.19"}).error,
+              "orvane: list: there may be more boards: boards were still answering when the time was over "
+              "(--time gives them more)\n");
 }
 
 TEST(OrvaneList, AsJsonIsAnArrayOfObjects) {
@@ -61,12 +106,12 @@ TEST(OrvaneList, FailsWhenNoBoardAnswers) {
               fails(1, "orvane: list: no board answers at 10.83.100.1\n"));
 }
 
-TEST(OrvaneList, TurnsASpinnerOnATerminalAndClearsItsLine) {
+TEST(OrvaneList, CountsTheBoardsOnATerminalAndClearsItsLine) {
     const OneBoardLab board;
     const Outcome outcome = orvaneOnTerminal({"list"}, {{"NO_COLOR", "1"}});
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_THAT(outcome.output, StartsWith("\r\033[K| looking for boards\r\033[K/ looking for boards"));
-    EXPECT_THAT(outcome.output, HasSubstr("looking for boards\r\033[KNAME       ADAPTER"));
+    EXPECT_THAT(outcome.output, StartsWith("\r\033[K| looking for boards"));
+    EXPECT_THAT(outcome.output, HasSubstr(" looking for boards, 1\r\033[KNAME       ADAPTER"));
 }
 
 TEST(OrvaneInfo, ShowsTheDeviceItsSessionAndThePhysIdentifier) {

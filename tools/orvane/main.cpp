@@ -1,5 +1,5 @@
 // orvane: boards and their PHYs from the command line.
-#include "tools/orvane/board/Device.h"
+#include "tools/orvane/board/Failures.h"
 #include "tools/orvane/cli/HelpFormatter.h"
 #include "tools/orvane/verbs/Verbs.h"
 
@@ -91,6 +91,10 @@ int run(Context& context) {
     } catch (const Failure& problem) {
         flushed(context, kFailed);
         return complain(context, problem.what(), kFailed);
+    } catch (const Orvane::Failure& problem) {
+        const int status = flushed(context, kFailed);
+        return context.interrupts().signal() != 0 ? 128 + context.interrupts().signal()
+                                                  : complain(context, textOf(problem), status);
     } catch (const Interrupted& interrupted) {
         return flushed(context, 128 + interrupted.signal);
     }

@@ -6,10 +6,12 @@
 #include "tools/orvane/output/Console.h"
 #include "tools/orvane/output/Table.h"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <orvane/rack.hpp>
 #include <string>
 #include <vector>
 
@@ -23,7 +25,8 @@ public:
     LibraryMessages messages;
     Console console;
 
-    std::vector<std::string> addresses; // of boards, to be asked instead of a multicast
+    std::vector<std::string> addresses;                 // of boards, to be asked instead of a multicast
+    std::optional<std::chrono::nanoseconds> searchTime; // for boards to answer; empty: as suits the search
     bool verbose = false;
     bool json = false;
     bool csv = false;
@@ -40,11 +43,17 @@ public:
     // Must be called before the library is used, which may start threads; signals are watched from then on.
     Interrupts& interrupts();
 
+    // The boards, made by first use. Its events are shown with --verbose.
+    Orvane::Rack& rack();
+    // Limits of a call, which a signal ends.
+    Orvane::Within within(std::chrono::nanoseconds time = std::chrono::seconds(5));
+
     // What the library wrote since the last call; with --verbose it is shown as well.
     std::string libraryLines();
 
 private:
     std::unique_ptr<Interrupts> interrupts_;
+    std::unique_ptr<Orvane::Rack> rack_;
 };
 
 } // namespace OrvaneTool

@@ -18,7 +18,8 @@
 namespace OrvaneTool {
 namespace {
 
-constexpr std::chrono::milliseconds kPatience{500}; // for a command to notice
+constexpr std::chrono::milliseconds kPatience{500};  // for a command to notice
+constexpr std::chrono::milliseconds kFarewell{3000}; // for a rack whose boards may be silent
 constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
 
 Orvane::FileDescriptor blockedSignals() {
@@ -68,6 +69,11 @@ void Interrupts::sleep(std::chrono::milliseconds time) const {
         throw Interrupted{signal_};
 }
 
+void Interrupts::giveTimeToClose() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    closesItself_ = true;
+}
+
 void Interrupts::closing() {
     const std::lock_guard<std::mutex> lock(mutex_);
     closing_ = true;
@@ -92,9 +98,12 @@ void Interrupts::onSignal(int number) {
     if (signal_ != 0) // asked twice
         ::_exit(128 + number);
     signal_ = number;
+    cancellation_.cancel();
     changed_.notify_all();
-    if (changed_.wait_for(lock, haveSessions() ? kPatience : std::chrono::milliseconds(0),
-                          [this] { return closing_; }))
+    const auto patience = closesItself_    ? kFarewell
+                          : haveSessions() ? kPatience
+                                           : std::chrono::milliseconds(0);
+    if (changed_.wait_for(lock, patience, [this] { return closing_; }))
         return;
     lock.unlock();
     endFromOutside(number);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ov_sys/Interface/foundation/FileDescriptor.h"
+#include "ov_sys/rack/values/Within.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -29,6 +30,11 @@ public:
     // Returns when the time is over; throws Interrupted as soon as there is a signal.
     void sleep(std::chrono::milliseconds time) const;
 
+    // Cancelled by a signal.
+    const Orvane::Cancellation& cancellation() const { return cancellation_; }
+    // From now on there may be sessions that only the command can close, once its calls are cancelled.
+    void giveTimeToClose();
+
     // The command closes its sessions by itself now, however long it takes.
     void closing();
 
@@ -40,10 +46,12 @@ private:
     Orvane::FileDescriptor signals_;
     Orvane::FileDescriptor stop_;
     int terminal_;
-    mutable std::mutex mutex_; // guards the two below
+    Orvane::Cancellation cancellation_;
+    mutable std::mutex mutex_; // guards the three below
     mutable std::condition_variable changed_;
     int signal_ = 0;
     bool closing_ = false;
+    bool closesItself_ = false;
     std::thread watcher_;
 };
 

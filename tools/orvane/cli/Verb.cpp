@@ -20,6 +20,15 @@ void addBoardOptions(CLI::App& verb, Context& context) {
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
         ->check(CLI::Validator(CLI::ValidIPV4).description(""))
         ->envname("ORVANE_ADDRESS");
+    verb.add_option_function<double>(
+            "--time",
+            [&context](double seconds) {
+                context.searchTime = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                    std::chrono::duration<double>(seconds));
+            },
+            "How long boards may take to answer a search (1; for those named in full 5)")
+        ->type_name("S")
+        ->check(CLI::Range(0.01, 86400.0).description(""));
     verb.add_flag("--verbose", context.verbose, "Show what the library writes, on standard error");
 }
 

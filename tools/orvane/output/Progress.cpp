@@ -35,6 +35,11 @@ Spinner::~Spinner() {
     showOn(stream_, std::string(kClearLine));
 }
 
+void Spinner::say(const std::string& text) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    text_ = visible(text);
+}
+
 void Spinner::turn() {
     constexpr std::array kSigns{'|', '/', '-', '\\'};
     constexpr std::chrono::milliseconds kPace{100};

@@ -19,12 +19,15 @@ public:
     Spinner(const Spinner&) = delete;
     Spinner& operator=(const Spinner&) = delete;
 
+    // What stands beside it from now on.
+    void say(const std::string& text);
+
 private:
     void turn();
 
     Stream& stream_;
     std::string text_;
-    std::mutex mutex_; // guards `done_`
+    std::mutex mutex_; // guards `text_` and `done_`
     std::condition_variable ended_;
     bool done_ = false;
     std::thread thread_;

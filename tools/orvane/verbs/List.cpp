@@ -1,22 +1,28 @@
 // orvane list: the devices of the boards.
-#include "tools/orvane/board/Device.h"
+#include "tools/orvane/board/Boards.h"
+#include "tools/orvane/output/Errors.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <fmt/format.h>
-#include <map>
 
 namespace OrvaneTool {
 namespace {
 
-struct Options {};
+struct Options {
+    unsigned expected = 0; // boards; 0: any number
+};
 
-int run(Context& context, const Options&) {
-    discoverBoards(context);
-    const auto& devices = HW_Interface_Object.devices;
-    std::map<std::pair<std::string, std::string>, std::vector<int>> ports; // of each board
-    for (const auto& device : devices)
-        ports[{device->boardSerial, device->address}].push_back(device->port);
+Boards boards(Context& context, const Options& options) {
+    Search search;
+    search.time = context.searchTime.value_or(search.time);
+    if (options.expected > 0)
+        search.enough = [&](const Orvane::FoundBoard&, std::size_t count) {
+            return count >= options.expected;
+        };
+    return lookForBoards(context, search);
+}
 
+Table devices(const Boards& boards) {
     Table table({{"name", "NAME"},
                  {"adapter", "ADAPTER", true},
                  {"address", "ADDRESS"},
@@ -24,35 +30,58 @@ int run(Context& context, const Options&) {
                  {"kind", "KIND"},
                  {"board_ports", "BOARD'S PORTS"}});
     unsigned adapter = 0;
-    for (const auto& device : devices) {
-        const auto& siblings = ports[{device->boardSerial, device->address}];
-        table.add({device->name,
-                   {std::to_string(adapter), adapter},
-                   device->address,
-                   {std::to_string(device->port), device->port},
-                   device->port < 10 ? "mdio" : "smbus",
-                   {fmt::format("{}", fmt::join(siblings, " ")), siblings}});
-        ++adapter;
-    }
-    if (table.size() > 0 || context.format() != Format::Text)
-        table.print(context.console.out, context.format());
-    if (table.size() == 0)
+    for (const Orvane::FoundBoard& board : boards.list)
+        for (const unsigned port : board.ports) {
+            table.add({fmt::format("{}:{}", board.serial, port),
+                       {std::to_string(adapter), adapter},
+                       board.address,
+                       {std::to_string(port), port},
+                       port < 10 ? "mdio" : "smbus",
+                       {fmt::format("{}", fmt::join(board.ports, " ")), board.ports}});
+            ++adapter;
+        }
+    return table;
+}
+
+// Throws Failure when there are others than were to be there.
+void check(const Context& context, const Options& options, const Boards& boards) {
+    const std::size_t count = boards.list.size();
+    if (options.expected > 0 && count != options.expected)
+        throw Failure(fmt::format("list: {} of {} boards answered", count, options.expected));
+    if (count == 0)
         throw Failure(context.addresses.empty()
                           ? "list: no board answers on the local networks (--address asks one directly)"
                           : fmt::format("list: no board answers at {}", fmt::join(context.addresses, ", ")));
+    if (!boards.doubt.empty())
+        throw Failure(fmt::format("list: there may be more boards: {}", boards.doubt));
+}
+
+int run(Context& context, const Options& options) {
+    const Boards found = boards(context, options);
+    const Table table = devices(found);
+    if (table.size() > 0 || context.format() != Format::Text)
+        table.print(context.console.out, context.format());
+    check(context, options, found);
     return kSuccess;
 }
 
 } // namespace
 
 void addList(CLI::App& app, Context& context) {
-    CLI::App& verb = addVerb(app, {"list", "List the devices of the boards that answer",
-                                   "  orvane list\n"
-                                   "  orvane list --address 192.168.1.20\n"
-                                   "  orvane list --json | jq -r '.[].name'\n"});
+    CLI::App& verb =
+        addVerb(app, {"list", "List the devices of the boards that answer",
+                      "  orvane list\n"
+                      "  orvane list --address 192.168.1.20\n"
+                      "  orvane list --expect 12 --time 30    until twelve boards are there, 30 s at most\n"
+                      "  orvane list --json | jq -r '.[].name'\n"});
+    auto options = std::make_shared<Options>();
+    verb.add_option("--expect", options->expected,
+                    "End when so many boards are there; status 1 when they are not")
+        ->type_name("N")
+        ->check(CLI::PositiveNumber.description(""));
     addFormatOptions(verb, context);
     addBoardOptions(verb, context);
-    setAction(verb, context, std::make_shared<Options>(), run);
+    setAction(verb, context, options, run);
 }
 
 } // namespace OrvaneTool

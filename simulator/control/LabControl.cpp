@@ -12,6 +12,9 @@ namespace {
 
 using Boards = std::vector<Board*>;
 
+constexpr std::int64_t kNewest = 20; // requests shown unless told otherwise
+constexpr std::int64_t kMostRequests = 100000;
+
 struct Query {
     QueryForm form;
     std::function<Json(const Boards&, ObjectReader&)> perform;
@@ -42,6 +45,33 @@ Json counts(const Boards& boards, ObjectReader& request) {
                                 {"lostRequests", counted.lostRequests},
                                 {"lostReplies", counted.lostReplies}});
     return rows;
+}
+
+Json rowOf(const Board& board, const Request& asked) {
+    return {{"board", board.serial()},
+            {"program", asked.program},
+            {"procedure", asked.procedure},
+            {"transport", asked.transport},
+            {"arguments", Json::parse(asked.arguments())}};
+}
+
+// The newest ones that are kept, oldest first; the port mapper's only when its procedure is named.
+Json requests(const Boards& boards, ObjectReader& request) {
+    const std::string wanted = request.text("procedure", "");
+    const auto last = static_cast<std::size_t>(request.number("last", kNewest, 1, kMostRequests));
+    Json rows = Json::array();
+    for (const Board* board : boards) {
+        const std::vector<Request> all = wanted.empty() ? board->requests() : board->requestsOf(wanted);
+        for (std::size_t i = all.size() - std::min(last, all.size()); i < all.size(); ++i)
+            rows.push_back(rowOf(*board, all[i]));
+    }
+    return rows;
+}
+
+Json forgetRequests(const Boards& boards, ObjectReader&) {
+    for (Board* board : boards)
+        board->forgetRequests();
+    return nullptr;
 }
 
 Json faults(const Boards& boards, ObjectReader&) {
@@ -87,6 +117,8 @@ const std::vector<Query>& queries() {
         {{"list", "", "boards, their addresses, sessions and faults", {}}, list},
         {{"get", "register=R device=0 phy=0 space=c45", "the value of a register", {"register"}}, get},
         {{"counts", "[procedure=P]", "how often procedures were asked for and run", {"procedure"}}, counts},
+        {{"requests", "[procedure=P] [last=20]", "the newest requests", {"procedure"}}, requests},
+        {{"forget-requests", "", "from now on requests begin here", {}}, forgetRequests},
         {{"faults", "", "faults that wait", {}}, faults},
         {{"save", "file=F", "writes every register to a snapshot file", {"file"}}, save},
         {{"load", "file=F", "replaces every register by those of a snapshot file", {"file"}}, load},

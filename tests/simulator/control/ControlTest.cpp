@@ -74,6 +74,21 @@ TEST_F(Control, TellsWhatWasCounted) {
         R"("faults":0,"lostRequests":0,"lostReplies":0}]})");
 }
 
+TEST_F(Control, ShowsTheNewestRequestsOldestFirst) {
+    ask(R"("action": "forget-requests")");
+    EXPECT_EQ(ask(R"("action": "requests")"), R"({"ok":true,"result":[]})");
+    for (const int phy : {5, 6, 7})
+        openSession(setup, 0, phy);
+    const Json told = Json::parse(ask(R"("action": "requests", "procedure": "open_connection", "last": 2)"));
+    ASSERT_EQ(told["result"].size(), 2U);
+    EXPECT_EQ(told["result"][0]["arguments"]["phyAddress"], 6);
+    EXPECT_EQ(told["result"][1]["arguments"]["phyAddress"], 7);
+    EXPECT_EQ(told["result"][1]["board"], "01A2");
+    EXPECT_EQ(told["result"][1]["program"], "setup");
+    EXPECT_EQ(told["result"][1]["transport"], "tcp");
+    EXPECT_EQ(errorOf(R"("action": "requests", "last": 0)"), "last: 0 is not between 1 and 100000");
+}
+
 TEST_F(Control, ShowsTheFaultsThatWaitAndForgetsThem) {
     ask(R"("action": "delay", "milliseconds": 7, "procedure": "ping", "program": "setup", "count": -1)");
     ask(R"("action": "result", "code": -16, "probability": 0.5)");

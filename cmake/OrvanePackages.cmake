@@ -43,6 +43,8 @@ if(TARGET orvane_python)
   set(CPACK_COMPONENT_PYTHON_DESCRIPTION "The package orvane for Python: registers of Ethernet PHYs on evaluation boards as numpy arrays.")
   math(EXPR next_minor "${Python_VERSION_MINOR} + 1") # the module is compiled for one minor version
   set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${ORVANE_LIBRARY_PACKAGE}, python3 (>= 3.${Python_VERSION_MINOR}), python3 (<< 3.${next_minor}~), python3-numpy")
+  # orvane.pytest, curves in notebooks, and orvane.lab.run().
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-pytest, python3-matplotlib, orvane-tools")
 endif()
 
 include(CPack)

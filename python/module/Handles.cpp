@@ -32,12 +32,17 @@ std::vector<std::shared_ptr<Handle>> held(const std::vector<std::weak_ptr<Handle
     return all;
 }
 
-// Tells the boards side by side; those that do not answer within a second keep their sessions.
-void closeSessions(const std::vector<Orvane::Phy>& phys) {
-    Orvane::Flight flight;
-    for (const Orvane::Phy& phy : phys)
-        flight.close(phy, Orvane::within(std::chrono::seconds(1)).withoutHealing());
-    flight.wait();
+// Tells the boards side by side; those that do not answer within a second, or before Ctrl-C, keep their
+// sessions.
+void closeSessions(std::vector<Orvane::Phy> phys) {
+    Limits farewell;
+    farewell.within = Orvane::within(std::chrono::seconds(1)).withoutHealing();
+    outside(farewell, [all = std::move(phys)](const Orvane::Within& within) {
+        Orvane::Flight flight;
+        for (const Orvane::Phy& phy : all)
+            flight.close(phy, within);
+        flight.wait();
+    });
 }
 
 } // namespace
@@ -50,7 +55,7 @@ std::shared_ptr<PhyHandle> PortHandle::phy(unsigned id) {
     std::weak_ptr<PhyHandle>& place = phys_[id];
     std::shared_ptr<PhyHandle> handle = place.lock();
     if (!handle) {
-        handle = std::make_shared<PhyHandle>(rack_, port.phy(id));
+        handle = std::make_shared<PhyHandle>(rack_, Place{board_, number_, id}, port.phy(id));
         place = handle;
         rack_->add(handle);
     }
@@ -58,9 +63,18 @@ std::shared_ptr<PhyHandle> PortHandle::phy(unsigned id) {
 }
 
 void PortHandle::close() {
-    for (const auto& entry : std::map<unsigned, std::weak_ptr<PhyHandle>>(std::move(phys_)))
-        if (const std::shared_ptr<PhyHandle> handle = entry.second.lock())
-            handle->remote.drop();
+    std::vector<std::shared_ptr<PhyHandle>> handles;
+    std::vector<Orvane::Phy> sessions;
+    for (const auto& entry : std::exchange(phys_, {}))
+        if (const std::shared_ptr<PhyHandle> handle = entry.second.lock();
+            handle && handle->remote.usable()) {
+            handles.push_back(handle);
+            if (!rack_->shares(handle))
+                sessions.push_back(handle->phy());
+        }
+    closeSessions(std::move(sessions));
+    for (const std::shared_ptr<PhyHandle>& handle : handles)
+        handle->remote.drop();
     remote_.drop();
 }
 
@@ -79,14 +93,17 @@ void RackHandle::add(const std::shared_ptr<PhyHandle>& phy) {
     remember(phys_, phy);
 }
 
-std::shared_ptr<PortHandle> RackHandle::open(const std::string& name, Orvane::Access access,
-                                             const Limits& limits) {
-    auto port = std::make_shared<PortHandle>(
-        shared_from_this(), outside(limits, [rack = rack(), &name, access](const Orvane::Within& within) {
-            return rack->open(name, access, within);
-        }));
-    remember(ports_, port);
-    return port;
+std::shared_ptr<PortHandle> RackHandle::keep(Orvane::Port port) {
+    auto handle = std::make_shared<PortHandle>(shared_from_this(), std::move(port));
+    remember(ports_, handle);
+    return handle;
+}
+
+bool RackHandle::shares(const std::shared_ptr<PhyHandle>& phy) const {
+    const auto all = held(phys_);
+    return std::any_of(all.begin(), all.end(), [&](const std::shared_ptr<PhyHandle>& other) {
+        return other != phy && other->place == phy->place && other->remote.usable();
+    });
 }
 
 void RackHandle::close() {
@@ -98,11 +115,12 @@ void RackHandle::close() {
     for (const std::shared_ptr<PhyHandle>& phy : held(phys_))
         if (phy->remote.usable())
             sessions.push_back(phy->phy());
-    outside([all = std::move(sessions)] { closeSessions(all); });
+    closeSessions(std::move(sessions));
     for (const std::shared_ptr<PortHandle>& port : held(ports_))
         port->close();
     for (const std::shared_ptr<PhyHandle>& phy : held(phys_))
         phy->remote.drop();
+    left_.clear();
     remote_.drop();
 }
 

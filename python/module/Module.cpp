@@ -11,6 +11,7 @@ PyModuleDef definition;
 void fill(py::module_& module) {
     const py::object mainThread = py::module_::import("threading").attr("main_thread")();
     Interruptible::begin(py::cast<unsigned long>(mainThread.attr("ident")));
+    module.attr("version") = ORVANE_VERSION;
     watchForks();
     translateFailures();
     bindLimits(module);

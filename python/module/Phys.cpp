@@ -75,11 +75,42 @@ private:
     Remote<RoutedPhy> remote_;
 };
 
+// Runs `work` in the board's turn; Ctrl-C ends the wait for that.
+template <class Work>
+void inTurn(PhyHandle& self, const Limits& limits, Work work) {
+    outside(limits, [phy = self.phy(), own = std::move(work)](const Within& within) {
+        phy.together([&] { own(phy); }, within);
+    });
+}
+
+// However long another thread's call may take.
+Limits patient() {
+    Limits limits;
+    limits.within.time = std::chrono::hours(24 * 365);
+    return limits;
+}
+
+bool isOpen(PhyHandle& self) {
+    bool open = false;
+    inTurn(self, patient(), [&open](const Phy& phy) { open = phy.isOpen(); });
+    return open;
+}
+
+std::uint16_t key(PhyHandle& self) {
+    std::uint16_t key = 0;
+    inTurn(self, patient(), [&key](const Phy& phy) { key = phy.key(); });
+    return key;
+}
+
 void onReopen(PhyHandle& self, const py::object& function) {
     std::function<void()> hook;
     if (!function.is_none())
         hook = [call = Callback(function)] { call.call([] { return py::tuple(); }); };
-    outside([phy = self.phy(), next = std::move(hook)] { phy.onReopen(next); });
+    inTurn(self, patient(), [next = std::move(hook)](const Phy& phy) { phy.onReopen(next); });
+}
+
+void together(PhyHandle& self, const py::function& work, const Limits& limits) {
+    inTurn(self, limits, [call = Callback(work)](const Phy&) { call.call([] { return py::tuple(); }); });
 }
 
 } // namespace
@@ -103,10 +134,9 @@ PhyClass bindPhys(py::module_& module) {
              [](PhyHandle& self, const Limits& limits) {
                  outside(limits, [phy = self.phy()](const Within& within) { phy.close(within); });
              })
-        .def_property_readonly(
-            "is_open", [](PhyHandle& self) { return outside([phy = self.phy()] { return phy.isOpen(); }); })
-        .def_property_readonly(
-            "key", [](PhyHandle& self) { return outside([phy = self.phy()] { return phy.key(); }); })
+        .def_property_readonly("is_open", isOpen)
+        .def_property_readonly("key", key)
+        .def("together", together)
         .def("on_reopen", onReopen)
         .def("set_smbus_protocol", [](PhyHandle& self, int protocol) {
             self.phy().setSmbusProtocol(static_cast<SmbusProtocol>(protocol));

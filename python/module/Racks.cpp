@@ -1,7 +1,9 @@
 // Racks and ports: finding, opening, closing, events, counters.
 #include "python/module/Bindings.h"
 #include "python/module/Callback.h"
+#include "python/module/Errors.h"
 
+#include <algorithm>
 #include <pybind11/stl.h>
 
 namespace OrvanePython {
@@ -18,9 +20,49 @@ py::tuple discover(RackHandle& self, const Limits& limits) {
     return py::make_tuple(boards, found.malformed);
 }
 
-std::shared_ptr<PortHandle> open(RackHandle& self, const std::string& name, unsigned mode, std::uint16_t key,
-                                 bool queues, const Limits& limits) {
-    return self.open(name, {static_cast<Access::Mode>(mode), key, queues}, limits);
+// How a port is shared: the mode, its key, and whether a refused opening waits.
+using GivenAccess = std::tuple<unsigned, std::uint16_t, bool>;
+
+Access accessOf(const GivenAccess& given) {
+    const auto [mode, key, queues] = given;
+    return {static_cast<Access::Mode>(mode), key, queues};
+}
+
+std::shared_ptr<PortHandle> open(RackHandle& self, const std::string& name, const GivenAccess& access,
+                                 const Limits& limits) {
+    return self.keep(outside(limits, [&, rack = self.rack()](const Within& within) {
+        return rack->open(name, accessOf(access), within);
+    }));
+}
+
+// For each name or port of a pattern: its name, the port or none, the failure or none.
+py::list openAll(RackHandle& self, const std::vector<std::string>& names, const std::vector<unsigned>& phys,
+                 const GivenAccess& access, const Limits& limits) {
+    const std::vector<OpenedPort> opened = outside(limits, [&, rack = self.rack()](const Within& within) {
+        return rack->openAll(names, phys, accessOf(access), within);
+    });
+    const auto cancelled = [](const OpenedPort& one) {
+        return one.failure && one.failure->kind() == FailureKind::Cancelled;
+    };
+    if (std::any_of(opened.begin(), opened.end(), cancelled)) {
+        for (const OpenedPort& one : opened)
+            if (one.port)
+                self.leave(*one.port);
+        Interruptible::raise();
+    }
+    py::list all;
+    for (const OpenedPort& one : opened)
+        all.append(py::make_tuple(one.name, one.port ? py::cast(self.keep(*one.port)) : py::none(),
+                                  one.failure ? toPython(*one.failure) : py::none()));
+    return all;
+}
+
+py::list closeSessions(RackHandle& self, const Limits& limits) {
+    py::list failures;
+    for (const Failure& one :
+         outside(limits, [rack = self.rack()](const Within& within) { return rack->closeAll(within); }))
+        failures.append(toPython(one));
+    return failures;
 }
 
 py::tuple tupleOf(const Event& event) {
@@ -80,6 +122,8 @@ void bindRacks(py::module_& module) {
     py::class_<RackHandle, std::shared_ptr<RackHandle>>(module, "Rack")
         .def(py::init(&RackHandle::make))
         .def("open", open)
+        .def("open_all", openAll)
+        .def("close_sessions", closeSessions)
         .def("discover", discover)
         .def("know", [](RackHandle& self, const std::string& board,
                         const std::string& address) { self.rack()->know(board, address); })

@@ -132,8 +132,27 @@ py::tuple run(PhyHandle& self, const std::string& command, unsigned seconds) {
     return py::make_tuple(outcome.status, py::bytes(outcome.output), py::bytes(outcome.errors));
 }
 
-double ping(PhyHandle& self, const Limits& limits) {
-    return static_cast<double>(method(&Phy::shell, &BoardShell::ping)(self, limits).count()) / 1e6;
+// A ping of the shell as a method that gives seconds.
+template <class Ping>
+auto secondsOf(Ping ping) {
+    return [ping](PhyHandle& self, const Limits& limits) {
+        return static_cast<double>(method(&Phy::shell, ping)(self, limits).count()) / 1e6;
+    };
+}
+
+py::tuple errorRecord(PhyHandle& self, int code, const Limits& limits) {
+    const BoardShell::ErrorRecord record = method(&Phy::shell, &BoardShell::errorRecord)(self, code, limits);
+    return py::make_tuple(record.kind, record.detail);
+}
+
+void bindShell(PhyClass& phy) {
+    phy.def("shell_run", run)
+        .def("shell_ping", secondsOf(&BoardShell::ping))
+        .def("shell_ping_session", secondsOf(&BoardShell::pingSession))
+        .def("shell_ping_keep_alive", secondsOf(&BoardShell::pingKeepAlive))
+        .def("shell_error_record", errorRecord)
+        .def("shell_services", method(&Phy::shell, &BoardShell::services))
+        .def("shell_address", [](PhyHandle& self) { return self.phy().shell().address(); });
 }
 
 void bindMdio(PhyClass& phy) {
@@ -158,7 +177,7 @@ void bindServices(PhyClass& phy) {
     phy.def("jtag_max_bytes", method(&Phy::jtag, &JtagChain::maxBytes)).def("jtag_shift", shift);
     bindAdc(phy);
     bindThermal(phy);
-    phy.def("shell_run", run).def("shell_ping", ping);
+    bindShell(phy);
     bindMdio(phy);
 }
 

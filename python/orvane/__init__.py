@@ -29,18 +29,19 @@ from orvane.events import BoardCounters, Event, Latency, ProgramCounters
 from orvane.limits import Cancellation, Within
 from orvane.names import Change, Diff, Map, Place, Restored, Snapshot
 from orvane.phy import Phy, Routed
-from orvane.rack import Discovery, FoundBoard, Port, Rack, Readings, discover, open, rack, read_all
+from orvane.rack import Discovery, FoundBoard, Port, Ports, Rack, Readings, discover, open, rack, read_all
 from orvane.registers import Register, clause22, clause45, ext32
-from orvane.services import (Adc, CommandOutcome, Gpio, I2c, Jtag, Mdio, Shell, Shift, Thermal, ThermalChannel,
-                             Transfer)
+from orvane.services import (Adc, Capture, CommandOutcome, ErrorRecord, Gpio, I2c, Jtag, Mdio, Shell, Shift, Thermal,
+                             ThermalChannel, Transfer)
 
+__version__ = _orvane.version
 __all__ = ["AccessMode", "Adc", "BadReply", "Batch", "BatchReadings", "BatchResult", "BoardCounters", "BoardError",
-           "Busy", "Cancellation", "Cancelled", "Change", "Code", "CommandOutcome", "Diff", "Discovery", "Error",
-           "Event", "EventKind", "EventLevel", "FailureKind", "FoundBoard", "Gpio", "I2c", "InvalidArgument", "Jtag",
-           "Latency", "LostSession", "Map", "MapError", "Mdio", "NoSuchPort", "OperationState", "Outcome", "Phy",
-           "Place", "Port", "ProgramCounters", "Rack", "Reading", "Readings", "Refused", "Register", "Restored",
-           "Routed", "Shell", "Shift", "SmbusProtocol", "Snapshot", "Space", "Thermal", "ThermalChannel", "TimedOut",
-           "Transfer", "Unreachable", "Within", "clause22", "clause45", "discover", "ext32", "open", "rack",
-           "read_all"]
+           "Busy", "Cancellation", "Cancelled", "Capture", "Change", "Code", "CommandOutcome", "Diff", "Discovery",
+           "Error", "ErrorRecord", "Event", "EventKind", "EventLevel", "FailureKind", "FoundBoard", "Gpio", "I2c",
+           "InvalidArgument", "Jtag", "Latency", "LostSession", "Map", "MapError", "Mdio", "NoSuchPort",
+           "OperationState", "Outcome", "Phy", "Place", "Port", "Ports", "ProgramCounters", "Rack", "Reading",
+           "Readings", "Refused", "Register", "Restored", "Routed", "Shell", "Shift", "SmbusProtocol", "Snapshot",
+           "Space", "Thermal", "ThermalChannel", "TimedOut", "Transfer", "Unreachable", "Within", "clause22",
+           "clause45", "discover", "ext32", "open", "rack", "read_all"]
 
 _atexit.register(_orvane.close_all)

@@ -139,7 +139,7 @@ class BatchResult:
         if first + count > len(self):
             raise IndexError("a reading of another batch")
         if self.failure is not None and (self.states[first:first + count] != OperationState.DONE).any():
-            raise self.failure
+            raise self.failure.with_traceback(None)
         if isinstance(reading, Reading):
             return int(self._values[first])
         values = self._values[first:first + count]

@@ -1,12 +1,14 @@
 """What Orvane raises: Error, with a class for each kind of failure.
 
 An Error says on one line what went wrong, where, how often it was tried, for how long, and what to do. Its attributes
-have the same for programs. Classes that Python has a word for are that, too: InvalidArgument is a ValueError,
-NoSuchPort a LookupError, Unreachable a ConnectionError, TimedOut a TimeoutError.
+have the same for programs. Where the board gave a code of errno, the OSError of that is its cause (__cause__). Classes
+that Python has a word for are that, too: InvalidArgument is a ValueError, NoSuchPort a LookupError, Unreachable a
+ConnectionError, TimedOut a TimeoutError.
 """
 from __future__ import annotations
 
 import errno as _errno
+import os
 from typing import Any
 
 from orvane.codes import Code, FailureKind
@@ -120,7 +122,10 @@ def _again(which: type[Error], text: str, details: dict[str, Any]) -> Error:
 def make(text: str, *, kind: int, code: int, **details: Any) -> Error:
     """The exception of a failure; for the module orvane._orvane."""
     named = Code(code) if code in _CODES else code
-    return _CLASSES[FailureKind(kind)](text, kind=FailureKind(kind), code=named, **details)
+    error = _CLASSES[FailureKind(kind)](text, kind=FailureKind(kind), code=named, **details)
+    if -code in _errno.errorcode:
+        error.__cause__ = OSError(-code, f"{os.strerror(-code)}, says the board")
+    return error
 
 
 _CODES = frozenset(int(each) for each in Code)

@@ -5,10 +5,11 @@ import html
 import os
 import typing
 from collections import abc
-from typing import Any, Dict, List, Optional, Tuple, Union
+from typing import Any, List, Optional, Tuple, Union
 
 from orvane import _orvane
 from orvane.limits import WithinLike, limits_of
+from orvane.tables import marked, table
 
 __all__ = ["Change", "Diff", "Map", "NamesOfPhy", "Place", "Restored", "Snapshot"]
 
@@ -181,14 +182,26 @@ class Change(typing.NamedTuple):
 
 
 class Diff(List[Change]):
-    """The fields that differ."""
+    """The fields that differ. In notebooks a table of their registers with all fields, the changed ones marked."""
+
+    def __init__(self, changes: abc.Iterable[Change] = (), before: Optional[Snapshot] = None,
+                 after: Optional[Snapshot] = None) -> None:
+        super().__init__(changes)
+        self._sides = (before, after)
 
     def __str__(self) -> str:
         return "\n".join(each.text for each in self) or "no difference"
 
     def _repr_html_(self) -> str:
-        rows = ((each.name, *each.text[len(each.name) + 2:].split(" -> ", 1)) for each in self)
-        return _table(("field", "before", "after"), rows)
+        before, after = self._sides
+        if before is None or after is None:
+            return table(("field", "before", "after"),
+                         ((each.name, *each.text[len(each.name) + 2:].split(" -> ", 1)) for each in self))
+        changed = {each.name for each in self}
+        return table(("register", "address", "before", "after"),
+                     ((name, address, _fields(name, was, changed), _fields(name, after._registers[name], changed))
+                      for name, was in before._registers.items() for address in (was.address,)
+                      if name in changed or any(f"{name}.{field}" in changed for field, _, _ in was.fields)))
 
 
 class Restored(typing.NamedTuple):
@@ -200,13 +213,20 @@ class Restored(typing.NamedTuple):
     """`before`: what was to be written, `after`: what was read back"""
 
 
+class _Register(typing.NamedTuple):
+    """What a snapshot has of a register: fields are names, raw values and words."""
+
+    address: str
+    value: int
+    fields: List[Tuple[str, int, str]]
+
+
 class Snapshot(abc.Mapping[str, int]):
     """Values of registers by their names."""
 
     def __init__(self, core: _orvane.Snapshot) -> None:
         self._core = core
-        self._decoded = core.decoded()
-        self._values: Dict[str, int] = {name: value for name, _, value, _ in self._decoded}
+        self._registers = {name: _Register(address, value, fields) for name, address, value, fields in core.decoded()}
 
     @property
     def left_out(self) -> List[str]:
@@ -215,33 +235,36 @@ class Snapshot(abc.Mapping[str, int]):
 
     def diff(self, later: Snapshot) -> Diff:
         """The fields that differ, of registers that both have."""
-        return Diff(Change(*each) for each in self._core.diff(later._core))
+        return Diff((Change(*each) for each in self._core.diff(later._core)), self, later)
 
     def __getitem__(self, name: str) -> int:
-        return self._values[name]
+        return self._registers[name].value
 
     def __iter__(self) -> abc.Iterator[str]:
-        return iter(self._values)
+        return iter(self._registers)
 
     def __len__(self) -> int:
-        return len(self._values)
+        return len(self._registers)
 
     def __repr__(self) -> str:
         return f"<orvane.Snapshot of {len(self)} registers>"
 
     def __str__(self) -> str:
-        return "\n".join(f"{name} = 0x{value:04X}" for name, value in self._values.items())
+        return "\n".join(f"{name} = 0x{each.value:04X}" for name, each in self._registers.items())
 
     def _repr_html_(self) -> str:
-        rows = ((name, address, f"0x{value:04X}", ", ".join(f"{field} {text}" for field, _, text in fields))
-                for name, address, value, fields in self._decoded)
-        return _table(("register", "address", "value", "fields"), rows)
+        return table(("register", "address", "value", "fields"),
+                     ((name, each.address, f"0x{each.value:04X}",
+                       ", ".join(f"{field} {text}" for field, _, text in each.fields))
+                      for name, each in self._registers.items()))
 
 
-def _table(heads: abc.Sequence[str], rows: abc.Iterable[abc.Sequence[str]]) -> str:
-    def line(kind: str, cells: abc.Sequence[str]) -> str:
-        return "<tr>" + "".join(f"<{kind}>{html.escape(cell)}</{kind}>" for cell in cells) + "</tr>"
-    return "<table>" + line("th", heads) + "".join(line("td", row) for row in rows) + "</table>"
+def _fields(register: str, held: _Register, changed: abc.Set[str]) -> marked:
+    """A register's value and fields as a cell, with what has changed marked."""
+    def mark(text: str, name: str) -> str:
+        return f"<mark>{html.escape(text)}</mark>" if name in changed else html.escape(text)
+    fields = (mark(f"{field} {text}", f"{register}.{field}") for field, _, text in held.fields)
+    return marked(", ".join([mark(f"0x{held.value:04X}", register), *fields]))
 
 
 def _members(core: _orvane.Phy, beginning: str) -> List[str]:

@@ -184,6 +184,13 @@ class Phy(NamesOfPhy, Services):
         """The session's key as the board gave it; 0 when there is none, or the session is not open."""
         return self._core.key
 
+    def together(self, work: Callable[[], object], *, within: WithinLike = None) -> None:
+        """Calls work() with no other call of this process on the board in between; what it raises leaves here.
+
+        `within` bounds the wait for the board's turn only.
+        """
+        self._core.together(work, limits_of(within))
+
     def on_reopen(self, hook: Optional[Callable[[], object]]) -> None:
         """Called after the board lost the session and it was opened again, before the call that noticed goes on: to
         restore what the board forgot. What it raises leaves that call. None: no more."""

@@ -2,7 +2,6 @@
 from __future__ import annotations
 
 import dataclasses
-import fnmatch
 import logging
 from collections import abc
 from types import TracebackType
@@ -19,8 +18,9 @@ from orvane.limits import Within, WithinLike, limits_of
 from orvane.phy import Phy
 from orvane.registers import RegisterLike, check_range, register_at
 from orvane.services import Services
+from orvane.tables import table
 
-__all__ = ["Discovery", "FoundBoard", "Port", "Rack", "Readings", "discover", "open", "read_all"]
+__all__ = ["Discovery", "FoundBoard", "Port", "Ports", "Rack", "Readings", "discover", "open", "read_all"]
 
 
 @dataclasses.dataclass(frozen=True)
@@ -44,9 +44,8 @@ class Discovery(List[FoundBoard]):
         """different answers that name no port as they should"""
 
     def _repr_html_(self) -> str:
-        rows = "".join(f"<tr><td>{each.serial}</td><td>{each.address}</td><td>{', '.join(map(str, each.ports))}</td>"
-                       "</tr>" for each in self)
-        return f"<table><tr><th>board</th><th>address</th><th>ports</th></tr>{rows}</table>"
+        return table(("board", "address", "ports"),
+                     ((each.serial, each.address, ", ".join(map(str, each.ports))) for each in self))
 
 
 class Port(Services):
@@ -103,6 +102,15 @@ class Port(Services):
         return first._core
 
 
+class Ports(List[Port]):
+    """The ports that an open_all() found."""
+
+    def __init__(self, ports: abc.Iterable[Port], failures: Dict[str, Error]) -> None:
+        super().__init__(ports)
+        self.failures = failures
+        """what went wrong, by the name of port or pattern; a port whose session failed may still be used"""
+
+
 class Rack:
     """Any number of boards: finds them, opens their ports, keeps sessions alive by one thread of its own.
 
@@ -138,18 +146,28 @@ class Rack:
         No session is opened yet: the first use does that, or Phy.open().
         """
         mode, key = _access(exclusive, shared, key)
-        core = self._core.open(name, int(mode), key, queue, limits_of(within))
-        return Port(core, f"{mode.name.lower()} {key:#06x}" if key else mode.name.lower())
+        return Port(self._core.open(name, (int(mode), key, queue), limits_of(within)), _text(mode, key))
 
-    def open_all(self, pattern: str = "*", *, exclusive: Union[bool, int] = False, shared: Union[bool, int] = False,
-                 key: int = 0, queue: bool = False, within: WithinLike = None) -> List[Port]:
-        """The ports whose names match a pattern of the shell, as "OV*:0", of the boards that a search finds.
+    def open_all(self, *names: str, phys: abc.Iterable[int] = (), exclusive: Union[bool, int] = False,
+                 shared: Union[bool, int] = False, key: int = 0, queue: bool = False, within: WithinLike = None
+                 ) -> Ports:
+        """Ports by their names, all together; in names '*', '?' and '[...]' stand for what they do in file names.
 
-        Of an opening hold the words of open(); `within` is the search's, 1 s unless told.
+        open_all("OV*:0") is port 0 of every such board that answers within a second, in alphabetical order;
+        open_all() is every port. The sessions of `phys` are opened on all of them at the same time. What failed is in
+        the result's `failures`, and costs the others nothing. The other words are those of open(); `within` limits the
+        call as a whole, 5 s unless told.
         """
-        names = [f"{board.serial}:{port}" for board in self.discover(within=within) for port in board.ports]
-        return [self.open(name, exclusive=exclusive, shared=shared, key=key, queue=queue)
-                for name in dict.fromkeys(names) if fnmatch.fnmatchcase(name, pattern.upper())]
+        mode, key = _access(exclusive, shared, key)
+        wanted = [check_range("PHY", each, 127) for each in phys]
+        opened = self._core.open_all(list(names) or ["*"], wanted, (int(mode), key, queue), limits_of(within))
+        return Ports((Port(core, _text(mode, key)) for _, core, _ in opened if core is not None),
+                     {name: failure for name, _, failure in opened if failure is not None})
+
+    def close_sessions(self, *, within: WithinLike = None) -> List[Error]:
+        """Closes every session, all boards side by side; the next use opens it again. What boards could not be told is
+        returned; it is closed here all the same."""
+        return self._core.close_sessions(limits_of(within))
 
     def discover(self, *, within: WithinLike = None) -> Discovery:
         """Every board that answers on the networks of this host. Listens for the whole time, 1 s unless told."""
@@ -196,7 +214,7 @@ class Readings(abc.Sequence[int]):
             return [self[each] for each in range(*index.indices(len(self)))]
         index = range(len(self))[index]
         if index in self.failures:
-            raise self.failures[index]
+            raise self.failures[index].with_traceback(None)
         return int(self.values.data[index])
 
     def __iter__(self) -> abc.Iterator[int]:
@@ -244,6 +262,10 @@ def open(name: str, *, exclusive: Union[bool, int] = False, shared: Union[bool, 
 def discover(*, within: WithinLike = None) -> Discovery:
     """Every board that answers; see Rack.discover()."""
     return rack().discover(within=within)
+
+
+def _text(mode: AccessMode, key: int) -> str:
+    return f"{mode.name.lower()} {key:#06x}" if key else mode.name.lower()
 
 
 def _access(exclusive: Union[bool, int], shared: Union[bool, int], key: int) -> tuple[AccessMode, int]:

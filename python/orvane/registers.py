@@ -77,8 +77,8 @@ def check_value(where: Register, value: int) -> None:
         raise ValueError(f"value {value:#x} is out of range: register {where} holds 0 to {where.limit:#x}")
 
 
-def check_range(name: str, value: int, most: int) -> int:
-    """`value`, or ValueError when it is not 0 to `most`."""
-    if not 0 <= value <= most:
-        raise ValueError(f"{name} {value} is out of range: 0 to {most}")
+def check_range(name: str, value: int, most: int, *, least: int = 0) -> int:
+    """`value`, or ValueError when it is not `least` to `most`."""
+    if not least <= value <= most:
+        raise ValueError(f"{name} {value} is out of range: {least} to {most}")
     return value

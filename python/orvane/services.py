@@ -14,9 +14,10 @@ import numpy.typing
 from orvane import _orvane
 from orvane.limits import ONCE, WithinLike, limits_of
 from orvane.registers import check_range
+from orvane.tables import plot, table
 
-__all__ = ["Adc", "CommandOutcome", "Gpio", "I2c", "Jtag", "Mdio", "Services", "Shell", "Shift", "Thermal",
-           "ThermalChannel", "Transfer"]
+__all__ = ["Adc", "Capture", "CommandOutcome", "ErrorRecord", "Gpio", "I2c", "Jtag", "Mdio", "Services", "Shell",
+           "Shift", "Thermal", "ThermalChannel", "Transfer"]
 
 
 class Transfer(typing.NamedTuple):
@@ -49,6 +50,14 @@ class CommandOutcome(typing.NamedTuple):
     errors: bytes
 
 
+class ErrorRecord(typing.NamedTuple):
+    """What a board has on record for one of its codes; the numbers are the board's own."""
+
+    kind: int
+    """0 to 255"""
+    detail: int
+
+
 class _Service:
     __slots__ = ("_core",)
 
@@ -71,7 +80,7 @@ class I2c(_Service):
     def read(self, bus: int, device: int, command: int, length: int, *, within: WithinLike = None) -> bytes:
         """Writes the byte `command`, then reads 1 to 255 bytes."""
         check_range("command", command, 0xFF)
-        check_range("length", length, 255)
+        check_range("length", length, 255, least=1)
         return bytes(self._core.i2c_read(_bus(bus), _device(device), command, length, limits_of(within, ONCE)))
 
     def read_register(self, bus: int, device: int, register: int, register_bytes: int, length: int, *,
@@ -79,7 +88,7 @@ class I2c(_Service):
         """The same with a register number of 0 to 4 bytes."""
         check_range("register", register, 0xFFFFFFFF)
         check_range("bytes of a register number", register_bytes, 4)
-        check_range("length", length, 255)
+        check_range("length", length, 255, least=1)
         return bytes(self._core.i2c_read_register(_bus(bus), _device(device), register, register_bytes, length,
                                                   limits_of(within, ONCE)))
 
@@ -129,7 +138,7 @@ class Gpio(_Service):
     def bit_bang(self, first: abc.Sequence[int], second: abc.Sequence[int], third: abc.Sequence[int], *,
                  within: WithinLike = None) -> List[int]:
         """Three lists of one length, as the board's service defines them; as many states back."""
-        return self._core.gpio_bit_bang(list(first), list(second), list(third), limits_of(within, ONCE))
+        return self._core.gpio_bit_bang(_lines(first), _lines(second), _lines(third), limits_of(within, ONCE))
 
     def __getitem__(self, line: int) -> int:
         return self.read([line])[0]
@@ -152,16 +161,27 @@ class Jtag(_Service):
         return self._core.jtag_shift([(each.data, each.tms, each.last_tms) for each in shifts], limits_of(within, ONCE))
 
 
+class Capture(numpy.ndarray[Any, numpy.dtype[numpy.uint8]]):
+    """Samples of an analogue input, in units of the converter: a numpy array that notebooks show as a curve."""
+
+    def _repr_html_(self) -> str:
+        curve = plot(numpy.asarray(self).ravel(), "sample", "units of the converter") if self.size else None
+        if curve is not None:
+            return curve
+        told = (str(self.size), *(str(getattr(self, each)()) if self.size else "" for each in ("min", "mean", "max")))
+        return table(("samples", "least", "mean", "most"), [told])
+
+
 class Adc(_Service):
     """The board's capture of analogue inputs."""
 
     __slots__ = ()
 
-    def capture(self, count: int, *, channels: int = 1, within: WithinLike = None
-                ) -> numpy.typing.NDArray[numpy.uint8]:
+    def capture(self, count: int, *, channels: int = 1, within: WithinLike = None) -> Capture:
         """Initializes, chooses channels (a bit for each), starts, takes up to `count` samples and stops.
 
-        Each step has the limits of `within`.
+        Samples are units of the converter, 0 to 255; of several channels they take turns. Each step has the limits of
+        `within`.
         """
         check_range("channels", channels, 0xFFFFFFFF)
         check_range("count", count, 0xFFFFFFFF)
@@ -170,7 +190,7 @@ class Adc(_Service):
         self._core.adc_set_channel_mask(channels, limits)
         self._core.adc_start(limits)
         try:
-            return self._core.adc_data(count, limits)
+            return self._core.adc_data(count, limits).view(Capture)
         finally:
             self._core.adc_stop(limits)
 
@@ -199,10 +219,10 @@ class Adc(_Service):
         """The name of the next event."""
         self._core.adc_set_event_name(name, limits_of(within, ONCE))
 
-    def data(self, count: int, *, within: WithinLike = None) -> numpy.typing.NDArray[numpy.uint8]:
+    def data(self, count: int, *, within: WithinLike = None) -> Capture:
         """Up to `count` samples; what was read is gone from the board."""
         check_range("count", count, 0xFFFFFFFF)
-        return self._core.adc_data(count, limits_of(within, ONCE))
+        return self._core.adc_data(count, limits_of(within, ONCE)).view(Capture)
 
     def max_adc(self, *, within: WithinLike = None) -> bytes:
         """The largest sample of each channel."""
@@ -280,6 +300,8 @@ class ThermalChannel:
     def set(self, celsius: float, *, flag: int = 0, default: bool = False, within: WithinLike = None) -> None:
         """Sets the temperature, with the service's flag, or the default one."""
         check_range("flag", flag, 0xFF)
+        if not -273.15 <= celsius <= _HOTTEST:
+            raise ValueError(f"temperature {celsius} is out of range: -273.15 to {_HOTTEST:.3g} degrees Celsius")
         core = self._unit._connect_once()
         send = core.thermal_set_default if default else core.thermal_set
         send(self._number, float(celsius), flag, limits_of(within))
@@ -310,8 +332,30 @@ class Shell(_Service):
         return CommandOutcome(*self._core.shell_run(command, check_range("seconds", seconds, 0xFFFFFFFF)))
 
     def ping(self, *, within: WithinLike = None) -> float:
-        """The time that an answer took, in seconds."""
+        """The time that the board's answer took, in seconds. Needs no session."""
         return self._core.shell_ping(limits_of(within))
+
+    def ping_session(self, *, within: WithinLike = None) -> float:
+        """The same through the session, which is opened if need be, over TCP."""
+        return self._core.shell_ping_session(limits_of(within))
+
+    def ping_keep_alive(self, *, within: WithinLike = None) -> float:
+        """The same by the service that keeps sessions alive, over UDP."""
+        return self._core.shell_ping_keep_alive(limits_of(within))
+
+    def error_record(self, code: int, *, within: WithinLike = None) -> ErrorRecord:
+        """What the board has on record for one of its codes, a negative errno value; zeros when it has nothing."""
+        check_range("code", code, 0, least=-0x80000000)
+        return ErrorRecord(*self._core.shell_error_record(code, limits_of(within)))
+
+    def services(self, *, within: WithinLike = None) -> Dict[str, int]:
+        """The ports (1 to 65535) of the board's services by name: "mdio", "setup", ... ; those that it runs."""
+        return self._core.shell_services(limits_of(within))
+
+    @property
+    def address(self) -> str:
+        """Where the board is: a dotted IPv4 address. Nothing is sent."""
+        return self._core.shell_address()
 
 
 class Mdio(_Service):
@@ -350,8 +394,10 @@ class Mdio(_Service):
     def request_interrupt(self, first: int, second: int, third: int, fourth: int, *,
                           within: WithinLike = None) -> int:
         """Asks for interrupts, as the board's service defines the numbers."""
-        return self._core.mdio_request_interrupt(check_range("first", first, 0xFF), check_range("second", second, 0xFF),
-                                                 third, fourth, limits_of(within))
+        return self._core.mdio_request_interrupt(
+            check_range("first", first, 0xFF), check_range("second", second, 0xFF),
+            check_range("third", third, 0x7FFFFFFF, least=-0x80000000),
+            check_range("fourth", fourth, 0x7FFFFFFF, least=-0x80000000), limits_of(within))
 
     def wait_for_interrupt(self, value: int, *, within: WithinLike = None) -> int:
         """Waits for one; the board's answer."""
@@ -410,6 +456,9 @@ class Services:
     def mdio(self) -> Mdio:
         """The MDIO bus's own switches."""
         return Mdio(self._session())
+
+
+_HOTTEST = 3.4e38  # that fits into what is sent
 
 
 def _bus(number: int) -> int:

@@ -22,6 +22,35 @@ def test_board_error_knows_board_place_operation_and_code(phy, board):
     assert str(error).startswith("OV0001:0 PHY 3: read 30.0xC010: board error, EREMOTEIO (-121) after 1 attempt in ")
 
 
+def test_cause_of_a_board_error_is_the_systems_error_of_its_code(phy, board):
+    board.inject("result", code=-13, procedure="mdio_read")
+    with pytest.raises(orvane.BoardError) as raised:
+        phy[30, 0]
+    cause = raised.value.__cause__
+    assert type(cause) is PermissionError
+    assert (cause.errno, str(cause)) == (errno.EACCES, "[Errno 13] Permission denied, says the board")
+
+
+def test_failure_without_a_code_has_no_cause(phy, board):
+    board.inject("lose-reply", count=-1, procedure="mdio_read")
+    with pytest.raises(orvane.TimedOut) as raised:
+        phy.read(1, 2, within=0.1)
+    assert raised.value.__cause__ is None
+
+
+def test_failure_that_is_raised_twice_tells_each_time_where(phy, board):
+    batch = orvane.Batch()
+    reading = batch.read((1, 2))
+    board.inject("result", code=-5, procedure="mdio_read")
+    result = phy.run(batch)
+    depths = []
+    for _ in range(2):
+        with pytest.raises(orvane.BoardError) as raised:
+            result[reading]
+        depths.append(len(raised.traceback))
+    assert depths[0] == depths[1]
+
+
 def test_code_without_a_name_stays_a_number(phy, board):
     board.inject("result", code=-4000, procedure="mdio_read")
     with pytest.raises(orvane.BoardError) as raised:

@@ -90,10 +90,20 @@ def test_snapshots_differ_in_the_fields_that_changed(mapped):
     mapped.CHIP.CONTROL.SPEED = "10 Mb/s"
     diff = before.diff(mapped.snapshot("CHIP"))
     assert [str(each) for each in diff] == ["CHIP.CONTROL.SPEED: 100 Mb/s -> 10 Mb/s"]
-    assert "<td>CHIP.CONTROL.SPEED</td><td>100 Mb/s</td><td>10 Mb/s</td>" in diff._repr_html_()
     assert before["CHIP.CONTROL"] == 0x2000
     assert before.left_out == ["CHIP.ERRORS"]
     assert "<td>CHIP.CONTROL</td><td>30.0xD000</td><td>0x2000</td>" in before._repr_html_()
+
+
+def test_notebook_shows_the_registers_that_changed_and_marks_the_fields(mapped):
+    before = mapped.snapshot("CHIP")
+    mapped.CHIP.CONTROL.SPEED = "10 Mb/s"
+    mapped.CHIP.SCRATCH = 7
+    rows = before.diff(mapped.snapshot("CHIP"))._repr_html_().split("<tr>")[2:]
+    assert rows == [
+        "<td>CHIP.CONTROL</td><td>30.0xD000</td><td>0x2000, <mark>SPEED 100 Mb/s</mark>, LED 0</td>"
+        "<td>0x0000, <mark>SPEED 10 Mb/s</mark>, LED 0</td></tr>",
+        "<td>CHIP.SCRATCH</td><td>30.0xD002</td><td><mark>0x0000</mark></td><td><mark>0x0007</mark></td></tr></table>"]
 
 
 def test_restore_brings_a_snapshot_back(mapped):

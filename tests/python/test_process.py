@@ -10,11 +10,15 @@ import orvane
 import orvane.lab
 
 INTERRUPTED = """
-import os, signal, threading, time
+import asyncio, os, signal, threading, time
 import orvane.lab
 
-phy = orvane.open("OV0001:0").phy(3)
+rack = orvane.Rack()
+port = rack.open("OV0001:0")
+phy = port.phy(3)
 phy.open()
+batch = orvane.Batch()
+batch.read((1, 2))
 lab = orvane.lab.Lab()
 before = lab["OV0001"].received("{procedure}")
 lab["OV0001"].inject("silent", count=-1, procedure="{procedure}")
@@ -30,8 +34,17 @@ threading.Thread(target=interrupt, daemon=True).start()
 try:
     {call}
 except KeyboardInterrupt:
-    print("interrupted", time.monotonic() - sent[0] < 0.2, signal.getsignal(signal.SIGINT).__name__)
+    late = time.monotonic() - sent[0]
+    print("interrupted", late < 0.2 or late, signal.getsignal(signal.SIGINT).__name__)
 """
+
+
+def undisturbed(lab):
+    """Leaves neither faults nor the sessions of programs that were interrupted."""
+    lab["OV0001"].clear()
+    lab["OV0001"].do("forget-sessions")
+
+
 TO_PROCESS = "os.kill(os.getpid(), signal.SIGINT)"
 TO_OTHER_THREAD = "signal.pthread_kill(threading.get_ident(), signal.SIGINT)"
 
@@ -46,8 +59,72 @@ TO_OTHER_THREAD = "signal.pthread_kill(threading.get_ident(), signal.SIGINT)"
 def test_ctrl_c_ends_a_call_at_once(program, lab, call, procedure, send):
     text = INTERRUPTED.format(call=call, procedure=procedure, signal=send)
     ended = program(text)
-    lab["OV0001"].clear()
+    undisturbed(lab)
     assert ended.stdout == "interrupted True default_int_handler\n", ended.stderr
+
+
+# What else waits for a board: everything that may be called.
+@pytest.mark.parametrize("call, procedure", [
+    ("port.phy(4).open(within=30)", "open_connection"),
+    ("port.close()", "close_connection"),
+    ("port.__exit__(None, None, None)", "close_connection"),
+    ("rack.close()", "close_connection"),
+    ("rack.close_sessions(within=30)", "close_connection"),
+    ("phy.close(within=30)", "close_connection"),
+    ("rack.open_all('OV0001:0', phys=[5], within=30)", "open_connection"),
+    ("phy.write((30, 1), 2, within=30)", "mdio_write"),
+    ("phy.modify((30, 1), 2, 2, within=30)", "mdio_read"),
+    ("phy.run(batch, within=30)", "mdio_read"),
+    ("phy.snapshot('PMA', within=30)", "mdio_read"),
+    ("phy.AN.STATUS.read(within=30)", "mdio_read"),
+    ("phy.routed().read(27, 0x40, within=30)", "mdio_read"),
+    ("phy.i2c.read(0, 0x50, 0, 1, within=30)", "i2c_read"),
+    ("phy.adc.capture(10, within=30)", "adc_initialize"),
+    ("phy.thermal[0].settled(within=30)", "thrm_getsettledtemperature"),
+    ("phy.shell.ping_session(within=30)", "pingclient"),
+    ("asyncio.run(phy.aread(1, 2, within=30))", "mdio_read"),
+])
+def test_ctrl_c_ends_whatever_waits_for_a_board(program, lab, call, procedure):
+    ended = program(INTERRUPTED.format(call=call, procedure=procedure, signal=TO_PROCESS))
+    undisturbed(lab)
+    assert ended.stdout == "interrupted True default_int_handler\n", ended.stderr
+
+
+def test_ctrl_c_ends_the_wait_for_another_threads_call(program, lab):
+    ended = program("""
+import os, signal, threading, time
+import orvane.lab
+phy = orvane.open("OV0001:0").phy(3)
+phy.open()
+board = orvane.lab.Lab()["OV0001"]
+before = board.received("mdio_read")
+board.inject("silent", count=-1, procedure="mdio_read")
+enough = orvane.Cancellation()
+sent = []
+
+def read():
+    try:
+        phy.read(1, 2, within=orvane.Within(30, cancellation=enough))
+    except orvane.Cancelled:
+        pass
+
+def interrupt():
+    sent.append(time.monotonic())
+    os.kill(os.getpid(), signal.SIGINT)
+
+threading.Thread(target=read).start()
+while board.received("mdio_read") == before:
+    time.sleep(0.01)
+threading.Timer(0.3, interrupt).start()
+try:
+    phy.is_open
+except KeyboardInterrupt:
+    late = time.monotonic() - sent[0]
+    print("interrupted", late < 0.2 or late)
+enough.cancel()
+""")
+    undisturbed(lab)
+    assert ended.stdout == "interrupted True\n", ended.stderr
 
 
 def test_ctrl_c_ends_a_search(program):

@@ -21,6 +21,33 @@ def test_open_all_takes_the_ports_that_match(rack):
     assert [port.name for port in rack.open_all("OV000[12]:1*")] == ["OV0001:1", "OV0001:10", "OV0002:1", "OV0002:10"]
 
 
+def test_open_all_opens_the_sessions_of_its_phys_together(rack, lab):
+    ports = rack.open_all("OV000[12]:0", phys=[3, 4], exclusive=0x4711)
+    assert [lab[serial].sessions for serial in ("OV0001", "OV0002")] == [2, 2]
+    assert [repr(port) for port in ports] == ["<orvane.Port OV0001:0, exclusive 0x4711>",
+                                              "<orvane.Port OV0002:0, exclusive 0x4711>"]
+    assert ports.failures == {}
+
+
+def test_open_all_tells_what_is_not_there_and_opens_the_rest(rack):
+    ports = rack.open_all("OV9999:0", "OV0001:0", "XX*", within=0.5)
+    assert [port.name for port in ports] == ["OV0001:0"]
+    assert {name: type(failure) for name, failure in ports.failures.items()} == {
+        "OV9999:0": orvane.NoSuchPort, "XX*": orvane.NoSuchPort}
+
+
+def test_open_all_refuses_phys_that_no_port_has(rack):
+    with pytest.raises(ValueError, match="PHY 128 is out of range: 0 to 127"):
+        rack.open_all("OV0001:0", phys=[128])
+
+
+def test_sessions_that_were_closed_together_open_again_with_their_next_use(rack, lab):
+    phys = [port.phy(3) for port in rack.open_all("OV000[12]:0", phys=[3])]
+    assert rack.close_sessions() == []
+    assert [lab[serial].sessions for serial in ("OV0001", "OV0002")] == [0, 0]
+    assert phys[0][1, 2] == phys[1][1, 2]
+
+
 def test_known_board_is_opened_without_a_search(rack, lab):
     before = lab["OV0001"].received("discovery")
     rack.know("OV0001", "10.83.0.1")
@@ -38,6 +65,16 @@ def test_context_manager_closes_the_session_on_the_board(rack, board):
         phy[1, 2]
     with pytest.raises(RuntimeError, match="^closed$"):
         port.phy(4)
+
+
+def test_port_that_is_closed_leaves_the_session_to_another_one(rack, board):
+    ports = [rack.open("OV0001:0") for _ in range(2)]
+    phys = [port.phy(3) for port in ports]
+    phys[0].open()
+    ports[0].close()
+    assert (board.sessions, phys[1].is_open) == (1, True)
+    ports[1].close()
+    assert board.sessions == 0
 
 
 def test_last_handle_closes_the_session(rack, board):

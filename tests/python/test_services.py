@@ -1,4 +1,6 @@
 """The board's services at work on its devices."""
+import sys
+
 import numpy
 import pytest
 
@@ -21,7 +23,7 @@ def test_i2c_blocks_reach_several_buses(phy):
 
 @pytest.mark.parametrize("arguments", [(10, 0x50, 0, 1), (0, 0x80, 0, 1), (0, 0x50, 256, 1), (0, 0x50, 0, 256)])
 def test_i2c_arguments_out_of_range_are_value_errors(phy, arguments):
-    with pytest.raises(ValueError, match="out of range: 0 to"):
+    with pytest.raises(ValueError, match="out of range: [01] to"):
         phy.i2c.read(*arguments)
 
 
@@ -53,6 +55,19 @@ def test_capture_is_an_array_of_samples(phy, board):
     assert board.executions("adc_start") == board.executions("adc_stop") == 1
 
 
+def test_capture_is_a_curve_in_a_notebook(phy):
+    shown = phy.adc.capture(64)._repr_html_()
+    assert shown.startswith("<div><svg ") and shown.endswith("</svg></div>")
+    assert phy.adc.capture(64)._repr_html_() == shown
+
+
+def test_capture_without_matplotlib_is_a_table_of_its_bounds(phy, monkeypatch):
+    monkeypatch.setitem(sys.modules, "matplotlib", None)
+    samples = phy.adc.capture(64)
+    assert (f"<td>64</td><td>{samples.min()}</td><td>{samples.mean()}</td><td>{samples.max()}</td>"
+            in samples._repr_html_())
+
+
 def test_target_temperature_is_reached(phy):
     phy.thermal[0].target = 85.0
     assert phy.thermal[0].target == 85.0
@@ -66,6 +81,16 @@ def test_services_of_a_port_go_through_its_first_phy(rack, board):
         assert port.shell.ping() >= 0
         port.i2c.write(0, 0x50, b"\0\1")
         assert board.sessions == 1
+
+
+def test_board_tells_of_itself(phy):
+    pings = (phy.shell.ping(), phy.shell.ping_session(), phy.shell.ping_keep_alive())
+    assert all(0 < seconds < 5 for seconds in pings)
+    assert phy.shell.address == "10.83.0.1"
+    services = phy.shell.services()
+    assert {"setup", "mdio", "i2c", "jtag", "gpio", "keepAlive", "adc", "thermal"} <= set(services)
+    assert all(0 < port <= 0xFFFF for port in services.values())
+    assert phy.shell.error_record(-5) == (0, 0)
 
 
 def test_unknown_command_has_a_status(phy):

@@ -120,7 +120,11 @@ RackCore::Settled tell(const std::shared_ptr<State>& state, const char* operatio
 
 Pending<bool> Flight::open(const Phy& phy, const Within& within) {
     Pending<bool> result = pending<bool>();
-    fleet_->add(std::make_unique<RackCore::PingJob>(phy.session_, within, tell(result.state_, "open")));
+    fleet_->add(std::make_unique<RackCore::PingJob>(
+        phy.session_, within, [told = tell(result.state_, "open")](const Job& job, Trouble trouble) {
+            job.session->log().service(job.session->place(), "session.open", trouble);
+            told(job, trouble);
+        }));
     return result;
 }
 

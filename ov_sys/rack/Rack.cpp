@@ -6,6 +6,7 @@
 #include "ov_sys/rack/link/Endpoint.h"
 #include "ov_sys/rack/link/PortName.h"
 
+#include <system_error>
 #include <utility>
 
 namespace Orvane {
@@ -78,6 +79,30 @@ void Rack::know(const std::string& board, const std::string& address) {
 
 void Rack::onEvent(EventCallback callback) {
     state_->onEvent(std::move(callback));
+}
+
+void Rack::logTo(const std::string& path) {
+    try {
+        state_->log().begin(path);
+    } catch (const std::system_error& problem) {
+        FailureDetails details;
+        details.operation = "log to";
+        details.location = '"' + path + '"';
+        details.advice = "The file cannot be opened: " + problem.code().message() + ".";
+        throw Failure(std::move(details));
+    }
+}
+
+void Rack::logTo(LogSink sink) {
+    state_->log().begin(std::move(sink));
+}
+
+void Rack::endLog() {
+    state_->log().end();
+}
+
+void Rack::note(std::string_view text) {
+    state_->log().note(text);
 }
 
 std::map<std::string, BoardCounters> Rack::counters() const {

@@ -7,6 +7,7 @@
 #include "ov_sys/rack/values/Counters.h"
 #include "ov_sys/rack/values/Discovery.h"
 #include "ov_sys/rack/values/Event.h"
+#include "ov_sys/rack/values/LogSink.h"
 #include "ov_sys/rack/values/Within.h"
 
 #include <functional>
@@ -14,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Orvane {
@@ -74,6 +76,20 @@ public:
 
     // Replaces the callback; an empty one ends the events. See EventCallback.
     void onEvent(EventCallback callback);
+
+    // From now on every access of this rack leaves a line in that file, at its end, until endLog() or another
+    // log: registers, services, and what happens to sessions; docs/rack.md has the columns. The file is made
+    // if need be, and several programs may write to the same one. A line is written when its access has
+    // ended, before the call returns, and takes as long as the file takes. A log that fails costs no access:
+    // it is told once as an event, and the log tells how many lines are missing. Throws Failure
+    // (InvalidArgument) for a file that cannot be opened; the former log goes on then.
+    void logTo(const std::string& path);
+    // The same to a function.
+    void logTo(LogSink sink);
+    // When it returns, nothing is written any more.
+    void endLog();
+    // A line of the caller's own, at its place in the log. Without a log it is nothing.
+    void note(std::string_view text);
 
     // Counts of each board that was opened, by its serial number. Stops nothing.
     std::map<std::string, BoardCounters> counters() const;

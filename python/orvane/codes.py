@@ -67,6 +67,7 @@ class EventKind(enum.IntEnum):
     REOPENED = 4
     PING_LOST = 5
     CLOSED = 6
+    LOG_FAILED = 7
 
 
 class EventLevel(enum.IntEnum):

@@ -146,6 +146,26 @@ TEST(OrvaneLogOfAnything, IsNotesWhereItIsNoRecord) {
                      "      0    3  1.0x0002      1       0        0  0x0003      0x0003\n"));
 }
 
+TEST(OrvaneLogOfARack, HasItsRegisterAccessesAndTheRestAsNotes) {
+    const Folder folder;
+    const std::string log =
+        folder.write("rack", "adapter,phy,op,mmd,address,value,time,port,outcome,arguments,result\n"
+                             "0,3,MW,1E,C010,CAFE,2026-11-22T02:08:33.123456Z,OV0001:0,done,,\n"
+                             "0,3,MR,1E,C010,,2026-11-22T02:08:33.123456Z,OV0001:0,board error -5,,\n"
+                             "0,3,MR,1E,C010,CAFE,2026-11-22T02:08:33.123456Z,OV0001:0,done,,\n"
+                             "0,3,2W,,04,01E1,2026-11-22T02:08:33.123456Z,OV0001:0,done,,\n"
+                             "0,3,MR,,80004000,DEADBEEF,2026-11-22T02:08:33.123456Z,OV0001:0,done,,\n"
+                             "0,3,MR,,80004000,,2026-11-22T02:08:33.123456Z,OV0001:0,timed out,,\n"
+                             "0,3,i2c.read,,,,2026-11-22T02:08:33.123456Z,OV0001:0,done,bus=0,bytes=4F\n");
+    EXPECT_EQ(orvane({"log", log}),
+              prints("6 accesses: 4 reads, 2 writes, 3 registers\n"
+                     "note: 0,3,i2c.read,,,,2026-11-22T02:08:33.123456Z,OV0001:0,done,bus=0,bytes=4F\n"
+                     "ADAPTER  PHY  ADDRESS     READS  WRITES  CHANGES  FIRST READ  LAST READ\n"
+                     "      0    3  30.0xC010       2       1        0  0xCAFE      0xCAFE\n"
+                     "      0    3  0x04            0       1        0  -           -\n"
+                     "      0    3  0x80004000      2       0        0  0xDEADBEEF  0xDEADBEEF\n"));
+}
+
 TEST(OrvaneLogOfAnything, HasLongLinesAsSeveralNotes) {
     const Folder folder;
     const std::string log = folder.write("odd", std::string(300'000, 'x') + "\n0,3,MR,01,0002,0003\n");

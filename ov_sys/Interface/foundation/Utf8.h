@@ -41,6 +41,16 @@ inline Utf8Character firstCharacter(std::string_view text) noexcept {
     return {};
 }
 
+// Whether a character stands for something to be seen: no control character (C0, DEL, C1), end of a line or
+// paragraph, mark or override of direction, byte order mark.
+constexpr bool isVisible(char32_t code) noexcept {
+    const bool control = code < 0x20 || (code >= 0x7F && code < 0xA0);
+    const bool layout = code == 0x061C || code == 0x200E || code == 0x200F ||
+                        (code >= 0x2028 && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069) ||
+                        code == 0xFEFF;
+    return !control && !layout;
+}
+
 // Whether a text is UTF-8 throughout, character by character as above.
 inline bool isUtf8(std::string_view text) noexcept {
     while (!text.empty()) {

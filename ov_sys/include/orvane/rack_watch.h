@@ -1,4 +1,5 @@
-/* What happens to boards and sessions, and what was counted of their calls; see <orvane/rack.h>. */
+/* What happens to boards and sessions, a log of all accesses, and what was counted of them; see
+ * <orvane/rack.h>. */
 #ifndef ORVANE_RACK_WATCH_H
 #define ORVANE_RACK_WATCH_H
 
@@ -18,7 +19,8 @@ enum orvane_event_kind {
     ORVANE_EVENT_MOVED = 3,
     ORVANE_EVENT_REOPENED = 4,
     ORVANE_EVENT_PING_LOST = 5,
-    ORVANE_EVENT_CLOSED = 6
+    ORVANE_EVENT_CLOSED = 6,
+    ORVANE_EVENT_LOG_FAILED = 7
 };
 
 /* How much it matters. */
@@ -31,7 +33,7 @@ typedef struct orvane_event {
     int level;         /* an orvane_event_level */
     int port;          /* -1: the board as a whole */
     int phy;           /* -1: none */
-    const char *board; /* serial number */
+    const char *board; /* serial number; empty: none of the boards */
     const char *text;  /* details, e.g. the board's new address; may be empty */
 } orvane_event;
 
@@ -45,6 +47,24 @@ ORVANE_C_API int orvane_rack_on_event(orvane_rack *rack, orvane_event_callback c
                                       orvane_failure *failure);
 /* A kind in words, e.g. "ping lost". Never null. */
 ORVANE_C_API const char *orvane_event_kind_text(int kind);
+
+/* ---- The transaction log ---- */
+
+/* Takes one line or several, each with its end, which are not terminated. Called by the thread whose access
+ * it is, one at a time, and must not use the rack. Returns 0, or an errno value, and the lines are lost. */
+typedef int (*orvane_log_sink)(void *context, const char *lines, size_t length);
+
+/* From now on every access of this rack leaves a line in that file, at its end, until the log is ended or
+ * another one is begun; docs/rack.md has the columns. A log that fails costs no access: it is told once as an
+ * event. */
+ORVANE_C_API int orvane_rack_log_to(orvane_rack *rack, const char *path, orvane_failure *failure);
+/* The same to a function. `context` must last until the log's end or the rack's. */
+ORVANE_C_API int orvane_rack_log_to_sink(orvane_rack *rack, orvane_log_sink sink, void *context,
+                                         orvane_failure *failure);
+/* When it returns, nothing is written any more. */
+ORVANE_C_API int orvane_rack_end_log(orvane_rack *rack, orvane_failure *failure);
+/* A line of the caller's own, at its place in the log. Without a log it is nothing. */
+ORVANE_C_API int orvane_rack_note(orvane_rack *rack, const char *text, orvane_failure *failure);
 
 /* ---- Counters ---- */
 

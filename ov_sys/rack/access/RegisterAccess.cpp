@@ -21,7 +21,11 @@ std::string objection(const Target& target, const RegisterAddress& address, std:
     return {};
 }
 
-Trouble read(const Target& target, const RegisterAddress& address, std::uint32_t& value, Limits& limits) {
+namespace {
+
+using State = OperationOutcome::State;
+
+Trouble readOne(const Target& target, const RegisterAddress& address, std::uint32_t& value, Limits& limits) {
     if (target.overSmbus()) {
         SmbusTransfers transfers(target, address);
         const Trouble trouble = run(target, transfers, limits);
@@ -35,7 +39,7 @@ Trouble read(const Target& target, const RegisterAddress& address, std::uint32_t
     return drive(target.link, call, limits);
 }
 
-Trouble write(const Target& target, const RegisterAddress& address, std::uint32_t value, Limits& limits) {
+Trouble writeOne(const Target& target, const RegisterAddress& address, std::uint32_t value, Limits& limits) {
     if (target.overSmbus()) {
         SmbusTransfers transfers(target, address, value);
         return run(target, transfers, limits);
@@ -50,10 +54,6 @@ Trouble write(const Target& target, const RegisterAddress& address, std::uint32_
     return drive(target.link, call, limits);
 }
 
-namespace {
-
-using State = OperationOutcome::State;
-
 // One after the other, for buses without blocks.
 Trouble runSingly(const Target& target, const std::vector<Batch::Operation>& operations,
                   std::vector<OperationOutcome>& outcomes, std::size_t& failed, Limits& limits) {
@@ -62,8 +62,8 @@ Trouble runSingly(const Target& target, const std::vector<Batch::Operation>& ope
         OperationOutcome& outcome = outcomes[failed];
         const unsigned before = limits.attempts;
         outcome.value = one.value;
-        const Trouble trouble = one.writes ? write(target, one.address, one.value, limits)
-                                           : read(target, one.address, outcome.value, limits);
+        const Trouble trouble = one.writes ? writeOne(target, one.address, one.value, limits)
+                                           : readOne(target, one.address, outcome.value, limits);
         if (trouble) {
             outcome = outcomeOf(trouble, limits.attempts != before);
             return trouble;
@@ -75,6 +75,20 @@ Trouble runSingly(const Target& target, const std::vector<Batch::Operation>& ope
 
 } // namespace
 
+Trouble read(const Target& target, const RegisterAddress& address, std::uint32_t& value, Limits& limits) {
+    const Trouble trouble = readOne(target, address, value, limits);
+    if (target.link.log().on())
+        target.link.log().access(target.place(), {address, value, false}, trouble);
+    return trouble;
+}
+
+Trouble write(const Target& target, const RegisterAddress& address, std::uint32_t value, Limits& limits) {
+    const Trouble trouble = writeOne(target, address, value, limits);
+    if (target.link.log().on())
+        target.link.log().access(target.place(), {address, value, true}, trouble);
+    return trouble;
+}
+
 OperationOutcome outcomeOf(Trouble trouble, bool sent) noexcept {
     if (trouble.kind() == FailureKind::BoardError)
         return {State::Refused, 0, trouble.code()};
@@ -84,8 +98,11 @@ OperationOutcome outcomeOf(Trouble trouble, bool sent) noexcept {
 Trouble run(const Target& target, const std::vector<Batch::Operation>& operations,
             std::vector<OperationOutcome>& outcomes, std::size_t& failed, Limits& limits) {
     outcomes.assign(operations.size(), {});
-    return target.overSmbus() ? runSingly(target, operations, outcomes, failed, limits)
-                              : runBlocks(target, operations, outcomes, failed, limits);
+    const Trouble trouble = target.overSmbus() ? runSingly(target, operations, outcomes, failed, limits)
+                                               : runBlocks(target, operations, outcomes, failed, limits);
+    if (target.link.log().on())
+        target.link.log().batch(target.place(), operations, outcomes, failed, trouble);
+    return trouble;
 }
 
 } // namespace Orvane::RackAccess

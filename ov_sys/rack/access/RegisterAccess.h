@@ -23,6 +23,7 @@ struct Target {
     SmbusProtocol smbus;
 
     bool overSmbus() const noexcept { return session.port >= kFirstSmbusPort; }
+    RackLog::Place place() const noexcept { return link.place(session); }
 };
 
 // Why this PHY has no such register, as a sentence; empty when it has. `value`: to be written.

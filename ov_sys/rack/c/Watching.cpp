@@ -1,4 +1,4 @@
-// Events and counters, for C.
+// Events, the transaction log and counters, for C.
 #include "ov_sys/rack/c/Failures.h"
 #include "ov_sys/rack/c/Handles.h"
 
@@ -6,6 +6,8 @@
 #include <deque>
 #include <map>
 #include <string>
+#include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -18,6 +20,7 @@ static_assert(static_cast<int>(Orvane::Event::Kind::Moved) == ORVANE_EVENT_MOVED
 static_assert(static_cast<int>(Orvane::Event::Kind::Reopened) == ORVANE_EVENT_REOPENED);
 static_assert(static_cast<int>(Orvane::Event::Kind::PingLost) == ORVANE_EVENT_PING_LOST);
 static_assert(static_cast<int>(Orvane::Event::Kind::Closed) == ORVANE_EVENT_CLOSED);
+static_assert(static_cast<int>(Orvane::Event::Kind::LogFailed) == ORVANE_EVENT_LOG_FAILED);
 static_assert(static_cast<int>(Orvane::Event::Level::Debug) == ORVANE_LEVEL_DEBUG);
 static_assert(static_cast<int>(Orvane::Event::Level::Info) == ORVANE_LEVEL_INFO);
 static_assert(static_cast<int>(Orvane::Event::Level::Warning) == ORVANE_LEVEL_WARNING);
@@ -80,6 +83,37 @@ int orvane_rack_on_event(orvane_rack* rack, orvane_event_callback callback, void
 
 const char* orvane_event_kind_text(int kind) {
     return toText(static_cast<Orvane::Event::Kind>(kind));
+}
+
+int orvane_rack_log_to(orvane_rack* rack, const char* path, orvane_failure* failure) {
+    return guarded(failure, [&] {
+        need({rack, path});
+        rack->rack.logTo(std::string(path));
+    });
+}
+
+int orvane_rack_log_to_sink(orvane_rack* rack, orvane_log_sink sink, void* context, orvane_failure* failure) {
+    return guarded(failure, [&] {
+        need({rack, reinterpret_cast<const void*>(sink)});
+        rack->rack.logTo([sink, context](std::string_view lines) {
+            if (const int error = sink(context, lines.data(), lines.size()); error != 0)
+                throw std::system_error(error, std::generic_category());
+        });
+    });
+}
+
+int orvane_rack_end_log(orvane_rack* rack, orvane_failure* failure) {
+    return guarded(failure, [&] {
+        need({rack});
+        rack->rack.endLog();
+    });
+}
+
+int orvane_rack_note(orvane_rack* rack, const char* text, orvane_failure* failure) {
+    return guarded(failure, [&] {
+        need({rack, text});
+        rack->rack.note(text);
+    });
 }
 
 int orvane_rack_counters(orvane_rack* rack, orvane_counters** counters, orvane_failure* failure) {

@@ -2,6 +2,7 @@
 #include "ov_sys/rack/core/OpenSession.h"
 
 #include "ov_sys/rack/core/Board.h"
+#include "ov_sys/rack/core/LogEntry.h"
 #include "ov_sys/rack/link/SetupCalls.h"
 
 #include <cerrno>
@@ -101,8 +102,10 @@ void OpenSession::objectAtLength(const char* operation, const RegisterAddress& a
 }
 
 void OpenSession::open(Limits& limits) {
+    LogEntry entry(*this, "session.open");
     PingCall ping(state_); // opens what is not open
-    check(drive(link(), ping, limits), "open", {}, limits);
+    entry.check(drive(link(), ping, limits), "open", {}, limits);
+    entry.done();
 }
 
 void OpenSession::close(Limits& limits) {
@@ -114,10 +117,12 @@ void OpenSession::close(Limits& limits) {
     }
     if (!state_.open)
         return;
+    LogEntry entry(*this, "session.close");
     CloseCall call(state_);
     const Trouble trouble = drive(link(), call, limits);
     forget();
-    check(trouble, "close", {}, limits);
+    entry.check(trouble, "close", {}, limits);
+    entry.done();
 }
 
 void OpenSession::forget() {

@@ -51,6 +51,8 @@ public:
 
     RackAccess::Target target() noexcept;
     RackLink::BoardLink& link() noexcept;
+    RackLog::TransactionLog& log() noexcept { return link().log(); }
+    RackLog::Place place() noexcept { return link().place(state_); }
     const std::shared_ptr<Board>& board() const noexcept { return board_; }
     RackLink::Session& state() noexcept { return state_; }
     void setSmbus(SmbusProtocol protocol) noexcept { smbus_.store(protocol, std::memory_order_relaxed); }

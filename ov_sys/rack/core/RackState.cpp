@@ -11,7 +11,8 @@
 namespace Orvane::RackCore {
 
 RackState::RackState()
-    : keeper_([this] { return all(); }, [this](const FoundBoard& board) { learn({board}); }, events_, *this) {
+    : log_([this](std::string why) { logFailed(std::move(why)); }),
+      keeper_([this] { return all(); }, [this](const FoundBoard& board) { learn({board}); }, events_, *this) {
 }
 
 void RackState::report(const RackLink::BoardLink& link, const RackLink::Session* session, Event::Kind kind,
@@ -26,7 +27,19 @@ void RackState::report(const RackLink::BoardLink& link, const RackLink::Session*
     event.kind = kind;
     event.level = level;
     event.text = std::move(text);
+    if (log_.on())
+        log_.event(event);
     if (events_.push(std::move(event)) || kind == Event::Kind::Opened)
+        keeper_.wake();
+}
+
+void RackState::logFailed(std::string why) {
+    Event event;
+    event.time = std::chrono::system_clock::now();
+    event.kind = Event::Kind::LogFailed;
+    event.level = Event::Level::Warning;
+    event.text = std::move(why);
+    if (events_.push(std::move(event)))
         keeper_.wake();
 }
 
@@ -116,6 +129,7 @@ RackLink::Trouble RackState::ask(const std::vector<in_addr_t>& addresses, RackLi
 
 void RackState::end() {
     keeper_.stop();
+    log_.end();
     const std::lock_guard<std::mutex> lock(mutex_);
     boards_.clear(); // which own what they are part of
 }

@@ -5,6 +5,7 @@
 #include "ov_sys/rack/core/EventQueue.h"
 #include "ov_sys/rack/core/Keeper.h"
 #include "ov_sys/rack/link/Limits.h"
+#include "ov_sys/rack/log/TransactionLog.h"
 #include "ov_sys/rack/values/Discovery.h"
 
 #include <functional>
@@ -26,6 +27,7 @@ public:
                 Event::Level level, std::string text) override;
     void missing(RackLink::BoardLink& link) override { keeper_.lookFor(link.board()); }
     bool names(in_addr_t from, const std::string& answer, const std::string& board) const override;
+    RackLog::TransactionLog& log() noexcept override { return log_; }
 
     std::vector<std::shared_ptr<Board>> all() const;
     // Null when no address of it is known.
@@ -43,16 +45,18 @@ public:
     RackLink::Trouble ask(const std::vector<in_addr_t>& addresses, RackLink::Limits& limits,
                           Discovery& found);
     void onEvent(EventCallback callback) { events_.setCallback(std::move(callback)); }
-    // Ends the thread and lets the boards go.
+    // Ends thread and log, and lets the boards go.
     void end();
 
 private:
     in_addr_t addressOf(const std::string& name) const;
+    void logFailed(std::string why);
 
     mutable std::mutex mutex_; // guards boards_ and addresses_
     std::map<std::string, in_addr_t> addresses_;
     std::map<std::string, std::shared_ptr<Board>> boards_;
     EventQueue events_;
+    RackLog::TransactionLog log_;
     Keeper keeper_;
 };
 

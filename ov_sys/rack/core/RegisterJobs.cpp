@@ -50,12 +50,15 @@ void RegisterJob::next(std::vector<Call*>& list) {
 }
 
 void RegisterJob::settle(Trouble trouble) {
+    const std::uint32_t value = transfers_ != nullptr && !writes_ ? transfers_->value() : value_;
+    if (session->log().on())
+        session->log().access(session->place(), {address_, value, writes_}, trouble);
     if (trouble)
         return told_(0, failureBy([&] {
                          return session->failure(trouble, writes_ ? "write" : "read", toText(address_),
                                                  limits);
                      }));
-    told_(transfers_ != nullptr && !writes_ ? transfers_->value() : value_, std::nullopt);
+    told_(value, std::nullopt);
 }
 
 BatchJob::BatchJob(std::shared_ptr<OpenSession> target, const Within& said, Batch batch, Told told)
@@ -68,6 +71,8 @@ BatchJob::BatchJob(std::shared_ptr<OpenSession> target, const Within& said, Batc
 
 void BatchJob::settle(Trouble trouble) {
     run_.store();
+    if (session->log().on())
+        session->log().batch(session->place(), batch_.operations(), run_.outcomes, run_.failed, trouble);
     std::optional<Failure> failure;
     if (trouble)
         failure = failureBy([&] {
@@ -109,11 +114,13 @@ void SmbusBatchJob::next(std::vector<Call*>& list) {
 
 void SmbusBatchJob::settle(Trouble trouble) {
     std::optional<Failure> failure;
-    if (trouble) {
+    if (trouble)
         outcomes_[at_] = RackAccess::outcomeOf(trouble, limits.attempts != sentBefore_);
+    if (session->log().on())
+        session->log().batch(session->place(), batch_.operations(), outcomes_, at_, trouble);
+    if (trouble)
         failure =
             session->failure(trouble, "batch", "from " + toText(batch_.operations()[at_].address), limits);
-    }
     told_({std::move(outcomes_), std::move(failure)});
 }
 

@@ -1,7 +1,7 @@
 // One call of a board's service, from the public edge down.
 #pragma once
 
-#include "ov_sys/rack/core/OpenSession.h"
+#include "ov_sys/rack/core/LogEntry.h"
 #include "ov_sys/rack/link/Drive.h"
 #include "ov_sys/rack/link/TypedCall.h"
 
@@ -11,24 +11,25 @@
 
 namespace Orvane::RackCore {
 
-// Its argument is filled before run(), its result good afterwards. The session is the caller's.
+// Its argument is filled before run(), its result good afterwards. The entry is the caller's.
 template <class Param, class Result>
 class ServiceCall : public RackLink::TypedCall<Param, Result> {
 public:
     template <class Procedure>
-    ServiceCall(OpenSession& owner, RackLink::Program which, Procedure number, RackLink::Effect does)
-        : RackLink::TypedCall<Param, Result>(which, static_cast<std::uint32_t>(number), does), owner_(owner) {
-        this->session = &owner.state();
+    ServiceCall(LogEntry& entry, RackLink::Program which, Procedure number, RackLink::Effect does)
+        : RackLink::TypedCall<Param, Result>(which, static_cast<std::uint32_t>(number), does), entry_(entry) {
+        this->session = &entry.session().state();
     }
 
     // Throws the Failure of `operation` at `location`.
     void run(const char* operation, const Within& within, const std::string& location = {}) {
         RackLink::Limits limits(within);
-        owner_.check(RackLink::drive(owner_.link(), *this, limits), operation, location, limits);
+        RackLink::drive(entry_.session().link(), *this, limits);
+        entry_.check(this->trouble, operation, location, limits);
     }
 
 private:
-    OpenSession& owner_;
+    LogEntry& entry_;
 };
 
 // Lists of the caller as a record takes them; XDR only reads what it encodes.
@@ -73,9 +74,9 @@ inline void require(bool fits, const OpenSession& session, const char* operation
 
 // A call whose argument is one value beside the session word, and in whose result nothing points anywhere.
 template <class Result, class Procedure>
-Result runSimple(OpenSession& session, RackLink::Program program, Procedure procedure,
-                 RackLink::Effect effect, std::uint32_t value, const char* operation, const Within& within) {
-    ServiceCall<Simple_Param, Result> call(session, program, procedure, effect);
+Result runSimple(LogEntry& entry, RackLink::Program program, Procedure procedure, RackLink::Effect effect,
+                 std::uint32_t value, const char* operation, const Within& within) {
+    ServiceCall<Simple_Param, Result> call(entry, program, procedure, effect);
     call.argument.value = value;
     call.run(operation, within);
     return call.result;

@@ -44,8 +44,10 @@ public:
         list.push_back(call_.get());
     }
     void settle(RackLink::Trouble trouble) override {
-        if (call_) // the board was told; whether it heard, the session is given up
+        if (call_) { // the board was told; whether it heard, the session is given up
             session->forget();
+            session->log().service(session->place(), "session.close", trouble);
+        }
         settled_(*this, trouble);
     }
 

@@ -19,7 +19,7 @@ std::uint32_t firstId() {
 } // namespace
 
 BoardLink::BoardLink(std::string board, in_addr_t address, Surroundings& around)
-    : board_(std::move(board)), around_(around), address_(address), nextId_(firstId()) {
+    : board_(std::move(board)), around_(around), log_(around.log()), address_(address), nextId_(firstId()) {
     ports_[indexOf(Program::PortMapper)] = PMAPPORT;
 }
 

@@ -9,6 +9,7 @@
 #include "ov_sys/rack/link/Stream.h"
 #include "ov_sys/rack/link/Tally.h"
 #include "ov_sys/rack/link/Turn.h"
+#include "ov_sys/rack/log/TransactionLog.h"
 #include "ov_sys/rack/values/Event.h"
 
 #include <array>
@@ -33,6 +34,8 @@ public:
     virtual void missing(BoardLink& link) = 0;
     // Whether the answer that discovery got from an address is that of the board.
     virtual bool names(in_addr_t from, const std::string& answer, const std::string& board) const = 0;
+    // Outlives the link.
+    virtual RackLog::TransactionLog& log() noexcept = 0;
 };
 
 // A state machine that never blocks. start() takes calls, step() moves them on, and whoever drives it waits
@@ -56,6 +59,11 @@ public:
 
     const std::string& board() const noexcept { return board_; }
     const Tally& tally() const noexcept { return tally_; }
+    // Where accesses leave their lines.
+    RackLog::TransactionLog& log() const noexcept { return log_; }
+    RackLog::Place place(const Session& session) const noexcept {
+        return {board_, static_cast<int>(session.port), static_cast<int>(session.phy)};
+    }
     in_addr_t address() const noexcept { return address_.load(std::memory_order_relaxed); }
     // The address at which the board was found; taken over at the next step.
     void found(in_addr_t address) noexcept { found_.store(address, std::memory_order_release); }
@@ -161,6 +169,7 @@ private:
 
     const std::string board_;
     Surroundings& around_;
+    RackLog::TransactionLog& log_;
     std::atomic<in_addr_t> address_;
     std::atomic<in_addr_t> found_{0};
     Tally tally_;

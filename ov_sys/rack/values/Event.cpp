@@ -21,6 +21,8 @@ const char* toText(Event::Kind kind) noexcept {
         return "ping lost";
     case Event::Kind::Closed:
         return "closed";
+    case Event::Kind::LogFailed:
+        return "log failed";
     }
     return "unknown event";
 }
@@ -31,7 +33,7 @@ std::ostream& operator<<(std::ostream& out, const Event& event) {
         out << ':' << event.port;
     if (event.phy >= 0)
         out << " PHY " << event.phy;
-    out << ": " << toText(event.kind);
+    out << (event.board.empty() ? "" : ": ") << toText(event.kind);
     return event.text.empty() ? out : out << ", " << event.text;
 }
 

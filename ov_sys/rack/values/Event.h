@@ -13,12 +13,12 @@ namespace Orvane {
 // Something that happened. A plain value.
 struct Event {
     // What happened.
-    enum class Kind { Opened, Lost, Retried, Moved, Reopened, PingLost, Closed };
+    enum class Kind { Opened, Lost, Retried, Moved, Reopened, PingLost, Closed, LogFailed };
     // How much it matters.
     enum class Level { Debug, Info, Warning };
 
     std::chrono::system_clock::time_point time; // when
-    std::string board;                          // serial number
+    std::string board;                          // serial number; empty: none of the boards
     int port = -1;                              // -1: the board as a whole
     int phy = -1;                               // -1: none
     Kind kind = Kind::Opened;

@@ -1,5 +1,8 @@
 // Events and counters, as a C program sees them.
 #include "tests/support/rack/CRackOnBoard.h"
+#include "tests/support/rack/LogFolder.h"
+
+#include <cerrno>
 
 namespace OrvaneTest {
 namespace {
@@ -74,6 +77,47 @@ TEST_F(CWatchingTest, CountersNameBoardsProgramsAndLatencies) {
     EXPECT_GE(orvane_latency_percentile(mdio->latency, 100), orvane_latency_percentile(mdio->latency, 50));
     EXPECT_EQ(orvane_counters_at(counters, 1), nullptr);
     orvane_counters_free(counters);
+}
+
+TEST_F(CWatchingTest, LogGoesToAFile) {
+    const LogFolder log;
+    orvane_phy_open(phy, nullptr, nullptr);
+    ASSERT_EQ(orvane_rack_log_to(rack, log.path.c_str(), &failure), ORVANE_DONE);
+    orvane_phy_write(phy, kRegister, 7, nullptr, nullptr);
+    EXPECT_EQ(orvane_rack_note(rack, "seven", &failure), ORVANE_DONE);
+    EXPECT_EQ(orvane_rack_end_log(rack, &failure), ORVANE_DONE);
+    orvane_phy_write(phy, kRegister, 8, nullptr, nullptr);
+    EXPECT_EQ(log.lines(), "0,3,MW,1E,C010,0007,TIME,BOARD7:1,done,,\n,,note,,,,TIME,,,seven,\n");
+}
+
+TEST_F(CWatchingTest, LogGoesToAFunctionUntilItRefuses) {
+    struct Sink {
+        std::string text;
+        int status = 0;
+        static int take(void* context, const char* lines, std::size_t length) {
+            auto* const self = static_cast<Sink*>(context);
+            if (self->status == 0)
+                self->text.append(lines, length);
+            return self->status;
+        }
+    } sink;
+    ASSERT_EQ(orvane_rack_log_to_sink(rack, &Sink::take, &sink, &failure), ORVANE_DONE);
+    sink.text.clear();
+    sink.status = ENOSPC;
+    orvane_rack_note(rack, "lost", nullptr);
+    sink.status = 0;
+    orvane_rack_note(rack, "found", nullptr);
+    orvane_rack_end_log(rack, nullptr);
+    EXPECT_EQ(LogFolder::timeless(sink.text),
+              ",,note,,,,TIME,,,1 lines are missing here: No space left on device,\n"
+              ",,note,,,,TIME,,,found,\n");
+}
+
+TEST_F(CWatchingTest, LogThatCannotBeIsRefused) {
+    EXPECT_EQ(orvane_rack_log_to(rack, "/nowhere/log", &failure), ORVANE_INVALID_ARGUMENT);
+    EXPECT_EQ(orvane_rack_log_to(nullptr, "log", &failure), ORVANE_INVALID_ARGUMENT);
+    EXPECT_EQ(orvane_rack_log_to_sink(rack, nullptr, nullptr, &failure), ORVANE_INVALID_ARGUMENT);
+    EXPECT_EQ(orvane_rack_note(rack, nullptr, &failure), ORVANE_INVALID_ARGUMENT);
 }
 
 TEST_F(CWatchingTest, NothingIsCountedWithoutARack) {

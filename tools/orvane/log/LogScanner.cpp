@@ -15,8 +15,8 @@ namespace OrvaneTool {
 namespace {
 
 constexpr std::size_t kWindow = std::size_t{256} * 1024;
-constexpr std::size_t kLookAhead = std::size_t{64} * 1024; // more than any record has
-constexpr std::string_view kHeader = "adapter,phy,op,mmd,address,value,";
+constexpr std::size_t kLookAhead = std::size_t{64} * 1024;                // more than any record has
+constexpr std::string_view kHeader = "adapter,phy,op,mmd,address,value,"; // a rack's names more columns
 constexpr std::size_t kWordDigits = 8;
 constexpr std::size_t kLongDigits = 16;
 constexpr std::size_t kWideAddressDigits = 6; // an MMD never has as many
@@ -88,6 +88,8 @@ public:
         access.write = operation->back() == 'W';
         if (*operation == "AF")
             return fetched(access);
+        if (*operation == "2W" || *operation == "2R")
+            return clause22(access);
         if (*operation != "MW" && *operation != "MR" && *operation != "AW" && *operation != "AR")
             return false;
         return registerAccess(access);
@@ -122,6 +124,15 @@ private:
         return true;
     }
 
+    bool clause22(LoggedAccess& access) {
+        record_.kind = LogRecord::Kind::Access;
+        access.reg.space = Space::C22;
+        const auto noMmd = cursor_.field();
+        const auto address = cursor_.field();
+        return noMmd && noMmd->empty() && address &&
+               take(numberIn<std::uint32_t>(*address, 16), access.reg.address) && lineValue(access);
+    }
+
     static bool take(std::optional<std::uint32_t> found, std::uint32_t& place) {
         place = found.value_or(0);
         return found.has_value();
@@ -131,14 +142,25 @@ private:
         const std::string_view digits = cursor_.digits();
         access.value = numberIn<std::uint64_t>(digits, 16);
         cursor_.skip(digits.size());
-        const bool ends = access.value && cursor_.endsLine();
+        const bool ends = (access.value && cursor_.endsLine()) || skipColumns();
         cursor_.skip(1);
         return ends;
+    }
+
+    // A rack's log goes on behind the value, of which a read that failed has none.
+    bool skipColumns() {
+        if (cursor_.rest().empty() || cursor_.rest()[0] != ',')
+            return false;
+        cursor_.skip(std::min(cursor_.rest().find('\n'), cursor_.rest().size()));
+        return true;
     }
 
     // The next record's adapter follows at once: of its digits, none belongs to the value.
     bool runOnValue(LoggedAccess& access) {
         const std::size_t count = cursor_.digits().size();
+        const std::string_view behind = cursor_.rest().substr(count);
+        if ((count == kWordDigits || count == 0) && !behind.empty() && behind[0] == ',')
+            return lineValue(access);
         if (count < kWordDigits)
             return false;
         const std::size_t digits = count >= kLongDigits ? kLongDigits : kWordDigits;
@@ -208,7 +230,7 @@ void LogScanner::takeNote(LogRecord& record) {
     const bool whole = end != std::string_view::npos;
     record = {};
     const std::string_view line = rest().substr(0, end);
-    if (inNote_ || line != kHeader)
+    if (inNote_ || line.substr(0, kHeader.size()) != kHeader)
         record.note = line;
     begin_ += line.size() + (whole ? 1 : 0);
     inNote_ = !whole;

@@ -16,7 +16,7 @@ namespace OrvaneTool {
 struct LoggedAccess {
     unsigned adapter = 0;
     unsigned phy = 0;
-    Register reg; // of Clause 45, or of the 32-bit space
+    Register reg; // of any space
     bool write = false;
     bool queued = false;
     int digits = 4; // hexadecimal digits of the value: 4, 8 or 16

@@ -10,16 +10,6 @@
 namespace OrvaneTool {
 namespace {
 
-bool isControl(char32_t code) {
-    return code < 0x20 || (code >= 0x7F && code < 0xA0);
-}
-
-// Ends of lines and paragraphs, marks and overrides of direction, the byte order mark.
-bool isLayout(char32_t code) {
-    return code == 0x061C || code == 0x200E || code == 0x200F || (code >= 0x2028 && code <= 0x202E) ||
-           (code >= 0x2066 && code <= 0x2069) || code == 0xFEFF;
-}
-
 // Replaces each character that `shows` refuses, and each byte that is none, by what `escape` makes of them.
 template <class Shows, class Escape>
 std::string escaped(std::string_view text, Shows shows, Escape escape) {
@@ -50,19 +40,18 @@ std::string hexadecimal(char32_t, std::string_view bytes) {
 } // namespace
 
 std::string visible(std::string_view text) {
-    return escaped(
-        text, [](char32_t code) { return !isControl(code) && !isLayout(code); }, hexadecimal);
+    return escaped(text, Orvane::isVisible, hexadecimal);
 }
 
 std::string visibleLines(std::string_view text) {
     const auto shows = [](char32_t code) {
-        return code == U'\n' || code == U'\t' || (!isControl(code) && !isLayout(code));
+        return code == U'\n' || code == U'\t' || Orvane::isVisible(code);
     };
     return escaped(text, shows, hexadecimal);
 }
 
 std::string visibleJson(std::string_view json) {
-    const auto shows = [](char32_t code) { return code == U'\n' || (!isControl(code) && !isLayout(code)); };
+    const auto shows = [](char32_t code) { return code == U'\n' || Orvane::isVisible(code); };
     return escaped(json, shows, [](char32_t code, std::string_view) {
         return fmt::format("\\u{:04x}", static_cast<std::uint32_t>(code));
     });

@@ -22,6 +22,7 @@ public:
         return context_.rack().ask(context_.addresses, context_.within(std::chrono::seconds(5)));
     }
     Orvane::Discovery listen() {
+        end_ = Clock::now() + search_.time;
         const auto noted = [this](const Orvane::FoundBoard& board) { return note(board); };
         return context_.rack().discover(noted, context_.within(search_.time));
     }
@@ -31,7 +32,7 @@ public:
         if (found.malformed > 0)
             return fmt::format("{} answer{} named no port as {} should", found.malformed,
                                found.malformed == 1 ? "" : "s", found.malformed == 1 ? "it" : "they");
-        if (!enough_ && count_ > 0 && Clock::now() - last_ < kLate)
+        if (!enough_ && count_ > 0 && last_ + kLate > end_)
             return "boards were still answering when the time was over (--time gives them more)";
         return {};
     }
@@ -52,7 +53,8 @@ private:
     const Search& search_;
     std::size_t count_ = 0;
     bool enough_ = false;
-    Clock::time_point last_;
+    Clock::time_point last_; // answer of another board
+    Clock::time_point end_ = Clock::time_point::max();
     Spinner spinner_;
 };
 

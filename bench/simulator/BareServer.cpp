@@ -1,6 +1,7 @@
 // libtirpc's own server loop around a constant.
 #include "bench/simulator/BareServer.h"
 
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "simulator/engine/Sockets.h"
 #include "simulator/network/PrivateNetwork.h"
 
@@ -61,13 +62,16 @@ void dispatch(svc_req* request, SVCXPRT* transport) {
 
 BareServer::BareServer(const std::string& address) {
     std::array<int, 2> ends{};
-    if (::pipe(ends.data()) != 0 || (process_ = ::fork()) < 0)
+    if (::pipe(ends.data()) != 0)
+        throw std::runtime_error("cannot make the bare server's pipe");
+    const Orvane::FileDescriptor reading(ends[0]);
+    Orvane::FileDescriptor writing(ends[1]);
+    if ((process_ = ::fork()) < 0)
         throw std::runtime_error("cannot make the bare server's process");
     if (process_ == 0)
-        serve(address, ends[1]);
-    ::close(ends[1]);
-    const ssize_t count = ::read(ends[0], &port_, sizeof port_);
-    ::close(ends[0]);
+        serve(address, writing.get());
+    writing.reset();
+    const ssize_t count = ::read(reading.get(), &port_, sizeof port_);
     if (count != sizeof port_ || port_ == 0)
         throw std::runtime_error("the bare server cannot serve");
 }

@@ -2,6 +2,7 @@
 // answers a constant, in turns; how many requests a board answers, and what many boards cost. All inside a
 // private network of its own.
 #include "bench/simulator/BareServer.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "simulator/engine/Sockets.h"
 
 #include "mdio.h"
@@ -147,20 +148,19 @@ void countRequests() {
     OrvaneSim::Board& board = lab.add();
     const sockaddr_in place = OrvaneSim::endPoint(board.address(), mdioPort(board.address()));
     const auto request = readRequest(openSession(board.address()));
-    const int socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    if (::connect(socket, reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0)
+    const Orvane::FileDescriptor socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0)
         throw std::runtime_error("cannot reach the board");
     const double boardBefore = otherThreadsSeconds();
     const auto begin = Clock::now();
     std::array<char, 64> reply{};
     for (int window = 0; window < kWindows; ++window) {
         for (int i = 0; i < kWindow; ++i)
-            ::send(socket, request.data(), request.size() * sizeof request[0], 0);
+            ::send(socket.get(), request.data(), request.size() * sizeof request[0], 0);
         for (int i = 0; i < kWindow; ++i)
-            if (::recv(socket, reply.data(), reply.size(), 0) <= 0)
+            if (::recv(socket.get(), reply.data(), reply.size(), 0) <= 0)
                 throw std::runtime_error("a reply went wrong");
     }
-    ::close(socket);
     const double requests = double{kWindows} * kWindow;
     std::printf("%d reads under way at once: %.0f a second, %.2f us of the board's processor each\n", kWindow,
                 requests / (microseconds(Clock::now() - begin) / 1e6),

@@ -8,7 +8,6 @@
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <system_error>
-#include <unistd.h>
 #include <utility>
 
 namespace {
@@ -20,13 +19,13 @@ int required(int result) {
 }
 
 // A socket on a free port of 127.0.0.1, whose address goes to `address`.
-int boundSocket(int type, sockaddr_in& address) {
-    const int descriptor = required(socket(AF_INET, type | SOCK_CLOEXEC, 0));
+Orvane::FileDescriptor boundSocket(int type, sockaddr_in& address) {
+    Orvane::FileDescriptor descriptor(required(socket(AF_INET, type | SOCK_CLOEXEC, 0)));
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t length = sizeof address;
-    required(bind(descriptor, reinterpret_cast<sockaddr*>(&address), length));
-    required(getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &length));
+    required(bind(descriptor.get(), reinterpret_cast<sockaddr*>(&address), length));
+    required(getsockname(descriptor.get(), reinterpret_cast<sockaddr*>(&address), &length));
     return descriptor;
 }
 
@@ -55,16 +54,13 @@ LoopbackServer::LoopbackServer()
     : udp_(boundSocket(SOCK_DGRAM, udpAddress_)),
       tcp_(boundSocket(SOCK_STREAM, tcpAddress_)),
       stop_(required(eventfd(0, EFD_CLOEXEC))) {
-    required(listen(tcp_, 4));
+    required(listen(tcp_.get(), 4));
     thread_ = std::thread([this] { serve(); });
 }
 
 LoopbackServer::~LoopbackServer() {
-    eventfd_write(stop_, 1);
+    eventfd_write(stop_.get(), 1);
     thread_.join();
-    for (const int descriptor : {udp_, tcp_, stop_, connection_})
-        if (descriptor != -1)
-            close(descriptor);
 }
 
 ClientHandle LoopbackServer::udpClient(unsigned long program) {
@@ -112,19 +108,20 @@ bool LoopbackServer::raw() {
 
 void LoopbackServer::serve() {
     for (;;) {
-        std::array<pollfd, 4> ready{
-            {{stop_, POLLIN, 0}, {udp_, POLLIN, 0}, {tcp_, POLLIN, 0}, {connection_, POLLIN, 0}}};
+        std::array<pollfd, 4> ready{{{stop_.get(), POLLIN, 0},
+                                     {udp_.get(), POLLIN, 0},
+                                     {tcp_.get(), POLLIN, 0},
+                                     {connection_.get(), POLLIN, 0}}};
         poll(ready.data(), ready.size(), -1);
         if (ready[0].revents != 0)
             return;
         if (ready[1].revents != 0)
             serveDatagram();
         if (ready[3].revents != 0 && !serveRecord()) {
-            close(connection_);
-            connection_ = -1;
+            connection_.reset();
         }
-        if (ready[2].revents != 0 && connection_ == -1)
-            connection_ = accept4(tcp_, nullptr, nullptr, SOCK_CLOEXEC);
+        if (ready[2].revents != 0 && !connection_)
+            connection_.reset(accept4(tcp_.get(), nullptr, nullptr, SOCK_CLOEXEC));
     }
 }
 
@@ -133,13 +130,13 @@ void LoopbackServer::serveDatagram() {
     sockaddr_in from{};
     socklen_t length = sizeof from;
     const ssize_t got =
-        recvfrom(udp_, message.data(), message.size(), 0, reinterpret_cast<sockaddr*>(&from), &length);
+        recvfrom(udp_.get(), message.data(), message.size(), 0, reinterpret_cast<sockaddr*>(&from), &length);
     if (got < 0)
         return;
     message.resize(static_cast<std::size_t>(got));
     const WireBytes reply = answerTo(message);
     if (!reply.empty())
-        sendto(udp_, reply.data(), reply.size(), 0, reinterpret_cast<sockaddr*>(&from), length);
+        sendto(udp_.get(), reply.data(), reply.size(), 0, reinterpret_cast<sockaddr*>(&from), length);
 }
 
 // False when the connection has ended.
@@ -147,12 +144,12 @@ bool LoopbackServer::serveRecord() {
     WireBytes message;
     for (bool last = false; !last;) {
         WireBytes mark(4);
-        if (!readFully(connection_, mark))
+        if (!readFully(connection_.get(), mark))
             return false;
         last = (mark[0] & 0x80) != 0;
         mark[0] &= 0x7f;
         WireBytes fragment(wordAt(mark, 0));
-        if (!readFully(connection_, fragment))
+        if (!readFully(connection_.get(), fragment))
             return false;
         append(message, fragment);
     }
@@ -161,7 +158,7 @@ bool LoopbackServer::serveRecord() {
     if (!reply.empty() && !raw())
         appendWord(record, 0x80000000u | static_cast<unsigned>(reply.size()));
     append(record, reply);
-    send(connection_, record.data(), record.size(), MSG_NOSIGNAL);
+    send(connection_.get(), record.data(), record.size(), MSG_NOSIGNAL);
     return true;
 }
 

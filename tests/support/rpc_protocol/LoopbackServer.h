@@ -1,6 +1,7 @@
 // A tiny RPC server on 127.0.0.1 that records the calls it gets and answers them as it is told.
 #pragma once
 
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "tests/support/rpc_protocol/WireBytes.h"
 
 #include <memory>
@@ -55,11 +56,11 @@ private:
 
     sockaddr_in udpAddress_{};
     sockaddr_in tcpAddress_{};
-    int udp_;
-    int tcp_;
-    int stop_;
-    int connection_ = -1; // of the serving thread
-    std::mutex mutex_;    // guards the three below
+    Orvane::FileDescriptor udp_;
+    Orvane::FileDescriptor tcp_;
+    Orvane::FileDescriptor stop_;
+    Orvane::FileDescriptor connection_; // of the serving thread
+    std::mutex mutex_;                  // guards the three below
     Mode mode_ = Mode::Quiet;
     WireBytes answer_;
     std::vector<RecordedCall> calls_;

@@ -9,7 +9,7 @@ import numpy.typing
 
 from orvane import _aio, _orvane
 from orvane.batch import Batch, BatchResult
-from orvane.codes import SmbusProtocol
+from orvane.codes import SmbusProtocol, Space
 from orvane.limits import USUAL, WithinLike, limits_of
 from orvane.names import NamesOfPhy
 from orvane.registers import Register, RegisterLike, check_value, clause45, register_at
@@ -105,6 +105,8 @@ class Phy(NamesOfPhy, Services):
     def __getitem__(self, key: Union[RegisterLike, Tuple[int, slice], str]) -> Any:
         if type(key) is tuple and len(key) == 2:
             mmd, number = cast(Tuple[int, Any], key)
+            if type(mmd) is type(number) is int and 0 <= mmd <= 31 and 0 <= number <= 0xFFFF:  # the usual, made quick
+                return self._core.read(Space.C45, mmd, number, _LIMITS)
             if isinstance(number, slice):
                 return self._read_row(mmd, _row(number), _LIMITS)
             return self._core.read(*clause45(mmd, number), _LIMITS)

@@ -1,4 +1,8 @@
 """Registers of a PHY, one and many."""
+import sys
+import threading
+import time
+
 import numpy
 import pytest
 from hypothesis import given, strategies
@@ -135,6 +139,53 @@ def test_numpy_numbers_are_registers_and_values(phy):
 
 def test_same_phy_is_the_same_object(port):
     assert port.phy(3) is port.phy(3)
+
+
+class Recorder:
+    """Stands before something of the compiled module, and notes what is called."""
+
+    def __init__(self, core):
+        self._core = core
+        self.called = []
+
+    def __getattr__(self, name):
+        self.called.append(name)
+        return getattr(self._core, name)
+
+
+@pytest.mark.parametrize("use, called", [
+    (lambda phy: phy[1, 2], "read"), (lambda phy: phy.read((1, 2)), "read"),
+    (lambda phy: phy.read(1, range(4096)), "read_row"), (lambda phy: phy[1, 0:4096], "read_row"),
+    (lambda phy: phy.read([(1, 2), clause22(3)] * 2000), "run"),
+    (lambda phy: phy.__setitem__((30, slice(0, 1000)), [0] * 1000), "run")])
+def test_access_of_any_length_is_one_call_of_the_module(phy, use, called):
+    phy._core = recorder = Recorder(phy._core)
+    use(phy)
+    assert recorder.called == [called]
+
+
+def test_read_of_many_boards_is_one_call_of_the_module(rack, monkeypatch):
+    phys = [port.phy(3) for port in rack.open_all("OV*:0")]
+    recorder = Recorder(orvane._orvane)
+    monkeypatch.setattr(sys.modules["orvane.rack"], "_orvane", recorder)
+    assert len(list(orvane.read_all(phys, (1, 2)))) == 8
+    assert recorder.called == ["read_all"]
+
+
+def test_eight_threads_wait_for_their_boards_at_the_same_time(rack, lab):
+    phys = [port.phy(3) for port in rack.open_all("OV*:0", phys=[3])]
+    for each in lab.boards():
+        each.inject("delay", milliseconds=500, count=-1, procedure="mdio_read")
+    threads = [threading.Thread(target=phy.read, args=(1, 2)) for phy in phys]
+    begun = time.monotonic()
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    for each in lab.boards():
+        each.clear()
+    assert len(threads) == 8
+    assert 0.5 <= time.monotonic() - begun < 2  # one after the other: 4 s
 
 
 def test_names_say_where(port):

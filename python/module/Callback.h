@@ -19,7 +19,14 @@ public:
         const Mark mark;
         (*function_)(*arguments());
     }
-    // The same; what it raises is told to sys.unraisablehook.
+    // The same, with what it returns as a value of C++. Throws pybind11::cast_error for another type.
+    template <class Result, class Arguments>
+    Result callFor(const Arguments& arguments) const {
+        const pybind11::gil_scoped_acquire gil;
+        const Mark mark;
+        return pybind11::cast<Result>((*function_)(*arguments()));
+    }
+    // The same as call(); what it raises is told to sys.unraisablehook.
     template <class Arguments>
     void callOrReport(const Arguments& arguments) const {
         const pybind11::gil_scoped_acquire gil;

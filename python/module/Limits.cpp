@@ -29,11 +29,18 @@ Limits makeLimits(double seconds, unsigned reads, unsigned writes, bool heal,
 } // namespace
 
 void bindLimits(py::module_& module) {
-    py::class_<Cancellation, std::shared_ptr<Cancellation>>(module, "Cancellation")
+    py::class_<Cancellation, std::shared_ptr<Cancellation>>(
+        module, "Cancellation",
+        "Ends calls from another thread: Within(cancellation=...). cancel() makes them, and later ones, "
+        "raise "
+        "Cancelled\nwithin 50 ms; reset() lets calls go on again; `cancelled` tells which it is.")
         .def(py::init<>())
-        .def("cancel", &Cancellation::cancel)
-        .def("reset", &Cancellation::reset)
-        .def_property_readonly("cancelled", &Cancellation::cancelled);
+        .def("cancel", &Cancellation::cancel, "From now on calls raise Cancelled.")
+        .def("reset", &Cancellation::reset, "From now on calls are not cancelled.")
+        .def_property_readonly("cancelled", &Cancellation::cancelled, "Whether calls are cancelled.")
+        .def("__repr__", [](const Cancellation& self) {
+            return std::string("<orvane.Cancellation") + (self.cancelled() ? ", cancelled>" : ">");
+        });
     py::class_<Limits>(module, "Limits").def(py::init(&makeLimits));
     module.attr("UP_TO_THE_DEADLINE") = Orvane::Repeat::kUpToTheDeadline;
 }

@@ -4,6 +4,7 @@
 #include "python/module/Errors.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <pybind11/stl.h>
 
 namespace OrvanePython {
@@ -11,13 +12,45 @@ namespace {
 
 using namespace Orvane;
 
-py::tuple discover(RackHandle& self, const Limits& limits) {
-    const Discovery found =
-        outside(limits, [rack = self.rack()](const Within& within) { return rack->discover(within); });
+py::tuple tupleOf(const FoundBoard& board) {
+    return py::make_tuple(board.serial, board.address, board.ports);
+}
+
+// The boards, and how many answers were malformed.
+py::tuple tupleOf(const Discovery& found) {
     py::list boards;
     for (const FoundBoard& one : found.boards)
-        boards.append(py::make_tuple(one.serial, one.address, one.ports));
+        boards.append(tupleOf(one));
     return py::make_tuple(boards, found.malformed);
+}
+
+// With a function, until it says of a board that this is enough.
+py::tuple discover(RackHandle& self, const py::object& enough, const Limits& limits) {
+    if (enough.is_none())
+        return tupleOf(
+            outside(limits, [rack = self.rack()](const Within& within) { return rack->discover(within); }));
+    return tupleOf(outside(limits, [rack = self.rack(), call = Callback(enough)](const Within& within) {
+        return rack->discover(
+            [&](const FoundBoard& board) { return call.callFor<bool>([&] { return tupleOf(board); }); },
+            within);
+    }));
+}
+
+py::tuple ask(RackHandle& self, const std::vector<std::string>& addresses, const Limits& limits) {
+    return tupleOf(outside(
+        limits, [&, rack = self.rack()](const Within& within) { return rack->ask(addresses, within); }));
+}
+
+void logToFile(RackHandle& self, const std::string& path) {
+    outside([&, rack = self.rack()] { rack->logTo(path); });
+}
+
+void logToFunction(RackHandle& self, const py::function& function) {
+    outside([rack = self.rack(), call = Callback(function)] {
+        rack->logTo([call](std::string_view lines) {
+            call.call([&] { return py::make_tuple(py::str(lines.data(), lines.size())); });
+        });
+    });
 }
 
 // How a port is shared: the mode, its key, and whether a refused opening waits.
@@ -108,12 +141,22 @@ double percentile(const LatencyHistogram& self, double percent) {
     return static_cast<double>(self.percentile(percent).count()) / 1e6;
 }
 
+std::string textOf(const LatencyHistogram& self) {
+    char text[80];
+    std::snprintf(text, sizeof text, "<orvane.Latency of %llu calls, half of them within %.3g ms>",
+                  static_cast<unsigned long long>(self.count()), percentile(self, 50) * 1e3);
+    return text;
+}
+
 } // namespace
 
 void bindRacks(py::module_& module) {
-    py::class_<LatencyHistogram>(module, "Latency")
-        .def_property_readonly("count", &LatencyHistogram::count)
-        .def("percentile", percentile);
+    py::class_<LatencyHistogram>(module, "Latency",
+                                 "How long calls took: `count` of them, and percentile(99) in seconds, right "
+                                 "within 3.2 %: the time that so many percent of the calls did not exceed.")
+        .def_property_readonly("count", &LatencyHistogram::count, "The calls that were counted.")
+        .def("__repr__", textOf)
+        .def("percentile", percentile, "Seconds that `percent` (0 to 100) of the calls did not exceed.");
     py::class_<PortHandle, std::shared_ptr<PortHandle>>(module, "Port")
         .def_property_readonly("board", &PortHandle::board)
         .def_property_readonly("number", &PortHandle::number)
@@ -125,6 +168,12 @@ void bindRacks(py::module_& module) {
         .def("open_all", openAll)
         .def("close_sessions", closeSessions)
         .def("discover", discover)
+        .def("ask", ask)
+        .def("log_to_file", logToFile)
+        .def("log_to_function", logToFunction)
+        .def("end_log", [](RackHandle& self) { outside([rack = self.rack()] { rack->endLog(); }); })
+        .def("note", [](RackHandle& self,
+                        const std::string& text) { outside([&, rack = self.rack()] { rack->note(text); }); })
         .def("know", [](RackHandle& self, const std::string& board,
                         const std::string& address) { self.rack()->know(board, address); })
         .def("on_event", onEvent)

@@ -14,7 +14,8 @@ orvane_rack    the rack
 
 The first of them moves the test process into a private network. With --orvane-device OV0001:0 the tests run on that
 port of a real board instead, once for each that is named; what needs a simulated board is skipped there.
-When a test fails, its report shows the last 20 requests of each of its boards.
+When a test fails, its report shows the last 20 requests of each of its boards; of a real one the last 20 accesses of
+the test's rack.
 """
 from __future__ import annotations
 
@@ -39,7 +40,8 @@ class BoardUnderTest:
     On a real board the test is skipped where it comes to what only simulated boards do.
     """
 
-    def __init__(self, rack: Rack, name: str, phy: int, simulated: Optional[orvane.lab.Board] = None) -> None:
+    def __init__(self, rack: Rack, name: str, phy: int, simulated: Optional[orvane.lab.Board] = None,
+                 log: abc.Sequence[str] = ()) -> None:
         self.rack = rack
         """the test's rack"""
         self.name = name
@@ -47,6 +49,7 @@ class BoardUnderTest:
         self.simulated = simulated
         """the simulated board; None: a real one"""
         self._phy = phy
+        self._log = log
         self._port: Optional[Port] = None
 
     def __repr__(self) -> str:
@@ -95,6 +98,12 @@ class BoardUnderTest:
             pytest.fail(f"{self.serial} was not asked for {wanted}{often}, but {len(found)} times; of {procedure} came"
                         + came, pytrace=False)
         return found
+
+    def newest(self) -> str:
+        """Its last 20 requests, or accesses, a line each."""
+        if self.simulated is not None:
+            return "\n".join(map(str, self.simulated.requests(last=SHOWN)))
+        return "".join([line for line in self._log if f",{self.serial}:" in line][-SHOWN:])
 
     def _only_simulated(self, what: str) -> orvane.lab.Board:
         if self.simulated is None:
@@ -155,7 +164,9 @@ def orvane_boards(request: pytest.FixtureRequest, orvane_rack: Rack) -> List[Boa
         most = _wanted(request).get("boards", 1)
         if most > len(devices):
             pytest.skip(f"needs {most} boards, and --orvane-device names {len(devices)}")
-        boards = [BoardUnderTest(orvane_rack, name, phy) for name in devices]
+        log: List[str] = []
+        orvane_rack.log_to(log.append)
+        boards = [BoardUnderTest(orvane_rack, name, phy, log=log) for name in devices]
     else:
         lab = request.getfixturevalue("orvane_lab")
         boards = [BoardUnderTest(orvane_rack, each.ports[0], phy, each) for each in lab.boards()]
@@ -191,11 +202,7 @@ def pytest_runtest_makereport(item: pytest.Item, call: pytest.CallInfo[None]) ->
 
 
 def _newest(board: BoardUnderTest) -> str:
-    """The last requests of a board, a line each."""
-    if board.simulated is None:
-        return "a real board does not tell"
     try:
-        newest = board.simulated.requests(last=SHOWN)
+        return board.newest() or "none"
     except (orvane.lab.LabError, OSError) as problem:
         return f"not known: {problem}"
-    return "\n".join(map(str, newest)) or "none"

@@ -3,9 +3,10 @@ from __future__ import annotations
 
 import dataclasses
 import logging
+import os
 from collections import abc
 from types import TracebackType
-from typing import Any, Callable, Dict, List, Optional, Type, Union
+from typing import Any, Callable, Dict, List, Optional, Tuple, Type, Union
 
 import numpy
 import numpy.typing
@@ -169,10 +170,22 @@ class Rack:
         returned; it is closed here all the same."""
         return self._core.close_sessions(limits_of(within))
 
-    def discover(self, *, within: WithinLike = None) -> Discovery:
-        """Every board that answers on the networks of this host. Listens for the whole time, 1 s unless told."""
-        boards, malformed = self._core.discover(limits_of(within, _SEARCH))
-        return Discovery((FoundBoard(serial, address, tuple(ports)) for serial, address, ports in boards), malformed)
+    def discover(self, enough: Optional[Callable[[FoundBoard], object]] = None, *, within: WithinLike = None
+                 ) -> Discovery:
+        """Every board that answers on the networks of this host. Listens for the whole time, 1 s unless told.
+
+        With `enough` it ends as soon as that is true of a board that has answered:
+        discover(lambda board: board.serial == "OV0001", within=10).
+        """
+        if enough is None:
+            return _discovery(self._core.discover(None, limits_of(within, _SEARCH)))
+        says = enough
+        return _discovery(self._core.discover(lambda *found: bool(says(_found(*found))), limits_of(within, _SEARCH)))
+
+    def ask(self, *addresses: str, within: WithinLike = None) -> Discovery:
+        """The boards at these addresses (dotted IPv4), which are known then. Nothing is sent anywhere else; who does
+        not answer within two seconds is left out."""
+        return _discovery(self._core.ask(list(addresses), limits_of(within)))
 
     def know(self, board: str, address: str) -> None:
         """Makes a board known, or tells where it is now: spares the search."""
@@ -190,6 +203,23 @@ class Rack:
         """Makes records of a logger ("orvane" unless told) of the events; each has its Event as record.event."""
         target = logger or logging.getLogger("orvane")
         self.on_event(lambda event: target.log(int(event.level), "%s", event, extra={"event": event}))
+
+    def log_to(self, target: Union[str, os.PathLike[str], Callable[[str], object], None]) -> None:
+        """Logs every access of this rack, a line each, at the end of a file; None ends that.
+
+        A function gets the lines instead, each with its end, on the thread of the access; it must not use the rack.
+        What it raises loses the lines and is told as an event. The columns are those of the command line's logs.
+        """
+        if target is None:
+            self._core.end_log()
+        elif callable(target):
+            self._core.log_to_function(target)
+        else:
+            self._core.log_to_file(os.fspath(target))
+
+    def note(self, text: str) -> None:
+        """A line of your own at its place in the log."""
+        self._core.note(text)
 
     def counters(self) -> Dict[str, BoardCounters]:
         """Counts of each board that was opened, by its serial number."""
@@ -262,6 +292,15 @@ def open(name: str, *, exclusive: Union[bool, int] = False, shared: Union[bool, 
 def discover(*, within: WithinLike = None) -> Discovery:
     """Every board that answers; see Rack.discover()."""
     return rack().discover(within=within)
+
+
+def _found(serial: str, address: str, ports: abc.Iterable[int]) -> FoundBoard:
+    return FoundBoard(serial, address, tuple(ports))
+
+
+def _discovery(told: Tuple[List[Tuple[str, str, List[int]]], int]) -> Discovery:
+    boards, malformed = told
+    return Discovery((_found(*each) for each in boards), malformed)
 
 
 def _text(mode: AccessMode, key: int) -> str:

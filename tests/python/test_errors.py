@@ -116,7 +116,9 @@ def test_cancellation_ends_a_call_of_another_thread(phy, board):
 
     thread = threading.Thread(target=read)
     thread.start()
+    assert repr(cancellation) == "<orvane.Cancellation>"
     cancellation.cancel()
+    assert repr(cancellation) == "<orvane.Cancellation, cancelled>"
     thread.join(10)
     assert [error.kind for error in raised] == [FailureKind.CANCELLED]
     assert raised[0].seconds < 5

@@ -183,6 +183,21 @@ def test_same_tests_run_on_the_boards_of_a_desk(outcome):
         "*needs 3 boards, and --orvane-device names 2*"])
 
 
+def test_failure_on_a_real_board_shows_the_accesses_of_its_rack(outcome):
+    result = outcome("""
+        def test_fails(orvane_board):
+            phy = orvane_board.phy(3)
+            for number in range(30):
+                phy[30, 0x40 + number] = number
+            assert phy[30, 0x40] == 1
+    """, "--orvane-device", "OV0001:0")
+    result.assert_outcomes(failed=1)
+    shown = [line for line in result.stdout.str().splitlines() if line.startswith("0,3,")]
+    assert len(shown) == 20
+    assert shown[0].startswith("0,3,MW,1E,004B,000B,")
+    assert shown[-1].startswith("0,3,MR,1E,0040,0000,")
+
+
 def test_process_with_threads_is_told_what_to_do():
     text = """
 import threading

@@ -1,6 +1,7 @@
 """Racks and ports: finding, opening, closing, many boards at once."""
 import logging
 import queue
+import time
 
 import numpy
 import pytest
@@ -15,6 +16,66 @@ def test_search_finds_every_board(rack):
     assert found.malformed == 0
     assert str(found[0]) == "OV0001 at 10.83.0.1, ports 0, 1, 10"
     assert "<td>OV0008</td>" in found._repr_html_()
+
+
+def test_search_ends_when_it_is_told_that_it_is_enough(rack):
+    told = []
+
+    def enough(board):
+        told.append(board)
+        return len(told) == 2
+
+    begun = time.monotonic()
+    found = rack.discover(enough, within=60)
+    assert time.monotonic() - begun < 30
+    assert {each.serial for each in told} <= {each.serial for each in found}
+    assert len(told) == 2
+
+
+def test_what_the_end_of_a_search_raises_leaves_it(rack):
+    def enough(board):
+        raise KeyError(board.serial)
+
+    with pytest.raises(KeyError, match="OV000"):
+        rack.discover(enough, within=60)
+
+
+def test_boards_are_asked_at_their_addresses(rack, lab):
+    before = lab["OV0003"].received("discovery")
+    found = rack.ask("10.83.0.2", "10.83.0.1")
+    assert [(each.serial, each.address) for each in found] == [("OV0001", "10.83.0.1"), ("OV0002", "10.83.0.2")]
+    assert lab["OV0003"].received("discovery") == before
+    with pytest.raises(ValueError):
+        rack.ask("nowhere")
+
+
+def test_log_has_a_line_for_each_access_and_note(rack, board, tmp_path):
+    rack.log_to(tmp_path / "access.log")
+    phy = rack.open("OV0001:0").phy(3)
+    phy[30, 0x11] = 0xBEEF
+    rack.note("half way")
+    phy[30, 0x11]
+    rack.log_to(None)
+    phy[30, 0x12]
+    text = (tmp_path / "access.log").read_text()
+    assert [each in text for each in ("BEEF", "half way")] == [True, True]
+    assert sum("0011" in line for line in text.splitlines()) == 2
+    assert "0012" not in text
+
+
+def test_log_lines_come_to_a_function(rack, board):
+    lines = []
+    rack.log_to(lines.append)
+    rack.open("OV0001:0").phy(3)[30, 0x11] = 0xBEEF
+    rack.note("done")
+    assert all(each.endswith("\n") for each in lines)
+    assert sum("BEEF" in line for line in lines) == 1
+    assert "done" in lines[-1]
+
+
+def test_log_that_cannot_be_written_is_refused(rack, tmp_path):
+    with pytest.raises(ValueError):
+        rack.log_to(tmp_path / "nowhere" / "access.log")
 
 
 def test_open_all_takes_the_ports_that_match(rack):
@@ -183,6 +244,7 @@ def test_counters_count_calls_and_bytes(rack):
     assert (counters.opens, mdio.calls, mdio.succeeded, mdio.failed) == (1, 5, 5, 0)
     assert mdio.bytes_sent > 0 and mdio.bytes_received > 0
     assert mdio.latency.count == 5
+    assert repr(mdio.latency).startswith("<orvane.Latency of 5 calls, half of them within ")
     assert 0 < mdio.latency.percentile(50) <= mdio.latency.percentile(100) < 5
     with pytest.raises(ValueError):
         mdio.latency.percentile(101)

@@ -33,7 +33,8 @@ install(FILES ${PROJECT_BINARY_DIR}/orvane.pc DESTINATION ${CMAKE_INSTALL_LIBDIR
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT development
   FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
-install(FILES docs/register-map.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/orvane COMPONENT development)
+install(FILES docs/register-map.schema.json docs/orvane-records.schema.json
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/orvane COMPONENT development)
 install(DIRECTORY examples/tasks/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT development
   FILES_MATCHING PATTERN "*.c" PATTERN "*.cpp")
 

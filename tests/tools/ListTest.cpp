@@ -14,6 +14,9 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
 
+const std::string kColumns =
+    "record,device,board,port,phy,adapter,address,kind,ports,error.kind,error.code,error.text\n";
+
 TEST(OrvaneList, FindsEveryBoardThatAnswersAMulticast) {
     OrvaneSim::Lab lab;
     lab.add({"10.83.0.1", "OV0001", {"OV0001:0", "OV0001:10"}, "host", 1, false});
@@ -29,7 +32,7 @@ TEST(OrvaneList, AsksTheGivenAddressesAloneAndSendsNoMulticast) {
     lab.add({"10.83.0.1", "OV0001", {"OV0001:0"}, "host", 1, false});
     OrvaneSim::Board& second = lab.add({"10.83.0.2", "OV0002", {"OV0002:0"}, "host", 2, false});
     EXPECT_EQ(orvane({"list", "--address", "10.83.0.2", "--csv"}),
-              prints("name,adapter,address,port,kind,board_ports\nOV0002:0,0,10.83.0.2,0,mdio,0\n"));
+              prints(kColumns + "device,OV0002:0,OV0002,0,,0,10.83.0.2,mdio,0,,,\n"));
     EXPECT_EQ(second.discoveryCount(), 0U);
     EXPECT_EQ(second.probeRequests().size(), 1U);
 }
@@ -38,7 +41,7 @@ TEST(OrvaneList, AsCsvHasNoFormulasFromBoards) {
     OrvaneSim::Lab lab;
     lab.add({"10.83.0.2", "OV0002", {"=1+cmd:3"}, "host", 2, false});
     EXPECT_EQ(orvane({"list", "--address", "10.83.0.2", "--csv"}),
-              prints("name,adapter,address,port,kind,board_ports\n'=1+CMD:3,0,10.83.0.2,3,mdio,3\n"));
+              prints(kColumns + "device,'=1+CMD:3,'=1+CMD,3,,0,10.83.0.2,mdio,3,,,\n"));
 }
 
 TEST(OrvaneList, OfThreeThousandBoardsIsComplete) {
@@ -63,8 +66,10 @@ TEST(OrvaneList, FailsWhenFewerBoardsAnswerThanExpected) {
     const OneBoardLab board;
     EXPECT_EQ(board.run({"list", "--expect", "2", "--csv"}),
               fails(1, "orvane: list: 1 of 2 boards answered\n",
-                    "name,adapter,address,port,kind,board_ports\nOV0001:0,0,10.83.0.1,0,mdio,0 1 10\n"
-                    "OV0001:1,1,10.83.0.1,1,mdio,0 1 10\nOV0001:10,2,10.83.0.1,10,smbus,0 1 10\n"));
+                    kColumns + "device,OV0001:0,OV0001,0,,0,10.83.0.1,mdio,0 1 10,,,\n"
+                               "device,OV0001:1,OV0001,1,,1,10.83.0.1,mdio,0 1 10,,,\n"
+                               "device,OV0001:10,OV0001,10,,2,10.83.0.1,smbus,0 1 10,,,\n"
+                               "failure,,,,,,,,,failed,0,list: 1 of 2 boards answered\n"));
 }
 
 TEST(OrvaneList, WarnsOfBoardsThatAnswerWithoutAName) {
@@ -90,12 +95,14 @@ TEST(OrvaneList, AsJsonIsAnArrayOfObjects) {
     EXPECT_EQ(outcome.status, 0);
     const auto devices = nlohmann::json::parse(outcome.output);
     EXPECT_EQ(devices.size(), 3U);
-    EXPECT_EQ(devices[2], (nlohmann::json{{"name", "OV0001:10"},
+    EXPECT_EQ(devices[2], (nlohmann::json{{"record", "device"},
+                                          {"device", "OV0001:10"},
+                                          {"board", "OV0001"},
+                                          {"port", 10},
                                           {"adapter", 2},
                                           {"address", "10.83.0.1"},
-                                          {"port", 10},
                                           {"kind", "smbus"},
-                                          {"board_ports", {0, 1, 10}}}));
+                                          {"ports", {0, 1, 10}}}));
 }
 
 TEST(OrvaneList, FailsWhenNoBoardAnswers) {
@@ -118,7 +125,6 @@ TEST(OrvaneInfo, ShowsTheDeviceItsSessionAndThePhysIdentifier) {
     const OneBoardLab board;
     EXPECT_EQ(board.run({"info", "OV0001:1", "--phy", "3"}),
               prints("device      OV0001:1\n"
-                     "adapter     1\n"
                      "address     10.83.0.1\n"
                      "port        1 (MDIO)\n"
                      "session     simple\n"
@@ -135,8 +141,9 @@ TEST(OrvaneInfo, TellsTheModeThatTheEnvironmentAsksFor) {
     EXPECT_EQ(outcome.status, 0) << outcome;
     const auto facts = nlohmann::json::parse(outcome.output).at(0);
     EXPECT_EQ(facts["session"], "exclusive (EXCLUSIVE_KEY=77)");
-    EXPECT_EQ(facts["key"], "77");
-    EXPECT_EQ(facts["port"], "10 (SMBus, I2C bus 0)");
+    EXPECT_EQ(facts["key"], 77);
+    EXPECT_EQ(facts["port"], 10);
+    EXPECT_EQ(facts["kind"], "smbus");
 }
 
 TEST(OrvanePing, PrintsEachRoundTripAndASummary) {

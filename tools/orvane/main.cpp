@@ -72,9 +72,10 @@ int parse(CLI::App& app, Context& context, int argc, char** argv) {
     return kSuccess;
 }
 
-// What was printed before a failure is worth having.
+// What was printed before a failure is worth having, and so are the records.
 int flushed(Context& context, int status) {
     try {
+        context.endRecords();
         context.console.out.flush();
         return status;
     } catch (const Failure& problem) {
@@ -82,19 +83,25 @@ int flushed(Context& context, int status) {
     }
 }
 
+// A failure ends the records with one of its own.
+int failed(Context& context, const Record& failure, const std::string& text, int status) {
+    context.records({}).put(failure);
+    flushed(context, status);
+    return complain(context, text, status);
+}
+
 int run(Context& context) {
     try {
         const int status = context.action();
         return flushed(context, status);
     } catch (const UsageError& problem) {
-        return complain(context, problem.what(), kUsage);
+        return failed(context, Record("failure").error({"usage", 0, problem.what()}), problem.what(), kUsage);
     } catch (const Failure& problem) {
-        flushed(context, kFailed);
-        return complain(context, problem.what(), kFailed);
+        return failed(context, failureRecord(problem), problem.what(), kFailed);
     } catch (const Orvane::Failure& problem) {
-        const int status = flushed(context, kFailed);
-        return context.interrupts().signal() != 0 ? 128 + context.interrupts().signal()
-                                                  : complain(context, textOf(problem), status);
+        if (const int signal = context.interrupts().signal())
+            return flushed(context, 128 + signal);
+        return failed(context, failureRecord(problem), textOf(problem), kFailed);
     } catch (const Interrupted& interrupted) {
         return flushed(context, 128 + interrupted.signal);
     }

@@ -1,23 +1,15 @@
 // Rows as text, JSON and CSV, with hostile text in them.
 #include "tools/orvane/output/Table.h"
 
-#include "ov_sys/Interface/foundation/FileDescriptor.h"
+#include "tests/support/tools/PrintedText.h"
 
-#include <array>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 
 namespace OrvaneTool {
 namespace {
 
 std::string printed(const Table& table, Format format) {
-    const Orvane::FileDescriptor memory(::memfd_create("output", MFD_CLOEXEC));
-    Stream stream(memory.get());
-    table.print(stream, format);
-    stream.flush();
-    std::array<char, 4096> room{};
-    const ssize_t count = ::pread(memory.get(), room.data(), room.size(), 0);
-    return {room.data(), static_cast<std::size_t>(count)};
+    return OrvaneTest::printedBy([&](Stream& stream) { table.print(stream, format); });
 }
 
 Table withCell(const Cell& cell) {

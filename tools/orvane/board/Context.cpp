@@ -31,6 +31,17 @@ Orvane::Within Context::within(std::chrono::nanoseconds time) {
     return Orvane::within(time).cancelledBy(interrupts().cancellation());
 }
 
+RecordSink& Context::records(const RecordForm& form, Pace pace) {
+    if (!records_)
+        records_.emplace(console.out, format(), form, pace);
+    return *records_;
+}
+
+void Context::endRecords() {
+    if (records_)
+        records_->finish();
+}
+
 std::string Context::libraryLines() {
     std::string lines = messages.take();
     if (verbose && !lines.empty()) {

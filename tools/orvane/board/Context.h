@@ -4,7 +4,7 @@
 #include "tools/orvane/board/Interrupts.h"
 #include "tools/orvane/board/LibraryMessages.h"
 #include "tools/orvane/output/Console.h"
-#include "tools/orvane/output/Table.h"
+#include "tools/orvane/output/RecordSink.h"
 
 #include <chrono>
 #include <cstdint>
@@ -32,6 +32,11 @@ public:
     bool csv = false;
     Format format() const { return json ? Format::Json : csv ? Format::Csv : Format::Text; }
 
+    // Where the verb's records go; made by the first call, whose form and pace count.
+    RecordSink& records(const RecordForm& form, Pace pace = Pace::Together);
+    // Prints what is left of them.
+    void endRecords();
+
     std::vector<std::string> mapFiles;       // register maps, the first asked first
     std::optional<std::uint32_t> identifier; // of the PHY that they are loaded for
     bool fields = false;                     // show fields
@@ -52,6 +57,7 @@ public:
     std::string libraryLines();
 
 private:
+    std::optional<RecordSink> records_;
     std::unique_ptr<Interrupts> interrupts_;
     std::unique_ptr<Orvane::Rack> rack_;
 };

@@ -4,11 +4,26 @@
 #include "tools/orvane/board/Numbers.h"
 
 #include <fmt/format.h>
+#include <sstream>
 
 namespace OrvaneTool {
 
-ServiceCall::ServiceCall(Context& context, const ServiceOptions& options, std::string operation)
+namespace {
+
+RecordForm formOf(const std::string& members) {
+    std::istringstream words(members.empty() ? "operation" : members);
+    RecordForm form;
+    for (std::string word; words >> word;)
+        form.members.push_back(word);
+    return form;
+}
+
+} // namespace
+
+ServiceCall::ServiceCall(Context& context, const ServiceOptions& options, std::string operation,
+                         const char* members, Pace pace)
     : options_(options),
+      records_(context.records(formOf(members), pace)),
       device_(context, options.device),
       session_(device_.session(options.phy)),
       operation_(fmt::format("{}{}{}", operation, options.words.empty() ? "" : " ",
@@ -16,6 +31,18 @@ ServiceCall::ServiceCall(Context& context, const ServiceOptions& options, std::s
 
 std::string ServiceCall::word(std::size_t place, const char* fallback) const {
     return place < words().size() ? words()[place] : fallback;
+}
+
+Record ServiceCall::record(const char* kind) const {
+    return std::move(Record(kind).device(device_.name()).phy(options_.phy));
+}
+
+void ServiceCall::put(const Record& record) {
+    records_.put(record);
+}
+
+void ServiceCall::putDone() {
+    put(record("done").put("operation", operation_));
 }
 
 CLI::App& addService(CLI::App& app, const VerbText& text) {
@@ -27,6 +54,7 @@ void addServiceOptions(CLI::App& verb, Context& context, ServiceOptions& options
     verb.add_option("--phy", options.phy, "PHY whose session is used (0)")
         ->type_name("PHY")
         ->check(CLI::Range(0U, 127U).description(""));
+    addFormatOptions(verb, context);
     addBoardOptions(verb, context);
 }
 
@@ -42,9 +70,12 @@ void addOperation(CLI::App& service, Context& context, const Operation& operatio
     }
     const std::string name = service.get_name() + " " + operation.name;
     setAction(verb, context, options,
-              [name, run = operation.run](Context& called, const ServiceOptions& given) {
-                  ServiceCall call(called, given, name);
+              [name, run = operation.run, members = operation.members](Context& called,
+                                                                       const ServiceOptions& given) {
+                  ServiceCall call(called, given, name, members);
                   run(call);
+                  if (!*members)
+                      call.putDone();
                   return kSuccess;
               });
 }

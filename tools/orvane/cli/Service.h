@@ -18,7 +18,9 @@ struct ServiceOptions {
 // One operation that is being carried out.
 class ServiceCall {
 public:
-    ServiceCall(Context& context, const ServiceOptions& options, std::string operation);
+    // `members` as in Operation.
+    ServiceCall(Context& context, const ServiceOptions& options, std::string operation,
+                const char* members = "", Pace pace = Pace::Together);
 
     const std::vector<std::string>& words() const { return options_.words; }
     // The word at that place; `fallback` when there are fewer.
@@ -28,6 +30,14 @@ public:
     const Device& device() const { return device_; }
     Orvane::PhySession* session() { return &session_; }
 
+    // Whether the result is for people, who get it as text instead of records.
+    bool isText() { return context().format() == Format::Text; }
+    // A record of this device and PHY, and its way to the user.
+    Record record(const char* kind) const;
+    void put(const Record& record);
+    // The record of an operation that has no result but that it was done.
+    void putDone();
+
     // Returns what `work` returns. Throws Failure that names the operation and its arguments.
     template <class Work>
     decltype(auto) attempt(Work work) {
@@ -36,6 +46,7 @@ public:
 
 private:
     const ServiceOptions& options_;
+    RecordSink& records_;
     Device device_;
     Orvane::PhySession& session_;
     std::string operation_;
@@ -48,6 +59,7 @@ struct Operation {
     int most;
     const char* summary;
     void (*run)(ServiceCall& call);
+    const char* members = ""; // of its records beside those that all have, blanks between; empty: it has none
 };
 
 constexpr int kAnyNumber = 255;

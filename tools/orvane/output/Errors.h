@@ -1,6 +1,8 @@
 // How a command ends other than well, and the exit status of each end.
 #pragma once
 
+#include <optional>
+#include <orvane/rack.hpp>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -14,6 +16,10 @@ constexpr int kUsage = 2;  // the command line asks for something that there is 
 // The board, an access or a file failed; the text names device, operation and cause.
 struct Failure : std::runtime_error {
     using std::runtime_error::runtime_error;
+    Failure(const std::string& text, const Orvane::Failure& failure)
+        : std::runtime_error(text), cause(failure) {}
+
+    std::optional<Orvane::Failure> cause; // of the library, when it was that
 };
 
 // An argument that no board needs to be asked about.

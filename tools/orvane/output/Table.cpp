@@ -1,33 +1,12 @@
 // The three forms of rows.
 #include "tools/orvane/output/Table.h"
 
+#include "tools/orvane/output/Csv.h"
+
 #include <algorithm>
-#include <string_view>
 
 namespace OrvaneTool {
 namespace {
-
-std::string quoted(const std::string& text) {
-    if (text.find_first_of(",\"\r\n") == std::string::npos)
-        return text;
-    std::string result = "\"";
-    for (const char each : text)
-        result += each == '"' ? std::string("\"\"") : std::string(1, each);
-    return result + '"';
-}
-
-// Whether it reads as a negative number, such as -40 or -0.5.
-bool isNegativeNumber(std::string_view text) {
-    const bool digitsOnly = text.find_first_not_of("0123456789.", 1) == std::string_view::npos;
-    return text.size() > 1 && text.front() == '-' && digitsOnly;
-}
-
-// A spreadsheet calculates what begins with these. Numbers stay numbers, and a single dash no value.
-std::string asText(const std::string& text) {
-    const bool formula =
-        !text.empty() && std::string_view("=+-@").find(text.front()) != std::string_view::npos;
-    return formula && text != "-" && !isNegativeNumber(text) ? "'" + text : text;
-}
 
 std::string trimmed(const std::string& line) {
     return line.substr(0, line.find_last_not_of(' ') + 1);
@@ -93,15 +72,15 @@ void printJson(Stream& stream, const Columns& columns, const Rows& rows) {
 
 void printCsv(Stream& stream, const Columns& columns, const Rows& rows) {
     const auto line = [&](auto textOf) {
-        std::string text;
+        std::vector<std::string> fields;
         for (std::size_t i = 0; i < columns.size(); ++i)
             if (!columns[i].key.empty())
-                text += "," + quoted(textOf(i));
-        stream.writeAsIs(text.substr(text.empty() ? 0 : 1) + '\n');
+                fields.push_back(csvTextField(textOf(i)));
+        stream.writeAsIs(csvLine(fields));
         stream.flushWhenFull();
     };
     line([&](std::size_t i) { return columns[i].key; });
-    rows([&](const Row& row) { line([&](std::size_t i) { return asText(row[i].text); }); });
+    rows([&](const Row& row) { line([&](std::size_t i) { return row[i].text; }); });
 }
 
 } // namespace

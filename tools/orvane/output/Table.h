@@ -6,6 +6,7 @@
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace OrvaneTool {
@@ -17,6 +18,9 @@ struct Cell {
     // NOLINTBEGIN(google-explicit-constructor): rows are written as lists of texts and cells
     Cell(const std::string& shown) : text(visible(shown)), value(shown) {}
     Cell(const char* shown) : Cell(std::string(shown)) {}
+    template <class Number,
+              std::enable_if_t<std::is_arithmetic_v<Number> && !std::is_same_v<Number, char>, int> = 0>
+    Cell(Number number) : text(fmt::format("{}", number)), value(number) {}
     // NOLINTEND(google-explicit-constructor)
     Cell(const std::string& shown, nlohmann::ordered_json meant, Painted inColour = {})
         : text(visible(shown)), value(std::move(meant)), painted(std::move(inColour)) {}

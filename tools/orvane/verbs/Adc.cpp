@@ -6,6 +6,7 @@
 
 #include <array>
 #include <fmt/format.h>
+#include <sstream>
 
 namespace OrvaneTool {
 namespace {
@@ -31,21 +32,32 @@ void mask(ServiceCall& call) {
     call.attempt([&] { adc().setChannelMask(call.session(), bits); });
 }
 
+void putNumbers(ServiceCall& call, const char* kind, const std::vector<unsigned char>& numbers) {
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        call.put(call.record(kind).put("place", i).put("value", numbers[i]));
+        if (call.isText())
+            call.out().print("{}\n", numbers[i]);
+    }
+}
+
 void data(ServiceCall& call) {
     const int count = numberAs<int>(call.word(0), 0x7FFFFFFF, "the count");
     const auto bytes = call.attempt([&] { return adc().getData(call.session(), count); });
-    for (const unsigned char byte : bytes)
-        call.out().print("{}\n", byte);
+    putNumbers(call, "sample", bytes);
 }
 
 void maxima(ServiceCall& call) {
-    for (const unsigned char byte : call.attempt([&] { return adc().maxADC(call.session()); }))
-        call.out().print("{}\n", byte);
+    putNumbers(call, "maximum", call.attempt([&] { return adc().maxADC(call.session()); }));
 }
 
 void events(ServiceCall& call) {
     const auto bytes = call.attempt([&] { return adc().getEvents(call.session()); });
-    call.out().relay(std::string(bytes.begin(), bytes.end()));
+    const std::string text(bytes.begin(), bytes.end());
+    if (call.isText())
+        return call.out().relay(text);
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        call.put(call.record("mark").put("text", line));
 }
 
 constexpr std::array<Operation, 9> kOperations{{
@@ -53,10 +65,10 @@ constexpr std::array<Operation, 9> kOperations{{
     {"mask", "MASK", 1, 1, "Choose the channels of a capture, one bit each", mask},
     {"start", "", 0, 0, "Start a capture", plain<&Orvane::ADC::ADC::start>},
     {"stop", "", 0, 0, "Stop the capture", plain<&Orvane::ADC::ADC::stop>},
-    {"data", "COUNT", 1, 1, "Print the next samples of the running capture", data},
-    {"max", "", 0, 0, "Print each channel's largest sample", maxima},
+    {"data", "COUNT", 1, 1, "Print the next samples of the running capture", data, "place value"},
+    {"max", "", 0, 0, "Print each channel's largest sample", maxima, "place value"},
     {"event", "NAME", 1, 1, "Mark the next sample with a name", named<&Orvane::ADC::ADC::setEventName>},
-    {"events", "", 0, 0, "Print the marks", events},
+    {"events", "", 0, 0, "Print the marks", events, "text"},
     {"dump-file", "NAME", 1, 1, "Name the file on the board that samples go to",
      named<&Orvane::ADC::ADC::setDumpFile>},
 }};

@@ -58,6 +58,15 @@ void draw(ServiceCall& call, const Samples& samples) {
     }
 }
 
+void record(ServiceCall& call, const Samples& samples) {
+    for (std::size_t i = 0; i < samples.channels.size(); ++i)
+        for (std::size_t place = 0; place < samples.values[i].size(); ++place)
+            call.put(call.record("sample")
+                         .put("channel", samples.channels[i])
+                         .put("place", place)
+                         .put("value", static_cast<unsigned>(samples.values[i][place])));
+}
+
 std::string csvOf(const Samples& samples) {
     std::string text = "sample";
     for (const unsigned channel : samples.channels)
@@ -100,9 +109,9 @@ int run(Context& context, const Options& options) {
         throw UsageError("the channel mask names no channel");
     if (!options.file.empty() && !endsWith(options.file, ".csv") && !endsWith(options.file, ".pgm"))
         throw UsageError(fmt::format("'{}' must end with .csv or .pgm", options.file));
-    ServiceCall call(context, options, "adc capture");
+    ServiceCall call(context, options, "adc capture", "channel place value");
     const Samples samples = capture(call, mask, options.samples);
-    draw(call, samples);
+    call.isText() ? draw(call, samples) : record(call, samples);
     if (!options.file.empty())
         save(options.file, samples);
     return kSuccess;

@@ -54,7 +54,7 @@ private:
 int run(Context& context, const Options& options) {
     // As a shell would have read them: one word is a whole command line.
     const std::string command = fmt::format("{}", fmt::join(options.words, " "));
-    ServiceCall call(context, options, "exec");
+    ServiceCall call(context, options, "exec", "command status stdout stderr");
     Orvane::CommandResult result{};
     {
         const Deadline deadline(std::chrono::milliseconds(options.timeout * 1000 + 500),
@@ -64,6 +64,14 @@ int run(Context& context, const Options& options) {
         call.attempt([&] {
             return Orvane::Setup::Setup().runCommand(call.session(), command, options.timeout, result);
         });
+    }
+    if (!call.isText()) {
+        call.put(call.record("command")
+                     .put("command", command)
+                     .put("status", result.exitCode & 0xFF)
+                     .put("stdout", result.output)
+                     .put("stderr", result.errorOutput));
+        return result.exitCode & 0xFF;
     }
     call.out().relay(result.output);
     call.out().flush();

@@ -15,11 +15,15 @@ Bytes linesOf(const ServiceCall& call) {
     return numbersAs<unsigned char>(call.words(), 255, "the line");
 }
 
-void printLevels(ServiceCall& call, const Bytes& levels) {
+// The states of lines: in text in one line, else as the member `name` of a record each.
+void putStates(ServiceCall& call, const char* name, const Bytes& lines, const Bytes& states) {
     std::string text;
-    for (const unsigned char level : levels)
-        text += fmt::format("{}{}", text.empty() ? "" : " ", level);
-    call.out().print("{}\n", text);
+    for (std::size_t i = 0; i < states.size(); ++i) {
+        text += fmt::format("{}{}", text.empty() ? "" : " ", states[i]);
+        call.put(call.record("line").put("place", i).put("line", lines.at(i)).put(name, states[i]));
+    }
+    if (call.isText())
+        call.out().print("{}\n", text);
 }
 
 Orvane::GPIO::GPIO& gpio() {
@@ -29,12 +33,13 @@ Orvane::GPIO::GPIO& gpio() {
 
 void get(ServiceCall& call) {
     const Bytes lines = linesOf(call);
-    printLevels(call, call.attempt([&] { return gpio().read(call.session(), lines); }));
+    putStates(call, "level", lines, call.attempt([&] { return gpio().read(call.session(), lines); }));
 }
 
 void outputs(ServiceCall& call) {
     const Bytes lines = linesOf(call);
-    printLevels(call, call.attempt([&] { return gpio().readOutputEnable(call.session(), lines); }));
+    putStates(call, "output", lines,
+              call.attempt([&] { return gpio().readOutputEnable(call.session(), lines); }));
 }
 
 void set(ServiceCall& call) {
@@ -58,7 +63,7 @@ void reset(ServiceCall& call) {
 
 void bitBang(ServiceCall& call) {
     const Pairs pairs = pairsOf(call.words(), true);
-    printLevels(call, call.attempt([&] {
+    putStates(call, "level", pairs.names, call.attempt([&] {
         return gpio().bitBang(call.session(), pairs.names, pairs.levels, pairs.lonely);
     }));
 }
@@ -71,19 +76,25 @@ void info(ServiceCall& call) {
     const Bytes levels = call.attempt([&] { return gpio().read(call.session(), lines); });
     Bytes enabled = call.attempt([&] { return gpio().readOutputEnable(call.session(), lines); });
     enabled.resize(kLines);
-    for (const unsigned char line : lines)
-        call.out().print("line {:2}: {:6} {}\n", line, enabled[line] != 0 ? "output" : "input", levels[line]);
+    for (const unsigned char line : lines) {
+        if (call.isText())
+            call.out().print("line {:2}: {:6} {}\n", line, enabled[line] != 0 ? "output" : "input",
+                             levels[line]);
+        call.put(
+            call.record("line").put("line", line).put("level", levels[line]).put("output", enabled[line]));
+    }
 }
 
 constexpr std::array<Operation, 8> kOperations{{
-    {"get", "LINE", 1, kAnyNumber, "Print the levels of lines", get},
+    {"get", "LINE", 1, kAnyNumber, "Print the levels of lines", get, "place line level"},
     {"set", "LINE=LEVEL", 1, kAnyNumber, "Set the levels that output lines show", set},
     {"enable", "LINE=ENABLE", 1, kAnyNumber, "Make lines outputs (1) or inputs (0)", enable},
-    {"outputs", "LINE", 1, kAnyNumber, "Print which lines are outputs", outputs},
+    {"outputs", "LINE", 1, kAnyNumber, "Print which lines are outputs", outputs, "place line output"},
     {"default", "LINE", 1, kAnyNumber, "Put lines back to their default", setDefault},
     {"reset", "", 0, 0, "Put every line back to its default", reset},
-    {"bitbang", "LINE[=LEVEL]", 1, kAnyNumber, "Set and sample lines step by step, in one call", bitBang},
-    {"info", "", 0, 0, "Show every line", info},
+    {"bitbang", "LINE[=LEVEL]", 1, kAnyNumber, "Set and sample lines step by step, in one call", bitBang,
+     "place line level"},
+    {"info", "", 0, 0, "Show every line", info, "line level output"},
 }};
 
 } // namespace

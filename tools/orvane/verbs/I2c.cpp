@@ -37,13 +37,29 @@ Bytes bytesFrom(const ServiceCall& call, std::size_t place) {
     return numbersAs<unsigned char>({first, call.words().end()}, 255, "the byte");
 }
 
+// A record for each byte of a device; they are counted by the member `counter`.
+void putBytes(ServiceCall& call, const Place& at, const char* counter, unsigned first, const Bytes& bytes) {
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        call.put(call.record("byte")
+                     .put("bus", at.bus)
+                     .put("target", at.address)
+                     .put(counter, first + i)
+                     .put("value", bytes[i]));
+}
+
+void printBytes(ServiceCall& call, const Bytes& bytes) {
+    if (call.isText())
+        call.out().print("{}\n", bytesText(bytes));
+}
+
 void read(ServiceCall& call) {
     const Place at = placeOf(call);
     const auto command = numberAs<unsigned char>(call.word(2), 255, "the command");
     const unsigned count = countAt(call, 3);
     const Bytes bytes =
         call.attempt([&] { return Orvane::i2c.read(call.session(), at.bus, at.address, command, count); });
-    call.out().print("{}\n", bytesText(bytes));
+    putBytes(call, at, "place", 0, bytes);
+    printBytes(call, bytes);
 }
 
 void get(ServiceCall& call) {
@@ -53,7 +69,8 @@ void get(ServiceCall& call) {
     const auto width = numberAs<unsigned char>(call.word(4, "1"), 4, "the number of register bytes");
     const Bytes bytes = call.attempt(
         [&] { return Orvane::i2c.readReg(call.session(), at.bus, at.address, reg, width, count); });
-    call.out().print("{}\n", bytesText(bytes));
+    putBytes(call, at, "register", reg, bytes);
+    printBytes(call, bytes);
 }
 
 void write(ServiceCall& call) {
@@ -116,39 +133,50 @@ void gather(ServiceCall& call) {
     auto next = bytes.begin();
     for (std::size_t i = 0; i < lengths.size(); ++i) {
         const auto end = next + static_cast<std::ptrdiff_t>(lengths[i]);
-        call.out().print("{} {}\n", call.words()[i], bytesText({next, end}));
+        if (call.isText())
+            call.out().print("{} {}\n", call.words()[i], bytesText({next, end}));
+        putBytes(call, {buses[i], addresses[i]}, "register", registers[i], {next, end});
         next = end;
     }
+}
+
+void printDumped(ServiceCall& call, unsigned reg, const Bytes& bytes) {
+    std::string characters;
+    call.out().print("{:02x}:", reg);
+    for (const unsigned char byte : bytes) {
+        call.out().print(" {:02x}", byte);
+        characters += byte < 0x80 && std::isprint(byte) != 0 ? static_cast<char>(byte) : '.';
+    }
+    call.out().print("    {}\n", characters);
 }
 
 // 256 bytes, sixteen in a line, with their characters.
 void dump(ServiceCall& call) {
     constexpr unsigned kInLine = 16;
     const Place at = placeOf(call);
-    call.out().write("     0  1  2  3  4  5  6  7  8  9  a  b  c  d  e  f    0123456789abcdef\n");
+    if (call.isText())
+        call.out().write("     0  1  2  3  4  5  6  7  8  9  a  b  c  d  e  f    0123456789abcdef\n");
     for (unsigned reg = 0; reg < 256; reg += kInLine) {
         const Bytes bytes = call.attempt(
             [&] { return Orvane::i2c.readReg(call.session(), at.bus, at.address, reg, 1, kInLine); });
-        std::string characters;
-        call.out().print("{:02x}:", reg);
-        for (const unsigned char byte : bytes) {
-            call.out().print(" {:02x}", byte);
-            characters += byte < 0x80 && std::isprint(byte) != 0 ? static_cast<char>(byte) : '.';
-        }
-        call.out().print("    {}\n", characters);
+        putBytes(call, at, "register", reg, bytes);
+        if (call.isText())
+            printDumped(call, reg, bytes);
     }
 }
 
 constexpr std::array<Operation, 7> kOperations{{
-    {"get", "BUS ADDRESS REGISTER [COUNT] [REGISTER-BYTES]", 3, 5, "Read a device's registers", get},
+    {"get", "BUS ADDRESS REGISTER [COUNT] [REGISTER-BYTES]", 3, 5, "Read a device's registers", get,
+     "bus target register value"},
     {"set", "BUS ADDRESS REGISTER BYTE", 4, kAnyNumber, "Write a device's registers", set},
     {"mask", "BUS ADDRESS REGISTER MASK BYTE", 5, kAnyNumber, "Write the masked bits of a device's registers",
      mask},
-    {"read", "BUS ADDRESS COMMAND [COUNT]", 3, 4, "Send a command byte and read", read},
+    {"read", "BUS ADDRESS COMMAND [COUNT]", 3, 4, "Send a command byte and read", read,
+     "bus target place value"},
     {"write", "BUS ADDRESS BYTE", 3, kAnyNumber, "Send bytes", write},
     {"gather", "BUS:ADDRESS:REGISTER:COUNT", 1, kAnyNumber,
-     "Read registers of several devices in one round trip", gather},
-    {"dump", "BUS ADDRESS", 2, 2, "Show the 256 registers of a device", dump},
+     "Read registers of several devices in one round trip", gather, "bus target register value"},
+    {"dump", "BUS ADDRESS", 2, 2, "Show the 256 registers of a device", dump, "bus target register value"},
 }};
 
 } // namespace

@@ -31,9 +31,9 @@ std::string portText(const Device& device) {
                             : fmt::format("{} (MDIO)", device.port());
 }
 
-std::string services(const Orvane::PhySession& session) {
+std::vector<std::string> services(const Orvane::PhySession& session) {
     using Board = Orvane::BoardConnection;
-    std::string names;
+    std::vector<std::string> names;
     for (const auto& [id, name] :
          std::array<std::pair<Board::clientId, const char*>, 6>{{{Board::SETUP, "setup"},
                                                                  {Board::MDIO, "mdio"},
@@ -42,42 +42,45 @@ std::string services(const Orvane::PhySession& session) {
                                                                  {Board::KEEPALIVE, "keep-alive"},
                                                                  {Board::JTAG, "jtag"}}})
         if (session.connection->getClient(id)->client != nullptr)
-            names += (names.empty() ? "" : " ") + std::string(name);
+            names.emplace_back(name);
     return names;
 }
 
 // The identifier registers of the first MMD that has them.
-std::string identifier(Device& device, unsigned phy) {
+Cell identifier(Device& device, unsigned phy) {
     const auto words = Registers(device, phy, Way::Queued).read({{Space::C45, 1, 2}, {Space::C45, 1, 3}});
-    return fmt::format("{} {}", hexText(words[0], Space::C45), hexText(words[1], Space::C45));
+    return {fmt::format("{} {}", hexText(words[0], Space::C45), hexText(words[1], Space::C45)),
+            words[0] << 16U | words[1]};
 }
 
 int run(Context& context, const Options& options) {
+    RecordSink& records =
+        context.records({{"address", "kind", "session", "key", "services", "identifier"}, {}});
     Device device(context, options.device);
     const Orvane::PhySession& session = device.session(options.phy);
-    std::vector<std::pair<const char*, std::string>> facts{
-        {"device", device.name()},       {"adapter", std::to_string(device.adapter())},
-        {"address", device.address()},   {"port", portText(device)},
-        {"session", sessionMode()},      {"key", std::to_string(session.mdio.key)},
-        {"services", services(session)},
+    const std::vector<std::string> names = services(session);
+    std::vector<std::pair<const char*, Cell>> facts{
+        {"address", device.address()},
+        {"kind", {portText(device), device.isSmbus() ? "smbus" : "mdio"}},
+        {"session", sessionMode()},
+        {"key", session.mdio.key},
+        {"services", {fmt::format("{}", fmt::join(names, " ")), names}},
     };
     if (options.withPhy)
         facts.emplace_back("identifier", identifier(device, options.phy));
-    Stream& out = context.console.out;
-    if (context.format() == Format::Text) {
-        for (const auto& [name, value] : facts)
-            out.print("{:<11} {}\n", name, value);
-        return kSuccess;
+    Record record("device");
+    record.device(device.name());
+    if (options.withPhy)
+        record.phy(options.phy);
+    if (records.isText())
+        context.console.out.print("{:<11} {}\n", "device", device.name());
+    for (const auto& [name, fact] : facts) {
+        record.put(name, fact);
+        if (records.isText())
+            context.console.out.print("{:<11} {}\n", std::string_view(name) == "kind" ? "port" : name,
+                                      fact.text);
     }
-    std::vector<Column> columns;
-    std::vector<Cell> row;
-    for (const auto& [name, value] : facts) {
-        columns.push_back({name, name});
-        row.emplace_back(value);
-    }
-    Table table(columns);
-    table.add(row);
-    table.print(out, context.format());
+    records.put(record);
     return kSuccess;
 }
 

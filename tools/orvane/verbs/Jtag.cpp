@@ -4,6 +4,7 @@
 
 #include <array>
 #include <fmt/format.h>
+#include <optional>
 
 namespace OrvaneTool {
 namespace {
@@ -18,16 +19,39 @@ void requireLevels(const std::string& text) {
         throw UsageError(fmt::format("'{}' is not a row of 0 and 1", text));
 }
 
+// What came out of each shift.
+void putShifts(ServiceCall& call, const std::vector<std::string>& results) {
+    for (std::size_t i = 0; i < results.size(); ++i) {
+        call.put(call.record("shift").put("place", i).put("tdo", results[i]));
+        if (call.isText())
+            call.out().print("{}\n", results[i]);
+    }
+}
+
+// The identification of a device in the chain; none when it shifts out a single 0 instead.
+void putDevice(ServiceCall& call, unsigned place, std::optional<std::uint32_t> code) {
+    Record record = call.record("idcode");
+    record.put("place", place);
+    if (code)
+        record.put("idcode", *code);
+    call.put(record);
+    if (call.isText())
+        call.out().write(code ? fmt::format("0x{:08X}\n", *code) : "(a device without identification)\n");
+}
+
 void maxBytes(ServiceCall& call) {
-    call.out().print("{}\n", call.attempt([&] { return jtag().maxBytes(call.session()); }));
+    const int bytes = call.attempt([&] { return jtag().maxBytes(call.session()); });
+    call.put(call.record("limit").put("bytes", bytes));
+    if (call.isText())
+        call.out().print("{}\n", bytes);
 }
 
 void shift(ServiceCall& call) {
     for (const std::string& word : call.words())
         requireLevels(word);
-    call.out().print("{}\n", call.attempt([&] {
-        return jtag().shift(call.session(), call.word(0), call.word(1), call.word(2));
-    }));
+    putShifts(call, {call.attempt([&] {
+                  return jtag().shift(call.session(), call.word(0), call.word(1), call.word(2));
+              })});
 }
 
 // TDI:TMS:TMS-AFTER for each shift.
@@ -44,9 +68,8 @@ void shiftMulti(ServiceCall& call) {
             begin = colon + 1;
         }
     }
-    for (const std::string& result :
-         call.attempt([&] { return jtag().shiftMulti(call.session(), lists[0], lists[1], lists[2]); }))
-        call.out().print("{}\n", result);
+    putShifts(call,
+              call.attempt([&] { return jtag().shiftMulti(call.session(), lists[0], lists[1], lists[2]); }));
 }
 
 // After a reset every device shifts out its identification, low bit first, which begins with a 1; ones follow
@@ -61,9 +84,10 @@ void idCodes(ServiceCall& call) {
         return jtag().shiftMulti(call.session(), {"", ones}, {kToShiftDr, stay}, {"", "10"});
     });
     const std::string& bits = results.at(1);
-    for (std::size_t place = 0; place < bits.size();) {
+    unsigned device = 0;
+    for (std::size_t place = 0; place < bits.size(); ++device) {
         if (bits[place] != '1') {
-            call.out().write("(a device without identification)\n");
+            putDevice(call, device, std::nullopt);
             ++place;
             continue;
         }
@@ -72,16 +96,16 @@ void idCodes(ServiceCall& call) {
             code |= (bits[place + i] == '1' ? 1U : 0U) << i;
         if (code == 0xFFFFFFFF)
             return;
-        call.out().print("0x{:08X}\n", code);
+        putDevice(call, device, code);
         place += kBits;
     }
 }
 
 constexpr std::array<Operation, 4> kOperations{{
-    {"ids", "", 0, 0, "Print the identifications of the chain's devices", idCodes},
-    {"max", "", 0, 0, "Print the bytes of the longest shift", maxBytes},
-    {"shift", "TDI TMS [TMS-AFTER]", 2, 3, "Shift levels and print those of TDO", shift},
-    {"multi", "TDI:TMS:AFTER", 1, kAnyNumber, "Make several shifts in one call", shiftMulti},
+    {"ids", "", 0, 0, "Print the identifications of the chain's devices", idCodes, "place idcode"},
+    {"max", "", 0, 0, "Print the bytes of the longest shift", maxBytes, "bytes"},
+    {"shift", "TDI TMS [TMS-AFTER]", 2, 3, "Shift levels and print those of TDO", shift, "place tdo"},
+    {"multi", "TDI:TMS:AFTER", 1, kAnyNumber, "Make several shifts in one call", shiftMulti, "place tdo"},
 }};
 
 } // namespace

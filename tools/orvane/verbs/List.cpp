@@ -22,25 +22,16 @@ Boards boards(Context& context, const Options& options) {
     return lookForBoards(context, search);
 }
 
-Table devices(const Boards& boards) {
-    Table table({{"name", "NAME"},
-                 {"adapter", "ADAPTER", true},
-                 {"address", "ADDRESS"},
-                 {"port", "PORT", true},
-                 {"kind", "KIND"},
-                 {"board_ports", "BOARD'S PORTS"}});
+void putDevices(RecordSink& records, const Boards& boards) {
     unsigned adapter = 0;
     for (const Orvane::FoundBoard& board : boards.list)
-        for (const unsigned port : board.ports) {
-            table.add({fmt::format("{}:{}", board.serial, port),
-                       {std::to_string(adapter), adapter},
-                       board.address,
-                       {std::to_string(port), port},
-                       port < 10 ? "mdio" : "smbus",
-                       {fmt::format("{}", fmt::join(board.ports, " ")), board.ports}});
-            ++adapter;
-        }
-    return table;
+        for (const unsigned port : board.ports)
+            records.put(Record("device")
+                            .device(fmt::format("{}:{}", board.serial, port))
+                            .put("adapter", adapter++)
+                            .put("address", board.address)
+                            .put("kind", port < 10 ? "mdio" : "smbus")
+                            .put("ports", {fmt::format("{}", fmt::join(board.ports, " ")), board.ports}));
 }
 
 // Throws Failure when there are others than were to be there.
@@ -57,10 +48,15 @@ void check(const Context& context, const Options& options, const Boards& boards)
 }
 
 int run(Context& context, const Options& options) {
+    RecordSink& records = context.records({{"adapter", "address", "kind", "ports"},
+                                           {{"device", "NAME"},
+                                            {"adapter", "ADAPTER", true},
+                                            {"address", "ADDRESS"},
+                                            {"port", "PORT", true},
+                                            {"kind", "KIND"},
+                                            {"ports", "BOARD'S PORTS"}}});
     const Boards found = boards(context, options);
-    const Table table = devices(found);
-    if (table.size() > 0 || context.format() != Format::Text)
-        table.print(context.console.out, context.format());
+    putDevices(records, found);
     check(context, options, found);
     return kSuccess;
 }
@@ -73,7 +69,7 @@ void addList(CLI::App& app, Context& context) {
                       "  orvane list\n"
                       "  orvane list --address 192.168.1.20\n"
                       "  orvane list --expect 12 --time 30    until twelve boards are there, 30 s at most\n"
-                      "  orvane list --json | jq -r '.[].name'\n"});
+                      "  orvane list --json | jq -r '.[].device'\n"});
     auto options = std::make_shared<Options>();
     verb.add_option("--expect", options->expected,
                     "End when so many boards are there; status 1 when they are not")

@@ -1,6 +1,7 @@
 // orvane thermal: a board's temperature forcing unit.
 #include "tools/orvane/board/Numbers.h"
 #include "tools/orvane/cli/Service.h"
+#include "tools/orvane/output/Units.h"
 #include "tools/orvane/verbs/ThermalWatch.h"
 #include "tools/orvane/verbs/Verbs.h"
 
@@ -30,7 +31,10 @@ void plain(ServiceCall& call) {
 template <float (Unit::*Method)(SessionWrapper, unsigned)>
 void temperature(ServiceCall& call) {
     const unsigned channel = channelOf(call);
-    call.out().print("{:.2f}\n", call.attempt([&] { return (thermal().*Method)(call.session(), channel); }));
+    const float celsius = call.attempt([&] { return (thermal().*Method)(call.session(), channel); });
+    call.put(call.record("temperature").put("channel", channel).put("celsius", celsiusCell(celsius)));
+    if (call.isText())
+        call.out().print("{:.2f}\n", celsius);
 }
 
 template <void (Unit::*Method)(SessionWrapper, unsigned, float, unsigned char)>
@@ -47,16 +51,19 @@ void startControl(ServiceCall& call) {
 }
 
 void state(ServiceCall& call) {
-    call.out().print("{}\n", call.attempt([&] { return thermal().getState(call.session()); }));
+    const int number = call.attempt([&] { return thermal().getState(call.session()); });
+    call.put(call.record("state").put("state", number));
+    if (call.isText())
+        call.out().print("{}\n", number);
 }
 
 constexpr std::array<Operation, 9> kOperations{{
     {"connect", "", 0, 0, "Connect the unit", plain<&Unit::connect>},
     {"disconnect", "", 0, 0, "Disconnect the unit", plain<&Unit::disconnect>},
-    {"state", "", 0, 0, "Print the unit's state, a number of its own", state},
-    {"get", "CHANNEL", 1, 1, "Print a temperature", temperature<&Unit::getTemperature>},
+    {"state", "", 0, 0, "Print the unit's state, a number of its own", state, "state"},
+    {"get", "CHANNEL", 1, 1, "Print a temperature", temperature<&Unit::getTemperature>, "channel celsius"},
     {"settle", "CHANNEL", 1, 1, "Print a temperature once it has settled",
-     temperature<&Unit::getSettledTemperature>},
+     temperature<&Unit::getSettledTemperature>, "channel celsius"},
     {"set", "CHANNEL TEMPERATURE [FLAG]", 2, 3, "Set a channel's set point", setPoint<&Unit::setTemperature>},
     {"default", "CHANNEL TEMPERATURE [FLAG]", 2, 3, "Set the set point that a channel returns to",
      setPoint<&Unit::setDefaultTemperature>},

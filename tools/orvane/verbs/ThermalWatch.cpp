@@ -4,6 +4,7 @@
 #include "tools/orvane/board/Numbers.h"
 #include "tools/orvane/cli/Service.h"
 #include "tools/orvane/output/Plot.h"
+#include "tools/orvane/output/Units.h"
 
 #include <algorithm>
 #include <chrono>
@@ -37,6 +38,17 @@ void redraw(Stream& out, const std::vector<double>& all, double target, bool fir
     out.write(plot(shown, {low, high, static_cast<unsigned>(columns), kRows, 1}, target));
 }
 
+void putSample(ServiceCall& call, unsigned channel, const std::vector<double>& all, double target) {
+    Record record = call.record("temperature");
+    record.put("time", timeText(std::chrono::system_clock::now()))
+        .put("sequence", all.size())
+        .put("channel", channel)
+        .put("celsius", celsiusCell(all.back()));
+    if (!std::isnan(target))
+        record.put("set_point", celsiusCell(target));
+    call.put(record);
+}
+
 void watch(ServiceCall& call, const Options& options, unsigned channel, double target) {
     std::vector<double> all;
     while (options.count == 0 || all.size() < options.count) {
@@ -44,9 +56,10 @@ void watch(ServiceCall& call, const Options& options, unsigned channel, double t
             call.context().interrupts().sleep(std::chrono::milliseconds(options.interval));
         all.push_back(static_cast<double>(call.attempt(
             [&] { return Orvane::Thermal::Thermal().getTemperature(call.session(), channel); })));
-        if (call.out().isTerminal())
+        putSample(call, channel, all, target);
+        if (call.isText() && call.out().isTerminal())
             redraw(call.out(), all, target, all.size() == 1);
-        else
+        else if (call.isText())
             call.out().print("{} {:.2f}\n", all.size(), all.back());
         call.out().flush();
     }
@@ -56,7 +69,8 @@ int run(Context& context, const Options& options) {
     const auto channel = numberAs<unsigned>(options.words[0], 0xFFFFFFFF, "the channel");
     const double target =
         options.words.size() > 1 ? fraction(options.words[1], "the set point") : std::nan("");
-    ServiceCall call(context, options, "thermal watch");
+    ServiceCall call(context, options, "thermal watch", "time sequence channel celsius set_point",
+                     Pace::OneByOne);
     try {
         watch(call, options, channel, target);
     } catch (const Interrupted&) { // the usual end

@@ -1,0 +1,100 @@
+// --json and --csv: what verbs print for programs, held against the schema of records.
+#include "tests/support/tools/Program.h"
+
+#include <algorithm>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace OrvaneTest {
+namespace {
+
+using testing::StartsWith;
+
+// A verb, and how many records it prints.
+struct Story {
+    std::string name;
+    Arguments words;
+    std::size_t records;
+};
+
+const Story kStories[] = {
+    {"Info", {"info", "OV0001:0", "--phy", "3"}, 1},
+    {"List", {"list"}, 3},
+    {"I2cGet", {"i2c", "get", "OV0001:0", "0", "0x50", "0", "6"}, 6},
+    {"I2cRead", {"i2c", "read", "OV0001:0", "0", "0x50", "0x41", "2"}, 2},
+    {"I2cGather", {"i2c", "gather", "OV0001:0", "0:0x50:0x40:2", "0:0x48:0:2"}, 4},
+    {"I2cDump", {"i2c", "dump", "OV0001:0", "0", "0x50"}, 256},
+    {"I2cSet", {"i2c", "set", "OV0001:0", "0", "0x50", "0x40", "1"}, 1},
+    {"GpioGet", {"gpio", "get", "OV0001:0", "0", "16"}, 2},
+    {"GpioOutputs", {"gpio", "outputs", "OV0001:0", "0"}, 1},
+    {"GpioBitBang", {"gpio", "bitbang", "OV0001:0", "0=0", "16"}, 2},
+    {"GpioInfo", {"gpio", "info", "OV0001:0"}, 32},
+    {"GpioReset", {"gpio", "reset", "OV0001:0"}, 1},
+    {"JtagIds", {"jtag", "ids", "OV0001:0"}, 2},
+    {"JtagMax", {"jtag", "max", "OV0001:0"}, 1},
+    {"JtagShift", {"jtag", "shift", "OV0001:0", "", "111110100"}, 1},
+    {"JtagMulti", {"jtag", "multi", "OV0001:0", ":111110100:", "0000:0001:10"}, 2},
+    {"AdcCapture", {"adc", "capture", "OV0001:0", "--channels", "5", "--samples", "3"}, 6},
+    {"AdcMaxima", {"adc", "max", "OV0001:0"}, 1},
+    {"ThermalState", {"thermal", "state", "OV0001:0"}, 1},
+    {"ThermalWatch", {"thermal", "watch", "OV0001:0", "0", "85", "--count", "3", "--interval", "0"}, 3},
+    {"Exec", {"exec", "OV0001:0", "hostname"}, 1},
+};
+
+class OrvaneRecords : public testing::TestWithParam<Story>, protected OneBoardLab {};
+
+INSTANTIATE_TEST_SUITE_P(Verb, OrvaneRecords, testing::ValuesIn(kStories),
+                         [](const auto& test) { return test.param.name; });
+
+// How many records fit the schema, in the words of the check.
+std::string checked(const std::string& records) {
+    const Folder folder;
+    return shellOutput(ORVANE_CHECK_RECORDS " 2>&1 <" + folder.write("records.json", records));
+}
+
+std::size_t lines(const std::string& text) {
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+TEST_P(OrvaneRecords, FitTheSchemaAndAreLinesOfCsv) {
+    run({"thermal", "connect", "OV0001:0"});
+    Arguments words = GetParam().words;
+    words.emplace_back("--json");
+    const Outcome json = run(words);
+    EXPECT_EQ(json.status, 0) << json;
+    EXPECT_EQ(checked(json.output), std::to_string(GetParam().records) + " fit\n") << json.output;
+    words.back() = "--csv";
+    const Outcome csv = run(words);
+    EXPECT_EQ(csv.status, 0) << csv;
+    EXPECT_THAT(csv.output, StartsWith("record,device,board,port,phy,"));
+    EXPECT_EQ(lines(csv.output), GetParam().records + 1);
+}
+
+struct OrvaneRecord : testing::Test, OneBoardLab {};
+
+TEST_F(OrvaneRecord, HasNumbersAsNumbers) {
+    EXPECT_EQ(nlohmann::json::parse(run({"i2c", "get", "OV0001:0", "0", "0x50", "5", "--json"}).output),
+              nlohmann::json::parse(R"([{"record": "byte", "device": "OV0001:0", "board": "OV0001", "port": 0,
+                "phy": 0, "bus": 0, "target": 80, "register": 5, "value": 49}])"));
+    EXPECT_EQ(
+        run({"i2c", "get", "OV0001:0", "0", "0x50", "5", "--csv"}),
+        prints("record,device,board,port,phy,bus,target,register,value,error.kind,error.code,error.text\n"
+               "byte,OV0001:0,OV0001,0,0,0,80,5,49,,,\n"));
+}
+
+TEST_F(OrvaneRecord, OfAnOperationWithoutResultTellsThatItWasDone) {
+    EXPECT_EQ(run({"gpio", "set", "OV0001:0", "0=1", "--csv"}),
+              prints("record,device,board,port,phy,operation,error.kind,error.code,error.text\n"
+                     "done,OV0001:0,OV0001,0,0,gpio set 0=1,,,\n"));
+}
+
+TEST_F(OrvaneRecord, OfWrongUsageIsAFailure) {
+    const Outcome outcome = run({"gpio", "set", "OV0001:0", "3", "--json"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(checked(outcome.output), "1 fit\n");
+    EXPECT_EQ(nlohmann::json::parse(outcome.output)[0]["error"]["kind"], "usage");
+}
+
+} // namespace
+} // namespace OrvaneTest

@@ -31,6 +31,7 @@ public:
         const py::gil_scoped_release released;
         running_ = std::make_unique<RunningLab>(flags_.setup(privatePlace()), flags_);
     }
+    // NOLINTNEXTLINE(bugprone-exception-escape): what ends here throws nothing that a program could mend
     ~OwnLab() { stop(); }
     OwnLab(const OwnLab&) = delete;
     OwnLab& operator=(const OwnLab&) = delete;

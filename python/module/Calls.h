@@ -19,11 +19,17 @@ struct Limits {
     std::shared_ptr<Orvane::Cancellation> cancellation;
 };
 
+// What ends the calls of this thread that bring no cancellation of their own; null: nothing.
+std::shared_ptr<Orvane::Cancellation> cancellationOfThread();
+
 // Runs `call(const Within&)`. What it has captured is let go without the GIL, too: the last handle of a
 // session closes it.
 template <class Call>
 auto outside(const Limits& limits, Call call) {
     Orvane::Within within = limits.within;
+    const std::shared_ptr<Orvane::Cancellation> ofThread = cancellationOfThread(); // a hook may replace it
+    if (within.cancellation == nullptr)
+        within.cancellation = ofThread.get();
     const Interruptible interruptible(within);
     try {
         const py::gil_scoped_release released;

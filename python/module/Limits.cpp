@@ -26,7 +26,13 @@ Limits makeLimits(double seconds, unsigned reads, unsigned writes, bool heal,
     return limits;
 }
 
+thread_local std::shared_ptr<Cancellation> ofThread;
+
 } // namespace
+
+std::shared_ptr<Cancellation> cancellationOfThread() {
+    return ofThread;
+}
 
 void bindLimits(py::module_& module) {
     py::class_<Cancellation, std::shared_ptr<Cancellation>>(
@@ -42,6 +48,9 @@ void bindLimits(py::module_& module) {
             return std::string("<orvane.Cancellation") + (self.cancelled() ? ", cancelled>" : ">");
         });
     py::class_<Limits>(module, "Limits").def(py::init(&makeLimits));
+    module.def(
+        "cancel_thread_by", [](std::shared_ptr<Cancellation> which) { ofThread = std::move(which); },
+        py::arg("cancellation").none(true));
     module.attr("UP_TO_THE_DEADLINE") = Orvane::Repeat::kUpToTheDeadline;
 }
 

@@ -31,17 +31,18 @@ from orvane.names import Change, Diff, Map, Place, Restored, Snapshot
 from orvane.phy import Phy, Routed
 from orvane.rack import Discovery, FoundBoard, Port, Ports, Rack, Readings, discover, open, rack, read_all
 from orvane.registers import Register, clause22, clause45, ext32
+from orvane.run import DataSet, Run
 from orvane.services import (Adc, Capture, CommandOutcome, ErrorRecord, Gpio, I2c, Jtag, Mdio, Shell, Shift, Thermal,
                              ThermalChannel, Transfer)
 
 __version__ = _orvane.version
 __all__ = ["AccessMode", "Adc", "BadReply", "Batch", "BatchReadings", "BatchResult", "BoardCounters", "BoardError",
-           "Busy", "Cancellation", "Cancelled", "Capture", "Change", "Code", "CommandOutcome", "Diff", "Discovery",
-           "Error", "ErrorRecord", "Event", "EventKind", "EventLevel", "FailureKind", "FoundBoard", "Gpio", "I2c",
-           "InvalidArgument", "Jtag", "Latency", "LostSession", "Map", "MapError", "Mdio", "NoSuchPort",
+           "Busy", "Cancellation", "Cancelled", "Capture", "Change", "Code", "CommandOutcome", "DataSet", "Diff",
+           "Discovery", "Error", "ErrorRecord", "Event", "EventKind", "EventLevel", "FailureKind", "FoundBoard", "Gpio",
+           "I2c", "InvalidArgument", "Jtag", "Latency", "LostSession", "Map", "MapError", "Mdio", "NoSuchPort",
            "OperationState", "Outcome", "Phy", "Place", "Port", "Ports", "ProgramCounters", "Rack", "Reading",
-           "Readings", "Refused", "Register", "Restored", "Routed", "Shell", "Shift", "SmbusProtocol", "Snapshot",
-           "Space", "Thermal", "ThermalChannel", "TimedOut", "Transfer", "Unreachable", "Within", "clause22",
-           "clause45", "discover", "ext32", "open", "rack", "read_all"]
+           "Readings", "Refused", "Register", "Restored", "Routed", "Run", "Shell", "Shift", "SmbusProtocol",
+           "Snapshot", "Space", "Thermal", "ThermalChannel", "TimedOut", "Transfer", "Unreachable", "Within",
+           "clause22", "clause45", "discover", "ext32", "open", "rack", "read_all"]
 
 _atexit.register(_orvane.close_all)

@@ -2,6 +2,7 @@
 #include "ov_sys/rack/access/Block.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace Orvane::RackAccess {
 
@@ -45,6 +46,26 @@ std::size_t Block::length(const Operations& operations, std::size_t first) noexc
 }
 
 void Block::gather(const Target& target, const Operations& operations) {
+    const auto begin = operations.begin() + static_cast<std::ptrdiff_t>(first_);
+    const auto isWrite = [](const Batch::Operation& one) { return one.writes; };
+    const auto writes =
+        static_cast<std::size_t>(std::count_if(begin, begin + static_cast<std::ptrdiff_t>(count_), isWrite));
+    writeAddresses_.reserve(writes);
+    data_.reserve(writes);
+    readAddresses_.reserve(count_ - writes);
+    if (writes == 0) {
+        runs_ = {0, static_cast<u_int>(count_)};
+        // All of one space, so that the words differ in what the addresses say.
+        const RegisterAddress::Space space = begin->address.space;
+        const bool wide = space == RegisterAddress::Space::Ext32;
+        const u_int phy = addressWord(target.session, {space, 0, 0});
+        readAddresses_.resize(count_);
+        for (std::size_t i = 0; i < count_; ++i) {
+            const RegisterAddress& address = operations[first_ + i].address;
+            readAddresses_[i] = wide ? address.number : phy | address.word();
+        }
+        return;
+    }
     runs_.push_back(0);
     for (std::size_t i = first_; i < end(); ++i) {
         const Batch::Operation& one = operations[i];
@@ -84,6 +105,11 @@ std::unique_ptr<Call> Block::mixed(const Target& target, MdioProcedures procedur
 
 void Block::store(const Operations& operations, std::vector<OperationOutcome>& outcomes) const {
     const Trouble trouble = call_->trouble;
+    if (!trouble && !writes()) { // nearly always
+        for (std::size_t i = 0; i < count_; ++i)
+            outcomes[first_ + i] = {State::Done, values_[i], 0};
+        return;
+    }
     std::size_t read = 0;
     for (std::size_t i = first_; i < end(); ++i) {
         OperationOutcome& outcome = outcomes[i];

@@ -48,8 +48,10 @@ void BlockRun::store() {
 
 Trouble runBlocks(const Target& target, const std::vector<Batch::Operation>& operations,
                   std::vector<OperationOutcome>& outcomes, std::size_t& failed, Limits& limits) {
-    if (const Trouble busy = takeTurn(target.link, limits))
+    if (const Trouble busy = takeTurn(target.link, limits)) {
+        outcomes.assign(operations.size(), {});
         return busy;
+    }
     const TurnGuard turn(target.link.turn); // nobody comes between the blocks
     BlockRun run(target, operations, limits.within.repeat);
     Trouble trouble;

@@ -57,6 +57,7 @@ Trouble writeOne(const Target& target, const RegisterAddress& address, std::uint
 // One after the other, for buses without blocks.
 Trouble runSingly(const Target& target, const std::vector<Batch::Operation>& operations,
                   std::vector<OperationOutcome>& outcomes, std::size_t& failed, Limits& limits) {
+    outcomes.assign(operations.size(), {});
     for (failed = 0; failed < operations.size(); ++failed) {
         const Batch::Operation& one = operations[failed];
         OperationOutcome& outcome = outcomes[failed];
@@ -76,16 +77,18 @@ Trouble runSingly(const Target& target, const std::vector<Batch::Operation>& ope
 } // namespace
 
 Trouble read(const Target& target, const RegisterAddress& address, std::uint32_t& value, Limits& limits) {
+    if (!target.link.log().on())
+        return readOne(target, address, value, limits);
     const Trouble trouble = readOne(target, address, value, limits);
-    if (target.link.log().on())
-        target.link.log().access(target.place(), {address, value, false}, trouble);
+    target.link.log().access(target.place(), {address, value, false}, trouble);
     return trouble;
 }
 
 Trouble write(const Target& target, const RegisterAddress& address, std::uint32_t value, Limits& limits) {
+    if (!target.link.log().on())
+        return writeOne(target, address, value, limits);
     const Trouble trouble = writeOne(target, address, value, limits);
-    if (target.link.log().on())
-        target.link.log().access(target.place(), {address, value, true}, trouble);
+    target.link.log().access(target.place(), {address, value, true}, trouble);
     return trouble;
 }
 
@@ -97,7 +100,6 @@ OperationOutcome outcomeOf(Trouble trouble, bool sent) noexcept {
 
 Trouble run(const Target& target, const std::vector<Batch::Operation>& operations,
             std::vector<OperationOutcome>& outcomes, std::size_t& failed, Limits& limits) {
-    outcomes.assign(operations.size(), {});
     const Trouble trouble = target.overSmbus() ? runSingly(target, operations, outcomes, failed, limits)
                                                : runBlocks(target, operations, outcomes, failed, limits);
     if (target.link.log().on())

@@ -31,13 +31,9 @@ Tally::~Tally() {
         delete program.load(std::memory_order_relaxed);
 }
 
-Tally::OfProgram& Tally::of(Program program) {
-    std::atomic<OfProgram*>& place = programs_[indexOf(program)];
-    OfProgram* counters = place.load(std::memory_order_relaxed);
-    if (counters == nullptr) {
-        counters = new OfProgram;
-        place.store(counters, std::memory_order_release);
-    }
+Tally::OfProgram& Tally::begin(Program program) {
+    auto* const counters = new OfProgram;
+    programs_[indexOf(program)].store(counters, std::memory_order_release);
     return *counters;
 }
 

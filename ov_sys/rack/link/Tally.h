@@ -40,7 +40,11 @@ public:
 
 private:
     struct OfProgram;
-    OfProgram& of(Program program);
+    OfProgram& of(Program program) {
+        OfProgram* const counters = programs_[indexOf(program)].load(std::memory_order_relaxed);
+        return counters != nullptr ? *counters : begin(program);
+    }
+    OfProgram& begin(Program program);
 
     std::array<std::atomic<OfProgram*>, kPrograms> programs_{}; // made at the first call
 };

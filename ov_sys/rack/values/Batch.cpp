@@ -12,9 +12,9 @@ Batch::Reading Batch::read(RegisterAddress address) {
 
 Batch::Readings Batch::read(RegisterAddress first, std::size_t count) {
     const Readings readings{operations_.size(), count};
-    operations_.reserve(operations_.size() + count);
+    operations_.insert(operations_.end(), count, {first, 0, false});
     for (std::size_t i = 0; i < count; ++i)
-        operations_.push_back({first + static_cast<std::uint32_t>(i), 0, false});
+        operations_[readings.first + i].address.number += static_cast<std::uint32_t>(i);
     return readings;
 }
 
@@ -54,10 +54,9 @@ std::uint32_t BatchResult::operator[](Batch::Reading reading) const {
 }
 
 std::vector<std::uint32_t> BatchResult::operator[](Batch::Readings readings) const {
-    std::vector<std::uint32_t> values;
-    values.reserve(readings.count);
+    std::vector<std::uint32_t> values(readings.count);
     for (std::size_t i = 0; i < readings.count; ++i)
-        values.push_back((*this)[Batch::Reading{readings.first + i}]);
+        values[i] = (*this)[Batch::Reading{readings.first + i}];
     return values;
 }
 

@@ -44,6 +44,14 @@ void countRackReads(int times, const char* address) {
     count(times, [&phy] { phy.read({1, 0x20}); });
 }
 
+void countRackLists(int times, const char* address) {
+    Orvane::Rack rack;
+    rack.know("BOARD7", address);
+    const Orvane::Phy phy = rack.open("BOARD7:0").phy(kPhy);
+    phy.open();
+    count(times, [&phy] { phy.read({30, 0}, 873); });
+}
+
 // Runs with the first device of the board as the default adapter.
 void countFlat(int times, const char* address, const Operation& operation) {
     HW_Initialize();
@@ -61,6 +69,8 @@ void countNamed(const char* operation, int times, const char* address) {
         return countClassReads(times, address);
     if (is("rack read"))
         return countRackReads(times, address);
+    if (is("rack list"))
+        return countRackLists(times, address);
     if (is("flat read"))
         return countFlat(times, address, [] { HW_Read_Abstracted(0, kPhy, 1, 0x20); });
     if (is("log record, off"))

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <new>
-#include <poll.h>
 
 namespace Orvane {
 
@@ -147,11 +146,7 @@ void Flight::wait() {
 }
 
 void Flight::waitSome() {
-    fleet_->step();
-    if (fleet_->underWay() == 0)
-        return;
-    pollfd entry{fleet_->descriptor(), POLLIN, 0};
-    poll(&entry, 1, 1000);
+    fleet_->stepSome();
 }
 
 std::size_t Flight::underWay() const noexcept {

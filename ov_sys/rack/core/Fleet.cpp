@@ -5,9 +5,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <sys/epoll.h>
 #include <sys/timerfd.h>
 #include <system_error>
+#include <utility>
 
 namespace Orvane::RackCore {
 
@@ -57,14 +59,21 @@ void Fleet::add(std::unique_ptr<Job> job) {
     if (lane == nullptr) {
         auto made = std::make_unique<Lane>();
         made->board = board;
+        ready_.reserve(lanes_.size() + 1);
+        stepping_.reserve(lanes_.size() + 1);
         lane = lanes_.emplace(board.get(), std::move(made)).first->second.get();
     }
     attend(*job);
     lane->waiting.push_back(std::move(job));
-    lane->ready = true;
     ++jobs_;
-    if (jobs_ == 1)
+    makeReady(*lane);
+    if (ready_.size() == 1)
         setTimer(); // whoever waits for the descriptor has something to do
+}
+
+void Fleet::makeReady(Lane& lane) noexcept {
+    if (!std::exchange(lane.ready, true))
+        ready_.push_back(&lane);
 }
 
 // What may be cancelled from another thread wakes whoever waits for the descriptor.
@@ -127,7 +136,7 @@ void Fleet::startCalls(Lane& lane, Job& job) {
     }
     job.torn = false;
     if (job.calls.empty() || job.calls.front()->done())
-        lane.ready = true; // nothing will arrive for it
+        makeReady(lane); // nothing will arrive for it
 }
 
 void Fleet::settle(Lane& lane, std::unique_ptr<Job> job, Trouble trouble) {
@@ -201,7 +210,6 @@ void Fleet::cancel(Lane& lane, Trouble why) {
 
 void Fleet::stepLane(Lane& lane) {
     const bool timed = now_ >= lane.wake;
-    lane.ready = false;
     lane.wake = TimePoint::max();
     if (timed)
         expire(lane);
@@ -247,13 +255,13 @@ void Fleet::watch(Lane& lane) {
     }
 }
 
-void Fleet::takeEvents() {
+void Fleet::takeEvents(std::chrono::milliseconds longest) {
     epoll_event events[256];
-    const int count = epoll_wait(epoll_.get(), events, 256, 0);
+    const int count = epoll_wait(epoll_.get(), events, 256, static_cast<int>(longest.count()));
     for (int i = 0; i < count; ++i)
         if (auto* const lane =
                 reinterpret_cast<Lane*>(events[i].data.u64 & ~kStream)) { // NOLINT(*-int-to-ptr)
-            lane->ready = true;
+            makeReady(*lane);
             lane->streams = lane->streams || (events[i].data.u64 & kStream) != 0;
         }
 }
@@ -263,13 +271,23 @@ void Fleet::takeCancellations() {
     const auto called = [](const auto& entry) { return entry.first->cancelled(); };
     if (std::any_of(cancellations_.begin(), cancellations_.end(), called))
         for (auto& entry : lanes_)
-            entry.second->wake = now_;
+            nextWake_ = entry.second->wake = now_;
+}
+
+void Fleet::takeTimeouts() {
+    nextWake_ = TimePoint::max();
+    for (auto& entry : lanes_)
+        if (now_ >= entry.second->wake)
+            makeReady(*entry.second);
+        else
+            nextWake_ = std::min(nextWake_, entry.second->wake);
 }
 
 void Fleet::setTimer() {
-    TimePoint next = TimePoint::max();
-    for (const auto& entry : lanes_)
-        next = std::min(next, entry.second->ready ? now_ : entry.second->wake);
+    const TimePoint next = ready_.empty() ? nextWake_ : now_;
+    if (armed_ <= next && armed_ > now_)
+        return; // what rings too early costs a look at the lanes
+    armed_ = next;
     itimerspec when{};
     if (next != TimePoint::max()) {
         const auto nanoseconds =
@@ -281,32 +299,42 @@ void Fleet::setTimer() {
 }
 
 void Fleet::step() {
-    takeEvents();
+    advance({});
+}
+
+void Fleet::stepSome() {
+    if (jobs_ > 0)
+        advance(kLook * 100);
+}
+
+void Fleet::advance(std::chrono::milliseconds longest) {
+    takeEvents(ready_.empty() ? longest : std::chrono::milliseconds(0));
     now_ = Clock::now();
     takeCancellations();
-    for (auto& entry : lanes_) {
-        Lane& lane = *entry.second;
-        if (!lane.ready && now_ < lane.wake)
-            continue;
+    if (now_ >= nextWake_)
+        takeTimeouts();
+    stepping_.clear();
+    stepping_.swap(ready_);
+    for (std::size_t i = 0; i < stepping_.size(); ++i) {
+        Lane& lane = *stepping_[i];
+        lane.ready = false;
         try {
             stepLane(lane);
-        } catch (...) {
-            lane.ready = true; // the rest of it is for the next time
+        } catch (...) { // the rest is for the next time
+            makeReady(lane);
+            ready_.insert(ready_.end(), stepping_.begin() + static_cast<std::ptrdiff_t>(i) + 1,
+                          stepping_.end());
             setTimer();
             throw;
         }
+        nextWake_ = std::min(nextWake_, lane.wake);
     }
     setTimer();
 }
 
 void Fleet::run(const std::function<bool()>& stop) {
-    while (jobs_ > 0 && !(stop && stop())) {
-        step();
-        if (jobs_ == 0)
-            return;
-        pollfd entry{epoll_.get(), POLLIN, 0};
-        poll(&entry, 1, static_cast<int>(std::chrono::milliseconds(stop ? kLook : kLook * 100).count()));
-    }
+    while (jobs_ > 0 && !(stop && stop()))
+        advance(stop ? kLook : kLook * 100);
 }
 
 } // namespace Orvane::RackCore

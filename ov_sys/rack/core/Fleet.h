@@ -5,6 +5,7 @@
 #include "ov_sys/rack/core/Board.h"
 #include "ov_sys/rack/core/Job.h"
 
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <list>
@@ -37,6 +38,8 @@ public:
     // Gives a board up, its jobs cancelled, as soon as another thread wants it.
     void yield() noexcept { yields_ = true; }
 
+    // Waits for something to do, a second at most, and does it.
+    void stepSome();
     // Steps until nothing is under way, or `stop` says so. Blocks.
     void run(const std::function<bool()>& stop);
 
@@ -46,7 +49,7 @@ private:
         std::deque<std::unique_ptr<Job>> waiting;
         std::list<std::unique_ptr<Job>> begun;
         bool hasTurn = false;
-        bool ready = true; // something arrived, or was added
+        bool ready = false; // it is among those to be stepped
         RackLink::TimePoint wake{};
         bool streams = false; // something arrived that is no datagram
         unsigned socketsMade = 0;
@@ -65,14 +68,21 @@ private:
     void watch(Lane& lane);
     void attend(const Job& job);
     void dismiss(const Job& job);
-    void takeEvents();
+    void advance(std::chrono::milliseconds longest);
+    void makeReady(Lane& lane) noexcept;
+    void takeEvents(std::chrono::milliseconds longest);
+    void takeTimeouts();
     void takeCancellations();
     void setTimer();
 
     FileDescriptor epoll_;
     FileDescriptor timer_;
     std::unordered_map<Board*, std::unique_ptr<Lane>> lanes_;
-    std::map<const Cancellation*, std::size_t> cancellations_; // and how many jobs each may end
+    std::vector<Lane*> ready_;                                  // with room for all
+    std::vector<Lane*> stepping_;                               // the same
+    RackLink::TimePoint nextWake_ = RackLink::TimePoint::max(); // of the lanes, or before it
+    RackLink::TimePoint armed_ = RackLink::TimePoint::max();    // when the timer rings
+    std::map<const Cancellation*, std::size_t> cancellations_;  // and how many jobs each may end
     RackLink::TimePoint now_;
     std::size_t jobs_ = 0;
     unsigned window_ = 8;

@@ -74,7 +74,8 @@ public:
     // Failure (InvalidArgument).
     void know(const std::string& board, const std::string& address);
 
-    // Replaces the callback; an empty one ends the events. See EventCallback.
+    // Replaces the callback; an empty one ends the events. Waits for the former one while it runs, unless it
+    // is called from it: what it uses may end then. See EventCallback.
     void onEvent(EventCallback callback);
 
     // From now on every access of this rack leaves a line in that file, at its end, until endLog() or another

@@ -41,8 +41,8 @@ typedef struct orvane_event {
  * use the rack but must not free it. */
 typedef void (*orvane_event_callback)(void *context, const orvane_event *event);
 
-/* Replaces the callback; null ends the events. One that is running goes on: `context` must last until it has
- * returned, which orvane_rack_free() waits for. */
+/* Replaces the callback; null ends the events. Waits for the former one while it runs, unless it is called
+ * from it: its `context` may end then. */
 ORVANE_C_API int orvane_rack_on_event(orvane_rack *rack, orvane_event_callback callback, void *context,
                                       orvane_failure *failure);
 /* A kind in words, e.g. "ping lost". Never null. */

@@ -1,4 +1,4 @@
-// Events in their order, to the callback that stands when they are delivered.
+// Events in their order, each to the callback that stands when its turn comes.
 #include "ov_sys/rack/core/EventQueue.h"
 
 #include <utility>
@@ -14,21 +14,30 @@ bool EventQueue::push(Event event) {
 }
 
 void EventQueue::setCallback(EventCallback callback) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    callback_ = std::move(callback);
+    Shared next = callback ? std::make_shared<const EventCallback>(std::move(callback)) : nullptr;
+    std::unique_lock<std::mutex> lock(mutex_);
+    callback_.swap(next); // the former one ends behind the lock
+    if (!callback_)
+        events_.clear();
+    if (running_ != std::this_thread::get_id())
+        returned_.wait(lock, [this] { return running_ == std::thread::id(); });
+    lock.unlock();
 }
 
 void EventQueue::deliver() {
-    std::vector<Event> events;
-    EventCallback callback;
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        events.swap(events_);
-        callback = callback_;
+    std::unique_lock<std::mutex> lock(mutex_);
+    while (callback_ && !events_.empty()) {
+        Shared callback = callback_;
+        const Event event = std::move(events_.front());
+        events_.pop_front();
+        running_ = std::this_thread::get_id();
+        lock.unlock();
+        (*callback)(event);
+        callback.reset();
+        lock.lock();
+        running_ = {};
+        returned_.notify_all();
     }
-    if (callback)
-        for (const Event& event : events)
-            callback(event);
 }
 
 } // namespace Orvane::RackCore

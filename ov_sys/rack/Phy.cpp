@@ -121,6 +121,20 @@ void Phy::onReopen(std::function<void()> hook) const {
     session_->setHook(std::move(hook));
 }
 
+void Phy::onReopen(std::function<void(const Phy&)> hook) const {
+    if (!hook)
+        return session_->setHook({});
+    const std::weak_ptr<RackCore::OpenSession> session = session_; // which owns the hook
+    session_->setHook([session, hook = std::move(hook)] {
+        if (std::shared_ptr<RackCore::OpenSession> held = session.lock())
+            hook(Phy(std::move(held)));
+    });
+}
+
+void Phy::onReopen(std::nullptr_t) const {
+    session_->setHook({});
+}
+
 void Phy::setSmbusProtocol(SmbusProtocol protocol) const noexcept {
     session_->setSmbus(protocol);
 }

@@ -106,6 +106,10 @@ public:
     // to restore what the board forgot. It may use this PHY, on the thread that calls it; what it throws
     // leaves the call that noticed. Runs on that call's thread, or on the rack's own when a ping noticed.
     void onReopen(std::function<void()> hook) const;
+    // The same for a hook that is given this PHY. (A hook that holds a Phy of its own keeps the session
+    // open.)
+    void onReopen(std::function<void(const Phy& phy)> hook) const;
+    void onReopen(std::nullptr_t) const; // none
 
     // Paged16 at first. For 32-bit registers on SMBus ports.
     void setSmbusProtocol(SmbusProtocol protocol) const noexcept;

@@ -87,11 +87,18 @@ TEST_F(HealingTest, HookRestoresWhatTheBoardForgotBeforeTheCallGoesOn) {
     EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10007), 0x77U);
 }
 
+TEST_F(HealingTest, HookIsGivenItsPhy) {
+    phy.onReopen([](const Phy& reopened) { reopened.write({1, 7}, 0x70 + reopened.id()); });
+    board.forgetSessions();
+    phy.read({1, 2});
+    EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10007), 0x73U);
+}
+
 TEST_F(HealingTest, WhatTheHookThrowsLeavesTheCall) {
     phy.onReopen([] { throw std::runtime_error("no"); });
     board.forgetSessions();
     EXPECT_THROW(phy.read({1, 2}), std::runtime_error);
-    phy.onReopen({});
+    phy.onReopen(nullptr);
     EXPECT_EQ(phy.read({1, 2}), 0x42U);
 }
 

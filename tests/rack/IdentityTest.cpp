@@ -1,6 +1,8 @@
 // That no board answers for another, and that no session is left on one.
 #include "tests/support/rack/RackOnBoard.h"
 
+#include <future>
+
 namespace OrvaneTest {
 namespace {
 
@@ -133,6 +135,30 @@ TEST_F(IdentityTest, OpeningWhoseAnswerIsLostIsAskedForAgainWithItsOwnKey) {
     EXPECT_NE(argumentsOf(opens[0]).front(), Json(0));
     EXPECT_EQ(opens[0].arguments(), opens[1].arguments());
     EXPECT_EQ(alone.key(), argumentsOf(opens[0]).front().get<unsigned>());
+}
+
+TEST_F(IdentityTest, SessionThatMayBeLeftOnTheBoardIsNamed) {
+    std::promise<std::string> told;
+    rack.onEvent([&told](const Event& event) {
+        if (event.kind == Event::Kind::Lost)
+            told.set_value(event.text);
+    });
+    inject(Fault::Kind::CloseMidReply, "setup", "open_connection");
+    rack.open("BOARD7:2", Access::exclusive(0x4711)).phy(1).open();
+    EXPECT_EQ(told.get_future().get(),
+              "the answer to an opening was lost: the board may keep a session of key "
+              "0x4711 until it misses its pings");
+    rack.onEvent({});
+}
+
+TEST_F(IdentityTest, OpeningThatNeverLeftNamesNoSession) {
+    Events events(rack);
+    board.stop();
+    failureOf([&] { phy.open(within(700ms)); });
+    board.start();
+    phy.open(within(20s));
+    EXPECT_TRUE(events.waitFor(Event::Kind::Opened));
+    EXPECT_FALSE(events.came(Event::Kind::Lost));
 }
 
 TEST_F(IdentityTest, RefusalSaysWhatTheBoardAddsToIt) {

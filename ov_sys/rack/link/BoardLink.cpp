@@ -113,7 +113,7 @@ void BoardLink::transmitOverStream(Call& call) {
     call.size = static_cast<std::uint32_t>(call.encode(request.get(), kLargestRequest));
     Stream& stream = streamOf(call.program).stream;
     if (!stream.isOpen() && call.program == Program::Setup)
-        lateOpenings_.clear(); // they were asked for over another connection
+        forgetLate(); // they were asked for over another connection
     if (!stream.isOpen()) {
         ++socketsMade_;
         stream.open(endpoint(address(), ports_[indexOf(call.program)]));

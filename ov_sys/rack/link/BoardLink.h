@@ -163,6 +163,8 @@ private:
     void beginProbe(TimePoint now);
     void stepProbe(TimePoint now);
     void keepForLate(std::unique_ptr<Call> opening);
+    void nameLeftBehind(const Call* opening);
+    void forgetLate();
     bool answeredLate(std::uint32_t id, char* bytes, std::size_t length, TimePoint now);
 
     StreamOf& streamOf(Program program) noexcept { return program == Program::Adc ? adc_ : setup_; }

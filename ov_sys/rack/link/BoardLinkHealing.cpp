@@ -171,6 +171,7 @@ void BoardLink::loseErrand(TimePoint now) {
         if (opensAgain(now))
             return;
         // A refused or broken connection: perhaps the board is elsewhere by now.
+        nameLeftBehind(errand_.get());
         streamOf(errand_->program).stream.close();
         doubtPorts();
         const std::unique_ptr<Call> former = std::move(errand_);
@@ -234,6 +235,7 @@ void BoardLink::moveTo(in_addr_t address) {
     around_.report(*this, nullptr, Event::Kind::Moved, Event::Level::Warning, dotted(address));
     doubtPorts();
     doubtful_ = false;
+    nameLeftBehind(errand_.get());
     setup_.stream.close();
     adc_.stream.close();
     if (!flying_.empty())

@@ -4,6 +4,8 @@
 #include "ov_sys/Interface/discovery/DiscoveryProtocol.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <string>
 #include <utility>
 
 namespace Orvane::RackLink {
@@ -59,6 +61,25 @@ void BoardLink::keepForLate(std::unique_ptr<Call> opening) {
     constexpr std::size_t kMost = 8;
     if (lateOpenings_.size() < kMost)
         lateOpenings_.push_back(std::move(opening));
+}
+
+// A board that was asked to open a session over a connection that is no more may have done so, and nobody
+// knows its number.
+void BoardLink::nameLeftBehind(const Call* opening) {
+    auto* const open = dynamic_cast<const OpenCall*>(opening);
+    if (open == nullptr || !setup_.stream.hasSent())
+        return;
+    char key[8];
+    std::snprintf(key, sizeof key, "0x%04X", open->argument.sessionId & 0xFFFFU);
+    around_.report(*this, open->target, Event::Kind::Lost, Event::Level::Warning,
+                   "the answer to an opening was lost: the board may keep a session of key " +
+                       std::string(key) + " until it misses its pings");
+}
+
+void BoardLink::forgetLate() {
+    for (const std::unique_ptr<Call>& late : lateOpenings_)
+        nameLeftBehind(late.get());
+    lateOpenings_.clear();
 }
 
 bool BoardLink::answeredLate(std::uint32_t id, char* bytes, std::size_t length, TimePoint now) {

@@ -30,14 +30,15 @@ bool Stream::open(const sockaddr_in& to) {
     const int on = 1;
     setsockopt(socket_.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     // A peer that has gone without a word is found out while nobody asks it anything.
-    const int idle = 4; // seconds
+    const int idle = 2; // seconds
     const int interval = 1;
-    const int probes = 3;
+    const int probes = 5;
     setsockopt(socket_.get(), SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
     setsockopt(socket_.get(), IPPROTO_TCP, TCP_KEEPIDLE, &idle, sizeof idle);
     setsockopt(socket_.get(), IPPROTO_TCP, TCP_KEEPINTVL, &interval, sizeof interval);
     setsockopt(socket_.get(), IPPROTO_TCP, TCP_KEEPCNT, &probes, sizeof probes);
     connecting_ = true;
+    sent_ = false;
     if (connect(socket_.get(), reinterpret_cast<const sockaddr*>(&to), sizeof to) == 0 ||
         errno == EINPROGRESS)
         return true;
@@ -88,6 +89,7 @@ bool Stream::flush() {
         if (sent < 0)
             break;
         done += static_cast<std::size_t>(sent);
+        sent_ = true;
     }
     if (done == out_.size())
         std::string().swap(out_);

@@ -22,6 +22,8 @@ public:
     bool isOpen() const noexcept { return static_cast<bool>(socket_); }
     // Open, and the other side has taken the connection.
     bool isConnected() const noexcept { return isOpen() && !connecting_; }
+    // Whether anything left over the connection, which may have ended since.
+    bool hasSent() const noexcept { return sent_; }
     int descriptor() const noexcept { return socket_.get(); }
     // What poll() should wait for.
     short events() const noexcept;
@@ -40,6 +42,7 @@ private:
 
     FileDescriptor socket_;
     bool connecting_ = false;
+    bool sent_ = false;
     std::string out_;     // not yet written, record marks included
     std::string in_;      // read and not yet part of a whole message
     std::string message_; // fragments of the message that is coming

@@ -60,7 +60,7 @@ public:
         rack.onEvent([this](const Orvane::Event& event) {
             const std::lock_guard<std::mutex> lock(mutex_);
             kinds_.push_back(event.kind);
-            came_.notify_all();
+            told_.notify_all();
         });
     }
     ~Events() { rack_.onEvent({}); }
@@ -68,14 +68,20 @@ public:
     // Whether an event of that kind has come, or does so within 10 s.
     bool waitFor(Orvane::Event::Kind kind) {
         std::unique_lock<std::mutex> lock(mutex_);
-        return came_.wait_for(lock, 10s,
+        return told_.wait_for(lock, 10s,
                               [&] { return std::find(kinds_.begin(), kinds_.end(), kind) != kinds_.end(); });
+    }
+
+    // Whether one has come.
+    bool came(Orvane::Event::Kind kind) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        return std::find(kinds_.begin(), kinds_.end(), kind) != kinds_.end();
     }
 
 private:
     Orvane::Rack& rack_;
     std::mutex mutex_; // guards kinds_
-    std::condition_variable came_;
+    std::condition_variable told_;
     std::vector<Orvane::Event::Kind> kinds_;
 };
 

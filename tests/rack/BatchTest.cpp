@@ -10,9 +10,9 @@ using namespace Orvane;
 using Json = nlohmann::ordered_json;
 using State = OperationOutcome::State;
 
-class BatchTest : public testing::Test, protected RackOnBoard {
+class RackBatch : public testing::Test, protected RackOnBoard {
 protected:
-    BatchTest() { phy.open(); }
+    RackBatch() { phy.open(); }
 
     std::vector<State> statesOf(const BatchResult& done) {
         std::vector<State> states;
@@ -28,7 +28,7 @@ protected:
     }
 };
 
-TEST_F(BatchTest, LongListOfReadsIsCutIntoBlocksOfWhatABoardTakes) {
+TEST_F(RackBatch, LongListOfReadsIsCutIntoBlocksOfWhatABoardTakes) {
     for (std::uint32_t i = 0; i < 4096; ++i)
         board.setRegister(Space::C45, 1, 3, 0x1E0000 + i, i ^ 0xAAAA);
     Batch batch;
@@ -39,7 +39,7 @@ TEST_F(BatchTest, LongListOfReadsIsCutIntoBlocksOfWhatABoardTakes) {
     EXPECT_EQ(lengthsOf("mdio_read", "addresses"), (std::vector<std::size_t>{873, 873, 873, 873, 604}));
 }
 
-TEST_F(BatchTest, MixedBatchKeepsItsOrder) {
+TEST_F(RackBatch, MixedBatchKeepsItsOrder) {
     board.setRegister(Space::C45, 1, 3, 0x10001, 5);
     Batch batch;
     const auto before = batch.read({1, 1});
@@ -54,7 +54,7 @@ TEST_F(BatchTest, MixedBatchKeepsItsOrder) {
     EXPECT_EQ(arguments.back(), (Json{0, 1, 2, 2}));
 }
 
-TEST_F(BatchTest, EachSpaceGoesByItsOwnProcedure) {
+TEST_F(RackBatch, EachSpaceGoesByItsOwnProcedure) {
     Batch batch;
     batch.write({1, 1}, 1);
     batch.write(clause22(4), 2);
@@ -65,7 +65,7 @@ TEST_F(BatchTest, EachSpaceGoesByItsOwnProcedure) {
                                                       "mdio_mixedblock_c22", "mdio_mixedblock_c22_zrext32"}));
 }
 
-TEST_F(BatchTest, ListsReadInOneCall) {
+TEST_F(RackBatch, ListsReadInOneCall) {
     board.setRegister(Space::C45, 1, 3, 0x10007, 9);
     EXPECT_EQ(phy.read({{1, 7}, {3, 1}}), (std::vector<std::uint32_t>{9, 0}));
     EXPECT_EQ(phy.read({1, 7}, 1), (std::vector<std::uint32_t>{9}));
@@ -73,7 +73,7 @@ TEST_F(BatchTest, ListsReadInOneCall) {
     EXPECT_EQ(count("mdio_read"), 2U);
 }
 
-TEST_F(BatchTest, RefusedBlockTellsItsCodeAndThatTheRestWasNotSent) {
+TEST_F(RackBatch, RefusedBlockTellsItsCodeAndThatTheRestWasNotSent) {
     Batch batch;
     batch.write({1, 1}, 1);
     batch.write(clause22(1), 2);
@@ -87,7 +87,7 @@ TEST_F(BatchTest, RefusedBlockTellsItsCodeAndThatTheRestWasNotSent) {
     EXPECT_EQ(done.failure()->location(), "from c22.1");
 }
 
-TEST_F(BatchTest, UnansweredBlockIsUnknown) {
+TEST_F(RackBatch, UnansweredBlockIsUnknown) {
     Batch batch;
     batch.write({1, 1}, 1);
     const auto read = batch.read(clause22(1));
@@ -98,7 +98,7 @@ TEST_F(BatchTest, UnansweredBlockIsUnknown) {
     EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10001), 1U);
 }
 
-TEST_F(BatchTest, ShortAnswerYieldsNoValueAtAll) {
+TEST_F(RackBatch, ShortAnswerYieldsNoValueAtAll) {
     Batch batch;
     const auto reads = batch.read({1, 0}, 10);
     inject(Fault::Kind::ReplyCount, "mdio", "mdio_read", 1, 9);
@@ -108,7 +108,7 @@ TEST_F(BatchTest, ShortAnswerYieldsNoValueAtAll) {
     EXPECT_THROW(done[reads], Failure);
 }
 
-TEST_F(BatchTest, LostReplyOfOneBlockAmongSeveralIsRepaired) {
+TEST_F(RackBatch, LostReplyOfOneBlockAmongSeveralIsRepaired) {
     for (std::uint32_t i = 0; i < 4096; ++i)
         board.setRegister(Space::C45, 1, 3, 0x1E0000 + i, i);
     inject(Fault::Kind::LoseReply, "mdio", "mdio_read");
@@ -118,7 +118,7 @@ TEST_F(BatchTest, LostReplyOfOneBlockAmongSeveralIsRepaired) {
     EXPECT_EQ(count("mdio_read"), 6U);
 }
 
-TEST_F(BatchTest, RegisterThatDoesNotExistKeepsTheWholeBatchFromBeingSent) {
+TEST_F(RackBatch, RegisterThatDoesNotExistKeepsTheWholeBatchFromBeingSent) {
     Batch batch;
     batch.write({1, 1}, 1);
     batch.read({40, 1});
@@ -126,7 +126,7 @@ TEST_F(BatchTest, RegisterThatDoesNotExistKeepsTheWholeBatchFromBeingSent) {
     EXPECT_EQ(count("mdio_write"), 0U);
 }
 
-TEST_F(BatchTest, WorstMixOfTheLongestBlockFitsOneCall) {
+TEST_F(RackBatch, WorstMixOfTheLongestBlockFitsOneCall) {
     Batch batch;
     for (std::uint32_t i = 0; i < 873; ++i)
         if (i % 2 == 0)

@@ -30,7 +30,7 @@ int exitOf(pid_t child) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-class DiscoveryTest : public testing::Test {
+class RackDiscovery : public testing::Test {
 protected:
     OrvaneSim::Lab lab;
 
@@ -50,7 +50,7 @@ protected:
     }
 };
 
-TEST_F(DiscoveryTest, FindsEveryBoardWithItsPortsAndAddress) {
+TEST_F(RackDiscovery, FindsEveryBoardWithItsPortsAndAddress) {
     OrvaneSim::BoardOptions options;
     options.serial = "zz9";
     options.devices = {"zz9:3", "zz9:0", "zz9:10"};
@@ -66,7 +66,7 @@ TEST_F(DiscoveryTest, FindsEveryBoardWithItsPortsAndAddress) {
     EXPECT_EQ(found.malformed, 0U);
 }
 
-TEST_F(DiscoveryTest, ListensForItsWholeTimeWhoeverAnswers) {
+TEST_F(RackDiscovery, ListensForItsWholeTimeWhoeverAnswers) {
     addBoards(20);
     const auto begun = std::chrono::steady_clock::now();
     EXPECT_EQ(Rack().discover(within(700ms)).boards.size(), 20U);
@@ -75,12 +75,12 @@ TEST_F(DiscoveryTest, ListensForItsWholeTimeWhoeverAnswers) {
     EXPECT_LT(spent, 2s);
 }
 
-TEST_F(DiscoveryTest, LostAnswersAreAskedForAgain) {
+TEST_F(RackDiscovery, LostAnswersAreAskedForAgain) {
     addBoard("aa1").inject({"discovery", "", Fault::Kind::LoseReply, 2});
     EXPECT_EQ(Rack().discover().boards.size(), 1U);
 }
 
-TEST_F(DiscoveryTest, MalformedAnswersAreCountedAndNotShown) {
+TEST_F(RackDiscovery, MalformedAnswersAreCountedAndNotShown) {
     addBoard("aa1").setDiscoveryReplies(
         std::vector<std::string>{"|host AA1:0", "no bar", "|", "|host", "|host AA1", "|host AA1:x",
                                  "|host \x1B[31mAA1:0", std::string("|host A\0:1", 10)});
@@ -89,12 +89,12 @@ TEST_F(DiscoveryTest, MalformedAnswersAreCountedAndNotShown) {
     EXPECT_EQ(found.malformed, 7U);
 }
 
-TEST_F(DiscoveryTest, ThreeThousandBoardsAreAllFound) {
+TEST_F(RackDiscovery, ThreeThousandBoardsAreAllFound) {
     addBoards(3000);
     EXPECT_EQ(Rack().discover().boards.size(), 3000U);
 }
 
-TEST_F(DiscoveryTest, EndsWhenItsCallerHasEnough) {
+TEST_F(RackDiscovery, EndsWhenItsCallerHasEnough) {
     addBoards(3);
     std::vector<std::string> seen;
     const Discovery found = Rack().discover(
@@ -107,7 +107,7 @@ TEST_F(DiscoveryTest, EndsWhenItsCallerHasEnough) {
     EXPECT_EQ(found.boards.size(), 2U);
 }
 
-TEST_F(DiscoveryTest, AddressesAreAskedDirectlyAndKnownThen) {
+TEST_F(RackDiscovery, AddressesAreAskedDirectlyAndKnownThen) {
     OrvaneSim::Board& board = addBoard("aa1");
     OrvaneSim::Board& other = addBoard("aa2");
     board.setRegister(Space::C45, 0, 1, 0x10002, 0x42);
@@ -121,7 +121,7 @@ TEST_F(DiscoveryTest, AddressesAreAskedDirectlyAndKnownThen) {
     EXPECT_EQ(other.probeRequests().size(), 0U);
 }
 
-TEST_F(DiscoveryTest, MoreAddressesThanAreAskedAtATimeAreAllAsked) {
+TEST_F(RackDiscovery, MoreAddressesThanAreAskedAtATimeAreAllAsked) {
     addBoards(300);
     std::vector<std::string> addresses;
     for (const OrvaneSim::Board* const board : lab.boards())
@@ -129,13 +129,13 @@ TEST_F(DiscoveryTest, MoreAddressesThanAreAskedAtATimeAreAllAsked) {
     EXPECT_EQ(Rack().ask(addresses, within(60s)).boards.size(), 300U);
 }
 
-TEST_F(DiscoveryTest, AddressThatIsNoneIsRefusedWithItsText) {
+TEST_F(RackDiscovery, AddressThatIsNoneIsRefusedWithItsText) {
     const Failure failure = RackOnBoard::failureOf([] { Rack().ask({"10.83.0"}); });
     EXPECT_EQ(failure.kind(), FailureKind::InvalidArgument);
     EXPECT_EQ(failure.location(), "\"10.83.0\"");
 }
 
-TEST_F(DiscoveryTest, SearchesOfManyProcessesAtOnceAllFindEveryBoard) {
+TEST_F(RackDiscovery, SearchesOfManyProcessesAtOnceAllFindEveryBoard) {
     addBoards(30);
     std::vector<pid_t> children;
     const auto begun = std::chrono::steady_clock::now();
@@ -146,7 +146,7 @@ TEST_F(DiscoveryTest, SearchesOfManyProcessesAtOnceAllFindEveryBoard) {
     EXPECT_LT(std::chrono::steady_clock::now() - begun, 10s);
 }
 
-TEST_F(DiscoveryTest, EndOfTheProcessThatListensCostsTheOthersNothing) {
+TEST_F(RackDiscovery, EndOfTheProcessThatListensCostsTheOthersNothing) {
     addBoards(30);
     std::vector<pid_t> killed;
     std::vector<pid_t> children;
@@ -166,7 +166,7 @@ TEST_F(DiscoveryTest, EndOfTheProcessThatListensCostsTheOthersNothing) {
         EXPECT_EQ(exitOf(child), 30);
 }
 
-TEST_F(DiscoveryTest, ProcessThatHoldsTheNameAndSaysNothingIsDoneWithout) {
+TEST_F(RackDiscovery, ProcessThatHoldsTheNameAndSaysNothingIsDoneWithout) {
     addBoards(3);
     RackSearch::Speaker mute;
     ASSERT_TRUE(mute.open());
@@ -175,7 +175,7 @@ TEST_F(DiscoveryTest, ProcessThatHoldsTheNameAndSaysNothingIsDoneWithout) {
     EXPECT_LT(std::chrono::steady_clock::now() - begun, 5s);
 }
 
-TEST_F(DiscoveryTest, OpenFindsTheBoardByItsName) {
+TEST_F(RackDiscovery, OpenFindsTheBoardByItsName) {
     addBoards(3);
     OrvaneSim::Board& board = addBoard("Some-1");
     board.setRegister(Space::C45, 1, 3, 0x10002, 0x42);
@@ -183,7 +183,7 @@ TEST_F(DiscoveryTest, OpenFindsTheBoardByItsName) {
     EXPECT_EQ(rack.open("some-1:1").phy(3).read({1, 2}), 0x42U);
 }
 
-TEST_F(DiscoveryTest, BoardThatWasFoundIsNotSearchedForAgain) {
+TEST_F(RackDiscovery, BoardThatWasFoundIsNotSearchedForAgain) {
     OrvaneSim::Board& board = addBoard("aa1");
     Rack rack;
     rack.discover();
@@ -192,7 +192,7 @@ TEST_F(DiscoveryTest, BoardThatWasFoundIsNotSearchedForAgain) {
     EXPECT_EQ(board.discoveryCount(), questions);
 }
 
-TEST_F(DiscoveryTest, NameThatNobodyAnswersToIsNoSuchPort) {
+TEST_F(RackDiscovery, NameThatNobodyAnswersToIsNoSuchPort) {
     addBoards(1);
     Rack rack;
     const Failure failure =
@@ -201,7 +201,7 @@ TEST_F(DiscoveryTest, NameThatNobodyAnswersToIsNoSuchPort) {
     EXPECT_EQ(failure.board(), "NONE");
 }
 
-TEST_F(DiscoveryTest, BoardThatMovedIsFoundByItsNameAndItsSessionOpenedThere) {
+TEST_F(RackDiscovery, BoardThatMovedIsFoundByItsNameAndItsSessionOpenedThere) {
     OrvaneSim::Board& board = addBoard("aa1");
     board.setRegister(Space::C45, 0, 1, 0x10002, 0x42);
     Rack rack;
@@ -215,7 +215,7 @@ TEST_F(DiscoveryTest, BoardThatMovedIsFoundByItsNameAndItsSessionOpenedThere) {
     EXPECT_EQ(rack.counters().at("AA1").moves, 1U);
 }
 
-TEST_F(DiscoveryTest, BoardThatMovedIsFoundWhileManyOthersStayMissing) {
+TEST_F(RackDiscovery, BoardThatMovedIsFoundWhileManyOthersStayMissing) {
     Rack rack;
     Flight flight;
     for (int i = 0; i < 12; ++i) {
@@ -233,7 +233,7 @@ TEST_F(DiscoveryTest, BoardThatMovedIsFoundWhileManyOthersStayMissing) {
     EXPECT_EQ(flight.read(phy, {1, 2}, within(6s)).get(), 0x42U);
 }
 
-TEST_F(DiscoveryTest, HuntForMissingBoardsKeepsNobodyWaiting) {
+TEST_F(RackDiscovery, HuntForMissingBoardsKeepsNobodyWaiting) {
     OrvaneSim::Board& board = addBoard("aa1");
     std::vector<std::string> found;
     RackCore::Hunt hunt({"AA1", "NONE"}, [&](const FoundBoard& one) { found.push_back(one.address); });
@@ -248,7 +248,7 @@ TEST_F(DiscoveryTest, HuntForMissingBoardsKeepsNobodyWaiting) {
     EXPECT_GT(steps, 5U);
 }
 
-TEST_F(DiscoveryTest, CancelledSearchEndsAtOnce) {
+TEST_F(RackDiscovery, CancelledSearchEndsAtOnce) {
     Cancellation cancellation;
     cancellation.cancel();
     Rack rack;

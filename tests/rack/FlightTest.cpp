@@ -12,11 +12,11 @@ namespace {
 using namespace Orvane;
 using Json = nlohmann::ordered_json;
 
-class FlightTest : public testing::Test, protected RackOnBoard {
+class RackFlight : public testing::Test, protected RackOnBoard {
 protected:
     Flight flight;
 
-    FlightTest() { phy.open(); }
+    RackFlight() { phy.open(); }
 
     // Register numbers that single MDIO requests named, in the order in which the board heard them.
     std::vector<unsigned> registersAsked() const {
@@ -27,7 +27,7 @@ protected:
     }
 };
 
-TEST_F(FlightTest, ReadsReturnTheirOwnValues) {
+TEST_F(RackFlight, ReadsReturnTheirOwnValues) {
     std::vector<Pending<std::uint32_t>> results;
     for (std::uint32_t i = 0; i < 100; ++i) {
         board.setRegister(Space::C45, 1, 3, 0x10000 + i, i * 3);
@@ -39,7 +39,7 @@ TEST_F(FlightTest, ReadsReturnTheirOwnValues) {
     EXPECT_EQ(flight.underWay(), 0U);
 }
 
-TEST_F(FlightTest, OperationsReachTheirBoardInTheOrderOfTheirStart) {
+TEST_F(RackFlight, OperationsReachTheirBoardInTheOrderOfTheirStart) {
     std::vector<unsigned> expected;
     for (std::uint32_t i = 0; i < 50; ++i) {
         if (i % 3 == 0)
@@ -52,7 +52,7 @@ TEST_F(FlightTest, OperationsReachTheirBoardInTheOrderOfTheirStart) {
     EXPECT_EQ(registersAsked(), expected);
 }
 
-TEST_F(FlightTest, OldWriteNeverOvertakesANewOneWhenItsRequestIsLost) {
+TEST_F(RackFlight, OldWriteNeverOvertakesANewOneWhenItsRequestIsLost) {
     inject(Fault::Kind::LoseRequest, "mdio", "mdio_write");
     for (std::uint32_t i = 1; i <= 4; ++i)
         flight.write(phy, {1, 2}, i);
@@ -64,13 +64,13 @@ TEST_F(FlightTest, OldWriteNeverOvertakesANewOneWhenItsRequestIsLost) {
     EXPECT_EQ(values, (std::vector<Json>{1, 2, 3, 4, 1, 2, 3, 4})); // from the first unanswered on, in order
 }
 
-TEST_F(FlightTest, ReadBehindALostWriteIsReadAgain) {
+TEST_F(RackFlight, ReadBehindALostWriteIsReadAgain) {
     inject(Fault::Kind::LoseRequest, "mdio", "mdio_write");
     flight.write(phy, {1, 2}, 0x99);
     EXPECT_EQ(flight.read(phy, {1, 2}).get(), 0x99U);
 }
 
-TEST_F(FlightTest, WriteWaitsForTheReadsBeforeIt) {
+TEST_F(RackFlight, WriteWaitsForTheReadsBeforeIt) {
     board.setRegister(Space::C45, 1, 3, 0x10002, 1);
     inject(Fault::Kind::LoseRequest, "mdio", "mdio_read");
     const auto before = flight.read(phy, {1, 2});
@@ -80,7 +80,7 @@ TEST_F(FlightTest, WriteWaitsForTheReadsBeforeIt) {
     EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10002), 2U);
 }
 
-TEST_F(FlightTest, OperationsWithSideEffectsFlyAlone) {
+TEST_F(RackFlight, OperationsWithSideEffectsFlyAlone) {
     inject(Fault::Kind::DelayReply, "mdio", "mdio_read", 1, 100);
     flight.read(phy, {1, 1}, Within{}.once());
     flight.read(phy, {1, 2});
@@ -96,7 +96,7 @@ TEST_F(FlightTest, OperationsWithSideEffectsFlyAlone) {
     EXPECT_EQ(count("mdio_read"), 2U);
 }
 
-TEST_F(FlightTest, SmbusAccessesOfOneBoardDoNotMix) {
+TEST_F(RackFlight, SmbusAccessesOfOneBoardDoNotMix) {
     const Port smbus = rack.open("BOARD7:10");
     const Phy one = smbus.phy(3);
     const Phy other = smbus.phy(4);
@@ -110,7 +110,7 @@ TEST_F(FlightTest, SmbusAccessesOfOneBoardDoNotMix) {
         EXPECT_EQ(results[i].get(), i + 100);
 }
 
-TEST_F(FlightTest, BatchesOnSmbusPortsFlyAlone) {
+TEST_F(RackFlight, BatchesOnSmbusPortsFlyAlone) {
     const Port smbus = rack.open("BOARD7:10");
     std::vector<Pending<BatchResult>> results;
     std::vector<Batch::Readings> readings;
@@ -128,7 +128,7 @@ TEST_F(FlightTest, BatchesOnSmbusPortsFlyAlone) {
     EXPECT_EQ(list.get(), (std::vector<std::uint32_t>{104, 0}));
 }
 
-TEST_F(FlightTest, BatchOnAnSmbusPortTellsOfEachOperation) {
+TEST_F(RackFlight, BatchOnAnSmbusPortTellsOfEachOperation) {
     const Phy device = rack.open("BOARD7:10").phy(3);
     device.open();
     Batch batch;
@@ -148,7 +148,7 @@ TEST_F(FlightTest, BatchOnAnSmbusPortTellsOfEachOperation) {
     EXPECT_EQ(result.get().failure()->location(), "from 1.0x0008");
 }
 
-class FlightWindowTest : public FlightTest {
+class RackFlightWindow : public RackFlight {
 protected:
     // Registers that the board has heard of while the first operation, whose answer is late, was under way.
     template <class Operation>
@@ -165,7 +165,7 @@ protected:
     }
 };
 
-TEST_F(FlightWindowTest, HoldsNoMoreThanItsCalls) {
+TEST_F(RackFlightWindow, HoldsNoMoreThanItsCalls) {
     Flight many(1000); // 64 at most
     inject(Fault::Kind::DelayReply, "mdio", "mdio_read", 1, 300);
     const auto first = many.read(phy, {1, 0});
@@ -174,7 +174,7 @@ TEST_F(FlightWindowTest, HoldsNoMoreThanItsCalls) {
     EXPECT_EQ(heardBeside(many, first), 64U);
 }
 
-TEST_F(FlightWindowTest, HoldsNoMoreThanItsBytes) {
+TEST_F(RackFlightWindow, HoldsNoMoreThanItsBytes) {
     Flight many(64);
     inject(Fault::Kind::DelayReply, "mdio", "mdio_read", 1, 300);
     const auto first = many.read(phy, {1, 0}, 873);
@@ -183,7 +183,7 @@ TEST_F(FlightWindowTest, HoldsNoMoreThanItsBytes) {
     EXPECT_EQ(heardBeside(many, first), 9U); // of 3,624 bytes in 32 KiB
 }
 
-TEST_F(FlightTest, BlocksOfAnyLengthFly) {
+TEST_F(RackFlight, BlocksOfAnyLengthFly) {
     for (std::uint32_t i = 0; i < 2000; ++i)
         board.setRegister(Space::C45, 1, 3, 0x1E0000 + i, i);
     const auto whole = flight.read(phy, {30, 0}, 2000);
@@ -195,7 +195,7 @@ TEST_F(FlightTest, BlocksOfAnyLengthFly) {
     EXPECT_EQ(result.get()[changed], 7U);
 }
 
-TEST_F(FlightTest, LossOfOneInTwentyEachWayCostsNoValue) {
+TEST_F(RackFlight, LossOfOneInTwentyEachWayCostsNoValue) {
     for (const Fault::Kind kind : {Fault::Kind::LoseReply, Fault::Kind::LoseRequest}) {
         Fault loss{"mdio", "", kind, -1};
         loss.probability = 0.05;
@@ -211,7 +211,7 @@ TEST_F(FlightTest, LossOfOneInTwentyEachWayCostsNoValue) {
         ASSERT_EQ(reads[i].get(), i);
 }
 
-TEST_F(FlightTest, ForgottenSessionIsOpenedAgainForAllThatIsUnderWay) {
+TEST_F(RackFlight, ForgottenSessionIsOpenedAgainForAllThatIsUnderWay) {
     std::vector<Pending<std::uint32_t>> results;
     board.setRegister(Space::C45, 1, 3, 0x10002, 5);
     board.forgetSessions();
@@ -223,7 +223,7 @@ TEST_F(FlightTest, ForgottenSessionIsOpenedAgainForAllThatIsUnderWay) {
     EXPECT_EQ(count("open_connection"), 2U);
 }
 
-TEST_F(FlightTest, FailureOfOneIsItsOwn) {
+TEST_F(RackFlight, FailureOfOneIsItsOwn) {
     inject(Fault::Kind::ResultCode, "mdio", "mdio_read", 1, -5);
     const auto bad = flight.read(phy, {1, 1});
     const auto good = flight.read(phy, {1, 5});
@@ -235,7 +235,7 @@ TEST_F(FlightTest, FailureOfOneIsItsOwn) {
     EXPECT_EQ(good.get(), 0U);
 }
 
-TEST_F(FlightTest, DescriptorIsReadableWhenThereIsSomethingToDo) {
+TEST_F(RackFlight, DescriptorIsReadableWhenThereIsSomethingToDo) {
     const auto result = flight.read(phy, {1, 1});
     while (!result.done()) {
         pollfd entry{flight.descriptor(), POLLIN, 0};
@@ -245,7 +245,7 @@ TEST_F(FlightTest, DescriptorIsReadableWhenThereIsSomethingToDo) {
     EXPECT_EQ(result.get(), 0U);
 }
 
-TEST_F(FlightTest, EndOfTheFlightCancelsWhatIsUnderWay) {
+TEST_F(RackFlight, EndOfTheFlightCancelsWhatIsUnderWay) {
     inject(Fault::Kind::LoseRequest, "mdio", "mdio_read", -1);
     std::optional<Flight> brief(std::in_place);
     const auto result = brief->read(phy, {1, 1});
@@ -257,7 +257,7 @@ TEST_F(FlightTest, EndOfTheFlightCancelsWhatIsUnderWay) {
     EXPECT_EQ(phy.read({1, 1}), 0U);
 }
 
-TEST_F(FlightTest, DeadlineEndsAnOperation) {
+TEST_F(RackFlight, DeadlineEndsAnOperation) {
     inject(Fault::Kind::LoseRequest, "mdio", "mdio_read", -1);
     const auto result = flight.read(phy, {1, 1}, within(200ms));
     EXPECT_THROW(result.get(), Failure);
@@ -294,7 +294,7 @@ TEST(ManyBoardsInFlight, OpenReadAndCloseFromOneThread) {
         EXPECT_EQ(board->sessionCount(), 0U);
 }
 
-TEST_F(FlightTest, HookThatThrowsEndsNoWaitLaterThanTheOperationsDeadline) {
+TEST_F(RackFlight, HookThatThrowsEndsNoWaitLaterThanTheOperationsDeadline) {
     phy.onReopen([] { throw std::runtime_error("no"); });
     board.forgetSessions();
     const Pending<std::uint32_t> value = flight.read(phy, {1, 2}, within(500ms));

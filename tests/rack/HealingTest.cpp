@@ -6,15 +6,15 @@ namespace {
 
 using namespace Orvane;
 
-class HealingTest : public testing::Test, protected RackOnBoard {
+class RackHealing : public testing::Test, protected RackOnBoard {
 protected:
-    HealingTest() : RackOnBoard(Access::exclusive(0x4711)) {
+    RackHealing() : RackOnBoard(Access::exclusive(0x4711)) {
         board.setRegister(Space::C45, 1, 3, 0x10002, 0x42);
         phy.read({1, 0});
     }
 };
 
-TEST_F(HealingTest, SessionThatTheBoardForgotIsOpenedAgainWithItsKey) {
+TEST_F(RackHealing, SessionThatTheBoardForgotIsOpenedAgainWithItsKey) {
     board.forgetSessions();
     EXPECT_EQ(phy.read({1, 2}), 0x42U);
     const std::vector<Request> opens = board.requestsOf("open_connection");
@@ -23,7 +23,7 @@ TEST_F(HealingTest, SessionThatTheBoardForgotIsOpenedAgainWithItsKey) {
     EXPECT_EQ(phy.key(), 0x4711U);
 }
 
-TEST_F(HealingTest, KeyThatTheBoardMadeUpIsBroughtAgain) {
+TEST_F(RackHealing, KeyThatTheBoardMadeUpIsBroughtAgain) {
     const Phy other = rack.open("BOARD7:2", Access::shared()).phy(4);
     other.open();
     const std::uint16_t key = other.key();
@@ -33,19 +33,19 @@ TEST_F(HealingTest, KeyThatTheBoardMadeUpIsBroughtAgain) {
     EXPECT_EQ(argumentsOf(board.requestsOf("open_connection").back()).front(), key);
 }
 
-TEST_F(HealingTest, BoardThatRestartsInPlaceIsReachedAgain) {
+TEST_F(RackHealing, BoardThatRestartsInPlaceIsReachedAgain) {
     board.restart(true);
     EXPECT_EQ(phy.read({1, 2}), 0x42U);
     EXPECT_TRUE(phy.isOpen());
 }
 
-TEST_F(HealingTest, BoardThatRestartsWithItsSessionsIsReachedWithoutOpening) {
+TEST_F(RackHealing, BoardThatRestartsWithItsSessionsIsReachedWithoutOpening) {
     board.restart(false);
     EXPECT_EQ(phy.read({1, 2}), 0x42U);
     EXPECT_EQ(count("open_connection"), 1U);
 }
 
-TEST_F(HealingTest, BoardThatIsOffForAWhileIsReachedWhenItIsBack) {
+TEST_F(RackHealing, BoardThatIsOffForAWhileIsReachedWhenItIsBack) {
     board.stop();
     lab.after(700ms, [this] {
         board.forgetSessions();
@@ -54,20 +54,20 @@ TEST_F(HealingTest, BoardThatIsOffForAWhileIsReachedWhenItIsBack) {
     EXPECT_EQ(phy.read({1, 2}, within(20s)), 0x42U);
 }
 
-TEST_F(HealingTest, BoardThatIsOffIsUnreachableForNewCalls) {
+TEST_F(RackHealing, BoardThatIsOffIsUnreachableForNewCalls) {
     board.stop();
     failureOf([&] { phy.read({1, 2}, within(500ms)); });
     EXPECT_EQ(failureOf([&] { phy.read({1, 2}, within(500ms)); }).kind(), FailureKind::Unreachable);
 }
 
-TEST_F(HealingTest, WriteOfAForgottenSessionIsExecutedOnceEvenWithoutRepeats) {
+TEST_F(RackHealing, WriteOfAForgottenSessionIsExecutedOnceEvenWithoutRepeats) {
     board.forgetSessions();
     phy.write({1, 5}, 9, Within{}.once());
     EXPECT_EQ(board.executions("mdio_write"), 1U);
     EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10005), 9U);
 }
 
-TEST_F(HealingTest, WithoutHealingALostSessionIsAClearFailure) {
+TEST_F(RackHealing, WithoutHealingALostSessionIsAClearFailure) {
     board.forgetSessions();
     for (int i = 0; i < 2; ++i)
         EXPECT_EQ(failureOf([&] {
@@ -77,7 +77,7 @@ TEST_F(HealingTest, WithoutHealingALostSessionIsAClearFailure) {
     EXPECT_EQ(count("open_connection"), 1U);
 }
 
-TEST_F(HealingTest, HookRestoresWhatTheBoardForgotBeforeTheCallGoesOn) {
+TEST_F(RackHealing, HookRestoresWhatTheBoardForgotBeforeTheCallGoesOn) {
     phy.onReopen([this] { phy.write({1, 7}, 0x77); });
     board.forgetSessions();
     board.forgetRequests();
@@ -87,14 +87,14 @@ TEST_F(HealingTest, HookRestoresWhatTheBoardForgotBeforeTheCallGoesOn) {
     EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10007), 0x77U);
 }
 
-TEST_F(HealingTest, HookIsGivenItsPhy) {
+TEST_F(RackHealing, HookIsGivenItsPhy) {
     phy.onReopen([](const Phy& reopened) { reopened.write({1, 7}, 0x70 + reopened.id()); });
     board.forgetSessions();
     phy.read({1, 2});
     EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10007), 0x73U);
 }
 
-TEST_F(HealingTest, WhatTheHookThrowsLeavesTheCall) {
+TEST_F(RackHealing, WhatTheHookThrowsLeavesTheCall) {
     phy.onReopen([] { throw std::runtime_error("no"); });
     board.forgetSessions();
     EXPECT_THROW(phy.read({1, 2}), std::runtime_error);
@@ -102,7 +102,7 @@ TEST_F(HealingTest, WhatTheHookThrowsLeavesTheCall) {
     EXPECT_EQ(phy.read({1, 2}), 0x42U);
 }
 
-TEST_F(HealingTest, HookThatIsStillDueIsNotRunByTheEndOfItsSession) {
+TEST_F(RackHealing, HookThatIsStillDueIsNotRunByTheEndOfItsSession) {
     int runs = 0;
     auto other = std::make_unique<Phy>(rack.open("BOARD7:0").phy(4));
     other->open();
@@ -117,19 +117,19 @@ TEST_F(HealingTest, HookThatIsStillDueIsNotRunByTheEndOfItsSession) {
     EXPECT_EQ(board.sessionCount(), 0U);
 }
 
-TEST_F(HealingTest, PortMapperThatIsGoneDoesNotDisturbAnOpenSession) {
+TEST_F(RackHealing, PortMapperThatIsGoneDoesNotDisturbAnOpenSession) {
     board.closePortMapper();
     inject(Fault::Kind::LoseReply, "mdio", "mdio_read");
     EXPECT_EQ(phy.read({1, 2}), 0x42U);
 }
 
-TEST_F(HealingTest, LostLookUpIsAskedForAgain) {
+TEST_F(RackHealing, LostLookUpIsAskedForAgain) {
     inject(Fault::Kind::LoseReply, "portmap", "portmap_getport", 2);
     board.restart(true);
     EXPECT_EQ(phy.read({1, 2}), 0x42U);
 }
 
-TEST_F(HealingTest, PingNoticesALostSessionAndRunsItsHook) {
+TEST_F(RackHealing, PingNoticesALostSessionAndRunsItsHook) {
     Events events(rack);
     phy.onReopen([this] { phy.write({1, 7}, 0x78); });
     board.forgetSessions();
@@ -138,13 +138,13 @@ TEST_F(HealingTest, PingNoticesALostSessionAndRunsItsHook) {
     EXPECT_TRUE(events.waitFor(Event::Kind::Reopened));
 }
 
-TEST_F(HealingTest, SessionsArePingedWhileNobodyUsesThem) {
+TEST_F(RackHealing, SessionsArePingedWhileNobodyUsesThem) {
     const Request ping = board.waitFor([](const Request& one) { return one.procedure == "pingkeepalive"; });
     EXPECT_EQ(ping.transport, "udp");
     EXPECT_EQ(argumentsOf(ping)["handle"], 1U); // ping 0 of session 1
 }
 
-TEST_F(HealingTest, LossOfOneInTwentyEachWayCostsNoValue) {
+TEST_F(RackHealing, LossOfOneInTwentyEachWayCostsNoValue) {
     for (const Fault::Kind kind : {Fault::Kind::LoseReply, Fault::Kind::LoseRequest}) {
         Fault loss{"mdio", "", kind, -1};
         loss.probability = 0.05;

@@ -72,16 +72,16 @@ TEST_F(TwoBoards, BoardAtTheAddressOfOneThatIsOffIsAskedForNothing) {
     EXPECT_TRUE(events.waitFor(Event::Kind::Lost));
 }
 
-class IdentityTest : public testing::Test, protected RackOnBoard {};
+class RackIdentity : public testing::Test, protected RackOnBoard {};
 
-TEST_F(IdentityTest, BoardThatForgotItsSessionsSaysItsNameBeforeTheyAreOpenedAgain) {
+TEST_F(RackIdentity, BoardThatForgotItsSessionsSaysItsNameBeforeTheyAreOpenedAgain) {
     phy.open();
     board.forgetSessions();
     phy.read({1, 2});
     EXPECT_EQ(board.probeRequests().size(), 1U);
 }
 
-TEST_F(IdentityTest, BoardThatSaysNothingOverTcpIsKnownByItsAnswerToASearch) {
+TEST_F(RackIdentity, BoardThatSaysNothingOverTcpIsKnownByItsAnswerToASearch) {
     phy.open();
     board.inject({"probe", "", Fault::Kind::Silent, -1});
     board.forgetSessions();
@@ -89,7 +89,7 @@ TEST_F(IdentityTest, BoardThatSaysNothingOverTcpIsKnownByItsAnswerToASearch) {
     EXPECT_EQ(board.sessionCount(), 1U);
 }
 
-TEST_F(IdentityTest, BoardWithoutANameIsGivenNoSession) {
+TEST_F(RackIdentity, BoardWithoutANameIsGivenNoSession) {
     phy.open();
     board.setDiscoveryReplies(std::vector<std::string>{"|host OTHER:0"});
     board.forgetSessions();
@@ -97,7 +97,7 @@ TEST_F(IdentityTest, BoardWithoutANameIsGivenNoSession) {
     EXPECT_EQ(count("open_connection"), 1U);
 }
 
-TEST_F(IdentityTest, ConnectionThatTheBoardEndedWhileNobodyAskedCostsNoValue) {
+TEST_F(RackIdentity, ConnectionThatTheBoardEndedWhileNobodyAskedCostsNoValue) {
     phy.open();
     board.setRegister(Space::C45, 1, 3, 0x10002, 0x42);
     inject(Fault::Kind::CloseConnection, "setup", "execute_command");
@@ -105,7 +105,7 @@ TEST_F(IdentityTest, ConnectionThatTheBoardEndedWhileNobodyAskedCostsNoValue) {
     EXPECT_EQ(phy.read({1, 2}, Within{}.once()), 0x42U);
 }
 
-TEST_F(IdentityTest, LateAnswerOfAnOpeningLeavesOneSession) {
+TEST_F(RackIdentity, LateAnswerOfAnOpeningLeavesOneSession) {
     inject(Fault::Kind::DelayReply, "setup", "open_connection", 1, 1300);
     phy.open();
     board.waitFor([this](const Request&) {
@@ -116,7 +116,7 @@ TEST_F(IdentityTest, LateAnswerOfAnOpeningLeavesOneSession) {
     EXPECT_EQ(count("open_connection"), 2U);
 }
 
-TEST_F(IdentityTest, SessionWhoseOpeningNobodyWaitedForIsClosed) {
+TEST_F(RackIdentity, SessionWhoseOpeningNobodyWaitedForIsClosed) {
     inject(Fault::Kind::DelayReply, "setup", "open_connection", 1, 300);
     {
         const Phy brief = rack.open("BOARD7:2", Access::exclusive(5)).phy(1);
@@ -126,7 +126,7 @@ TEST_F(IdentityTest, SessionWhoseOpeningNobodyWaitedForIsClosed) {
     EXPECT_EQ(board.sessionCount(), 0U);
 }
 
-TEST_F(IdentityTest, OpeningWhoseAnswerIsLostIsAskedForAgainWithItsOwnKey) {
+TEST_F(RackIdentity, OpeningWhoseAnswerIsLostIsAskedForAgainWithItsOwnKey) {
     inject(Fault::Kind::CloseMidReply, "setup", "open_connection");
     const Phy alone = rack.open("BOARD7:2", Access::exclusive()).phy(1);
     alone.open();
@@ -137,7 +137,7 @@ TEST_F(IdentityTest, OpeningWhoseAnswerIsLostIsAskedForAgainWithItsOwnKey) {
     EXPECT_EQ(alone.key(), argumentsOf(opens[0]).front().get<unsigned>());
 }
 
-TEST_F(IdentityTest, SessionThatMayBeLeftOnTheBoardIsNamed) {
+TEST_F(RackIdentity, SessionThatMayBeLeftOnTheBoardIsNamed) {
     std::promise<std::string> told;
     rack.onEvent([&told](const Event& event) {
         if (event.kind == Event::Kind::Lost)
@@ -151,7 +151,7 @@ TEST_F(IdentityTest, SessionThatMayBeLeftOnTheBoardIsNamed) {
     rack.onEvent({});
 }
 
-TEST_F(IdentityTest, OpeningThatNeverLeftNamesNoSession) {
+TEST_F(RackIdentity, OpeningThatNeverLeftNamesNoSession) {
     Events events(rack);
     board.stop();
     failureOf([&] { phy.open(within(700ms)); });
@@ -161,7 +161,7 @@ TEST_F(IdentityTest, OpeningThatNeverLeftNamesNoSession) {
     EXPECT_FALSE(events.came(Event::Kind::Lost));
 }
 
-TEST_F(IdentityTest, RefusalSaysWhatTheBoardAddsToIt) {
+TEST_F(RackIdentity, RefusalSaysWhatTheBoardAddsToIt) {
     phy.open();
     Fault words{"setup", "get_error_msg", Fault::Kind::ReplyBody};
     words.bytes = std::string("\0\0\0\0\0\0\0\3\0\0\0\x11", 12);
@@ -172,7 +172,7 @@ TEST_F(IdentityTest, RefusalSaysWhatTheBoardAddsToIt) {
     EXPECT_EQ(argumentsOf(board.requestsOf("get_error_msg").at(0)).front().get<std::int64_t>(), 0xFFFFFFF3);
 }
 
-TEST_F(IdentityTest, RefusalStandsWhenTheBoardHasNothingToAdd) {
+TEST_F(RackIdentity, RefusalStandsWhenTheBoardHasNothingToAdd) {
     phy.open();
     inject(Fault::Kind::CloseConnection, "setup", "get_error_msg");
     EXPECT_EQ(failureOf([&] { rack.open("BOARD7:1", Access::exclusive(1)).phy(3).open(); }).kind(),

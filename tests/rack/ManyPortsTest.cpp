@@ -7,7 +7,7 @@ namespace {
 using namespace Orvane;
 using Names = std::vector<std::string>;
 
-class ManyPortsTest : public testing::Test {
+class RackManyPorts : public testing::Test {
 protected:
     OrvaneSim::Lab lab;
     Rack rack;
@@ -36,7 +36,7 @@ protected:
     }
 };
 
-TEST_F(ManyPortsTest, EveryNameGetsItsPort) {
+TEST_F(RackManyPorts, EveryNameGetsItsPort) {
     for (const char* const serial : {"AA1", "AA2", "AA3"})
         addBoard(serial);
     const std::vector<OpenedPort> opened = rack.openAll({"AA2:1", "aa3:0", "AA1:0"});
@@ -49,21 +49,21 @@ TEST_F(ManyPortsTest, EveryNameGetsItsPort) {
     EXPECT_EQ(sessions(), 0U);
 }
 
-TEST_F(ManyPortsTest, UnknownBoardsAreLookedForInOneSearch) {
+TEST_F(RackManyPorts, UnknownBoardsAreLookedForInOneSearch) {
     OrvaneSim::Board& first = addBoard("AA1");
     addBoard("AA2");
     rack.openAll({"AA1:0", "AA2:0"});
     EXPECT_LE(first.discoveryCount(), 2U);
 }
 
-TEST_F(ManyPortsTest, PatternTakesThePortsThatAnswerInOrder) {
+TEST_F(RackManyPorts, PatternTakesThePortsThatAnswerInOrder) {
     for (const char* const serial : {"OV2", "XX1", "OV1"})
         addBoard(serial);
     EXPECT_EQ(namesOf(rack.openAll({"ov*:0"})), (Names{"OV1:0", "OV2:0"}));
     EXPECT_EQ(namesOf(rack.openAll({"OV2:1", "OV[12]:?"})), (Names{"OV2:1", "OV1:0", "OV1:1", "OV2:0"}));
 }
 
-TEST_F(ManyPortsTest, PatternThatNothingAnswersToIsAFailureOfItsOwn) {
+TEST_F(RackManyPorts, PatternThatNothingAnswersToIsAFailureOfItsOwn) {
     addBoard("AA1");
     const std::vector<OpenedPort> opened = rack.openAll({"ZZ*:0", "AA1:0"});
     ASSERT_EQ(opened.size(), 2U);
@@ -71,7 +71,7 @@ TEST_F(ManyPortsTest, PatternThatNothingAnswersToIsAFailureOfItsOwn) {
     EXPECT_FALSE(opened[1].failure);
 }
 
-TEST_F(ManyPortsTest, SessionsOfThePhysAreOpenedOnAllPorts) {
+TEST_F(RackManyPorts, SessionsOfThePhysAreOpenedOnAllPorts) {
     addKnown("AA1");
     addKnown("AA2");
     const std::vector<OpenedPort> opened = rack.openAll({"AA1:0", "AA2:1"}, {3, 4}, Access::exclusive(7));
@@ -80,7 +80,7 @@ TEST_F(ManyPortsTest, SessionsOfThePhysAreOpenedOnAllPorts) {
     EXPECT_EQ(opened[1].port->phy(4).key(), 7U);
 }
 
-TEST_F(ManyPortsTest, FailureOfOneCostsTheOthersNothing) {
+TEST_F(RackManyPorts, FailureOfOneCostsTheOthersNothing) {
     OrvaneSim::Board& taken = addKnown("AA1");
     addKnown("AA2");
     addKnown("AA3").stop();
@@ -101,7 +101,7 @@ TEST_F(ManyPortsTest, FailureOfOneCostsTheOthersNothing) {
     EXPECT_TRUE(opened[1].port->phy(3).isOpen());
 }
 
-TEST_F(ManyPortsTest, BoardsThatDoNotAnswerEndTogetherAtTheDeadline) {
+TEST_F(RackManyPorts, BoardsThatDoNotAnswerEndTogetherAtTheDeadline) {
     Names names;
     for (int i = 0; i < 8; ++i) {
         names.push_back("S" + std::to_string(i) + ":0");
@@ -117,13 +117,13 @@ TEST_F(ManyPortsTest, BoardsThatDoNotAnswerEndTogetherAtTheDeadline) {
     }
 }
 
-TEST_F(ManyPortsTest, PhyThatAPortCannotHaveIsAFailureOfThePort) {
+TEST_F(RackManyPorts, PhyThatAPortCannotHaveIsAFailureOfThePort) {
     addKnown("AA1");
     const std::vector<OpenedPort> opened = rack.openAll({"AA1:0"}, {32});
     EXPECT_EQ(opened[0].failure->kind(), FailureKind::InvalidArgument);
 }
 
-TEST_F(ManyPortsTest, EverySessionIsClosedTogether) {
+TEST_F(RackManyPorts, EverySessionIsClosedTogether) {
     for (const char* const serial : {"AA1", "AA2", "AA3"})
         addKnown(serial);
     const std::vector<OpenedPort> opened = rack.openAll({"AA1:0", "AA2:0", "AA3:1"}, {1, 2});
@@ -134,7 +134,7 @@ TEST_F(ManyPortsTest, EverySessionIsClosedTogether) {
     EXPECT_EQ(sessions(), 1U);
 }
 
-TEST_F(ManyPortsTest, BoardThatCannotBeToldOfAClosingIsNamed) {
+TEST_F(RackManyPorts, BoardThatCannotBeToldOfAClosingIsNamed) {
     addKnown("AA1");
     OrvaneSim::Board& silent = addKnown("AA2");
     const std::vector<OpenedPort> opened = rack.openAll({"AA1:0", "AA2:0"}, {1});
@@ -146,7 +146,7 @@ TEST_F(ManyPortsTest, BoardThatCannotBeToldOfAClosingIsNamed) {
     EXPECT_EQ(lab.boards()[0]->sessionCount(), 0U);
 }
 
-TEST_F(ManyPortsTest, EventsTellOfClosings) {
+TEST_F(RackManyPorts, EventsTellOfClosings) {
     addKnown("AA1");
     const std::vector<OpenedPort> opened = rack.openAll({"AA1:0"}, {1});
     Events events(rack);
@@ -154,7 +154,7 @@ TEST_F(ManyPortsTest, EventsTellOfClosings) {
     EXPECT_TRUE(events.waitFor(Event::Kind::Closed));
 }
 
-TEST_F(ManyPortsTest, CancellationFromAnotherThreadEndsAllAtOnce) {
+TEST_F(RackManyPorts, CancellationFromAnotherThreadEndsAllAtOnce) {
     addKnown("AA1").hang();
     addKnown("AA2").hang();
     Cancellation cancellation;

@@ -9,9 +9,9 @@ namespace {
 using namespace Orvane;
 using Json = nlohmann::ordered_json;
 
-class PhyTest : public testing::Test, protected RackOnBoard {};
+class RackPhy : public testing::Test, protected RackOnBoard {};
 
-TEST_F(PhyTest, ReadOfAClause45RegisterReturnsItsValue) {
+TEST_F(RackPhy, ReadOfAClause45RegisterReturnsItsValue) {
     board.setRegister(Space::C45, 1, 3, 0x1EC010, 0xBEEF);
     EXPECT_EQ(phy.read({30, 0xC010}), 0xBEEFU);
     const Request request = board.requestsOf("mdio_read").at(0);
@@ -19,19 +19,19 @@ TEST_F(PhyTest, ReadOfAClause45RegisterReturnsItsValue) {
     EXPECT_EQ(argumentsOf(request)["addresses"], (Json{0x231EC010U}));
 }
 
-TEST_F(PhyTest, ReadOfAClause22RegisterUsesItsProcedure) {
+TEST_F(RackPhy, ReadOfAClause22RegisterUsesItsProcedure) {
     board.setRegister(Space::C22, 1, 3, 5, 0x1234);
     EXPECT_EQ(phy.read(clause22(5)), 0x1234U);
     EXPECT_EQ(count("mdio_read_c22"), 1U);
 }
 
-TEST_F(PhyTest, ReadOfAnExtendedWordSendsItsAddressWhole) {
+TEST_F(RackPhy, ReadOfAnExtendedWordSendsItsAddressWhole) {
     board.setRegister(Space::Ext32, 1, 3, 0x80004000, 0x12345678);
     EXPECT_EQ(phy.read(ext32(0x80004000)), 0x12345678U);
     EXPECT_EQ(argumentsOf(board.requestsOf("mdio_read_c22_zrext32").at(0))["addresses"], (Json{0x80004000U}));
 }
 
-TEST_F(PhyTest, WritesReachTheRegistersOfEachSpace) {
+TEST_F(RackPhy, WritesReachTheRegistersOfEachSpace) {
     phy.write({1, 2}, 0xABCD);
     phy.write(clause22(4), 0x1111);
     phy.write(ext32(0x10), 0xFFFFFFFF);
@@ -40,13 +40,13 @@ TEST_F(PhyTest, WritesReachTheRegistersOfEachSpace) {
     EXPECT_EQ(board.registerValue(Space::Ext32, 1, 3, 0x10), 0xFFFFFFFFU);
 }
 
-TEST_F(PhyTest, ModifyChangesTheMaskedBitsOnly) {
+TEST_F(RackPhy, ModifyChangesTheMaskedBitsOnly) {
     board.setRegister(Space::C45, 1, 3, 0x1EC010, 0xF0F0);
     EXPECT_EQ(phy.modify({30, 0xC010}, 0x00F0, 0x0040), 0xF040U);
     EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x1EC010), 0xF040U);
 }
 
-TEST_F(PhyTest, FirstUseOpensTheSessionAndLaterOnesUseIt) {
+TEST_F(RackPhy, FirstUseOpensTheSessionAndLaterOnesUseIt) {
     phy.read({1, 0});
     phy.read({1, 1});
     EXPECT_EQ(procedures(), (std::vector<std::string>{"open_connection", "mdio_read", "mdio_read"}));
@@ -55,7 +55,7 @@ TEST_F(PhyTest, FirstUseOpensTheSessionAndLaterOnesUseIt) {
     EXPECT_EQ(handles, (Json{101U << 8U | 1U, 102U << 8U | 1U}));
 }
 
-TEST_F(PhyTest, ArgumentsThatDoNotExistAreRefusedUnsent) {
+TEST_F(RackPhy, ArgumentsThatDoNotExistAreRefusedUnsent) {
     for (const auto& wrong : std::vector<std::function<void()>>{[&] {
                                                                     phy.read({32, 0});
                                                                 },
@@ -71,7 +71,7 @@ TEST_F(PhyTest, ArgumentsThatDoNotExistAreRefusedUnsent) {
     EXPECT_EQ(procedures(), std::vector<std::string>{});
 }
 
-TEST_F(PhyTest, FailureSaysWhereWhatAndTheBoardsCode) {
+TEST_F(RackPhy, FailureSaysWhereWhatAndTheBoardsCode) {
     phy.read({1, 0});
     inject(Fault::Kind::ResultCode, "mdio", "mdio_read", 1, -121);
     const Failure failure = failureOf([&] { phy.read({30, 0xC010}); });
@@ -89,7 +89,7 @@ TEST_F(PhyTest, FailureSaysWhereWhatAndTheBoardsCode) {
         << failure.what();
 }
 
-TEST_F(PhyTest, ReplyWithAnotherNumberOfValuesIsAFailure) {
+TEST_F(RackPhy, ReplyWithAnotherNumberOfValuesIsAFailure) {
     phy.read({1, 0});
     for (const int values : {0, 2, 1000}) {
         inject(Fault::Kind::ReplyCount, "mdio", "mdio_read", 1, values);
@@ -97,13 +97,13 @@ TEST_F(PhyTest, ReplyWithAnotherNumberOfValuesIsAFailure) {
     }
 }
 
-TEST_F(PhyTest, ReplyThatCannotBeDecodedIsAFailure) {
+TEST_F(RackPhy, ReplyThatCannotBeDecodedIsAFailure) {
     phy.read({1, 0});
     inject(Fault::Kind::TruncateReply, "mdio", "mdio_read", 1, 26);
     EXPECT_EQ(failureOf([&] { phy.read({1, 0}); }).kind(), FailureKind::BadReply);
 }
 
-TEST_F(PhyTest, LostReplyIsAskedForAgainWithinAFractionOfASecond) {
+TEST_F(RackPhy, LostReplyIsAskedForAgainWithinAFractionOfASecond) {
     board.setRegister(Space::C45, 1, 3, 0x10002, 0x42);
     phy.read({1, 0});
     inject(Fault::Kind::LoseReply, "mdio", "mdio_read");
@@ -113,7 +113,7 @@ TEST_F(PhyTest, LostReplyIsAskedForAgainWithinAFractionOfASecond) {
     EXPECT_EQ(count("mdio_read"), 3U);
 }
 
-TEST_F(PhyTest, OnceSendsNothingTwice) {
+TEST_F(RackPhy, OnceSendsNothingTwice) {
     phy.read({1, 0});
     inject(Fault::Kind::LoseReply, "mdio", "mdio_read");
     const Failure failure = failureOf([&] { phy.read({1, 2}, within(600ms).once()); });
@@ -122,14 +122,14 @@ TEST_F(PhyTest, OnceSendsNothingTwice) {
     EXPECT_EQ(count("mdio_read"), 2U);
 }
 
-TEST_F(PhyTest, ReadsThatMayNotBeRepeatedAreNotThoughWritesMay) {
+TEST_F(RackPhy, ReadsThatMayNotBeRepeatedAreNotThoughWritesMay) {
     phy.read({1, 0});
     inject(Fault::Kind::LoseReply, "mdio", "mdio_read", -1);
     failureOf([&] { phy.read({1, 2}, within(400ms).repeating({0, 16})); });
     EXPECT_EQ(count("mdio_read"), 2U);
 }
 
-TEST_F(PhyTest, WritesAreRepeatedAsOftenAsTold) {
+TEST_F(RackPhy, WritesAreRepeatedAsOftenAsTold) {
     phy.read({1, 0});
     inject(Fault::Kind::LoseReply, "mdio", "mdio_write", -1);
     const Failure failure = failureOf([&] {
@@ -139,7 +139,7 @@ TEST_F(PhyTest, WritesAreRepeatedAsOftenAsTold) {
     EXPECT_EQ(count("mdio_write"), 3U);
 }
 
-TEST_F(PhyTest, CallEndsAtItsDeadlineWhenTheBoardIsSilent) {
+TEST_F(RackPhy, CallEndsAtItsDeadlineWhenTheBoardIsSilent) {
     phy.read({1, 0});
     board.hang();
     const auto begun = std::chrono::steady_clock::now();
@@ -150,7 +150,7 @@ TEST_F(PhyTest, CallEndsAtItsDeadlineWhenTheBoardIsSilent) {
     EXPECT_LT(spent, 1s);
 }
 
-TEST_F(PhyTest, BusyBoardIsAskedAgainUntilItIsFree) {
+TEST_F(RackPhy, BusyBoardIsAskedAgainUntilItIsFree) {
     phy.read({1, 0});
     inject(Fault::Kind::ResultCode, "mdio", "mdio_write", 3, -16);
     phy.write({1, 2}, 9, Within{}.once());
@@ -158,7 +158,7 @@ TEST_F(PhyTest, BusyBoardIsAskedAgainUntilItIsFree) {
     EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10002), 9U);
 }
 
-TEST_F(PhyTest, BoardThatStaysBusyIsReportedAsBusy) {
+TEST_F(RackPhy, BoardThatStaysBusyIsReportedAsBusy) {
     phy.read({1, 0});
     inject(Fault::Kind::ResultCode, "mdio", "mdio_read", -1, -16);
     const Failure failure = failureOf([&] { phy.read({1, 0}, within(200ms)); });
@@ -166,7 +166,7 @@ TEST_F(PhyTest, BoardThatStaysBusyIsReportedAsBusy) {
     EXPECT_EQ(failure.code(), -16);
 }
 
-TEST_F(PhyTest, CancelledWaitReturnsAtOnce) {
+TEST_F(RackPhy, CancelledWaitReturnsAtOnce) {
     phy.read({1, 0});
     inject(Fault::Kind::LoseRequest, "mdio", "mdio_read", -1);
     Cancellation cancellation;
@@ -185,7 +185,7 @@ TEST_F(PhyTest, CancelledWaitReturnsAtOnce) {
     EXPECT_LT(ended - cancelledAt, 500ms);
 }
 
-TEST_F(PhyTest, OtherThreadsWaitForTheirTurnUpToTheirDeadline) {
+TEST_F(RackPhy, OtherThreadsWaitForTheirTurnUpToTheirDeadline) {
     phy.read({1, 0});
     inject(Fault::Kind::LoseRequest, "mdio", "mdio_read", -1);
     std::thread holder([&] { phy.read({1, 1}); });

@@ -8,11 +8,11 @@ namespace {
 
 using namespace Orvane;
 
-class RoutedPhyTest : public testing::Test, protected RackOnBoard {
+class RackRoutedPhy : public testing::Test, protected RackOnBoard {
 protected:
     RegisterPaths withoutFirmware;
 
-    RoutedPhyTest() {
+    RackRoutedPhy() {
         withoutFirmware.byFirmware = {false, false, false, false, false};
         phy.open();
         board.forgetRequests();
@@ -52,30 +52,30 @@ protected:
 
 using Steps = std::vector<std::string>;
 
-TEST_F(RoutedPhyTest, RegisterOfAClassIsReadByTheFirmware) {
+TEST_F(RackRoutedPhy, RegisterOfAClassIsReadByTheFirmware) {
     set(31, 0x8037, 0x1234);
     EXPECT_EQ(phy.routed().read({31, 0x8037}), 0x1234U);
     EXPECT_EQ(steps(), (Steps{"W30.C47F=0", "W30.C47C=8037", "W30.C47E=11F", "R30.C47F", "R30.C47D"}));
 }
 
-TEST_F(RoutedPhyTest, RegisterBesideTheClassesIsReadPlainly) {
+TEST_F(RackRoutedPhy, RegisterBesideTheClassesIsReadPlainly) {
     set(31, 0x8036, 0x55);
     EXPECT_EQ(phy.routed().read({31, 0x8036}), 0x55U);
     EXPECT_EQ(steps(), Steps{"R31.8036"});
 }
 
-TEST_F(RoutedPhyTest, RegisterOfAClassThatIsNotLeftToTheFirmwareIsReadPlainly) {
+TEST_F(RackRoutedPhy, RegisterOfAClassThatIsNotLeftToTheFirmwareIsReadPlainly) {
     phy.routed(withoutFirmware).read({31, 0x8037});
     EXPECT_EQ(steps(), Steps{"R31.8037"});
 }
 
-TEST_F(RoutedPhyTest, WriteByTheFirmwareArrives) {
+TEST_F(RackRoutedPhy, WriteByTheFirmwareArrives) {
     phy.routed().write({28, 0x123}, 0xBEEF);
     EXPECT_EQ(valueOf(28, 0x123), 0xBEEFU);
     EXPECT_EQ(steps(), (Steps{"W30.C47F=0", "W30.C47C=123", "W30.C47D=BEEF", "W30.C47E=21C", "R30.C47F"}));
 }
 
-TEST_F(RoutedPhyTest, EveryPathReadsBackWhatItWrote) {
+TEST_F(RackRoutedPhy, EveryPathReadsBackWhatItWrote) {
     for (const RegisterPaths& paths : {RegisterPaths{}, withoutFirmware})
         for (const RegisterAddress address : {RegisterAddress{10, 0x11}, {11, 0x1005}, {27, 0x40}, {1, 7}}) {
             phy.routed(paths).write(address, 0x2000 + address.number);
@@ -83,12 +83,12 @@ TEST_F(RoutedPhyTest, EveryPathReadsBackWhatItWrote) {
         }
 }
 
-TEST_F(RoutedPhyTest, PagedWritePutsThePageIntoTheRegister) {
+TEST_F(RackRoutedPhy, PagedWritePutsThePageIntoTheRegister) {
     phy.routed(withoutFirmware).write({28, 0x123}, 0xBEEF);
     EXPECT_EQ(steps(), (Steps{"R4.C180", "W4.C180=1", "W4.C223=1"}));
 }
 
-TEST_F(RoutedPhyTest, Clause45IsCarriedOverClause22) {
+TEST_F(RackRoutedPhy, Clause45IsCarriedOverClause22) {
     RegisterPaths paths;
     paths.overClause22 = true;
     phy.routed(paths).write({28, 0x123}, 0xBEEF);
@@ -96,19 +96,19 @@ TEST_F(RoutedPhyTest, Clause45IsCarriedOverClause22) {
     EXPECT_EQ(phy.routed(paths).read({28, 0x123}), 0xBEEFU);
 }
 
-TEST_F(RoutedPhyTest, ModifyChangesTheBitsOfItsMask) {
+TEST_F(RackRoutedPhy, ModifyChangesTheBitsOfItsMask) {
     set(27, 0x40, 0xFF00);
     EXPECT_EQ(phy.routed().modify({27, 0x40}, 0x0FF0, 0x0120), 0xF120U);
     EXPECT_EQ(valueOf(27, 0x40), 0xF120U);
 }
 
-TEST_F(RoutedPhyTest, FirmwareThatIsBusyForAWhileIsWaitedFor) {
+TEST_F(RackRoutedPhy, FirmwareThatIsBusyForAWhileIsWaitedFor) {
     set(31, 0x8037, 0x77);
     troubles(30);
     EXPECT_EQ(phy.routed().read({31, 0x8037}), 0x77U);
 }
 
-TEST_F(RoutedPhyTest, FirmwareThatStaysBusyEndsTheCallAtItsDeadline) {
+TEST_F(RackRoutedPhy, FirmwareThatStaysBusyEndsTheCallAtItsDeadline) {
     troubles(OrvaneSim::PathTroubles::kForever);
     const auto begun = std::chrono::steady_clock::now();
     const Failure failure = failureOf([&] { phy.routed().read({31, 0x8037}, within(200ms)); });
@@ -123,7 +123,7 @@ TEST_F(RoutedPhyTest, FirmwareThatStaysBusyEndsTheCallAtItsDeadline) {
     EXPECT_GT(failure.attempts(), 5U);
 }
 
-TEST_F(RoutedPhyTest, CancelledWaitForTheFirmwareEndsAtOnce) {
+TEST_F(RackRoutedPhy, CancelledWaitForTheFirmwareEndsAtOnce) {
     troubles(OrvaneSim::PathTroubles::kForever);
     Cancellation cancellation;
     board.onRequest([&, looks = 0](const Request& request) mutable {
@@ -139,14 +139,14 @@ TEST_F(RoutedPhyTest, CancelledWaitForTheFirmwareEndsAtOnce) {
     board.onRequest([](const Request&) {});
 }
 
-TEST_F(RoutedPhyTest, ErrorOfTheFirmwareIsAFailureAndNoValue) {
+TEST_F(RackRoutedPhy, ErrorOfTheFirmwareIsAFailureAndNoValue) {
     troubles(0, 2);
     const Failure failure = failureOf([&] { phy.routed().write({28, 1}, 1); });
     EXPECT_EQ(failure.kind(), FailureKind::BoardError);
     EXPECT_EQ(failure.advice(), "The PHY's firmware reports an error.");
 }
 
-TEST_F(RoutedPhyTest, ErrorOfTheBridgeIsAFailureWithItsCode) {
+TEST_F(RackRoutedPhy, ErrorOfTheBridgeIsAFailureWithItsCode) {
     OrvaneSim::PathTroubles all;
     all.bridgeStatus = 0x1003;
     board.setPathTroubles(all);
@@ -156,7 +156,7 @@ TEST_F(RoutedPhyTest, ErrorOfTheBridgeIsAFailureWithItsCode) {
     EXPECT_EQ(failure.advice(), "The SerDes bridge reports code 0x3.");
 }
 
-TEST_F(RoutedPhyTest, WindowThatStaysBusyIsAFailure) {
+TEST_F(RackRoutedPhy, WindowThatStaysBusyIsAFailure) {
     OrvaneSim::PathTroubles all;
     all.windowBusyReads = OrvaneSim::PathTroubles::kForever;
     board.setPathTroubles(all);
@@ -165,7 +165,7 @@ TEST_F(RoutedPhyTest, WindowThatStaysBusyIsAFailure) {
     EXPECT_EQ(failure.operation(), "read by window");
 }
 
-TEST_F(RoutedPhyTest, WhatNoPathLeadsToIsRefusedBeforeAnythingIsSent) {
+TEST_F(RackRoutedPhy, WhatNoPathLeadsToIsRefusedBeforeAnythingIsSent) {
     const RoutedPhy plain = phy.routed(withoutFirmware);
     for (const RegisterAddress address :
          {RegisterAddress{11, 0x4000}, {28, 0x600}, {28, 0x8500}, {32, 0}, clause22(2), ext32(4)})
@@ -175,14 +175,14 @@ TEST_F(RoutedPhyTest, WhatNoPathLeadsToIsRefusedBeforeAnythingIsSent) {
     EXPECT_EQ(steps(), Steps{});
 }
 
-TEST_F(RoutedPhyTest, LostAnswersOnTheWayCostNoValue) {
+TEST_F(RackRoutedPhy, LostAnswersOnTheWayCostNoValue) {
     set(31, 0x8037, 0x1234);
     inject(Fault::Kind::LoseReply, "mdio", "mdio_write", 2);
     inject(Fault::Kind::LoseRequest, "mdio", "mdio_read", 2);
     EXPECT_EQ(phy.routed().read({31, 0x8037}), 0x1234U);
 }
 
-TEST_F(RoutedPhyTest, PathOnWhichTheSessionIsLostIsTakenAgain) {
+TEST_F(RackRoutedPhy, PathOnWhichTheSessionIsLostIsTakenAgain) {
     set(31, 0x8037, 0x1234);
     board.onRequest([&, done = false](const Request& request) mutable {
         if (!done && request.procedure == "mdio_write" && argumentsOf(request)["values"][0] == 0x11F) {
@@ -195,7 +195,7 @@ TEST_F(RoutedPhyTest, PathOnWhichTheSessionIsLostIsTakenAgain) {
     board.onRequest([](const Request&) {});
 }
 
-TEST_F(RoutedPhyTest, SmbusPortsReachRegistersByPathsToo) {
+TEST_F(RackRoutedPhy, SmbusPortsReachRegistersByPathsToo) {
     const RoutedPhy smbus = rack.open("BOARD7:10").phy(3).routed(withoutFirmware);
     smbus.write({1, 7}, 0x1357);
     EXPECT_EQ(smbus.read({1, 7}), 0x1357U);

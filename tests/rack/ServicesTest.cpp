@@ -15,19 +15,19 @@ using testing::FloatNear;
 using Bytes = std::vector<std::uint8_t>;
 using OrvaneSim::Waveform;
 
-class ServicesTest : public testing::Test, protected RackOnBoard {
+class RackServices : public testing::Test, protected RackOnBoard {
 protected:
     static constexpr unsigned kEeprom = 0x50;
 };
 
-TEST_F(ServicesTest, I2cReadsWhatItWrote) {
+TEST_F(RackServices, I2cReadsWhatItWrote) {
     const I2cBus i2c = phy.i2c();
     i2c.write(2, kEeprom, {0x40, 'O', 'r', 'v'});
     EXPECT_THAT(i2c.read(2, kEeprom, 0x40, 4), ElementsAre('O', 'r', 'v', 0xFF));
     EXPECT_THAT(i2c.readRegister(2, kEeprom, 0x41, 1, 2), ElementsAre('r', 'v'));
 }
 
-TEST_F(ServicesTest, I2cBlocksReachSeveralBuses) {
+TEST_F(RackServices, I2cBlocksReachSeveralBuses) {
     const I2cBus i2c = phy.i2c();
     i2c.writeBlock({{0, kEeprom, 0x20, 1, 0, {1, 2}}, {1, kEeprom, 0x30, 1, 0, {3, 4, 5}}});
     EXPECT_THAT(i2c.readBlock({{0, kEeprom, 0x20, 1, 2}, {1, kEeprom, 0x30, 1, 3}}),
@@ -36,12 +36,12 @@ TEST_F(ServicesTest, I2cBlocksReachSeveralBuses) {
     EXPECT_THAT(i2c.read(0, kEeprom, 0x20, 1), ElementsAre(0x0F));
 }
 
-TEST_F(ServicesTest, I2cFailureNamesTheBoardsCode) {
+TEST_F(RackServices, I2cFailureNamesTheBoardsCode) {
     EXPECT_EQ(failureOf([&] { phy.i2c().read(0, 0x51, 0, 1); }).codeName(), "EREMOTEIO");
     EXPECT_EQ(failureOf([&] { phy.i2c().read(0, kEeprom, 0, 256); }).kind(), FailureKind::InvalidArgument);
 }
 
-TEST_F(ServicesTest, TransferWithoutAnswerIsNotRepeated) {
+TEST_F(RackServices, TransferWithoutAnswerIsNotRepeated) {
     phy.open();
     inject(Fault::Kind::LoseReply, "i2c", "i2c_write");
     const I2cBus i2c = phy.i2c();
@@ -52,7 +52,7 @@ TEST_F(ServicesTest, TransferWithoutAnswerIsNotRepeated) {
     EXPECT_EQ(count("i2c_write"), 1U);
 }
 
-TEST_F(ServicesTest, GpioShowsTheOutputAtTheInput) {
+TEST_F(RackServices, GpioShowsTheOutputAtTheInput) {
     board.wireGpio(1, 2);
     const GpioLines gpio = phy.gpio();
     gpio.enableOutput({1}, {1});
@@ -65,13 +65,13 @@ TEST_F(ServicesTest, GpioShowsTheOutputAtTheInput) {
     EXPECT_THAT(gpio.outputEnables({1}), ElementsAre(0));
 }
 
-TEST_F(ServicesTest, GpioListsOfDifferentLengthsAreRefusedUnsent) {
+TEST_F(RackServices, GpioListsOfDifferentLengthsAreRefusedUnsent) {
     EXPECT_EQ(failureOf([&] { phy.gpio().write({1, 2}, {1}); }).kind(), FailureKind::InvalidArgument);
     EXPECT_EQ(failureOf([&] { phy.gpio().bitBang({1}, {1}, {}); }).kind(), FailureKind::InvalidArgument);
     EXPECT_EQ(procedures(), std::vector<std::string>{});
 }
 
-TEST_F(ServicesTest, ShortAnswersAreFailures) {
+TEST_F(RackServices, ShortAnswersAreFailures) {
     phy.open();
     inject(Fault::Kind::ReplyCount, "gpio", "gpio_read", 1, 1);
     inject(Fault::Kind::ReplyCount, "i2c", "i2c_read", 1, 3);
@@ -81,7 +81,7 @@ TEST_F(ServicesTest, ShortAnswersAreFailures) {
     EXPECT_EQ(failureOf([&] { phy.jtag().shift({"", "11", ""}); }).kind(), FailureKind::BadReply);
 }
 
-TEST_F(ServicesTest, JtagShiftsSeveralTimesInOneCall) {
+TEST_F(RackServices, JtagShiftsSeveralTimesInOneCall) {
     const JtagChain jtag = phy.jtag();
     const std::string bypass(13, '1'); // instruction registers of 5 and 8 bits
     EXPECT_THAT(jtag.shift({{"", "1111101100", ""},
@@ -92,7 +92,7 @@ TEST_F(ServicesTest, JtagShiftsSeveralTimesInOneCall) {
     EXPECT_GT(jtag.maxBytes(), 0U);
 }
 
-TEST_F(ServicesTest, AdcShowsTheWaveformOverTcp) {
+TEST_F(RackServices, AdcShowsTheWaveformOverTcp) {
     board.setWaveform(0, {Waveform::Shape::Sine, 128, 300, 4});
     const AdcCapture adc = phy.adc();
     adc.initialize();
@@ -110,7 +110,7 @@ TEST_F(ServicesTest, AdcShowsTheWaveformOverTcp) {
     EXPECT_EQ(board.requestsOf("adc_start").at(0).transport, "tcp");
 }
 
-TEST_F(ServicesTest, ThermalUnitSettlesAtItsSetPoint) {
+TEST_F(RackServices, ThermalUnitSettlesAtItsSetPoint) {
     const ThermalControl thermal = phy.thermal();
     thermal.connect();
     thermal.setTemperature(0, 85, 1);
@@ -125,7 +125,7 @@ TEST_F(ServicesTest, ThermalUnitSettlesAtItsSetPoint) {
     EXPECT_EQ(failureOf([&] { thermal.temperature(0); }).kind(), FailureKind::BoardError);
 }
 
-TEST_F(ServicesTest, ShellReturnsStatusAndBothOutputs) {
+TEST_F(RackServices, ShellReturnsStatusAndBothOutputs) {
     board.setCommand("uname", {3, "Linux\n", "oops", 0});
     const BoardShell::Outcome outcome = phy.shell().run("uname", 10s);
     EXPECT_EQ(outcome.status, 3);
@@ -134,7 +134,7 @@ TEST_F(ServicesTest, ShellReturnsStatusAndBothOutputs) {
     EXPECT_GE(phy.shell().ping().count(), 0);
 }
 
-TEST_F(ServicesTest, MdioBusMovesTheAddressOfTheExtension) {
+TEST_F(RackServices, MdioBusMovesTheAddressOfTheExtension) {
     const MdioBus mdio = phy.mdio();
     board.setRegister(Space::Ext32, 1, 3, 0x104, 0x44);
     phy.write(ext32(0x100), 1);
@@ -145,7 +145,7 @@ TEST_F(ServicesTest, MdioBusMovesTheAddressOfTheExtension) {
     EXPECT_EQ(board.registerValue(Space::Ext32, 1, 3, 0x108), 0x46U);
 }
 
-TEST_F(ServicesTest, MdioBusSwitchesAreSent) {
+TEST_F(RackServices, MdioBusSwitchesAreSent) {
     const MdioBus mdio = phy.mdio();
     mdio.flush();
     mdio.setSingleWire(true);
@@ -157,7 +157,7 @@ TEST_F(ServicesTest, MdioBusSwitchesAreSent) {
     EXPECT_EQ(failureOf([&] { mdio.setPreambleCount(17); }).kind(), FailureKind::BadReply);
 }
 
-TEST_F(ServicesTest, InterruptsReachTheBoard) {
+TEST_F(RackServices, InterruptsReachTheBoard) {
     const MdioBus mdio = phy.mdio();
     EXPECT_EQ(mdio.requestInterrupt(1, 2, 3, 4), 0);
     EXPECT_EQ(mdio.waitForInterrupt(5), 0);
@@ -168,7 +168,7 @@ TEST_F(ServicesTest, InterruptsReachTheBoard) {
                                         "mdio_interruptprocessed", "mdio_interrutprelease"}));
 }
 
-TEST_F(ServicesTest, PingsReachTheirService) {
+TEST_F(RackServices, PingsReachTheirService) {
     phy.shell().ping();
     phy.shell().pingSession();
     phy.shell().pingKeepAlive();
@@ -177,7 +177,7 @@ TEST_F(ServicesTest, PingsReachTheirService) {
     EXPECT_EQ(board.requestsOf("pingkeepalive").at(0).transport, "udp");
 }
 
-TEST_F(ServicesTest, ErrorRecordIsWhatTheBoardHasForACode) {
+TEST_F(RackServices, ErrorRecordIsWhatTheBoardHasForACode) {
     EXPECT_EQ(phy.shell().errorRecord(-5).kind, 0U);
     Fault record{"setup", "get_error_msg", Fault::Kind::ReplyBody};
     record.bytes = std::string("\0\0\0\0\0\0\0\x7\xFF\xFF\xFF\xFE", 12);
@@ -188,7 +188,7 @@ TEST_F(ServicesTest, ErrorRecordIsWhatTheBoardHasForACode) {
     EXPECT_EQ(argumentsOf(board.requestsOf("get_error_msg").back()).front().get<std::int64_t>(), 0xFFFFFFFB);
 }
 
-TEST_F(ServicesTest, BoardSaysWhereItsServicesAre) {
+TEST_F(RackServices, BoardSaysWhereItsServicesAre) {
     const auto services = phy.shell().services();
     EXPECT_EQ(services.size(), 8U);
     EXPECT_NE(services.at("mdio"), 0U);
@@ -196,7 +196,7 @@ TEST_F(ServicesTest, BoardSaysWhereItsServicesAre) {
     EXPECT_EQ(phy.shell().address(), board.address());
 }
 
-TEST_F(ServicesTest, ArgumentsThatNoBoardTakesAreRefusedBeforeAnythingIsSent) {
+TEST_F(RackServices, ArgumentsThatNoBoardTakesAreRefusedBeforeAnythingIsSent) {
     const Phy smbus = rack.open("BOARD7:10").phy(3);
     const std::vector<std::function<void()>> bad{
         [&] { phy.i2c().write(10, kEeprom, {1}); },

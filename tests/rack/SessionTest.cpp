@@ -7,7 +7,7 @@ namespace {
 using namespace Orvane;
 using Json = nlohmann::ordered_json;
 
-class SessionTest : public testing::Test, protected RackOnBoard {
+class RackSession : public testing::Test, protected RackOnBoard {
 protected:
     // Flags that an opening with that access carries: exclusive, simple, not shared, reserved.
     Json flagsOf(Access access) {
@@ -20,24 +20,24 @@ protected:
     }
 };
 
-TEST_F(SessionTest, ExclusiveAccessCarriesItsKeyAndFlags) {
+TEST_F(RackSession, ExclusiveAccessCarriesItsKeyAndFlags) {
     EXPECT_EQ(flagsOf(Access::exclusive(0x4711)), (Json{0x4711, 1, 0, 1, 0, 2, 5}));
 }
 
-TEST_F(SessionTest, SharedAccessCarriesItsKeyAndFlags) {
+TEST_F(RackSession, SharedAccessCarriesItsKeyAndFlags) {
     EXPECT_EQ(flagsOf(Access::shared(7)), (Json{7, 0, 0, 0, 0, 2, 5}));
 }
 
-TEST_F(SessionTest, SimpleAccessCarriesItsKeyAndFlags) {
+TEST_F(RackSession, SimpleAccessCarriesItsKeyAndFlags) {
     EXPECT_EQ(flagsOf(Access::simple(9)), (Json{9, 0, 1, 0, 0, 2, 5}));
 }
 
-TEST_F(SessionTest, OpensOverTcp) {
+TEST_F(RackSession, OpensOverTcp) {
     phy.open();
     EXPECT_EQ(board.requestsOf("open_connection").at(0).transport, "tcp");
 }
 
-TEST_F(SessionTest, RefusalSaysThatAnotherHoldsThePhy) {
+TEST_F(RackSession, RefusalSaysThatAnotherHoldsThePhy) {
     phy.open();
     const Failure failure = failureOf([&] { rack.open("BOARD7:1", Access::exclusive(1)).phy(3).open(); });
     EXPECT_EQ(failure.kind(), FailureKind::Refused);
@@ -45,7 +45,7 @@ TEST_F(SessionTest, RefusalSaysThatAnotherHoldsThePhy) {
     EXPECT_NE(std::string(failure.what()).find("Another session holds the PHY"), std::string::npos);
 }
 
-TEST_F(SessionTest, QueueingAccessWaitsForTheHolder) {
+TEST_F(RackSession, QueueingAccessWaitsForTheHolder) {
     phy.open();
     std::thread waiter(
         [this] { rack.open("BOARD7:1", Access::exclusive(1).queueing()).phy(3).open(within(20s)); });
@@ -57,13 +57,13 @@ TEST_F(SessionTest, QueueingAccessWaitsForTheHolder) {
     EXPECT_GE(count("open_connection"), 3U);
 }
 
-TEST_F(SessionTest, QueueingAccessEndsAtItsDeadlineAsRefused) {
+TEST_F(RackSession, QueueingAccessEndsAtItsDeadlineAsRefused) {
     phy.open();
     const Port queue = rack.open("BOARD7:1", Access::exclusive(1).queueing());
     EXPECT_EQ(failureOf([&] { queue.phy(3).open(within(300ms)); }).kind(), FailureKind::Refused);
 }
 
-TEST_F(SessionTest, LastHandleClosesTheSession) {
+TEST_F(RackSession, LastHandleClosesTheSession) {
     {
         const Port port = rack.open("BOARD7:2", Access::exclusive(5));
         const Phy one = port.phy(1);
@@ -76,7 +76,7 @@ TEST_F(SessionTest, LastHandleClosesTheSession) {
     EXPECT_EQ(count("open_connection"), 1U);
 }
 
-TEST_F(SessionTest, ClosedSessionIsOpenedByItsNextUse) {
+TEST_F(RackSession, ClosedSessionIsOpenedByItsNextUse) {
     phy.open();
     phy.close();
     EXPECT_EQ(board.sessionCount(), 0U);
@@ -84,19 +84,19 @@ TEST_F(SessionTest, ClosedSessionIsOpenedByItsNextUse) {
     EXPECT_EQ(board.sessionCount(), 1U);
 }
 
-TEST_F(SessionTest, LostAnswerOfAnOpeningIsAskedForAgain) {
+TEST_F(RackSession, LostAnswerOfAnOpeningIsAskedForAgain) {
     inject(Fault::Kind::LoseReply, "setup", "open_connection");
     phy.open();
     EXPECT_TRUE(phy.isOpen());
 }
 
-TEST_F(SessionTest, ConnectionThatEndsDuringAnOpeningIsMadeAgain) {
+TEST_F(RackSession, ConnectionThatEndsDuringAnOpeningIsMadeAgain) {
     inject(Fault::Kind::CloseConnection, "setup", "open_connection");
     phy.open();
     EXPECT_TRUE(phy.isOpen());
 }
 
-TEST_F(SessionTest, HandlesMayOutliveTheirRack) {
+TEST_F(RackSession, HandlesMayOutliveTheirRack) {
     std::optional<Phy> left;
     {
         Rack other;
@@ -109,7 +109,7 @@ TEST_F(SessionTest, HandlesMayOutliveTheirRack) {
     EXPECT_EQ(board.sessionCount(), 0U);
 }
 
-TEST_F(SessionTest, TwoDescriptorsServeAnOpenSession) {
+TEST_F(RackSession, TwoDescriptorsServeAnOpenSession) {
     const auto descriptors = [] {
         std::size_t count = 0;
         for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
@@ -126,13 +126,13 @@ TEST_F(SessionTest, TwoDescriptorsServeAnOpenSession) {
     EXPECT_LE(descriptors(), before + 2); // of the lab's end of the connection, and at most one here
 }
 
-TEST_F(SessionTest, EventsTellOfOpening) {
+TEST_F(RackSession, EventsTellOfOpening) {
     Events events(rack);
     phy.open();
     EXPECT_TRUE(events.waitFor(Event::Kind::Opened));
 }
 
-TEST_F(SessionTest, NamesThatAreNoneAreRefused) {
+TEST_F(RackSession, NamesThatAreNoneAreRefused) {
     for (const char* const name :
          {"", "BOARD7", ":1", "BOARD7:", "BOARD7:x", "BOARD7:20", "BOARD7:-1", "BOARD7:1:2"})
         EXPECT_EQ(failureOf([&] { rack.open(name); }).kind(), FailureKind::InvalidArgument) << name;

@@ -7,7 +7,7 @@ namespace {
 using namespace Orvane;
 using Json = nlohmann::ordered_json;
 
-class SmbusTest : public testing::Test, protected RackOnBoard {
+class RackSmbus : public testing::Test, protected RackOnBoard {
 protected:
     Phy device = rack.open("BOARD7:10").phy(3);
 
@@ -26,7 +26,7 @@ protected:
     }
 };
 
-TEST_F(SmbusTest, Clause45ReadSelectsTheRegisterAndReadsTwoBytes) {
+TEST_F(RackSmbus, Clause45ReadSelectsTheRegisterAndReadsTwoBytes) {
     device.write({1, 2}, 0xBEEF);
     board.forgetRequests();
     EXPECT_EQ(device.read({1, 2}), 0xBEEFU);
@@ -34,13 +34,13 @@ TEST_F(SmbusTest, Clause45ReadSelectsTheRegisterAndReadsTwoBytes) {
               (std::vector<Json>{{"i2c_write", 0, 3, Json{1, 2, 0}}, {"i2c_read", 0, 3, 0x41, 2}}));
 }
 
-TEST_F(SmbusTest, Clause45WriteSelectsTheRegisterAndWritesTwoBytes) {
+TEST_F(RackSmbus, Clause45WriteSelectsTheRegisterAndWritesTwoBytes) {
     device.write({1, 2}, 0xBEEF);
     EXPECT_EQ(transfers(), (std::vector<Json>{{"i2c_write", 0, 3, Json{1, 2, 0}},
                                               {"i2c_write", 0, 3, Json{0x21, 0xEF, 0xBE}}}));
 }
 
-TEST_F(SmbusTest, PagedWordGoesByHalves) {
+TEST_F(RackSmbus, PagedWordGoesByHalves) {
     device.write(ext32(0x80004000), 0x12345678);
     EXPECT_EQ(device.read(ext32(0x80004000)), 0x12345678U);
     EXPECT_EQ(transfers(), (std::vector<Json>{{"i2c_write", 0, 3, Json{0x81, 0x00, 0x80}},
@@ -53,7 +53,7 @@ TEST_F(SmbusTest, PagedWordGoesByHalves) {
                                               {"i2c_read", 0, 3, 0xC1, 2}}));
 }
 
-TEST_F(SmbusTest, DirectWordGoesInOneTransfer) {
+TEST_F(RackSmbus, DirectWordGoesInOneTransfer) {
     device.setSmbusProtocol(SmbusProtocol::Direct32);
     device.write(ext32(0x80004001), 0x12345678);
     EXPECT_EQ(device.read(ext32(0x80004001)), 0x12345678U);
@@ -62,27 +62,27 @@ TEST_F(SmbusTest, DirectWordGoesInOneTransfer) {
                                  {"i2c_read_reg", 0, 3, 0x01400080, 4, 4}}));
 }
 
-TEST_F(SmbusTest, BatchRunsOneOperationAfterTheOther) {
+TEST_F(RackSmbus, BatchRunsOneOperationAfterTheOther) {
     Batch batch;
     batch.write({1, 2}, 0x1234);
     const auto value = batch.read({1, 2});
     EXPECT_EQ(device.run(batch)[value], 0x1234U);
 }
 
-TEST_F(SmbusTest, LostTransferIsRepeated) {
+TEST_F(RackSmbus, LostTransferIsRepeated) {
     device.write({1, 2}, 0x1234);
     inject(Fault::Kind::LoseReply, "i2c", "i2c_write");
     inject(Fault::Kind::LoseRequest, "i2c", "i2c_read");
     EXPECT_EQ(device.read({1, 2}), 0x1234U);
 }
 
-TEST_F(SmbusTest, ShortAnswerIsAFailure) {
+TEST_F(RackSmbus, ShortAnswerIsAFailure) {
     device.open();
     inject(Fault::Kind::ReplyCount, "i2c", "i2c_read", 1, 1);
     EXPECT_EQ(failureOf([&] { device.read({1, 2}); }).kind(), FailureKind::BadReply);
 }
 
-TEST_F(SmbusTest, Clause22IsRefusedUnsent) {
+TEST_F(RackSmbus, Clause22IsRefusedUnsent) {
     EXPECT_EQ(failureOf([&] { device.read(clause22(1)); }).kind(), FailureKind::InvalidArgument);
     EXPECT_EQ(failureOf([&] {
                   device.run([] {

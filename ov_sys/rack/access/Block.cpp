@@ -55,15 +55,9 @@ void Block::gather(const Target& target, const Operations& operations) {
     readAddresses_.reserve(count_ - writes);
     if (writes == 0) {
         runs_ = {0, static_cast<u_int>(count_)};
-        // All of one space, so that the words differ in what the addresses say.
-        const RegisterAddress::Space space = begin->address.space;
-        const bool wide = space == RegisterAddress::Space::Ext32;
-        const u_int phy = addressWord(target.session, {space, 0, 0});
         readAddresses_.resize(count_);
-        for (std::size_t i = 0; i < count_; ++i) {
-            const RegisterAddress& address = operations[first_ + i].address;
-            readAddresses_[i] = wide ? address.number : phy | address.word();
-        }
+        std::transform(begin, begin + static_cast<std::ptrdiff_t>(count_), readAddresses_.begin(),
+                       [&](const Batch::Operation& one) { return addressWord(target.session, one.address); });
         return;
     }
     runs_.push_back(0);

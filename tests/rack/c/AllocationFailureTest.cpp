@@ -18,7 +18,7 @@ int firstStatus(Step... steps) {
     return status;
 }
 
-class CAllocationFailureTest : public testing::Test, protected CRackOnBoard {
+class CAllocationFailure : public testing::Test, protected CRackOnBoard {
 protected:
     // Fails each allocation of `work` in turn, which then returns one of `failures`, or ORVANE_DONE where it
     // can do without.
@@ -36,7 +36,7 @@ protected:
     }
 };
 
-TEST_F(CAllocationFailureTest, IsAStatusOfRacksAndTheirPhys) {
+TEST_F(CAllocationFailure, IsAStatusOfRacksAndTheirPhys) {
     const orvane_limits brief = orvane_within(0.02);
     const std::string address = board.address(); // which takes memory of the board's own
     endsIn({ORVANE_OUT_OF_RESOURCES}, [&] {
@@ -68,7 +68,7 @@ TEST_F(CAllocationFailureTest, IsAStatusOfRacksAndTheirPhys) {
 }
 
 // An answer that finds no room is as good as none.
-TEST_F(CAllocationFailureTest, IsAStatusOfBatchesAndServices) {
+TEST_F(CAllocationFailure, IsAStatusOfBatchesAndServices) {
     orvane_phy_open(phy, nullptr, nullptr);
     orvane_operation operations[3] = {
         {kRegister, 1, 5, 0, 0}, {kRegister, 0, 0, 0, 0}, {kRegister, 1, 6, 0, 0}};
@@ -91,7 +91,7 @@ TEST_F(CAllocationFailureTest, IsAStatusOfBatchesAndServices) {
 }
 
 // An operation that is torn is given up.
-TEST_F(CAllocationFailureTest, IsAStatusOfFlights) {
+TEST_F(CAllocationFailure, IsAStatusOfFlights) {
     orvane_phy_write(phy, kRegister, 0x77, nullptr, nullptr);
     endsIn({ORVANE_OUT_OF_RESOURCES, ORVANE_CANCELLED}, [&] {
         orvane_flight* flight = nullptr;

@@ -6,16 +6,16 @@
 namespace OrvaneTest {
 namespace {
 
-class CFlightsTest : public testing::Test, protected CRackOnBoard {
+class CFlights : public testing::Test, protected CRackOnBoard {
 protected:
     orvane_flight* flight = nullptr;
     std::vector<orvane_pending*> started;
 
-    CFlightsTest() {
+    CFlights() {
         orvane_phy_open(phy, nullptr, nullptr);
         orvane_flight_new(8, &flight, nullptr);
     }
-    ~CFlightsTest() override {
+    ~CFlights() override {
         orvane_flight_free(flight);
         for (orvane_pending* const one : started)
             orvane_pending_free(one);
@@ -25,7 +25,7 @@ protected:
     orvane_pending** next() { return &started.emplace_back(nullptr); }
 };
 
-TEST_F(CFlightsTest, ReadsAndWritesReturnTheirOwnValues) {
+TEST_F(CFlights, ReadsAndWritesReturnTheirOwnValues) {
     started.reserve(100);
     for (std::uint32_t i = 0; i < 50; ++i) {
         EXPECT_EQ(
@@ -44,7 +44,7 @@ TEST_F(CFlightsTest, ReadsAndWritesReturnTheirOwnValues) {
     }
 }
 
-TEST_F(CFlightsTest, ListsFlyWhole) {
+TEST_F(CFlights, ListsFlyWhole) {
     board.setRegister(Space::C45, 1, 3, 0x1EC010 + 999, 0x77);
     orvane_flight_read_list(flight, phy, kRegister, 1000, nullptr, next(), &failure);
     std::vector<uint32_t> values(1000);
@@ -54,7 +54,7 @@ TEST_F(CFlightsTest, ListsFlyWhole) {
     EXPECT_EQ(values[999], 0x77U);
 }
 
-TEST_F(CFlightsTest, BatchHasItsOutcomes) {
+TEST_F(CFlights, BatchHasItsOutcomes) {
     orvane_operation operations[2] = {{kRegister, 1, 5, 0, 0}, {{ORVANE_CLAUSE22, 0, 4}, 0, 0, 0, 0}};
     inject(Fault::Kind::ResultCode, "mdio", "mdio_mixedblock_c22", 1, -5);
     EXPECT_EQ(orvane_flight_run(flight, phy, operations, 2, nullptr, next(), &failure), ORVANE_DONE);
@@ -66,13 +66,13 @@ TEST_F(CFlightsTest, BatchHasItsOutcomes) {
     EXPECT_EQ(operations[1].code, -5);
 }
 
-TEST_F(CFlightsTest, OnlyBatchesHaveOutcomes) {
+TEST_F(CFlights, OnlyBatchesHaveOutcomes) {
     orvane_operation operation{};
     orvane_flight_read(flight, phy, kRegister, nullptr, next(), nullptr);
     EXPECT_EQ(orvane_pending_outcomes(started[0], &operation, 1, &failure), ORVANE_INVALID_ARGUMENT);
 }
 
-TEST_F(CFlightsTest, SessionsAreOpenedAndClosed) {
+TEST_F(CFlights, SessionsAreOpenedAndClosed) {
     orvane_flight_close(flight, phy, nullptr, next(), nullptr);
     EXPECT_EQ(orvane_pending_get(started[0], nullptr, 0, &failure), ORVANE_DONE);
     EXPECT_EQ(board.sessionCount(), 0U);
@@ -81,7 +81,7 @@ TEST_F(CFlightsTest, SessionsAreOpenedAndClosed) {
     EXPECT_EQ(board.sessionCount(), 1U);
 }
 
-TEST_F(CFlightsTest, DescriptorFitsAnEventLoop) {
+TEST_F(CFlights, DescriptorFitsAnEventLoop) {
     orvane_flight_read(flight, phy, kRegister, nullptr, next(), nullptr);
     while (orvane_pending_done(started[0]) == 0) {
         pollfd entry{orvane_flight_descriptor(flight), POLLIN, 0};
@@ -92,14 +92,14 @@ TEST_F(CFlightsTest, DescriptorFitsAnEventLoop) {
     EXPECT_EQ(orvane_pending_get(started[0], &value, 1, &failure), ORVANE_DONE);
 }
 
-TEST_F(CFlightsTest, WaitSomeMovesOperationsOn) {
+TEST_F(CFlights, WaitSomeMovesOperationsOn) {
     orvane_flight_read(flight, phy, kRegister, nullptr, next(), nullptr);
     while (orvane_pending_done(started[0]) == 0)
         ASSERT_EQ(orvane_flight_wait_some(flight, &failure), ORVANE_DONE);
     EXPECT_EQ(count("mdio_read"), 1U);
 }
 
-TEST_F(CFlightsTest, EndOfAFlightCancelsItsOperations) {
+TEST_F(CFlights, EndOfAFlightCancelsItsOperations) {
     inject(Fault::Kind::Silent, "mdio", "mdio_read", -1);
     orvane_flight_read(flight, phy, kRegister, nullptr, next(), nullptr);
     orvane_flight_step(flight, nullptr);
@@ -110,7 +110,7 @@ TEST_F(CFlightsTest, EndOfAFlightCancelsItsOperations) {
     EXPECT_STREQ(failure.board, kBoardName);
 }
 
-TEST_F(CFlightsTest, WrongArgumentsAreRefusedAtTheStart) {
+TEST_F(CFlights, WrongArgumentsAreRefusedAtTheStart) {
     EXPECT_EQ(orvane_flight_read(flight, phy, {ORVANE_CLAUSE22, 0, 32}, nullptr, next(), &failure),
               ORVANE_INVALID_ARGUMENT);
     EXPECT_EQ(orvane_flight_read(nullptr, phy, kRegister, nullptr, nullptr, &failure),

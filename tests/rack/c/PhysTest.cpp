@@ -4,9 +4,9 @@
 namespace OrvaneTest {
 namespace {
 
-class CPhysTest : public testing::Test, protected CRackOnBoard {};
+class CPhys : public testing::Test, protected CRackOnBoard {};
 
-TEST_F(CPhysTest, RegistersAreReadWrittenAndModified) {
+TEST_F(CPhys, RegistersAreReadWrittenAndModified) {
     uint32_t value = 0;
     EXPECT_EQ(orvane_phy_write(phy, kRegister, 0xF0F0, nullptr, &failure), ORVANE_DONE);
     EXPECT_EQ(orvane_phy_modify(phy, kRegister, 0x00F0, 0x0040, nullptr, &value, &failure), ORVANE_DONE);
@@ -16,7 +16,7 @@ TEST_F(CPhysTest, RegistersAreReadWrittenAndModified) {
     EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x1EC010), 0xF040U);
 }
 
-TEST_F(CPhysTest, ListsOfAnyLengthAreRead) {
+TEST_F(CPhys, ListsOfAnyLengthAreRead) {
     std::vector<uint32_t> values(1000);
     board.setRegister(Space::C45, 1, 3, 0x1EC010 + 999, 0x77);
     EXPECT_EQ(orvane_phy_read_list(phy, kRegister, values.size(), nullptr, values.data(), &failure),
@@ -24,7 +24,7 @@ TEST_F(CPhysTest, ListsOfAnyLengthAreRead) {
     EXPECT_EQ(values[999], 0x77U);
 }
 
-TEST_F(CPhysTest, FailureIsInTheStructOfTheCaller) {
+TEST_F(CPhys, FailureIsInTheStructOfTheCaller) {
     orvane_phy_open(phy, nullptr, nullptr);
     inject(Fault::Kind::ResultCode, "mdio", "mdio_read", 1, -121);
     uint32_t value = 5;
@@ -45,7 +45,7 @@ TEST_F(CPhysTest, FailureIsInTheStructOfTheCaller) {
         0U);
 }
 
-TEST_F(CPhysTest, LimitsAreObeyed) {
+TEST_F(CPhys, LimitsAreObeyed) {
     orvane_phy_open(phy, nullptr, nullptr);
     inject(Fault::Kind::LoseReply, "mdio", "mdio_read", -1);
     const orvane_limits limits = orvane_once(orvane_within(0.2));
@@ -54,7 +54,7 @@ TEST_F(CPhysTest, LimitsAreObeyed) {
     EXPECT_EQ(count("mdio_read"), 1U);
 }
 
-TEST_F(CPhysTest, BatchTellsWhatBecameOfEachOperation) {
+TEST_F(CPhys, BatchTellsWhatBecameOfEachOperation) {
     orvane_operation operations[3] = {
         {kRegister, 1, 5, 0, 0}, {{ORVANE_CLAUSE22, 0, 4}, 0, 0, 0, 0}, {kRegister, 1, 0, 0, 0}};
     inject(Fault::Kind::ResultCode, "mdio", "mdio_mixedblock_c22", 1, -5);
@@ -65,7 +65,7 @@ TEST_F(CPhysTest, BatchTellsWhatBecameOfEachOperation) {
     EXPECT_EQ(operations[2].state, ORVANE_OPERATION_NOT_SENT);
 }
 
-TEST_F(CPhysTest, DiscoveryListsBoardsWithTheirPorts) {
+TEST_F(CPhys, DiscoveryListsBoardsWithTheirPorts) {
     orvane_board_list* boards = nullptr;
     ASSERT_EQ(orvane_rack_discover(rack, nullptr, &boards, &failure), ORVANE_DONE);
     ASSERT_EQ(orvane_board_list_size(boards), 1U);
@@ -79,7 +79,7 @@ TEST_F(CPhysTest, DiscoveryListsBoardsWithTheirPorts) {
     orvane_board_list_free(boards);
 }
 
-TEST_F(CPhysTest, CancelledCallSaysSo) {
+TEST_F(CPhys, CancelledCallSaysSo) {
     orvane_cancellation* cancellation = nullptr;
     ASSERT_EQ(orvane_cancellation_new(&cancellation, &failure), ORVANE_DONE);
     orvane_cancellation_cancel(cancellation);
@@ -92,7 +92,7 @@ TEST_F(CPhysTest, CancelledCallSaysSo) {
     orvane_cancellation_free(cancellation);
 }
 
-TEST_F(CPhysTest, WrongArgumentsAreRefused) {
+TEST_F(CPhys, WrongArgumentsAreRefused) {
     uint32_t value = 0;
     EXPECT_EQ(orvane_phy_read(nullptr, kRegister, nullptr, &value, &failure), ORVANE_INVALID_ARGUMENT);
     EXPECT_EQ(orvane_phy_read(phy, {9, 0, 0}, nullptr, &value, nullptr), ORVANE_INVALID_ARGUMENT);
@@ -103,7 +103,7 @@ TEST_F(CPhysTest, WrongArgumentsAreRefused) {
     EXPECT_EQ(board.requests().size(), 0U);
 }
 
-TEST_F(CPhysTest, FreedPhyClosesItsSession) {
+TEST_F(CPhys, FreedPhyClosesItsSession) {
     orvane_phy_open(phy, nullptr, nullptr);
     EXPECT_EQ(board.sessionCount(), 1U);
     EXPECT_EQ(orvane_phy_close(phy, nullptr, nullptr), ORVANE_DONE);
@@ -113,7 +113,7 @@ TEST_F(CPhysTest, FreedPhyClosesItsSession) {
     EXPECT_EQ(board.sessionCount(), 0U);
 }
 
-TEST_F(CPhysTest, SessionTellsItsKeyWhileItIsOpen) {
+TEST_F(CPhys, SessionTellsItsKeyWhileItIsOpen) {
     int open = -1;
     uint16_t key = 1;
     unsigned id = 0;
@@ -145,7 +145,7 @@ struct Restoring {
     }
 };
 
-TEST_F(CPhysTest, HookRestoresWhatTheBoardForgot) {
+TEST_F(CPhys, HookRestoresWhatTheBoardForgot) {
     Restoring restoring{phy, ORVANE_DONE, 0};
     EXPECT_EQ(orvane_phy_on_reopen(phy, &Restoring::hook, &restoring, &failure), ORVANE_DONE);
     orvane_phy_open(phy, nullptr, nullptr);
@@ -158,7 +158,7 @@ TEST_F(CPhysTest, HookRestoresWhatTheBoardForgot) {
     EXPECT_EQ(restoring.calls, 1);
 }
 
-TEST_F(CPhysTest, FailureOfAHookIsThatOfTheCall) {
+TEST_F(CPhys, FailureOfAHookIsThatOfTheCall) {
     Restoring restoring{phy, ORVANE_DONE, 0};
     orvane_phy_on_reopen(phy, &Restoring::hook, &restoring, nullptr);
     orvane_phy_open(phy, nullptr, nullptr);
@@ -179,7 +179,7 @@ TEST_F(CPhysTest, FailureOfAHookIsThatOfTheCall) {
     EXPECT_EQ(restoring.calls, 3);
 }
 
-TEST_F(CPhysTest, BatchThatAHookEndsHasUnknownOutcomes) {
+TEST_F(CPhys, BatchThatAHookEndsHasUnknownOutcomes) {
     Restoring restoring{phy, 99, 0};
     orvane_phy_on_reopen(phy, &Restoring::hook, &restoring, nullptr);
     orvane_phy_open(phy, nullptr, nullptr);
@@ -189,7 +189,7 @@ TEST_F(CPhysTest, BatchThatAHookEndsHasUnknownOutcomes) {
     EXPECT_EQ(operation.state, ORVANE_OPERATION_UNKNOWN);
 }
 
-TEST_F(CPhysTest, SmbusProtocolIsChosen) {
+TEST_F(CPhys, SmbusProtocolIsChosen) {
     orvane_phy* smbus = nullptr;
     ASSERT_EQ(orvane_rack_phy(rack, "board7:11", {ORVANE_SIMPLE, 0, 0}, 3, nullptr, &smbus, &failure),
               ORVANE_DONE);
@@ -207,7 +207,7 @@ TEST_F(CPhysTest, SmbusProtocolIsChosen) {
     orvane_phy_free(smbus);
 }
 
-TEST_F(CPhysTest, AccessModesThatDoNotExistAreRefused) {
+TEST_F(CPhys, AccessModesThatDoNotExistAreRefused) {
     orvane_phy* other = nullptr;
     EXPECT_EQ(orvane_rack_phy(rack, "board7:1", {3, 0, 0}, 3, nullptr, &other, &failure),
               ORVANE_INVALID_ARGUMENT);

@@ -4,11 +4,11 @@
 namespace OrvaneTest {
 namespace {
 
-class CPortsTest : public testing::Test, protected CRackOnBoard {
+class CPorts : public testing::Test, protected CRackOnBoard {
 protected:
     orvane_port_list* ports = nullptr;
 
-    ~CPortsTest() override { orvane_port_list_free(ports); }
+    ~CPorts() override { orvane_port_list_free(ports); }
 
     int openAll(std::vector<const char*> names, std::vector<unsigned> phys) {
         return orvane_rack_open_all(rack, names.data(), names.size(), phys.data(), phys.size(),
@@ -16,7 +16,7 @@ protected:
     }
 };
 
-TEST_F(CPortsTest, EachNameHasItsResult) {
+TEST_F(CPorts, EachNameHasItsResult) {
     ASSERT_EQ(openAll({"board7:0", "nonsense", "board7:1"}, {4, 5}), ORVANE_DONE);
     ASSERT_EQ(orvane_port_list_size(ports), 3U);
     EXPECT_EQ(board.sessionCount(), 4U);
@@ -28,7 +28,7 @@ TEST_F(CPortsTest, EachNameHasItsResult) {
     EXPECT_EQ(orvane_port_list_at(ports, 3), nullptr);
 }
 
-TEST_F(CPortsTest, PhysAreThoseThatWereOpened) {
+TEST_F(CPorts, PhysAreThoseThatWereOpened) {
     ASSERT_EQ(openAll({"board7:0", "nonsense"}, {4}), ORVANE_DONE);
     orvane_phy* other = nullptr;
     EXPECT_EQ(orvane_port_list_phy(ports, 1, 4, &other, &failure), ORVANE_INVALID_ARGUMENT);
@@ -42,7 +42,7 @@ TEST_F(CPortsTest, PhysAreThoseThatWereOpened) {
     EXPECT_EQ(board.sessionCount(), 0U);
 }
 
-TEST_F(CPortsTest, AllSessionsAreClosedTogether) {
+TEST_F(CPorts, AllSessionsAreClosedTogether) {
     ASSERT_EQ(openAll({"board7:0", "board7:1"}, {4, 5}), ORVANE_DONE);
     size_t untold = 99;
     EXPECT_EQ(orvane_rack_close_all(rack, nullptr, nullptr, 0, &untold, &failure), ORVANE_DONE);
@@ -50,7 +50,7 @@ TEST_F(CPortsTest, AllSessionsAreClosedTogether) {
     EXPECT_EQ(board.sessionCount(), 0U);
 }
 
-TEST_F(CPortsTest, SessionsThatTheBoardCouldNotBeToldOfAreNamed) {
+TEST_F(CPorts, SessionsThatTheBoardCouldNotBeToldOfAreNamed) {
     ASSERT_EQ(openAll({"board7:0"}, {4, 5}), ORVANE_DONE);
     board.stop();
     const orvane_limits brief = orvane_within(0.3);
@@ -62,7 +62,7 @@ TEST_F(CPortsTest, SessionsThatTheBoardCouldNotBeToldOfAreNamed) {
     EXPECT_STREQ(first.operation, "close");
 }
 
-TEST_F(CPortsTest, NullNamesAreRefused) {
+TEST_F(CPorts, NullNamesAreRefused) {
     EXPECT_EQ(openAll({"board7:0", nullptr}, {}), ORVANE_INVALID_ARGUMENT);
     EXPECT_EQ(
         orvane_rack_open_all(rack, nullptr, 0, nullptr, 0, {ORVANE_SIMPLE, 0, 0}, nullptr, &ports, &failure),

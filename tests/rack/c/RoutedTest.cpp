@@ -4,12 +4,12 @@
 namespace OrvaneTest {
 namespace {
 
-class CRoutedTest : public testing::Test, protected CRackOnBoard {
+class CRouted : public testing::Test, protected CRackOnBoard {
 protected:
     static constexpr orvane_register kSerdes{ORVANE_CLAUSE45, 27, 0x40};
 };
 
-TEST_F(CRoutedTest, FirmwareAndBridgeReachTheSameRegister) {
+TEST_F(CRouted, FirmwareAndBridgeReachTheSameRegister) {
     orvane_paths bridge = orvane_default_paths();
     bridge.serdes = 0;
     uint32_t value = 0;
@@ -23,13 +23,13 @@ TEST_F(CRoutedTest, FirmwareAndBridgeReachTheSameRegister) {
     EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x1B0040), 0x1254U);
 }
 
-TEST_F(CRoutedTest, UsualPathsAreTheFirmwares) {
+TEST_F(CRouted, UsualPathsAreTheFirmwares) {
     const orvane_paths usual = orvane_default_paths();
     EXPECT_EQ(usual.read_classes + usual.write_paged + usual.read_paged + usual.tge + usual.serdes, 5);
     EXPECT_EQ(usual.over_clause22, 0);
 }
 
-TEST_F(CRoutedTest, Clause22CarriesEverything) {
+TEST_F(CRouted, Clause22CarriesEverything) {
     orvane_paths paths = orvane_default_paths();
     paths.over_clause22 = 1;
     uint32_t value = 0;
@@ -39,7 +39,7 @@ TEST_F(CRoutedTest, Clause22CarriesEverything) {
     EXPECT_EQ(count("mdio_read_c22"), 1U);
 }
 
-TEST_F(CRoutedTest, FailureNamesThePath) {
+TEST_F(CRouted, FailureNamesThePath) {
     orvane_phy_open(phy, nullptr, nullptr);
     inject(Fault::Kind::ResultCode, "mdio", "", 1, -5);
     uint32_t value = 0;

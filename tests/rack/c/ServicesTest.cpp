@@ -11,12 +11,12 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::FloatNear;
 
-class CServicesTest : public testing::Test, protected CRackOnBoard {
+class CServices : public testing::Test, protected CRackOnBoard {
 protected:
     static constexpr unsigned kEeprom = 0x50;
 };
 
-TEST_F(CServicesTest, I2cReadsWhatItWrote) {
+TEST_F(CServices, I2cReadsWhatItWrote) {
     const uint8_t written[] = {0x40, 'O', 'r', 'v'};
     uint8_t read[3] = {};
     EXPECT_EQ(orvane_i2c_write(phy, 2, kEeprom, written, 4, nullptr, &failure), ORVANE_DONE);
@@ -26,7 +26,7 @@ TEST_F(CServicesTest, I2cReadsWhatItWrote) {
     EXPECT_THAT(read, ElementsAre('r', 'v', 'v'));
 }
 
-TEST_F(CServicesTest, I2cBlocksReachSeveralBuses) {
+TEST_F(CServices, I2cBlocksReachSeveralBuses) {
     uint8_t written[] = {1, 2, 3, 4, 5};
     uint8_t read[5] = {};
     const orvane_i2c_transfer writes[] = {{0, kEeprom, 0x20, 1, 2, written},
@@ -41,7 +41,7 @@ TEST_F(CServicesTest, I2cBlocksReachSeveralBuses) {
     EXPECT_EQ(board.eeprom(0)[0x20], 0xF1);
 }
 
-TEST_F(CServicesTest, TransferWithoutLimitsIsSentOnce) {
+TEST_F(CServices, TransferWithoutLimitsIsSentOnce) {
     orvane_phy_open(phy, nullptr, nullptr);
     const uint8_t written[] = {1, 2};
     inject(Fault::Kind::LoseReply, "i2c", "i2c_write");
@@ -49,7 +49,7 @@ TEST_F(CServicesTest, TransferWithoutLimitsIsSentOnce) {
     EXPECT_EQ(count("i2c_write"), 1U);
 }
 
-TEST_F(CServicesTest, GpioShowsTheOutputAtTheInput) {
+TEST_F(CServices, GpioShowsTheOutputAtTheInput) {
     board.wireGpio(1, 2);
     const uint8_t lines[] = {1, 2};
     const uint8_t zeros[] = {0, 0};
@@ -69,7 +69,7 @@ TEST_F(CServicesTest, GpioShowsTheOutputAtTheInput) {
     EXPECT_EQ(states[0], 0);
 }
 
-TEST_F(CServicesTest, JtagShiftsSeveralTimesInOneCall) {
+TEST_F(CServices, JtagShiftsSeveralTimesInOneCall) {
     char first[11];
     char second[14];
     const orvane_jtag_shift_entry shifts[] = {{"", "1111101100", "", first},
@@ -83,7 +83,7 @@ TEST_F(CServicesTest, JtagShiftsSeveralTimesInOneCall) {
     EXPECT_GT(bytes, 0U);
 }
 
-TEST_F(CServicesTest, AdcShowsTheWaveform) {
+TEST_F(CServices, AdcShowsTheWaveform) {
     board.setWaveform(0, {Waveform::Shape::Sine, 128, 300, 4});
     orvane_bytes* bytes = nullptr;
     EXPECT_EQ(orvane_adc_initialize(phy, nullptr, &failure), ORVANE_DONE);
@@ -101,7 +101,7 @@ TEST_F(CServicesTest, AdcShowsTheWaveform) {
     EXPECT_EQ(board.adcDumpFile(), "capture.bin");
 }
 
-TEST_F(CServicesTest, ThermalUnitSettlesAtItsSetPoint) {
+TEST_F(CServices, ThermalUnitSettlesAtItsSetPoint) {
     float celsius = 0;
     int state = 0;
     EXPECT_EQ(orvane_thermal_connect(phy, nullptr, &failure), ORVANE_DONE);
@@ -122,7 +122,7 @@ TEST_F(CServicesTest, ThermalUnitSettlesAtItsSetPoint) {
     EXPECT_EQ(state, 0);
 }
 
-TEST_F(CServicesTest, ShellReturnsStatusAndBothOutputs) {
+TEST_F(CServices, ShellReturnsStatusAndBothOutputs) {
     board.setCommand("uname", {3, "Linux\n", "oops", 0});
     int status = 0;
     orvane_bytes* output = nullptr;
@@ -136,7 +136,7 @@ TEST_F(CServicesTest, ShellReturnsStatusAndBothOutputs) {
               ORVANE_INVALID_ARGUMENT);
 }
 
-TEST_F(CServicesTest, PingsReachTheirServices) {
+TEST_F(CServices, PingsReachTheirServices) {
     for (const auto ping : {&orvane_shell_ping, &orvane_shell_ping_session, &orvane_shell_ping_keep_alive}) {
         double seconds = -1;
         EXPECT_EQ(ping(phy, nullptr, &seconds, &failure), ORVANE_DONE);
@@ -148,7 +148,7 @@ TEST_F(CServicesTest, PingsReachTheirServices) {
     EXPECT_GE(count("pingkeepalive"), 1U); // the rack has its own
 }
 
-TEST_F(CServicesTest, BoardTellsItsServicesItsAddressAndItsErrors) {
+TEST_F(CServices, BoardTellsItsServicesItsAddressAndItsErrors) {
     orvane_service services[16] = {};
     size_t known = 0;
     EXPECT_EQ(orvane_shell_services(phy, nullptr, services, 16, &known, &failure), ORVANE_DONE);
@@ -169,7 +169,7 @@ TEST_F(CServicesTest, BoardTellsItsServicesItsAddressAndItsErrors) {
               0xFFFFFFFBU); // -5, as the wire has it
 }
 
-TEST_F(CServicesTest, MdioBusMovesTheAddressOfTheExtension) {
+TEST_F(CServices, MdioBusMovesTheAddressOfTheExtension) {
     board.setRegister(Space::Ext32, 1, 3, 0x104, 0x44);
     orvane_phy_write(phy, {ORVANE_EXT32, 0, 0x100}, 1, nullptr, nullptr);
     uint32_t value = 0;
@@ -182,7 +182,7 @@ TEST_F(CServicesTest, MdioBusMovesTheAddressOfTheExtension) {
     EXPECT_EQ(board.registerValue(Space::Ext32, 1, 3, 0x108), 0x46U);
 }
 
-TEST_F(CServicesTest, MdioBusSwitchesAreSent) {
+TEST_F(CServices, MdioBusSwitchesAreSent) {
     EXPECT_EQ(orvane_mdio_flush(phy, nullptr, &failure), ORVANE_DONE);
     EXPECT_EQ(orvane_mdio_set_single_wire(phy, 5, nullptr, &failure), ORVANE_DONE);
     EXPECT_EQ(orvane_mdio_set_preamble_count(phy, 17, nullptr, &failure), ORVANE_DONE);
@@ -191,7 +191,7 @@ TEST_F(CServicesTest, MdioBusSwitchesAreSent) {
     EXPECT_EQ(argumentsOf(board.requestsOf("mdio_setpreamblecount").at(0))["value"], 17);
 }
 
-TEST_F(CServicesTest, InterruptsReachTheBoard) {
+TEST_F(CServices, InterruptsReachTheBoard) {
     int result = -1;
     EXPECT_EQ(orvane_mdio_request_interrupt(phy, 1, 2, 3, 4, nullptr, &result, &failure), ORVANE_DONE);
     EXPECT_EQ(result, 0);
@@ -203,7 +203,7 @@ TEST_F(CServicesTest, InterruptsReachTheBoard) {
                                         "mdio_interruptprocessed", "mdio_interrutprelease"}));
 }
 
-TEST_F(CServicesTest, NullIsRefusedUnsent) {
+TEST_F(CServices, NullIsRefusedUnsent) {
     const uint8_t line = 1;
     uint8_t state = 0;
     EXPECT_EQ(orvane_gpio_read(phy, nullptr, 1, nullptr, &state, &failure), ORVANE_INVALID_ARGUMENT);

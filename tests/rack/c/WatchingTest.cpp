@@ -7,7 +7,7 @@
 namespace OrvaneTest {
 namespace {
 
-class CWatchingTest : public testing::Test, protected CRackOnBoard {};
+class CWatching : public testing::Test, protected CRackOnBoard {};
 
 // What came to a callback, one line an event.
 struct Heard {
@@ -30,7 +30,7 @@ struct Heard {
     }
 };
 
-TEST_F(CWatchingTest, EventsComeToTheCallback) {
+TEST_F(CWatching, EventsComeToTheCallback) {
     Heard heard;
     EXPECT_EQ(orvane_rack_on_event(rack, &Heard::callback, &heard, &failure), ORVANE_DONE);
     orvane_phy_open(phy, nullptr, nullptr);
@@ -44,7 +44,7 @@ TEST_F(CWatchingTest, EventsComeToTheCallback) {
     orvane_rack_free(std::exchange(rack, nullptr)); // before what the callback uses
 }
 
-TEST_F(CWatchingTest, NoCallbackEndsTheEvents) {
+TEST_F(CWatching, NoCallbackEndsTheEvents) {
     Heard heard;
     orvane_rack_on_event(rack, &Heard::callback, &heard, nullptr);
     EXPECT_EQ(orvane_rack_on_event(rack, nullptr, nullptr, &failure), ORVANE_DONE);
@@ -54,7 +54,7 @@ TEST_F(CWatchingTest, NoCallbackEndsTheEvents) {
     EXPECT_EQ(heard.lines, std::vector<std::string>{});
 }
 
-TEST_F(CWatchingTest, CountersNameBoardsProgramsAndLatencies) {
+TEST_F(CWatching, CountersNameBoardsProgramsAndLatencies) {
     uint32_t value = 0;
     for (int i = 0; i < 10; ++i)
         orvane_phy_read(phy, kRegister, nullptr, &value, nullptr);
@@ -79,7 +79,7 @@ TEST_F(CWatchingTest, CountersNameBoardsProgramsAndLatencies) {
     orvane_counters_free(counters);
 }
 
-TEST_F(CWatchingTest, LogGoesToAFile) {
+TEST_F(CWatching, LogGoesToAFile) {
     const LogFolder log;
     orvane_phy_open(phy, nullptr, nullptr);
     ASSERT_EQ(orvane_rack_log_to(rack, log.path.c_str(), &failure), ORVANE_DONE);
@@ -90,7 +90,7 @@ TEST_F(CWatchingTest, LogGoesToAFile) {
     EXPECT_EQ(log.lines(), "0,3,MW,1E,C010,0007,TIME,BOARD7:1,done,,\n,,note,,,,TIME,,,seven,\n");
 }
 
-TEST_F(CWatchingTest, LogGoesToAFunctionUntilItRefuses) {
+TEST_F(CWatching, LogGoesToAFunctionUntilItRefuses) {
     struct Sink {
         std::string text;
         int status = 0;
@@ -113,14 +113,14 @@ TEST_F(CWatchingTest, LogGoesToAFunctionUntilItRefuses) {
               ",,note,,,,TIME,,,found,\n");
 }
 
-TEST_F(CWatchingTest, LogThatCannotBeIsRefused) {
+TEST_F(CWatching, LogThatCannotBeIsRefused) {
     EXPECT_EQ(orvane_rack_log_to(rack, "/nowhere/log", &failure), ORVANE_INVALID_ARGUMENT);
     EXPECT_EQ(orvane_rack_log_to(nullptr, "log", &failure), ORVANE_INVALID_ARGUMENT);
     EXPECT_EQ(orvane_rack_log_to_sink(rack, nullptr, nullptr, &failure), ORVANE_INVALID_ARGUMENT);
     EXPECT_EQ(orvane_rack_note(rack, nullptr, &failure), ORVANE_INVALID_ARGUMENT);
 }
 
-TEST_F(CWatchingTest, NothingIsCountedWithoutARack) {
+TEST_F(CWatching, NothingIsCountedWithoutARack) {
     EXPECT_EQ(orvane_rack_counters(nullptr, nullptr, &failure), ORVANE_INVALID_ARGUMENT);
     EXPECT_EQ(orvane_counters_size(nullptr), 0U);
     EXPECT_EQ(orvane_latency_percentile(nullptr, 50), 0.0);

@@ -28,14 +28,14 @@ Words replyOf(const Words& values) {
     return words;
 }
 
-class MdioBytesTest : public testing::Test {
+class MdioBytes : public testing::Test {
 protected:
     Session session;
     Words addresses{0x6B1E0001, 0x6B1E0002, 0x6B010000};
     Words values{1, 2, 3};
     ReadCall call{Programs::MDIOProcedure::Read, Effect::Reads, session, values.data(), values.size()};
 
-    MdioBytesTest() {
+    MdioBytes() {
         call.id = 0x01020304;
         call.identity = 0x11223344;
         call.argument.addresses = {static_cast<u_int>(addresses.size()), addresses.data()};
@@ -46,7 +46,7 @@ protected:
     }
 };
 
-TEST_F(MdioBytesTest, RequestIsWhatTheGeneralCodingMakes) {
+TEST_F(MdioBytes, RequestIsWhatTheGeneralCodingMakes) {
     alignas(4) char byHand[256];
     alignas(4) char general[256];
     const std::size_t length = call.encode(byHand, sizeof byHand);
@@ -56,19 +56,19 @@ TEST_F(MdioBytesTest, RequestIsWhatTheGeneralCodingMakes) {
     EXPECT_EQ(std::string(byHand, length), std::string(general, length));
 }
 
-TEST_F(MdioBytesTest, RequestThatDoesNotFitIsNone) {
+TEST_F(MdioBytes, RequestThatDoesNotFitIsNone) {
     char room[59];
     EXPECT_EQ(call.encode(room, sizeof room), 0U);
 }
 
-TEST_F(MdioBytesTest, UsualReplyGivesItsValues) {
+TEST_F(MdioBytes, UsualReplyGivesItsValues) {
     const std::optional<Trouble> ended = decoded(bytesOf(replyOf({0xA, 0xB, 0xFFFFFFFF})));
     ASSERT_TRUE(ended);
     EXPECT_FALSE(*ended);
     EXPECT_EQ(values, (Words{0xA, 0xB, 0xFFFFFFFF}));
 }
 
-TEST_F(MdioBytesTest, StatusOfTheBoardIsItsCodeAndNoValue) {
+TEST_F(MdioBytes, StatusOfTheBoardIsItsCodeAndNoValue) {
     Words reply = replyOf({});
     reply[6] = static_cast<std::uint32_t>(-5);
     const std::optional<Trouble> ended = decoded(bytesOf(reply));
@@ -78,7 +78,7 @@ TEST_F(MdioBytesTest, StatusOfTheBoardIsItsCodeAndNoValue) {
     EXPECT_EQ(values, (Words{1, 2, 3}));
 }
 
-TEST_F(MdioBytesTest, AnotherNumberOfValuesIsABadReply) {
+TEST_F(MdioBytes, AnotherNumberOfValuesIsABadReply) {
     const Words none;
     const Words four{9, 9, 9, 9};
     for (const Words& sent : {none, four}) {
@@ -89,7 +89,7 @@ TEST_F(MdioBytesTest, AnotherNumberOfValuesIsABadReply) {
     EXPECT_EQ(values, (Words{1, 2, 3}));
 }
 
-TEST_F(MdioBytesTest, WhatIsNotAsUsualIsLeftToTheGeneralDecoding) {
+TEST_F(MdioBytes, WhatIsNotAsUsualIsLeftToTheGeneralDecoding) {
     const Words usual = replyOf({4, 5, 6});
     for (const std::size_t changed : {1U, 2U, 3U, 4U, 5U, 7U}) {
         Words reply = usual;

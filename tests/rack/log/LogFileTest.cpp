@@ -18,7 +18,7 @@ namespace {
 using Orvane::FileDescriptor;
 using Orvane::RackLog::LogFile;
 
-struct LogFileTest : testing::Test, protected LogFolder {};
+struct RackLogFile : testing::Test, protected LogFolder {};
 
 int errorOf(LogFile& file, const std::string& lines) {
     try {
@@ -38,7 +38,7 @@ void allowFiles(rlim_t bytes) {
     setrlimit(RLIMIT_FSIZE, &limit);
 }
 
-TEST_F(LogFileTest, GrowsAtItsEnd) {
+TEST_F(RackLogFile, GrowsAtItsEnd) {
     LogFile(path).append("first\n");
     LogFile again(path);
     EXPECT_FALSE(again.empty());
@@ -46,17 +46,17 @@ TEST_F(LogFileTest, GrowsAtItsEnd) {
     EXPECT_EQ(text(), "first\nsecond\n");
 }
 
-TEST_F(LogFileTest, IsMade) {
+TEST_F(RackLogFile, IsMade) {
     EXPECT_TRUE(LogFile(path).empty());
     EXPECT_EQ(text(), "");
 }
 
-TEST_F(LogFileTest, ThatCannotBeOpenedIsRefused) {
+TEST_F(RackLogFile, ThatCannotBeOpenedIsRefused) {
     EXPECT_THROW(LogFile("/"), std::system_error);
     EXPECT_THROW(LogFile(folder + "/nowhere/log"), std::system_error);
 }
 
-TEST_F(LogFileTest, HoldsNoPieceOfALineThatDidNotFit) {
+TEST_F(RackLogFile, HoldsNoPieceOfALineThatDidNotFit) {
     LogFile file(path);
     file.append("whole\n");
     allowFiles(9);
@@ -67,7 +67,7 @@ TEST_F(LogFileTest, HoldsNoPieceOfALineThatDidNotFit) {
     EXPECT_EQ(text(), "whole\nnext\n");
 }
 
-TEST_F(LogFileTest, OnAFullDiskSaysSo) {
+TEST_F(RackLogFile, OnAFullDiskSaysSo) {
     LogFile file("/dev/full");
     EXPECT_EQ(errorOf(file, "line\n"), ENOSPC);
 }
@@ -91,7 +91,7 @@ struct SmallPipe {
     }
 };
 
-TEST_F(LogFileTest, WithoutReaderRaisesNoSignal) {
+TEST_F(RackLogFile, WithoutReaderRaisesNoSignal) {
     SmallPipe pipe(path);
     LogFile file(path);
     pipe.reader.reset();
@@ -101,7 +101,7 @@ TEST_F(LogFileTest, WithoutReaderRaisesNoSignal) {
     EXPECT_EQ(sigismember(&pending, SIGPIPE), 0);
 }
 
-TEST_F(LogFileTest, ThatCannotBeShortenedHasTheCutLineMarked) {
+TEST_F(RackLogFile, ThatCannotBeShortenedHasTheCutLineMarked) {
     SmallPipe pipe(path);
     LogFile file(path);
     auto writing = std::async(std::launch::async, [&] { return errorOf(file, std::string(100000, 'x')); });

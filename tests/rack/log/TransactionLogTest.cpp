@@ -49,19 +49,19 @@ private:
     std::vector<std::string> texts_;
 };
 
-struct TransactionLogTest : testing::Test, protected RackOnBoard, protected LogFolder {
+struct RackTransactionLog : testing::Test, protected RackOnBoard, protected LogFolder {
     void log() {
         phy.open();
         rack.logTo(path);
     }
 };
 
-TEST_F(TransactionLogTest, BeginsWithTheNamesOfItsColumns) {
+TEST_F(RackTransactionLog, BeginsWithTheNamesOfItsColumns) {
     log();
     EXPECT_EQ(text(), kColumns);
 }
 
-TEST_F(TransactionLogTest, IsContinuedWithoutTheNamesOfItsColumns) {
+TEST_F(RackTransactionLog, IsContinuedWithoutTheNamesOfItsColumns) {
     log();
     rack.note("one");
     rack.logTo(path);
@@ -69,7 +69,7 @@ TEST_F(TransactionLogTest, IsContinuedWithoutTheNamesOfItsColumns) {
     EXPECT_EQ(timeless(text()), std::string(kColumns) + ",,note,,,,TIME,,,one,\n,,note,,,,TIME,,,two,\n");
 }
 
-TEST_F(TransactionLogTest, HasALineForEachRegisterAccess) {
+TEST_F(RackTransactionLog, HasALineForEachRegisterAccess) {
     log();
     phy.write({30, 0xC010}, 0xCAFE);
     phy.read({30, 0xC010});
@@ -88,7 +88,7 @@ TEST_F(TransactionLogTest, HasALineForEachRegisterAccess) {
                        "0,3,MW,1E,C010,CA01,TIME,BOARD7:1,done,,\n");
 }
 
-TEST_F(TransactionLogTest, NumbersPortsInTheOrderOfTheirFirstAccess) {
+TEST_F(RackTransactionLog, NumbersPortsInTheOrderOfTheirFirstAccess) {
     log();
     rack.open("board7:4").phy(0).write({1, 2}, 3);
     phy.write({1, 2}, 3);
@@ -98,7 +98,7 @@ TEST_F(TransactionLogTest, NumbersPortsInTheOrderOfTheirFirstAccess) {
     EXPECT_THAT(lines(), HasSubstr("2,3,MW,01,0002,0003,TIME,BOARD7:10,done,,\n"));
 }
 
-TEST_F(TransactionLogTest, TellsTheTimeInUtc) {
+TEST_F(RackTransactionLog, TellsTheTimeInUtc) {
     log();
     const auto before = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
     rack.note("now");
@@ -108,7 +108,7 @@ TEST_F(TransactionLogTest, TellsTheTimeInUtc) {
     EXPECT_LE(timegm(&parts), before + 60);
 }
 
-TEST_F(TransactionLogTest, TellsWhatFailedAndGivesNoValueForIt) {
+TEST_F(RackTransactionLog, TellsWhatFailedAndGivesNoValueForIt) {
     log();
     inject(Fault::Kind::ResultCode, "mdio", "mdio_read", 1, -5);
     failureOf([&] { phy.read({1, 2}); });
@@ -118,14 +118,14 @@ TEST_F(TransactionLogTest, TellsWhatFailedAndGivesNoValueForIt) {
                        "0,3,MW,01,0002,0003,TIME,BOARD7:1,timed out,,\n");
 }
 
-TEST_F(TransactionLogTest, LeavesOutWhatIsRefusedUnsent) {
+TEST_F(RackTransactionLog, LeavesOutWhatIsRefusedUnsent) {
     log();
     failureOf([&] { phy.read({40, 2}); });
     failureOf([&] { phy.i2c().read(10, 0x50, 0, 1); });
     EXPECT_EQ(lines(), "");
 }
 
-TEST_F(TransactionLogTest, HasALineForEachOperationOfABatch) {
+TEST_F(RackTransactionLog, HasALineForEachOperationOfABatch) {
     log();
     Batch batch;
     batch.write({1, 1}, 1);
@@ -140,7 +140,7 @@ TEST_F(TransactionLogTest, HasALineForEachOperationOfABatch) {
                        "0,3,MR,01,0003,,TIME,BOARD7:1,not sent,,\n");
 }
 
-TEST_F(TransactionLogTest, NamesWhatABatchFailedByWhenNothingWasSent) {
+TEST_F(RackTransactionLog, NamesWhatABatchFailedByWhenNothingWasSent) {
     log();
     Batch batch;
     batch.read({1, 1}, 2);
@@ -150,7 +150,7 @@ TEST_F(TransactionLogTest, NamesWhatABatchFailedByWhenNothingWasSent) {
                                       "0,3,MR,01,0002,,TIME,BOARD7:1,(timed out|not sent),,\n"));
 }
 
-TEST_F(TransactionLogTest, HasTheAccessesOfARoutedOne) {
+TEST_F(RackTransactionLog, HasTheAccessesOfARoutedOne) {
     log();
     RegisterPaths paths;
     paths.overClause22 = true;
@@ -161,7 +161,7 @@ TEST_F(TransactionLogTest, HasTheAccessesOfARoutedOne) {
                        "0,3,2W,,0E,0003,TIME,BOARD7:1,done,,\n");
 }
 
-TEST_F(TransactionLogTest, HasRegistersOnSmbusPortsOnce) {
+TEST_F(RackTransactionLog, HasRegistersOnSmbusPortsOnce) {
     log();
     const Phy smbus = rack.open("board7:10").phy(3);
     smbus.write({1, 2}, 3);
@@ -173,7 +173,7 @@ TEST_F(TransactionLogTest, HasRegistersOnSmbusPortsOnce) {
                        "0,3,MR,01,0002,0003,TIME,BOARD7:10,done,,\n");
 }
 
-TEST_F(TransactionLogTest, HasTheAccessesOfAFlight) {
+TEST_F(RackTransactionLog, HasTheAccessesOfAFlight) {
     log();
     Flight flight;
     flight.write(phy, {1, 2}, 3);
@@ -304,20 +304,20 @@ const Accessed kAccesses[] = {
 INSTANTIATE_TEST_SUITE_P(Each, LoggedAccess, testing::ValuesIn(kAccesses),
                          [](const auto& one) { return std::string(one.param.name); });
 
-TEST_F(TransactionLogTest, HasPingsWithTheirTimes) {
+TEST_F(RackTransactionLog, HasPingsWithTheirTimes) {
     log();
     phy.shell().ping();
     EXPECT_THAT(lines(), MatchesRegex("0,3,shell\\.ping,,,,TIME,BOARD7:1,done,,microseconds=[0-9]+\n"));
 }
 
-TEST_F(TransactionLogTest, TellsOfAnAnswerThatIsNone) {
+TEST_F(RackTransactionLog, TellsOfAnAnswerThatIsNone) {
     log();
     inject(Fault::Kind::ReplyCount, "gpio", "gpio_read", 1, 1);
     failureOf([&] { phy.gpio().read({1, 2}); });
     EXPECT_EQ(lines(), "0,3,gpio.read,,,,TIME,BOARD7:1,bad reply,lines=0102,\n");
 }
 
-TEST_F(TransactionLogTest, HasTheSessionsOpeningsAndLosses) {
+TEST_F(RackTransactionLog, HasTheSessionsOpeningsAndLosses) {
     log();
     board.forgetSessions();
     phy.read({1, 2});
@@ -329,7 +329,7 @@ TEST_F(TransactionLogTest, HasTheSessionsOpeningsAndLosses) {
                        "0,3,session.close,,,,TIME,BOARD7:1,done,,\n");
 }
 
-TEST_F(TransactionLogTest, KeepsNotesInTheirPlace) {
+TEST_F(RackTransactionLog, KeepsNotesInTheirPlace) {
     log();
     phy.write({1, 2}, 3);
     rack.note("hot, \x1B[31mwarm\nor cold");
@@ -339,7 +339,7 @@ TEST_F(TransactionLogTest, KeepsNotesInTheirPlace) {
                        "0,3,MW,01,0002,0004,TIME,BOARD7:1,done,,\n");
 }
 
-TEST_F(TransactionLogTest, EndsWhenItIsTold) {
+TEST_F(RackTransactionLog, EndsWhenItIsTold) {
     log();
     rack.endLog();
     phy.write({1, 2}, 3);
@@ -347,7 +347,7 @@ TEST_F(TransactionLogTest, EndsWhenItIsTold) {
     EXPECT_EQ(text(), kColumns);
 }
 
-TEST_F(TransactionLogTest, ThatCannotBeOpenedIsAFailureAndLeavesTheFormerOne) {
+TEST_F(RackTransactionLog, ThatCannotBeOpenedIsAFailureAndLeavesTheFormerOne) {
     log();
     const Failure failure = failureOf([&] { rack.logTo(folder + "/nowhere/log"); });
     EXPECT_EQ(failure.kind(), FailureKind::InvalidArgument);
@@ -356,7 +356,7 @@ TEST_F(TransactionLogTest, ThatCannotBeOpenedIsAFailureAndLeavesTheFormerOne) {
     EXPECT_EQ(lines(), ",,note,,,,TIME,,,still here,\n");
 }
 
-TEST_F(TransactionLogTest, ThatFailsIsToldOnceAndCostsNoAccess) {
+TEST_F(RackTransactionLog, ThatFailsIsToldOnceAndCostsNoAccess) {
     LogFailures failures(rack);
     log();
     rack.logTo("/dev/full");
@@ -366,7 +366,7 @@ TEST_F(TransactionLogTest, ThatFailsIsToldOnceAndCostsNoAccess) {
     EXPECT_EQ(failures.untilClosed(), std::vector<std::string>{"No space left on device"});
 }
 
-TEST_F(TransactionLogTest, CountsTheLinesThatAreMissingWhereItGoesOn) {
+TEST_F(RackTransactionLog, CountsTheLinesThatAreMissingWhereItGoesOn) {
     bool full = false;
     std::string text;
     phy.open();
@@ -385,7 +385,7 @@ TEST_F(TransactionLogTest, CountsTheLinesThatAreMissingWhereItGoesOn) {
                                                       "0,3,MW,01,0002,0003,TIME,BOARD7:1,done,,\n");
 }
 
-TEST_F(TransactionLogTest, GetsWholeLinesFromSeveralThreads) {
+TEST_F(RackTransactionLog, GetsWholeLinesFromSeveralThreads) {
     log();
     constexpr int kTimes = 200;
     std::vector<std::thread> threads;

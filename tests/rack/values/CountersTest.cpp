@@ -8,13 +8,13 @@ namespace {
 
 using namespace Orvane;
 
-class CountersTest : public testing::Test, protected RackOnBoard {
+class RackCounters : public testing::Test, protected RackOnBoard {
 protected:
-    CountersTest() { phy.open(); }
+    RackCounters() { phy.open(); }
     ProgramCounters mdio() const { return rack.counters().at("BOARD7").programs.at("mdio"); }
 };
 
-TEST_F(CountersTest, CallsAreCountedByTheirOutcome) {
+TEST_F(RackCounters, CallsAreCountedByTheirOutcome) {
     phy.read({1, 0});
     inject(Fault::Kind::ResultCode, "mdio", "mdio_read", 1, -5);
     failureOf([&] { phy.read({1, 0}); });
@@ -30,13 +30,13 @@ TEST_F(CountersTest, CallsAreCountedByTheirOutcome) {
     EXPECT_EQ(counters.latency.count(), 1U);
 }
 
-TEST_F(CountersTest, BytesAreThoseOfTheMessages) {
+TEST_F(RackCounters, BytesAreThoseOfTheMessages) {
     phy.read({1, 0});
     EXPECT_EQ(mdio().bytesSent, 52U);     // header 40, session word, count, address
     EXPECT_EQ(mdio().bytesReceived, 36U); // header 24, status, count, value
 }
 
-TEST_F(CountersTest, RepeatsAndReopensAreCounted) {
+TEST_F(RackCounters, RepeatsAndReopensAreCounted) {
     inject(Fault::Kind::LoseReply, "mdio", "mdio_read");
     phy.read({1, 0});
     board.forgetSessions();
@@ -46,7 +46,7 @@ TEST_F(CountersTest, RepeatsAndReopensAreCounted) {
     EXPECT_EQ(rack.counters().at("BOARD7").reopens, 1U);
 }
 
-TEST(LatencyHistogramTest, EveryDurationIsWithinFivePercentOfItsBucket) {
+TEST(LatencyHistogram, EveryDurationIsWithinFivePercentOfItsBucket) {
     for (std::int64_t us = 8; us < 60'000'000; us += 1 + us / 97) {
         const unsigned bucket = LatencyHistogram::bucketOf(std::chrono::microseconds(us));
         const auto middle = static_cast<double>(LatencyHistogram::middleOf(bucket).count());
@@ -54,13 +54,13 @@ TEST(LatencyHistogramTest, EveryDurationIsWithinFivePercentOfItsBucket) {
     }
 }
 
-TEST(LatencyHistogramTest, ExtremesCountInTheOuterBuckets) {
+TEST(LatencyHistogram, ExtremesCountInTheOuterBuckets) {
     EXPECT_EQ(LatencyHistogram::bucketOf(std::chrono::microseconds(-5)), 0U);
     EXPECT_EQ(LatencyHistogram::bucketOf(std::chrono::microseconds(0)), 0U);
     EXPECT_EQ(LatencyHistogram::bucketOf(std::chrono::hours(5)), LatencyHistogram::kBuckets - 1);
 }
 
-TEST(LatencyHistogramTest, PercentilesAreThoseOfTheCalls) {
+TEST(LatencyHistogram, PercentilesAreThoseOfTheCalls) {
     std::vector<std::uint32_t> buckets(LatencyHistogram::kBuckets);
     buckets[LatencyHistogram::bucketOf(100us)] = 98;
     buckets[LatencyHistogram::bucketOf(5ms)] = 2;

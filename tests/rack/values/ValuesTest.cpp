@@ -13,13 +13,13 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST(RegisterAddressTest, TextNamesTheSpace) {
+TEST(RegisterAddress, TextNamesTheSpace) {
     EXPECT_EQ(toText({30, 0xC010}), "30.0xC010");
     EXPECT_EQ(toText(clause22(2)), "c22.2");
     EXPECT_EQ(toText(ext32(0x80004000)), "ext32.0x80004000");
 }
 
-TEST(RegisterAddressTest, ValidityIsThatOfTheSpace) {
+TEST(RegisterAddress, ValidityIsThatOfTheSpace) {
     EXPECT_TRUE(RegisterAddress(31, 0xFFFF).valid());
     EXPECT_FALSE(RegisterAddress(32, 0).valid());
     EXPECT_FALSE(RegisterAddress(1, 0x10000).valid());
@@ -28,11 +28,11 @@ TEST(RegisterAddressTest, ValidityIsThatOfTheSpace) {
     EXPECT_TRUE(ext32(0xFFFFFFFF).valid());
 }
 
-TEST(FailureTest, TextOfAnEmptyOneIsItsKindAndWhatToDo) {
+TEST(Failure, TextOfAnEmptyOneIsItsKindAndWhatToDo) {
     EXPECT_STREQ(Failure({}).what(), "invalid argument. Correct the argument; nothing was sent.");
 }
 
-TEST(FailureTest, TextHasEverythingThatIsKnown) {
+TEST(Failure, TextHasEverythingThatIsKnown) {
     FailureDetails details;
     details.kind = FailureKind::BoardError;
     details.board = "OV0001";
@@ -48,13 +48,13 @@ TEST(FailureTest, TextHasEverythingThatIsKnown) {
                  "OV0001:0 PHY 3: write 1.0x0002: board error, EIO (-5) after 2 attempts in 1.500 s. Ask.");
 }
 
-TEST(FailureTest, CodeWithoutNameIsANumber) {
+TEST(Failure, CodeWithoutNameIsANumber) {
     FailureDetails details;
     details.code = -9999;
     EXPECT_EQ(Failure(details).codeName(), "-9999");
 }
 
-TEST(EventTest, LineNamesThePhyAndWhatHappened) {
+TEST(Event, LineNamesThePhyAndWhatHappened) {
     Event event;
     event.board = "OV0001";
     event.kind = Event::Kind::Moved;
@@ -70,7 +70,7 @@ TEST(EventTest, LineNamesThePhyAndWhatHappened) {
     EXPECT_EQ(phy.str(), "OV0001:0 PHY 3: moved");
 }
 
-TEST(CancellationTest, DescriptorIsReadableWhileCancelled) {
+TEST(Cancellation, DescriptorIsReadableWhileCancelled) {
     Cancellation cancellation;
     const auto readable = [&] {
         pollfd entry{cancellation.descriptor(), POLLIN, 0};
@@ -86,7 +86,7 @@ TEST(CancellationTest, DescriptorIsReadableWhileCancelled) {
     EXPECT_FALSE(cancellation.cancelled());
 }
 
-TEST(WithinTest, PoliciesLeaveTheTimeAlone) {
+TEST(Within, PoliciesLeaveTheTimeAlone) {
     const Within limits = within(2s).once().withoutHealing();
     EXPECT_EQ(limits.time, 2s);
     EXPECT_EQ(limits.repeat.reads, 0U);

@@ -2,6 +2,7 @@
 from __future__ import annotations
 
 import argparse
+import os
 import runpy
 import sys
 from collections import abc
@@ -74,6 +75,8 @@ def _run(given: List[str]) -> int:
     options = Options(told.out, told.resume, told.extend, act)
     done: List[Any] = []
     options.done = done.append
+    if not os.path.isfile(told.program):
+        raise RecipeError(f"{told.program}: there is no such program")
     with options_for(options):
         runpy.run_path(told.program, run_name="__main__")
         if not done:

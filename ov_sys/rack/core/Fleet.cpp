@@ -236,7 +236,8 @@ void Fleet::stepLane(Lane& lane) {
 
 void Fleet::watch(Lane& lane) {
     pollfd entries[BoardLink::kMostWatched];
-    const std::size_t count = lane.board->link.watch(entries);
+    const std::size_t all = lane.board->link.watch(entries);
+    const std::size_t count = lane.board->link.awaitsStreams() ? all : std::min<std::size_t>(all, 1);
     const auto same = [](const pollfd& a, const pollfd& b) { return a.fd == b.fd && a.events == b.events; };
     if (lane.socketsMade == lane.board->link.socketsMade() &&
         std::equal(entries, entries + count, lane.watched.begin(), lane.watched.end(), same))

@@ -98,6 +98,12 @@ public:
     // Fills in what to wait for and returns the number of entries.
     static constexpr std::size_t kMostWatched = 4;
     std::size_t watch(pollfd* entries) const noexcept; // the first takes datagrams
+    // Whether anything but a datagram is waited for. The end of a connection that nobody waits for shows when
+    // a datagram is missing, or at the next start().
+    bool awaitsStreams() const noexcept {
+        const Call* const call = errand_ ? errand_.get() : flying_.front();
+        return probe_ || (call != nullptr && overStream(call->program));
+    }
     // Changes when a descriptor of watch() is another one, though it may have the number of the former.
     unsigned socketsMade() const noexcept { return socketsMade_; }
     // A session whose calls wait for its hook, if the next call is one of them.

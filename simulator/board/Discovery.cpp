@@ -23,7 +23,7 @@ void DiscoveryResponder::remember(std::deque<std::string>& heard, const std::str
         heard.pop_front();
 }
 
-std::vector<std::string> DiscoveryResponder::repliesTo(const std::string& word, FaultQueue& faults) {
+DiscoveryResponder::Replies DiscoveryResponder::repliesTo(const std::string& word, FaultQueue& faults) {
     {
         const std::lock_guard<std::mutex> lock(heardMutex_);
         remember(requests_, word);
@@ -34,23 +34,25 @@ std::vector<std::string> DiscoveryResponder::repliesTo(const std::string& word, 
         replies_ ? *replies_ : std::vector<std::string>{word + "|" + name_.line()};
     const auto fault = faults.take("discovery", "");
     if (!fault)
-        return texts;
+        return {texts};
+    if (fault->kind == Fault::Kind::DelayReply)
+        return {texts, std::chrono::milliseconds(fault->value)};
     if (fault->kind == Fault::Kind::DuplicateReply) {
         const std::size_t count = texts.size();
         for (std::size_t i = 0; i < count; ++i)
             texts.push_back(texts[i]);
-        return texts;
+        return {texts};
     }
     const auto change = byteChangeOf(*fault, faults.dice());
     if (!change)
         return {};
     for (std::string& text : texts)
         change(text);
-    return texts;
+    return {texts};
 }
 
-std::optional<std::vector<std::string>> DiscoveryResponder::probeReplyTo(const std::string& word,
-                                                                         FaultQueue& faults) {
+std::optional<DiscoveryResponder::Replies> DiscoveryResponder::probeReplyTo(const std::string& word,
+                                                                            FaultQueue& faults) {
     {
         const std::lock_guard<std::mutex> lock(heardMutex_);
         remember(probes_, word);
@@ -58,17 +60,18 @@ std::optional<std::vector<std::string>> DiscoveryResponder::probeReplyTo(const s
     const auto fault = faults.take("probe", "");
     if (fault && fault->kind == Fault::Kind::Silent)
         return std::nullopt;
+    const bool late = fault && fault->kind == Fault::Kind::DelayReply;
     const auto change = fault ? byteChangeOf(*fault, faults.dice()) : nullptr;
     const bool changed = chunks_ || replies_;
-    if ((!changed && !name_.answersTo(word)) || (fault && !change))
-        return std::vector<std::string>{};
+    if ((!changed && !name_.answersTo(word)) || (fault && !change && !late))
+        return Replies{};
     std::vector<std::string> pieces{word + "|" + name_.line()};
     if (changed)
         pieces = chunks_ ? *chunks_ : *replies_;
     if (change)
         for (std::string& piece : pieces)
             change(piece);
-    return pieces;
+    return Replies{pieces, std::chrono::milliseconds(late ? fault->value : 0)};
 }
 
 std::vector<std::string> DiscoveryResponder::requestsHeard() const {

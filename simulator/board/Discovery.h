@@ -4,6 +4,7 @@
 #include "simulator/board/BoardName.h"
 #include "simulator/board/FaultQueue.h"
 
+#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <mutex>
@@ -29,12 +30,18 @@ public:
 
     const BoardName& name() const { return name_; }
 
+    // What is said, and how long after it was asked for.
+    struct Replies {
+        std::vector<std::string> texts;
+        std::chrono::milliseconds delay{0};
+    };
+
     // Replies to a multicast request for `word`, in order; usually one, or none when another board is meant.
-    std::vector<std::string> repliesTo(const std::string& word, FaultQueue& faults);
+    Replies repliesTo(const std::string& word, FaultQueue& faults);
 
     // Pieces of the answer to a TCP probe for `word`, to be sent apart from each other before the connection
     // is closed; none when the connection is to stay open without an answer.
-    std::optional<std::vector<std::string>> probeReplyTo(const std::string& word, FaultQueue& faults);
+    std::optional<Replies> probeReplyTo(const std::string& word, FaultQueue& faults);
 
     // Answers every multicast request and probe, whatever its word, with these texts; none restores the
     // usual reply.

@@ -74,12 +74,20 @@ bool MulticastResponder::receive() {
         return true;
     requester.sin_port = htons(kDiscoveryPort);
     const bool idle = replies_.empty();
-    for (auto& [address, member] : members_)
-        for (std::string& text : member.discovery->repliesTo(*word, *member.faults))
-            replies_.push_back({member.source, requester, std::move(text)});
+    for (auto& [address, member] : members_) {
+        DiscoveryResponder::Replies replies = member.discovery->repliesTo(*word, *member.faults);
+        for (std::string& text : replies.texts)
+            queue({member.source, requester, std::move(text)}, replies.delay);
+    }
     if (idle)
         sendSome();
     return true;
+}
+
+void MulticastResponder::queue(Reply reply, std::chrono::milliseconds delay) {
+    if (delay.count() == 0)
+        return replies_.push_back(std::move(reply));
+    loop_.after(delay, life_, [this, late = std::move(reply)] { send(late); });
 }
 
 void MulticastResponder::sendSome() {

@@ -36,6 +36,8 @@ private:
     };
     void join(const in_addr& address, int interface);
     bool receive();
+    // Sends it with the next ones, or after a time.
+    void queue(Reply reply, std::chrono::milliseconds delay);
     void sendSome();
     void send(const Reply& reply);
 

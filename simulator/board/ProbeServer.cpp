@@ -46,11 +46,14 @@ void ProbeServer::receive(std::uint64_t id) {
     const auto word = discoveryWord(connection.request);
     if (!word)
         return; // more of the request may come
-    auto pieces = discovery_.probeReplyTo(*word, faults_);
-    if (!pieces)
+    auto replies = discovery_.probeReplyTo(*word, faults_);
+    if (!replies)
         return;
-    connection.pieces = std::move(*pieces);
-    sendPiece(id);
+    connection.pieces = std::move(replies->texts);
+    if (replies->delay.count() == 0)
+        sendPiece(id);
+    else
+        loop_.after(replies->delay, life_, [this, id] { sendPiece(id); });
 }
 
 void ProbeServer::sendPiece(std::uint64_t id) {

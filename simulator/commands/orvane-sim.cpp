@@ -31,9 +31,13 @@ void serve(const OrvaneSim::LabFlags& flags, const OrvaneSim::StopSignals& signa
     const OrvaneSim::LabSetup setup = flags.setup(OrvaneSim::loopbackPlace());
     OrvaneSim::raiseDescriptorLimit();
     OrvaneSim::RunningLab running(setup, flags);
-    for (const OrvaneSim::Board* board : running.lab().boards())
+    const auto boards = running.lab().boards();
+    for (const OrvaneSim::Board* board : boards)
         std::printf("board %s at %s: %s\n", board->serial().c_str(), board->address().c_str(),
                     board->nameLine().c_str());
+    if (!boards.empty())
+        std::printf("reach each by its address, for no multicast gets there: orvane info %s:0 --address %s\n",
+                    boards.front()->serial().c_str(), boards.front()->address().c_str());
     std::puts("ready");
     std::fflush(stdout);
     signals.wait();

@@ -53,6 +53,15 @@ TEST(OrvaneList, OfThreeThousandBoardsIsComplete) {
     EXPECT_EQ(std::count(outcome.output.begin(), outcome.output.end(), '\n'), 1 + 2 * 3000);
 }
 
+TEST(OrvaneList, HasABoardThatAnswersLate) {
+    OneBoardLab lab;
+    lab.board.inject({"discovery", "", OrvaneSim::Fault::Kind::DelayReply, -1, 100});
+    EXPECT_THAT(orvane({"list", "--expect", "1", "--time", "60"}).output, HasSubstr("\nOV0001:0 "));
+    lab.board.clearFaults();
+    lab.board.inject({"probe", "", OrvaneSim::Fault::Kind::DelayReply, -1, 100});
+    EXPECT_THAT(lab.run({"list"}).output, HasSubstr("\nOV0001:0 "));
+}
+
 TEST(OrvaneList, EndsAsSoonAsTheExpectedBoardsAreThere) {
     OrvaneSim::Lab lab;
     lab.add({"10.83.0.1", "OV0001", {"OV0001:0"}, "host", 1, false});
@@ -129,7 +138,7 @@ TEST(OrvaneInfo, ShowsTheDeviceItsSessionAndThePhysIdentifier) {
                      "port        1 (MDIO)\n"
                      "session     simple\n"
                      "key         0\n"
-                     "services    setup mdio i2c gpio keep-alive jtag\n"
+                     "services    adc gpio i2c jtag keepAlive mdio setup thermal\n"
                      "identifier  0x0A5C 0x1E83\n"));
 }
 

@@ -52,7 +52,11 @@ TEST(OrvaneSim, ServesUntilItIsTold) {
         shell("timeout -s TERM 10 sh -c '" ORVANE_SIM " --address 127.0.0.9 --serial LAB7 > sim.out & "
               "until grep -sq ready sim.out; do :; done; kill -TERM $!; wait $!'; "
               "echo $?; cat sim.out; rm sim.out");
-    EXPECT_EQ(outcome.output, "0\nboard LAB7 at 127.0.0.9: host LAB7:0 LAB7:1 LAB7:10\nready\n");
+    EXPECT_EQ(
+        outcome.output,
+        "0\nboard LAB7 at 127.0.0.9: host LAB7:0 LAB7:1 LAB7:10\n"
+        "reach each by its address, for no multicast gets there: orvane info LAB7:0 --address 127.0.0.9\n"
+        "ready\n");
 }
 
 TEST(OrvaneSim, TellsWhichBoardCannotBeServed) {

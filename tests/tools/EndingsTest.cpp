@@ -3,8 +3,12 @@
 
 #include <csignal>
 #include <cstdio>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
+#include <set>
+#include <sstream>
 #include <sys/wait.h>
 
 namespace OrvaneTest {
@@ -91,6 +95,45 @@ TEST(OrvaneHelp, OfAVerbHasExamples) {
     EXPECT_THAT(outcome.output, HasSubstr("Examples:\n  orvane read OV0001:0 3 1.0x0002"));
 }
 
+TEST(OrvaneHelp, FitsTheTerminalAndBreaksNoWord) {
+    const std::vector<Arguments> commands{
+        {"--help"}, {"i2c", "--help"}, {"thermal", "set", "--help"}, {"log", "--help"}, {"config", "--help"}};
+    for (const Arguments& words : commands) {
+        std::istringstream wide(orvane(words).output);
+        const std::set<std::string> known{std::istream_iterator<std::string>(wide), {}};
+        std::istringstream lines(Program(words, {}, Program::Streams::Narrow).finish().output);
+        for (std::string line; std::getline(lines, line);) {
+            EXPECT_LE(line.find_last_not_of('\r') + 1, 60U) << line;
+            std::istringstream parts(line);
+            for (std::string word; parts >> word;)
+                EXPECT_TRUE(word == "\\" || known.count(word) > 0) << word << " in " << line;
+        }
+    }
+}
+
+// Words, and what is wrong with them.
+struct Misspelling {
+    Arguments words;
+    std::string complaint;
+};
+
+TEST(OrvaneMisspelt, SaysWhatMayHaveBeenMeantAndWhatIsPossible) {
+    const Misspelling cases[] = {
+        {{"rad", "OV0001:0", "3", "1.2"}, "no verb rad; did you mean read?\nTry 'orvane --help'."},
+        {{"thermal", "conect", "OV0001:0"},
+         "no verb conect; did you mean connect?\nTry 'orvane thermal --help'."},
+        {{"xyzzy"}, "no verb xyzzy\nTry 'orvane --help'."},
+        {{"log", "x", "--chnged"}, "no option --chnged; did you mean --changed?\nTry 'orvane log --help'."},
+        {{"decode", "1.2", "3", "--step", "0"}, "--step must be positive\nTry 'orvane decode --help'."},
+        {{"gpio", "get", "OV0001:0", "0", "--phy", "200"},
+         "--phy must be 0 to 127\nTry 'orvane gpio get --help'."},
+        {{"thermal", "watch", "OV0001:0", "0", "--interval", "soon"},
+         "--interval must be a number from 0 on, not 'soon'\nTry 'orvane thermal watch --help'."},
+    };
+    for (const Misspelling& each : cases)
+        EXPECT_EQ(orvane(each.words), fails(2, "orvane: " + each.complaint + "\n"));
+}
+
 TEST(OrvaneVersion, IsThatOfTheProject) {
     EXPECT_THAT(orvane({"--version"}).output, StartsWith("orvane 0."));
 }
@@ -117,6 +160,35 @@ TEST(OrvaneCompletion, OffersVerbsAndThenTheirOptions) {
     EXPECT_EQ(completions("orvane re", 1), "read replay\n");
     EXPECT_EQ(completions("orvane read OV0001:0 --r", 3), "--routed\n");
     EXPECT_EQ(completions("orvane watch --i", 2), "--interval\n");
+}
+
+TEST(OrvaneCompletion, OffersTheDevicesThatWereFoundLatelyAndAliases) {
+    const OneBoardLab lab;
+    const Folder folder;
+    Environment environment = lab.environment();
+    environment["XDG_CACHE_HOME"] = folder.path("cache");
+    orvane({"list"}, environment);
+    EXPECT_EQ(folder.content("cache/orvane/devices"), "OV0001:0\nOV0001:1\nOV0001:10\n");
+    lab.board.forgetRequests();
+    std::filesystem::create_directories(folder.path("orvane"));
+    folder.write("orvane/config.toml", "[aliases]\nleft = \"OV0001:0\"\n");
+    environment["XDG_CONFIG_HOME"] = folder.path("");
+    EXPECT_EQ(orvane({"complete", "devices"}, environment), prints("left\nOV0001:0\nOV0001:1\nOV0001:10\n"));
+    EXPECT_TRUE(lab.board.requests().empty());
+    EXPECT_EQ(lab.board.probeRequests().size(), 1U); // that of the list
+}
+
+TEST(OrvaneCompletion, OffersDevicesBehindTheColonAtWhichBashBreaksWords) {
+    const Folder folder;
+    const std::string script = folder.write("completion", orvane({"generate", "bash"}).output);
+    const std::string tool =
+        folder.write("orvane", "#!/bin/sh\nprintf 'OV0001:0\\nOV0001:1\\nOV0002:0\\n'\n");
+    EXPECT_EQ(shell("chmod +x " + tool + "; PATH=" + folder.path("") + ":$PATH bash -c 'source " + script +
+                    "; COMP_LINE=\"orvane read OV0001:\"; COMP_POINT=19; COMP_WORDS=(orvane read OV0001 :); "
+                    "COMP_CWORD=3; "
+                    "_orvane; echo \"${COMPREPLY[@]}\"'")
+                  .first,
+              "0 1\n");
 }
 
 } // namespace

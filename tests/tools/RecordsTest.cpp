@@ -96,5 +96,35 @@ TEST_F(OrvaneRecord, OfWrongUsageIsAFailure) {
     EXPECT_EQ(nlohmann::json::parse(outcome.output)[0]["error"]["kind"], "usage");
 }
 
+TEST_F(OrvaneRecord, OfAFailureHasItsKindAndTheBoardsCode) {
+    const Outcome outcome = run({"i2c", "get", "OV0001:0", "0", "0x33", "0", "--json"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.error, StartsWith("orvane: OV0001:0: i2c get 0 0x33 0: "));
+    EXPECT_EQ(checked(outcome.output), "1 fit\n");
+    const auto record = nlohmann::json::parse(outcome.output).at(0);
+    EXPECT_EQ(record["record"], "failure");
+    EXPECT_EQ(record["device"], "OV0001:0");
+    EXPECT_EQ(record["error"]["kind"], "board_error");
+    EXPECT_EQ(record["error"]["code"], -121);
+}
+
+TEST_F(OrvaneRecord, OfALogFitsTheSchema) {
+    const Folder folder;
+    const std::string log = folder.path("session.log");
+    run({"gpio", "get", "OV0001:0", "0", "--log", log});
+    orvane({"note", "here", "--log", log});
+    EXPECT_EQ(checked(orvane({"log", log, "--timeline", "--json"}).output), "5 fit\n");
+    const std::string old = folder.write("old.log", "0,3,MR,01,0002,0003\n0,3,MR,01,0002,0004\nup\n");
+    EXPECT_EQ(checked(orvane({"log", old, "--json"}).output), "1 fit\n");
+    EXPECT_EQ(checked(orvane({"log", old, "--register", "1.2", "--json"}).output), "2 fit\n");
+    EXPECT_EQ(checked(orvane({"log", old, "--timeline", "--json"}).output), "3 fit\n");
+    EXPECT_EQ(checked(orvane({"config", "--json"}).output), "4 fit\n");
+}
+
+TEST_F(OrvaneRecord, OfMapsFitsTheSchema) {
+    EXPECT_EQ(checked(orvane({"map", "show", "--json"}).output), "1 fit\n");
+    EXPECT_EQ(checked(orvane({"map", "show", "AN.STATUS.LINK", "--json"}).output), "1 fit\n");
+}
+
 } // namespace
 } // namespace OrvaneTest

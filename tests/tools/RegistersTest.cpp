@@ -163,7 +163,7 @@ class OrvaneUsage : public testing::TestWithParam<Misuse> {};
 
 const Misuse kMisuses[] = {
     {"NoVerb", {}, "VERB is required\nTry 'orvane --help'."},
-    {"UnknownVerb", {"frob"}, "The following argument was not expected: frob\nTry 'orvane --help'."},
+    {"UnknownVerb", {"frob"}, "no verb frob\nTry 'orvane --help'."},
     {"NoAddress", {"read", "OV0001:0", "3"}, "ADDRESS is required\nTry 'orvane read --help'."},
     {"NoPort",
      {"read", "OV0001", "3", "1.2"},

@@ -54,6 +54,11 @@ TEST_F(OrvaneReplay, SendsNothingInADryRun) {
     EXPECT_TRUE(board.requests().empty());
 }
 
+TEST_F(OrvaneReplay, OfAnAdapterThatTheLogHasNothingOfFails) {
+    EXPECT_EQ(run({"replay", log, "--to", "OV0001:0", "--adapter", "7"}),
+              fails(1, "orvane: " + log + ": there are no accesses of adapter 7 in it; there are of 0\n"));
+}
+
 TEST_F(OrvaneReplay, NeedsToKnowWhichAdapterAndWhereTo) {
     EXPECT_EQ(run({"replay", log}), fails(2, "orvane: replay: say where to: --to DEVICE, or --dry-run\n"));
     const std::string two = folder.write("two", "0,3,MR,01,0002,0A5C\n1,3,MR,01,0002,0A5C\n");

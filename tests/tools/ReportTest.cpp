@@ -65,7 +65,8 @@ TEST_F(OrvaneReport, ShowsFieldsAndTheirHistory) {
     const std::string map =
         folder.write("wren.json", R"({"format": "orvane-map-1", "name": "wren", "registers": {
         "CONTROL": {"at": "30.0xC010", "fields": {"LED": "0: Lights the LED", "MODE": {"bits": "7:6", "values": {"3": "both"}}}}}})");
-    ASSERT_EQ(orvane({"log", folder.path("session.csv"), "--html", folder.path("report.html"), "--map", map}),
+    ASSERT_EQ(orvane({"log", folder.path("session.csv"), "--html", folder.path("report.html"), "--map", map,
+                      "--force"}),
               prints(""));
     const std::string page = browse("--dump-dom");
     EXPECT_THAT(page, HasSubstr("<td>MODE</td><td>both</td>"));
@@ -87,7 +88,23 @@ TEST_F(OrvaneReport, ShowsTotalsRegistersAndTheHistoryThatChangedMost) {
     EXPECT_THAT(page, HasSubstr("<b>30.0xC010</b> on PHY 3 of adapter 0"));
     EXPECT_THAT(page, HasSubstr("<td class=\"v changed\">0xCAFF</td>"
                                 "<td class=\"bits\">1100 1010 1111 111<b>1</b></td>"));
-    EXPECT_THAT(page, HasSubstr("<pre>link &lt;b&gt;up&lt;/b&gt; &lt;/script&gt;</pre>"));
+    EXPECT_THAT(page, HasSubstr("link &lt;b&gt;up&lt;/b&gt; &lt;/script&gt;</td>"));
+}
+
+TEST_F(OrvaneReport, ShowsServicesAndNotesInTheirPlacesOfALogWithTimes) {
+    const std::string log = folder.write(
+        "timed.log", "adapter,phy,op,mmd,address,value,time,port,outcome,arguments,result\n"
+                     "0,3,MR,1E,C010,CAFE,2026-11-22T02:08:33.000001Z,OV0001:0,done,,\n"
+                     "0,3,gpio.read,,,,2026-11-22T02:08:33.000002Z,OV0001:0,done,lines=03,states=01\n"
+                     ",,note,,,,2026-11-22T02:08:33.000003Z,,,link up,\n");
+    ASSERT_EQ(orvane({"log", log, "--html", folder.path("timed.html")}), prints(""));
+    const std::string page = folder.content("timed.html");
+    EXPECT_THAT(page, HasSubstr(R"("accesses":[[0,0,"0xCAFE","2026-11-22T02:08:33.000001Z"]])"));
+    EXPECT_THAT(page, HasSubstr(R"("registers":[{"device":"OV0001:0",)"));
+    EXPECT_THAT(
+        page,
+        HasSubstr(R"("timeline":[[1,"2026-11-22T02:08:33.000002Z","OV0001:0","gpio.read","lines=03",)"
+                  R"("states=01","done"],[1,"2026-11-22T02:08:33.000003Z","","note","link up","",""]])"));
 }
 
 TEST_F(OrvaneReport, CanBeDrawn) {

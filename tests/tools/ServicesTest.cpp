@@ -1,13 +1,17 @@
 // orvane i2c, gpio, jtag, adc and thermal.
 #include "tests/support/tools/Program.h"
 
+#include <cerrno>
+#include <csignal>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace OrvaneTest {
 namespace {
 
+using testing::ContainsRegex;
 using testing::HasSubstr;
+using testing::MatchesRegex;
 using testing::StartsWith;
 
 // A row of commands on one board, each with what it prints.
@@ -89,8 +93,19 @@ TEST_F(OrvaneServices, ThatTheBoardRefusesAreNamedWithTheCause) {
     EXPECT_EQ(run({"i2c", "get", "OV0001:0", "0", "0x33", "0"}),
               fails(1, "orvane: OV0001:0: i2c get 0 0x33 0: the board answers: Remote I/O error (-121)\n"));
     EXPECT_EQ(run({"thermal", "get", "OV0001:0", "0"}),
-              fails(1, "orvane: OV0001:0: thermal get 0: the board answers: Transport endpoint is not "
-                       "connected (-107)\n"));
+              fails(1, "orvane: OV0001:0: thermal get 0: the unit is not connected; 'orvane thermal connect "
+                       "OV0001:0' connects it\n"));
+}
+
+TEST_F(OrvaneServices, OfAPortThatTheBoardDoesNotHaveNameThoseThatItHas) {
+    EXPECT_EQ(
+        run({"gpio", "get", "OV0001:7", "0"}),
+        fails(1, "orvane: OV0001:7: open: device not found; there are OV0001:0, OV0001:1, OV0001:10\n"));
+}
+
+TEST_F(OrvaneServices, TellThatAnArgumentCannotBeBeforeAnythingIsSent) {
+    EXPECT_EQ(run({"i2c", "get", "OV0001:0", "10", "0x50", "0"}).status, 2);
+    EXPECT_TRUE(board.requestsOf("i2c_read_reg").empty());
 }
 
 TEST_F(OrvaneServices, WithoutAnOperationAreMisused) {
@@ -143,6 +158,85 @@ TEST_F(OrvaneServices, SaveACaptureAsAPicture) {
     std::string pixels(2 * 256, '\xFF');
     pixels[255 * 2] = pixels[254 * 2 + 1] = '\0'; // 0, then 1
     EXPECT_EQ(folder.content("curve.pgm"), "P5\n2 256\n255\n" + pixels);
+}
+
+TEST_F(OrvaneServices, OverwriteNoFileUnlessTheyAreForcedTo) {
+    const Folder folder;
+    const std::string file = folder.write("curve.csv", "precious");
+    EXPECT_EQ(run({"adc", "capture", "OV0001:0", "--samples", "2", "-o", file}),
+              fails(1, "orvane: " + file + ": it exists; --force overwrites it\n"));
+    EXPECT_EQ(folder.content("curve.csv"), "precious");
+    EXPECT_TRUE(board.requests().empty());
+    EXPECT_EQ(run({"adc", "capture", "OV0001:0", "--samples", "2", "-o", file, "--force"}).status, 0);
+    EXPECT_THAT(folder.content("curve.csv"), StartsWith("sample,channel0\n"));
+}
+
+// A temperature goes nowhere without control.
+TEST_F(OrvaneServices, SayThatThermalControlIsOff) {
+    run({"thermal", "connect", "OV0001:0"});
+    EXPECT_EQ(
+        run({"thermal", "set", "OV0001:0", "0", "85"}),
+        (Outcome{0, "",
+                 "orvane: OV0001:0: control is off: channel 0 keeps the set point for when it is started, by "
+                 "--start or 'orvane thermal start OV0001:0 0'\n"}));
+    EXPECT_EQ(
+        run({"thermal", "settle", "OV0001:0", "0"}),
+        fails(1,
+              "orvane: OV0001:0: thermal settle 0: control is off, so that nothing settles; --start starts "
+              "it\n"));
+    EXPECT_EQ(run({"thermal", "settle", "OV0001:0", "0", "--start"}), prints("84.92\n"));
+}
+
+TEST_F(OrvaneServices, StartThermalControlWithTheSetPoint) {
+    run({"thermal", "connect", "OV0001:0"});
+    EXPECT_EQ(run({"thermal", "set", "OV0001:0", "0", "85", "--start"}), prints(""));
+    EXPECT_EQ(run({"thermal", "state", "OV0001:0"}), prints("2\n"));
+}
+
+// The board forgets its sessions at the next request of a procedure, and refuses one new session.
+void loseSessionsAt(OrvaneSim::Board& board, const std::string& procedure) {
+    board.onRequest([&board, procedure, lost = false](const OrvaneSim::Request& request) mutable {
+        if (lost || request.procedure != procedure)
+            return;
+        lost = true;
+        board.inject({"setup", "open_connection", OrvaneSim::Fault::Kind::ResultCode, 1, -EACCES});
+        board.forgetSessions();
+    });
+}
+
+constexpr const char* kGap = "gap 20[-0-9T:.]+Z to 20[-0-9T:.]+Z: refused";
+
+TEST_F(OrvaneServices, WatchATemperatureThroughABoardThatWasLostForAWhile) {
+    const Arguments words{"thermal", "watch", "OV0001:0", "0", "--count", "2", "--interval", "10"};
+    run({"thermal", "connect", "OV0001:0"});
+    loseSessionsAt(board, "thrm_gettemperature");
+    const Outcome outcome = run(words);
+    EXPECT_EQ(outcome.status, 0) << outcome;
+    EXPECT_THAT(outcome.output, MatchesRegex(std::string(kGap) + "\n1 25.00\n2 25.00\n1 gap\n"));
+}
+
+TEST_F(OrvaneServices, EndAWatchWithGapsAsAFailure_WhereTheyAreStrict) {
+    run({"thermal", "connect", "OV0001:0"});
+    loseSessionsAt(board, "thrm_gettemperature");
+    EXPECT_EQ(
+        run({"thermal", "watch", "OV0001:0", "0", "--count", "2", "--interval", "10", "--strict"}).status, 1);
+}
+
+TEST_F(OrvaneServices, CaptureThroughABoardThatWasLostForAWhile) {
+    loseSessionsAt(board, "adc_getdata");
+    const Outcome outcome = run({"adc", "capture", "OV0001:0", "--samples", "4", "--strict"});
+    EXPECT_EQ(outcome.status, 1) << outcome;
+    EXPECT_THAT(outcome.output, StartsWith("channel 0, 4 samples\n"));
+    EXPECT_THAT(outcome.output, ContainsRegex(std::string("\n") + kGap + ", before sample 0\n$"));
+}
+
+TEST_F(OrvaneServices, EndAWatchBySigtermAs143) {
+    run({"thermal", "connect", "OV0001:0"});
+    Program program({"thermal", "watch", "OV0001:0", "0", "--interval", "600000"}, environment());
+    board.waitFor(
+        [](const OrvaneSim::Request& request) { return request.procedure == "thrm_gettemperature"; });
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.finish().status, 143);
 }
 
 TEST_F(OrvaneServices, PlotATemperatureAgainstItsSetPointOnATerminal) {

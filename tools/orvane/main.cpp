@@ -1,11 +1,14 @@
 // orvane: boards and their PHYs from the command line.
 #include "tools/orvane/board/Failures.h"
 #include "tools/orvane/cli/HelpFormatter.h"
+#include "tools/orvane/cli/Suggestion.h"
+#include "tools/orvane/generate/Generate.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <array>
 #include <csignal>
 #include <exception>
+#include <string_view>
 #include <unistd.h>
 
 namespace OrvaneTool {
@@ -16,17 +19,18 @@ constexpr const char* kFooter =
     "2 wrong usage, 128 + signal after a signal.\n"
     "\n"
     "Environment: ORVANE_ADDRESS the addresses of --address, separated by commas; NO_COLOR no\n"
-    "colours; ORVANE_MAPS register maps, separated by colons; EXCLUSIVE_KEY, CONCURRENT_KEY, SIMPLE_KEY how "
-    "the library opens its sessions.\n"
+    "colours; ORVANE_MAPS register maps, separated by colons; ORVANE_LOG the transaction log of --log;\n"
+    "EXCLUSIVE_KEY, CONCURRENT_KEY, SIMPLE_KEY how sessions are opened. 'orvane config' shows what holds.\n"
     "\n"
     "'orvane VERB --help' explains a verb, with examples.";
 
-constexpr std::array kVerbs{addList, addInfo,    addPing,   addRead, addWrite,  addModify,  addDump,
-                            addDiff, addWatch,   addDecode, addMap,  addI2c,    addGpio,    addJtag,
-                            addAdc,  addThermal, addExec,   addLog,  addReplay, addGenerate};
+constexpr std::array kVerbs{addList,   addInfo, addPing,   addRead,     addWrite,   addModify,
+                            addDump,   addDiff, addWatch,  addDecode,   addMap,     addI2c,
+                            addGpio,   addJtag, addAdc,    addThermal,  addExec,    addLog,
+                            addReplay, addNote, addConfig, addComplete, addGenerate};
 
 void addVerbs(CLI::App& app, Context& context) {
-    app.formatter(std::make_shared<HelpFormatter>());
+    app.formatter(std::make_shared<HelpFormatter>(context.console.out.width()));
     app.footer(kFooter);
     app.set_version_flag("--version", "orvane " ORVANE_VERSION);
     app.fallthrough(false);
@@ -51,6 +55,65 @@ std::string fullName(const CLI::App* app) {
     return app->get_parent() ? fullName(app->get_parent()) + " " + app->get_name() : app->get_name();
 }
 
+// What is wrong with the words, and what they may have meant.
+std::string complaintOf(const CLI::ExtrasError& problem, const CLI::App& verb) {
+    for (const std::string& word : verb.remaining()) {
+        std::vector<std::string> known;
+        const bool isOption = word.size() > 1 && word[0] == '-';
+        if (isOption)
+            for (const CLI::Option* option : verb.get_options())
+                for (const std::string& name : option->get_lnames())
+                    known.push_back("--" + name);
+        else
+            for (const CLI::App* each : shownVerbs(verb))
+                known.push_back(each->get_name());
+        if (known.empty())
+            break;
+        const std::string meant = nearest(word, known);
+        return fmt::format("no {} {}{}", isOption ? "option" : "verb", word,
+                           meant.empty() ? "" : fmt::format("; did you mean {}?", meant));
+    }
+    return problem.what();
+}
+
+// What a number may be, from the parser's "NAME: Value V not in range LOW to HIGH".
+std::string complaintOf(const CLI::ValidationError& problem) {
+    constexpr std::size_t kLongest = 20; // digits of a limit that says something
+    const std::string text = problem.what();
+    const std::size_t name = text.find(": Value ");
+    const std::size_t low = text.rfind(" range ");
+    const std::size_t high = text.find(" to ", low);
+    if (name == std::string::npos || high == std::string::npos)
+        return text;
+    const auto limit = [&](std::size_t from, std::size_t to) {
+        std::string number = text.substr(from, to - from);
+        if (number.find('.') != std::string::npos) {
+            number.erase(number.find_last_not_of('0') + 1);
+            number.erase(number.find_last_not_of('.') + 1);
+        }
+        return number;
+    };
+    const std::string least = limit(low + 7, high);
+    const std::string most = limit(high + 4, text.size());
+    return text.substr(0, name) +
+           (most.size() > kLongest ? " must be positive" : fmt::format(" must be {} to {}", least, most));
+}
+
+// From the parser's "Could not convert: NAME = V".
+std::string complaintOf(const CLI::ConversionError& problem) {
+    constexpr std::string_view kBegin = "Could not convert: ";
+    const std::string text = problem.what();
+    const std::size_t sign = text.find(" = ");
+    if (text.compare(0, kBegin.size(), kBegin) != 0 || sign == std::string::npos)
+        return text;
+    return fmt::format("{} must be a number from 0 on, not '{}'",
+                       text.substr(kBegin.size(), sign - kBegin.size()), text.substr(sign + 3));
+}
+
+int misused(Context& context, const CLI::App& app, const std::string& text) {
+    return complain(context, fmt::format("{}\nTry '{} --help'.", text, fullName(givenVerb(&app))), kUsage);
+}
+
 // The exit status after the command line was understood; -1 when the action is to run.
 int parse(CLI::App& app, Context& context, int argc, char** argv) {
     try {
@@ -64,9 +127,14 @@ int parse(CLI::App& app, Context& context, int argc, char** argv) {
         context.console.out.write(app.help("", CLI::AppFormatMode::All));
     } catch (const CLI::CallForVersion& version) {
         context.console.out.print("{}\n", version.what());
+    } catch (const CLI::ExtrasError& problem) {
+        return misused(context, app, complaintOf(problem, *givenVerb(&app)));
+    } catch (const CLI::ValidationError& problem) {
+        return misused(context, app, complaintOf(problem));
+    } catch (const CLI::ConversionError& problem) {
+        return misused(context, app, complaintOf(problem));
     } catch (const CLI::ParseError& problem) {
-        return complain(
-            context, fmt::format("{}\nTry '{} --help'.", problem.what(), fullName(givenVerb(&app))), kUsage);
+        return misused(context, app, problem.what());
     }
     context.console.out.flush();
     return kSuccess;
@@ -92,6 +160,7 @@ int failed(Context& context, const Record& failure, const std::string& text, int
 
 int run(Context& context) {
     try {
+        context.useSettings();
         const int status = context.action();
         return flushed(context, status);
     } catch (const UsageError& problem) {

@@ -28,9 +28,13 @@ namespace {
 }
 
 std::vector<std::string> variables(const Environment& added) {
-    const std::set<std::string> left{"NO_COLOR",       "ORVANE_ADDRESS", "EXCLUSIVE_KEY",
-                                     "CONCURRENT_KEY", "SIMPLE_KEY",     "TERM"};
+    const std::set<std::string> left{"NO_COLOR",       "ORVANE_ADDRESS",  "EXCLUSIVE_KEY",
+                                     "CONCURRENT_KEY", "SIMPLE_KEY",      "TERM",
+                                     "ORVANE_LOG",     "XDG_CONFIG_HOME", "XDG_CACHE_HOME"};
     std::vector<std::string> result{"TERM=xterm"};
+    for (const std::string name : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME"}) // nothing of the user's
+        if (added.count(name) == 0)
+            result.push_back(name + "=/dev/null");
     for (char** variable = environ; *variable != nullptr; ++variable) {
         const std::string text = *variable;
         const std::string name = text.substr(0, text.find('='));
@@ -73,8 +77,8 @@ std::ostream& operator<<(std::ostream& stream, const Outcome& outcome) {
 
 Program::Program(const Arguments& arguments, const Environment& environment, Streams streams) {
     int terminal = -1;
-    if (streams == Streams::Terminal) {
-        winsize size{50, 100, 0, 0};
+    if (streams != Streams::Kept) {
+        winsize size{50, static_cast<unsigned short>(streams == Streams::Narrow ? 60 : 100), 0, 0};
         if (::openpty(&output_, &terminal, nullptr, nullptr, &size) != 0)
             fail("openpty");
         ::fcntl(output_, F_SETFD, FD_CLOEXEC);

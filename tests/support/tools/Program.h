@@ -28,8 +28,9 @@ std::ostream& operator<<(std::ostream& stream, const Outcome& outcome);
 class Program {
 public:
     enum class Streams {
-        Kept,    // into memory
-        Terminal // output, error and input are one terminal, 100 columns wide
+        Kept,     // into memory
+        Terminal, // output, error and input are one terminal, 100 columns wide
+        Narrow    // the same, 60 columns wide
     };
     explicit Program(const Arguments& arguments, const Environment& environment = {},
                      Streams streams = Streams::Kept);

@@ -1,6 +1,7 @@
 // Listening for boards, with a count, and with doubt where they still answer in the end.
 #include "tools/orvane/board/Boards.h"
 
+#include "tools/orvane/board/DeviceCache.h"
 #include "tools/orvane/output/Progress.h"
 
 #include <fmt/format.h>
@@ -69,6 +70,7 @@ Boards lookForBoards(Context& context, const Search& search) {
         doubt = lookout.doubt(found);
     }
     context.interrupts().check();
+    rememberDevices(found.boards);
     return {std::move(found.boards), std::move(doubt)};
 }
 

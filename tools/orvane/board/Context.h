@@ -5,6 +5,7 @@
 #include "tools/orvane/board/LibraryMessages.h"
 #include "tools/orvane/output/Console.h"
 #include "tools/orvane/output/RecordSink.h"
+#include "tools/orvane/settings/Settings.h"
 
 #include <chrono>
 #include <cstdint>
@@ -27,10 +28,17 @@ public:
 
     std::vector<std::string> addresses;                 // of boards, to be asked instead of a multicast
     std::optional<std::chrono::nanoseconds> searchTime; // for boards to answer; empty: as suits the search
+    std::string logFile;                                // for the transaction log; empty: there is none
     bool verbose = false;
     bool json = false;
     bool csv = false;
     Format format() const { return json ? Format::Json : csv ? Format::Csv : Format::Text; }
+
+    // What the user's configuration file says, and how it fills in what neither options nor environment do,
+    // once these have been read. Throws UsageError.
+    void useSettings();
+    const Settings& settings() const { return settings_; }
+    bool keyFromSettings = false;
 
     // Where the verb's records go; made by the first call, whose form and pace count.
     RecordSink& records(const RecordForm& form, Pace pace = Pace::Together);
@@ -57,6 +65,7 @@ public:
     std::string libraryLines();
 
 private:
+    Settings settings_;
     std::optional<RecordSink> records_;
     std::unique_ptr<Interrupts> interrupts_;
     std::unique_ptr<Orvane::Rack> rack_;

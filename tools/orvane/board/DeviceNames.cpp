@@ -113,10 +113,13 @@ void addFile(const std::string& path, std::vector<std::string>& names) {
 
 } // namespace
 
-std::vector<std::string> deviceNames(const std::string& argument) {
+std::vector<std::string> deviceNames(const std::string& argument, const Aliases& aliases) {
     std::vector<std::string> names;
     for (const std::string& each : splitAt(argument, ','))
-        if (!each.empty() && each.front() == '@')
+        if (const auto alias = aliases.find(each); alias != aliases.end())
+            for (const std::string& meant : deviceNames(alias->second))
+                names.push_back(meant);
+        else if (!each.empty() && each.front() == '@')
             addFile(each.substr(1), names);
         else
             addNames(each, names);

@@ -1,6 +1,7 @@
 // Devices and PHYs as they are written: lists, ranges, patterns, files.
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -9,8 +10,9 @@ namespace OrvaneTool {
 // The names of one argument, upper case and in order: names with commas between them, ranges of boards
 // (OV0001-OV0020:0) or ports (OV0001:0-3), patterns, which stay as they are, and files of all these (@FILE:
 // words between white space, comments behind '#'). Throws UsageError for what is no name, and Failure for a
-// file that cannot be read.
-std::vector<std::string> deviceNames(const std::string& argument);
+// file that cannot be read. A name among `aliases` is what that stands for.
+using Aliases = std::map<std::string, std::string>;
+std::vector<std::string> deviceNames(const std::string& argument, const Aliases& aliases = {});
 
 // Whether '*', '?' or "[...]" are in it, as in file names.
 bool isPattern(const std::string& name);

@@ -117,7 +117,7 @@ Targets findTargets(Context& context, const std::vector<std::string>& names) {
 }
 
 Target findTarget(Context& context, const std::string& name) {
-    const std::vector<std::string> names = deviceNames(name);
+    const std::vector<std::string> names = deviceNames(name, context.settings().aliases);
     if (names.size() != 1 || isPattern(names.front()))
         throw UsageError(fmt::format("'{}': one device is wanted here", name));
     Target target = std::move(findTargets(context, names).list.front());

@@ -1,13 +1,51 @@
-// The usage line and the options' arguments in help.
+// The usage line, the options' arguments and the breaking of lines in help.
 #include "tools/orvane/cli/HelpFormatter.h"
 
+#include "tools/orvane/output/Wrap.h"
+
+#include <algorithm>
+#include <sstream>
+
 namespace OrvaneTool {
+namespace {
+
+constexpr std::size_t kNarrowest = 40; // terminals are treated as at least so wide
+constexpr std::size_t kNames = 30;     // columns of the names of options and verbs, on a wide terminal
+
+// A line of an example: a command, and behind some blanks what it does. What does not fit goes below.
+std::string exampleLine(const std::string& line, std::size_t width) {
+    constexpr std::size_t kBelow = 6;
+    const std::size_t begin = line.find_first_not_of(' ');
+    const std::size_t gap = line.find("   ", begin);
+    const std::string command =
+        line.substr(0, begin) + wrapped(line.substr(begin, gap - begin), width - begin, kBelow, " \\");
+    if (gap == std::string::npos)
+        return command;
+    const std::string effect = line.substr(line.find_first_not_of(' ', gap));
+    return command + "\n" + std::string(kBelow, ' ') + wrapped(effect, width - kBelow, kBelow);
+}
+
+std::string fitted(const std::string& line, std::size_t width) {
+    if (line.size() <= width)
+        return line;
+    const std::size_t indent = line.find_first_not_of(' ');
+    return line.compare(indent, 7, "orvane ") == 0
+               ? exampleLine(line, width)
+               : line.substr(0, indent) + wrapped(line.substr(indent), width - indent, indent);
+}
+
+} // namespace
 
 std::string argumentText(const CLI::Option& option) {
     constexpr int kRepeatable = 100;
     const std::string name = option.get_name(true);
     const std::string text = name + (option.get_expected_max() > kRepeatable ? "..." : "");
     return option.get_required() ? text : "[" + text + "]";
+}
+
+HelpFormatter::HelpFormatter(unsigned width) : width_(std::max<std::size_t>(width, kNarrowest)) {
+    label("SUBCOMMAND", "VERB");
+    column_width(std::min(kNames, width_ / 3));
 }
 
 std::string HelpFormatter::make_option_usage(const CLI::Option* option) const {
@@ -20,6 +58,40 @@ std::string HelpFormatter::make_option_opts(const CLI::Option* option) const {
         text += " " + option->get_type_name();
     if (!option->get_envname().empty())
         text += " ($" + option->get_envname() + ")";
+    return text;
+}
+
+std::string HelpFormatter::beside(const std::string& text) const {
+    return wrapped(text, width_ - column_width_, 0);
+}
+
+std::string HelpFormatter::make_option_desc(const CLI::Option* option) const {
+    return beside(option->get_description());
+}
+
+std::string HelpFormatter::make_subcommand(const CLI::App* verb) const {
+    std::ostringstream text;
+    CLI::detail::format_help(text, verb->get_display_name(true), beside(verb->get_description()),
+                             column_width_);
+    return text.str();
+}
+
+std::string HelpFormatter::make_usage(const CLI::App* app, std::string name) const {
+    constexpr std::size_t kBelow = 7; // under the first word behind "Usage: "
+    std::string line = CLI::Formatter::make_usage(app, std::move(name));
+    line.pop_back(); // its end
+    return wrapped(line, width_, kBelow) + "\n";
+}
+
+std::string HelpFormatter::make_description(const CLI::App* app) const {
+    return wrapped(app->get_description(), width_, 0) + "\n";
+}
+
+std::string HelpFormatter::make_footer(const CLI::App* app) const {
+    std::istringstream lines(app->get_footer());
+    std::string text;
+    for (std::string line; std::getline(lines, line);)
+        text += fitted(line, width_) + "\n";
     return text;
 }
 

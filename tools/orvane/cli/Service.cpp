@@ -1,8 +1,10 @@
 // The operations of a service as verbs, and their arguments' forms.
 #include "tools/orvane/cli/Service.h"
 
+#include "tools/orvane/board/Failures.h"
 #include "tools/orvane/board/Numbers.h"
 
+#include <cerrno>
 #include <fmt/format.h>
 #include <sstream>
 
@@ -22,10 +24,11 @@ RecordForm formOf(const std::string& members) {
 
 ServiceCall::ServiceCall(Context& context, const ServiceOptions& options, std::string operation,
                          const char* members, Pace pace)
-    : options_(options),
+    : context_(context),
+      options_(options),
       records_(context.records(formOf(members), pace)),
-      device_(context, options.device),
-      session_(device_.session(options.phy)),
+      target_(findTarget(context, options.device)),
+      phy_(target_.port->phy(options.phy)),
       operation_(fmt::format("{}{}{}", operation, options.words.empty() ? "" : " ",
                              fmt::join(options.words, " "))) {}
 
@@ -34,15 +37,22 @@ std::string ServiceCall::word(std::size_t place, const char* fallback) const {
 }
 
 Record ServiceCall::record(const char* kind) const {
-    return std::move(Record(kind).device(device_.name()).phy(options_.phy));
+    return std::move(Record(kind).device(target_.name).phy(options_.phy));
 }
 
-void ServiceCall::put(const Record& record) {
-    records_.put(record);
-}
-
-void ServiceCall::putDone() {
-    put(record("done").put("operation", operation_));
+void ServiceCall::fail(const Orvane::Failure& failure, const std::string& cause) const {
+    context_.interrupts().check();
+    const bool thermal = operation_.compare(0, 8, "thermal ") == 0;
+    const std::string known = thermal && failure.code() == -ENOTCONN
+                                  ? fmt::format("the unit is not connected; 'orvane thermal connect {}' "
+                                                "connects it",
+                                                target_.name)
+                                  : causeOf(failure);
+    const std::string text =
+        fmt::format("{}: {}: {}", target_.name, operation_, cause.empty() ? known : cause);
+    if (failure.kind() == Orvane::FailureKind::InvalidArgument)
+        throw UsageError(text);
+    throw Failure(text, failure);
 }
 
 CLI::App& addService(CLI::App& app, const VerbText& text) {
@@ -67,6 +77,10 @@ void addOperation(CLI::App& service, Context& context, const Operation& operatio
                                  ->type_name("")
                                  ->expected(operation.least, operation.most);
         words->required(operation.least > 0);
+    }
+    if (operation.flag != nullptr) {
+        const std::string text = operation.flag;
+        verb.add_flag(text.substr(0, text.find(',')), options->flag, text.substr(text.find(',') + 1));
     }
     const std::string name = service.get_name() + " " + operation.name;
     setAction(verb, context, options,

@@ -1,9 +1,12 @@
 // Verbs of a board's services, each of them one operation of the service.
 #pragma once
 
-#include "tools/orvane/board/Device.h"
+#include "tools/orvane/board/Targets.h"
 #include "tools/orvane/cli/Verb.h"
+#include "tools/orvane/output/RecordSink.h"
 
+#include <chrono>
+#include <orvane/rack.hpp>
 #include <string>
 #include <vector>
 
@@ -13,42 +16,60 @@ struct ServiceOptions {
     std::string device;
     unsigned phy = 0;               // whose session is used
     std::vector<std::string> words; // the operation's own arguments
+    bool flag = false;              // whether its own option was given
 };
 
 // One operation that is being carried out.
 class ServiceCall {
 public:
-    // `members` as in Operation.
+    // Finds the device. `members` as in Operation. Throws UsageError, Failure, Orvane::Failure and
+    // Interrupted.
     ServiceCall(Context& context, const ServiceOptions& options, std::string operation,
                 const char* members = "", Pace pace = Pace::Together);
 
     const std::vector<std::string>& words() const { return options_.words; }
     // The word at that place; `fallback` when there are fewer.
     std::string word(std::size_t place, const char* fallback = "") const;
-    Stream& out() { return device_.context().console.out; }
-    Context& context() { return device_.context(); }
-    const Device& device() const { return device_; }
-    Orvane::PhySession* session() { return &session_; }
+    bool flag() const { return options_.flag; }
+    Stream& out() { return context_.console.out; }
+    Context& context() { return context_; }
+    const std::string& device() const { return target_.name; }
+    const Orvane::Phy& phy() const { return phy_; }
+
+    // Limits of a call, which a signal ends; once() for what must not be done twice.
+    Orvane::Within within(std::chrono::nanoseconds time = std::chrono::seconds(5)) {
+        return context_.within(time);
+    }
+    Orvane::Within once() { return within().once(); }
 
     // Whether the result is for people, who get it as text instead of records.
-    bool isText() { return context().format() == Format::Text; }
+    bool isText() const { return records_.isText(); }
     // A record of this device and PHY, and its way to the user.
     Record record(const char* kind) const;
-    void put(const Record& record);
+    void put(const Record& record) { records_.put(record); }
     // The record of an operation that has no result but that it was done.
-    void putDone();
+    void putDone() { put(record("done").put("operation", operation_)); }
 
-    // Returns what `work` returns. Throws Failure that names the operation and its arguments.
+    // Returns what `work` returns. Throws what fail() throws instead of the library's failures.
     template <class Work>
     decltype(auto) attempt(Work work) {
-        return device_.attempt(operation_, work);
+        context_.interrupts().check();
+        try {
+            return work();
+        } catch (const Orvane::Failure& failure) {
+            fail(failure);
+        }
     }
+    // Throws Failure, or UsageError where nothing was sent, that names device, operation and cause; after a
+    // signal Interrupted. `cause` is told instead of the failure's own where it is not empty.
+    [[noreturn]] void fail(const Orvane::Failure& failure, const std::string& cause = "") const;
 
 private:
+    Context& context_;
     const ServiceOptions& options_;
     RecordSink& records_;
-    Device device_;
-    Orvane::PhySession& session_;
+    Target target_;
+    Orvane::Phy phy_;
     std::string operation_;
 };
 
@@ -60,6 +81,7 @@ struct Operation {
     const char* summary;
     void (*run)(ServiceCall& call);
     const char* members = ""; // of its records beside those that all have, blanks between; empty: it has none
+    const char* flag = nullptr; // an option and what it does, a comma between; null: there is none
 };
 
 constexpr int kAnyNumber = 255;

@@ -29,7 +29,14 @@ void addBoardOptions(CLI::App& verb, Context& context) {
             "How long boards may take to answer a search (1; for those named in full 5)")
         ->type_name("S")
         ->check(CLI::Range(0.01, 86400.0).description(""));
+    addLogOption(verb, context);
     verb.add_flag("--verbose", context.verbose, "Show what the library writes, on standard error");
+}
+
+void addLogOption(CLI::App& verb, Context& context) {
+    verb.add_option("--log", context.logFile, "Add every access to this transaction log")
+        ->type_name("FILE")
+        ->envname("ORVANE_LOG");
 }
 
 void addFormatOptions(CLI::App& verb, Context& context) {

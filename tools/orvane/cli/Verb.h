@@ -29,6 +29,7 @@ void setAction(CLI::App& verb, Context& context, std::shared_ptr<Options> option
 
 // Options that every verb that reaches a board has, and those of verbs that print rows.
 void addBoardOptions(CLI::App& verb, Context& context);
+void addLogOption(CLI::App& verb, Context& context); // among the former
 void addFormatOptions(CLI::App& verb, Context& context);
 
 // Options for the names of registers: which maps, whether fields are shown, and, of verbs that read many

@@ -15,7 +15,7 @@ extern const char* const kReportPage;
 
 namespace {
 
-constexpr std::size_t kMostNoteBytes = std::size_t{4} * 1024 * 1024;
+constexpr std::size_t kMostTimelineBytes = std::size_t{4} * 1024 * 1024;
 constexpr std::size_t kBars = 120; // of the picture of the activity
 
 // JSON text. Nothing in it may end the script element that it stands in.
@@ -48,8 +48,9 @@ public:
         page_ << "],\"registers\":[";
         writeRegisters();
         page_ << "],\"configuration\":" << log_.configurationAccesses() << ",\"stray\":" << log_.strayValues()
-              << ",\"notes\":[";
-        writeNotes();
+              << ",\"begun\":" << jsonText(log_.begun()) << ",\"ended\":" << jsonText(log_.ended())
+              << ",\"timeline\":[";
+        writeTimeline();
         if (limits_.thinned)
             writeWhatIsLeftOut();
         page_ << "}";
@@ -79,8 +80,9 @@ private:
             if (!isShown(shown.seen++, summary_.registers.at(reg).accesses()))
                 continue;
             page_ << (written > 0 ? "," : "")
-                  << fmt::format("[{:d},{:d},{}]", access.write, access.queued,
-                                 access.value ? '"' + access.valueText() + '"' : "null");
+                  << fmt::format("[{:d},{:d},{}{}]", access.write, access.queued,
+                                 access.value ? '"' + access.valueText() + '"' : "null",
+                                 access.time.empty() ? "" : ',' + jsonText(access.time));
             shown.at.push_back(written++);
             if (limits_.thinned)
                 places_.push_back(place);
@@ -92,9 +94,10 @@ private:
         for (const auto& [reg, history] : summary_.registers) {
             page_ << comma
                   << fmt::format(
-                         R"({{"adapter":{},"phy":{},"address":"{}","reads":{},"writes":{},"changes":{},)"
+                         R"({{{}"adapter":{},"phy":{},"address":"{}","reads":{},"writes":{},"changes":{},)"
                          R"("first":"{}","last":"{}","at":{})",
-                         reg.adapter, reg.phy, reg.reg.text(), history.reads, history.writes, history.changes,
+                         reg.device.empty() ? "" : "\"device\":" + jsonText(reg.device) + ",", reg.adapter,
+                         reg.phy, reg.reg.text(), history.reads, history.writes, history.changes,
                          history.first.text(), history.last.text(), listed(shown_[reg].at));
             if (const Orvane::MapRegister* const mapped = maps_.find(reg.reg))
                 writeMeaning(*mapped);
@@ -134,19 +137,36 @@ private:
         page_ << "}";
     }
 
-    void writeNotes() {
+    // Services, events and notes, each behind the accesses that went before.
+    void writeTimeline() {
+        LogFile::Entries entries = log_.entries(selection_);
+        std::size_t place = 0;
         std::size_t bytes = 0;
         std::size_t more = 0;
-        log_.forEachNote([&](std::string_view note) {
-            if (more > 0 || bytes + note.size() > kMostNoteBytes)
+        for (LogRecord entry; entries.next(entry);) {
+            if (entry.kind == LogRecord::Kind::Access) {
+                ++place;
+                continue;
+            }
+            const std::string line = timelineLine(entry, place);
+            if (more > 0 || bytes + line.size() > kMostTimelineBytes)
                 ++more;
             else
-                page_ << (bytes > 0 ? "," : "") << jsonText(note);
-            bytes += note.size();
-        });
+                page_ << (bytes > 0 ? "," : "") << line;
+            bytes += line.size();
+        }
         page_ << "]";
         if (more > 0)
-            page_ << ",\"moreNotes\":" << more;
+            page_ << ",\"moreLines\":" << more;
+    }
+
+    // [place, time, device, what, arguments, result, outcome]
+    static std::string timelineLine(const LogRecord& entry, std::size_t place) {
+        const bool isNote = entry.kind == LogRecord::Kind::Note;
+        return fmt::format("[{},{},{},{},{},{},{}]", place, jsonText(entry.access.time),
+                           jsonText(entry.access.device), jsonText(isNote ? "note" : entry.operation),
+                           jsonText(isNote ? entry.note : entry.arguments), jsonText(entry.result),
+                           jsonText(entry.access.outcome));
     }
 
     void writeWhatIsLeftOut() {

@@ -5,6 +5,7 @@
 #include "tools/orvane/log/QueuedValues.h"
 
 #include <functional>
+#include <map>
 #include <string>
 
 namespace OrvaneTool {
@@ -13,10 +14,12 @@ namespace OrvaneTool {
 struct Selection {
     int adapter = -1;
     int phy = -1;
+    std::string device = ""; // of this port, in a log with times; empty: of all
 
     bool has(const LoggedAccess& access) const {
         return (adapter < 0 || access.adapter == static_cast<unsigned>(adapter)) &&
-               (phy < 0 || access.phy == static_cast<unsigned>(phy));
+               (phy < 0 || access.phy == static_cast<unsigned>(phy)) &&
+               (device.empty() || access.device == device);
     }
 };
 
@@ -25,33 +28,59 @@ struct Selection {
 class LogFile {
 public:
     // Reads it once, for the values of queued reads, which stand behind them. A pipe is copied into a
-    // temporary file. Throws Failure when it cannot be read; so does every other reading.
+    // temporary file. Throws Failure when it cannot be read, as every other reading does, and when it is no
+    // log.
     explicit LogFile(const std::string& path);
 
     std::size_t configurationAccesses() const { return configurationAccesses_; }
     std::size_t strayValues() const { return strayValues_; } // of queued reads that are not in the log
 
-    void forEachNote(const std::function<void(std::string_view)>& take) const;
+    // Calls of services and the like, in a log with times.
+    const std::map<std::string, std::size_t>& services() const { return services_; }
+    std::size_t events() const { return events_; }
+    // Of the first line and the last; empty: the log has none.
+    const std::string& begun() const { return begun_; }
+    const std::string& ended() const { return ended_; }
+    bool hasTimes() const { return !begun_.empty(); }
 
-    // Its accesses in order, with the values of queued reads.
-    class Accesses {
+    // Its records in order, with the values of queued reads: accesses, calls of services, events and notes.
+    // Those without a port or a PHY pass any selection.
+    class Entries {
     public:
-        Accesses(const LogFile& log, const Selection& selection);
+        Entries(const LogFile& log, const Selection& selection);
         // False behind the last.
-        bool next(LoggedAccess& access);
+        bool next(LogRecord& record);
 
     private:
+        bool isWanted(const LogRecord& record) const;
+
         const LogFile& log_;
         Selection selection_;
         LogScanner scanner_;
         QueuedValues::Reader values_;
+    };
+    Entries entries(const Selection& selection) const { return {*this, selection}; }
+
+    // Of these, the accesses.
+    class Accesses {
+    public:
+        Accesses(const LogFile& log, const Selection& selection) : entries_(log, selection) {}
+        // False behind the last.
+        bool next(LoggedAccess& access);
+
+    private:
+        Entries entries_;
         LogRecord record_;
     };
     Accesses accesses(const Selection& selection) const { return {*this, selection}; }
 
+    void forEachNote(const std::function<void(std::string_view)>& take) const;
+
 private:
     void copyToTemporaryFile();
-    void pairQueuedReads();
+    void readThrough();
+    void count(const LogRecord& record);
+    void pairQueuedRead(const LogRecord& record, std::map<QueuedValues::Phy, std::uint64_t>& without);
     // What `read` gives; a Failure of it names the log.
     template <class Read>
     decltype(auto) reading(Read read) const;
@@ -62,7 +91,12 @@ private:
     QueuedValues values_;
     std::size_t configurationAccesses_ = 0;
     std::size_t strayValues_ = 0;
+    std::map<std::string, std::size_t> services_; // calls, by what they are
+    std::size_t events_ = 0;
+    std::string begun_;
+    std::string ended_;
     bool hasNotes_ = false;
+    bool hasRecords_ = false; // or the names of the columns
 };
 
 } // namespace OrvaneTool

@@ -1,6 +1,7 @@
 // The forms of records, and the window that they are looked for in.
 #include "tools/orvane/log/LogScanner.h"
 
+#include "tools/orvane/log/TimedLine.h"
 #include "tools/orvane/output/Errors.h"
 
 #include <algorithm>
@@ -15,8 +16,8 @@ namespace OrvaneTool {
 namespace {
 
 constexpr std::size_t kWindow = std::size_t{256} * 1024;
-constexpr std::size_t kLookAhead = std::size_t{64} * 1024;                // more than any record has
-constexpr std::string_view kHeader = "adapter,phy,op,mmd,address,value,"; // a rack's names more columns
+constexpr std::size_t kLookAhead = std::size_t{128} * 1024;               // more than any record has
+constexpr std::string_view kHeader = "adapter,phy,op,mmd,address,value,"; // with times there are more
 constexpr std::size_t kWordDigits = 8;
 constexpr std::size_t kLongDigits = 16;
 constexpr std::size_t kWideAddressDigits = 6; // an MMD never has as many
@@ -88,8 +89,6 @@ public:
         access.write = operation->back() == 'W';
         if (*operation == "AF")
             return fetched(access);
-        if (*operation == "2W" || *operation == "2R")
-            return clause22(access);
         if (*operation != "MW" && *operation != "MR" && *operation != "AW" && *operation != "AR")
             return false;
         return registerAccess(access);
@@ -124,15 +123,6 @@ private:
         return true;
     }
 
-    bool clause22(LoggedAccess& access) {
-        record_.kind = LogRecord::Kind::Access;
-        access.reg.space = Space::C22;
-        const auto noMmd = cursor_.field();
-        const auto address = cursor_.field();
-        return noMmd && noMmd->empty() && address &&
-               take(numberIn<std::uint32_t>(*address, 16), access.reg.address) && lineValue(access);
-    }
-
     static bool take(std::optional<std::uint32_t> found, std::uint32_t& place) {
         place = found.value_or(0);
         return found.has_value();
@@ -142,25 +132,14 @@ private:
         const std::string_view digits = cursor_.digits();
         access.value = numberIn<std::uint64_t>(digits, 16);
         cursor_.skip(digits.size());
-        const bool ends = (access.value && cursor_.endsLine()) || skipColumns();
+        const bool ends = access.value && cursor_.endsLine();
         cursor_.skip(1);
         return ends;
-    }
-
-    // A rack's log goes on behind the value, of which a read that failed has none.
-    bool skipColumns() {
-        if (cursor_.rest().empty() || cursor_.rest()[0] != ',')
-            return false;
-        cursor_.skip(std::min(cursor_.rest().find('\n'), cursor_.rest().size()));
-        return true;
     }
 
     // The next record's adapter follows at once: of its digits, none belongs to the value.
     bool runOnValue(LoggedAccess& access) {
         const std::size_t count = cursor_.digits().size();
-        const std::string_view behind = cursor_.rest().substr(count);
-        if ((count == kWordDigits || count == 0) && !behind.empty() && behind[0] == ',')
-            return lineValue(access);
         if (count < kWordDigits)
             return false;
         const std::size_t digits = count >= kLongDigits ? kLongDigits : kWordDigits;
@@ -201,6 +180,50 @@ private:
     LogRecord& record_;
 };
 
+// The access of a line with times; false when it is none.
+bool takeAccess(const TimedLine& line, LogRecord& record) {
+    LoggedAccess& access = record.access;
+    const bool clause22 = line.op == "2R" || line.op == "2W";
+    if (!clause22 && line.op != "MR" && line.op != "MW")
+        return false;
+    access.write = line.op.back() == 'W';
+    const auto mmd = numberIn<unsigned>(line.mmd, 16);
+    const auto address = numberIn<std::uint32_t>(line.address, 16);
+    if (!address || (!mmd && !line.mmd.empty()))
+        return false;
+    access.reg = {clause22 ? Space::C22 : mmd ? Space::C45 : Space::Ext32, mmd.value_or(0), *address};
+    access.value = numberIn<std::uint64_t>(line.value, 16);
+    access.digits = valueDigits(access.reg.space);
+    record.kind = LogRecord::Kind::Access;
+    return true;
+}
+
+// False when the line is no record.
+bool takeLine(const TimedLine& line, LogRecord& record) {
+    record = {};
+    LoggedAccess& access = record.access;
+    access.adapter = numberIn<unsigned>(line.adapter, 10).value_or(0);
+    const auto phy = numberIn<unsigned>(line.phy, 10);
+    record.hasPhy = phy.has_value();
+    access.phy = phy.value_or(0);
+    access.time = line.time;
+    access.device = line.port;
+    access.outcome = line.outcome;
+    record.operation = line.op;
+    record.arguments = line.arguments;
+    record.result = line.result;
+    if (takeAccess(line, record))
+        return true;
+    if (line.op == "note") {
+        record.kind = LogRecord::Kind::Note;
+        record.note = unescaped(line.arguments);
+        return true;
+    }
+    const bool ofSession = line.op.compare(0, 6, "event.") == 0 || line.op.compare(0, 8, "session.") == 0;
+    record.kind = ofSession ? LogRecord::Kind::Event : LogRecord::Kind::Service;
+    return line.op.find('.') != std::string_view::npos;
+}
+
 } // namespace
 
 std::string LoggedAccess::valueText() const {
@@ -215,14 +238,25 @@ bool LogScanner::next(LogRecord& record) {
             fill();
         if (rest().empty())
             return false;
+        if (!inNote_ && takeTimedLine(record))
+            return true;
         if (RecordReader reader(rest(), record); !inNote_ && reader.read()) {
             begin_ = window_.size() - reader.rest().size();
             return true;
         }
         takeNote(record);
-        if (!record.note.empty())
+        if (record.kind == LogRecord::Kind::Header || !record.note.empty())
             return true;
     }
+}
+
+bool LogScanner::takeTimedLine(LogRecord& record) {
+    const auto length = timedLineAt(rest());
+    const auto line = length ? timedLine(rest().substr(0, *length)) : std::nullopt;
+    if (!line || !takeLine(*line, record))
+        return false;
+    begin_ += std::min(*length + 1, rest().size());
+    return true;
 }
 
 void LogScanner::takeNote(LogRecord& record) {
@@ -230,7 +264,9 @@ void LogScanner::takeNote(LogRecord& record) {
     const bool whole = end != std::string_view::npos;
     record = {};
     const std::string_view line = rest().substr(0, end);
-    if (inNote_ || line.substr(0, kHeader.size()) != kHeader)
+    if (!inNote_ && line.substr(0, kHeader.size()) == kHeader)
+        record.kind = LogRecord::Kind::Header;
+    else
         record.note = line;
     begin_ += line.size() + (whole ? 1 : 0);
     inNote_ = !whole;

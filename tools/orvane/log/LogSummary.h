@@ -5,26 +5,29 @@
 
 #include <cstdint>
 #include <map>
+#include <string>
 #include <tuple>
 
 namespace OrvaneTool {
 
-// A register of a PHY on an adapter.
+// A register of a PHY on a port, or on an adapter in a log that does not name ports.
 struct PhyRegister {
-    unsigned adapter = 0;
+    std::string device;
+    unsigned adapter = 0; // 0 of a port that is named: logs of several programs count them anew
     unsigned phy = 0;
     Register reg;
 
     friend bool operator<(const PhyRegister& left, const PhyRegister& right) {
         const auto key = [](const PhyRegister& each) {
-            return std::tie(each.adapter, each.phy, each.reg.space, each.reg.mmd, each.reg.address);
+            return std::tie(each.device, each.adapter, each.phy, each.reg.space, each.reg.mmd,
+                            each.reg.address);
         };
         return key(left) < key(right);
     }
 };
 
 inline PhyRegister registerOf(const LoggedAccess& access) {
-    return {access.adapter, access.phy, access.reg};
+    return {access.device, access.device.empty() ? access.adapter : 0, access.phy, access.reg};
 }
 
 struct RegisterHistory {

@@ -23,8 +23,14 @@ std::string plot(const std::vector<double>& values, const Axis& axis, double lev
     if (!std::isnan(level))
         for (std::size_t column = 0; column < columns; column += 2)
             lines[rowOf(level, axis)][column] = '-';
-    for (std::size_t column = 0; column < columns; ++column)
-        lines[rowOf(values[column * values.size() / columns], axis)][column] = '*';
+    for (std::size_t column = 0; column < columns; ++column) {
+        const auto at = [&](std::size_t place) {
+            return values.begin() + static_cast<std::ptrdiff_t>(place * values.size() / columns);
+        };
+        const auto [lowest, highest] = std::minmax_element(at(column), at(column + 1));
+        for (std::size_t row = rowOf(*highest, axis); row <= rowOf(*lowest, axis); ++row)
+            lines[row][column] = '*';
+    }
 
     std::string text;
     for (std::size_t row = 0; row < lines.size(); ++row) {

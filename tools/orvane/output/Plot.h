@@ -9,7 +9,7 @@ namespace OrvaneTool {
 struct Axis {
     double lowest;
     double highest;
-    unsigned columns; // of the curve; more values than that are thinned out
+    unsigned columns; // of the curve; each shows the range of its values when there are more than that
     unsigned rows;
     int decimals; // of the numbers beside it
 };

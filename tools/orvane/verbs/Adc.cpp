@@ -11,25 +11,22 @@
 namespace OrvaneTool {
 namespace {
 
-Orvane::ADC::ADC& adc() {
-    static Orvane::ADC::ADC facade;
-    return facade;
-}
+using Orvane::AdcCapture;
 
 // An operation without arguments or result.
-template <void (Orvane::ADC::ADC::*Method)(Orvane::SessionWrapper)>
+template <void (AdcCapture::*Method)(const Orvane::Within&) const>
 void plain(ServiceCall& call) {
-    call.attempt([&] { (adc().*Method)(call.session()); });
+    call.attempt([&] { (call.phy().adc().*Method)(call.once()); });
 }
 
-template <void (Orvane::ADC::ADC::*Method)(Orvane::SessionWrapper, std::string)>
+template <void (AdcCapture::*Method)(const std::string&, const Orvane::Within&) const>
 void named(ServiceCall& call) {
-    call.attempt([&] { (adc().*Method)(call.session(), call.word(0)); });
+    call.attempt([&] { (call.phy().adc().*Method)(call.word(0), call.once()); });
 }
 
 void mask(ServiceCall& call) {
     const auto bits = numberAs<unsigned>(call.word(0), 0xFFFFFFFF, "the mask");
-    call.attempt([&] { adc().setChannelMask(call.session(), bits); });
+    call.attempt([&] { call.phy().adc().setChannelMask(bits, call.once()); });
 }
 
 void putNumbers(ServiceCall& call, const char* kind, const std::vector<unsigned char>& numbers) {
@@ -41,17 +38,17 @@ void putNumbers(ServiceCall& call, const char* kind, const std::vector<unsigned 
 }
 
 void data(ServiceCall& call) {
-    const int count = numberAs<int>(call.word(0), 0x7FFFFFFF, "the count");
-    const auto bytes = call.attempt([&] { return adc().getData(call.session(), count); });
+    const auto count = numberAs<std::uint32_t>(call.word(0), 0x7FFFFFFF, "the count");
+    const auto bytes = call.attempt([&] { return call.phy().adc().data(count, call.once()); });
     putNumbers(call, "sample", bytes);
 }
 
 void maxima(ServiceCall& call) {
-    putNumbers(call, "maximum", call.attempt([&] { return adc().maxADC(call.session()); }));
+    putNumbers(call, "maximum", call.attempt([&] { return call.phy().adc().maxAdc(call.once()); }));
 }
 
 void events(ServiceCall& call) {
-    const auto bytes = call.attempt([&] { return adc().getEvents(call.session()); });
+    const auto bytes = call.attempt([&] { return call.phy().adc().events(call.once()); });
     const std::string text(bytes.begin(), bytes.end());
     if (call.isText())
         return call.out().relay(text);
@@ -61,16 +58,16 @@ void events(ServiceCall& call) {
 }
 
 constexpr std::array<Operation, 9> kOperations{{
-    {"init", "", 0, 0, "Put the converter into its first state", plain<&Orvane::ADC::ADC::initialize>},
+    {"init", "", 0, 0, "Put the converter into its first state", plain<&AdcCapture::initialize>},
     {"mask", "MASK", 1, 1, "Choose the channels of a capture, one bit each", mask},
-    {"start", "", 0, 0, "Start a capture", plain<&Orvane::ADC::ADC::start>},
-    {"stop", "", 0, 0, "Stop the capture", plain<&Orvane::ADC::ADC::stop>},
+    {"start", "", 0, 0, "Start a capture", plain<&AdcCapture::start>},
+    {"stop", "", 0, 0, "Stop the capture", plain<&AdcCapture::stop>},
     {"data", "COUNT", 1, 1, "Print the next samples of the running capture", data, "place value"},
     {"max", "", 0, 0, "Print each channel's largest sample", maxima, "place value"},
-    {"event", "NAME", 1, 1, "Mark the next sample with a name", named<&Orvane::ADC::ADC::setEventName>},
+    {"event", "NAME", 1, 1, "Mark the next sample with a name", named<&AdcCapture::setEventName>},
     {"events", "", 0, 0, "Print the marks", events, "text"},
     {"dump-file", "NAME", 1, 1, "Name the file on the board that samples go to",
-     named<&Orvane::ADC::ADC::setDumpFile>},
+     named<&AdcCapture::setDumpFile>},
 }};
 
 } // namespace

@@ -1,14 +1,17 @@
 // orvane adc capture: samples drawn and saved.
 #include "tools/orvane/verbs/Capture.h"
 
+#include "tools/orvane/board/Gap.h"
 #include "tools/orvane/board/Numbers.h"
 #include "tools/orvane/cli/Service.h"
+#include "tools/orvane/output/OutputFile.h"
 #include "tools/orvane/output/Plot.h"
 
-#include <cerrno>
+#include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <fmt/format.h>
-#include <fstream>
+#include <utility>
 
 namespace OrvaneTool {
 namespace {
@@ -19,34 +22,79 @@ struct Options : ServiceOptions {
     std::string channels = "1";
     unsigned samples = 256;
     std::string file;
+    bool force = false;
+    bool strict = false;
+};
+
+// A gap, and how many samples of each channel were there before it.
+struct PlacedGap {
+    std::size_t place;
+    Gap gap;
 };
 
 // What each channel saw, in the order of the channels.
 struct Samples {
     std::vector<unsigned> channels;
     std::vector<std::vector<double>> values;
+    std::vector<PlacedGap> gaps;
 };
 
-Samples capture(ServiceCall& call, unsigned mask, unsigned count) {
-    Samples result;
-    for (unsigned channel = 0; channel < kChannels; ++channel)
-        if ((mask >> channel & 1U) != 0)
-            result.channels.push_back(channel);
-    const std::size_t width = result.channels.size();
-    Orvane::ADC::ADC adc;
-    const auto bytes = call.attempt([&] {
-        adc.initialize(call.session());
-        adc.setChannelMask(call.session(), mask);
-        adc.start(call.session());
-        auto data = adc.getData(call.session(), static_cast<int>(count * width));
-        adc.stop(call.session());
-        return data;
-    });
-    result.values.resize(width);
-    for (std::size_t i = 0; i < bytes.size(); ++i)
-        result.values[i % width].push_back(bytes[i]);
-    return result;
-}
+// One capture, which is begun again by a board that lost it.
+class Capture {
+public:
+    Capture(ServiceCall& call, unsigned mask) : call_(call), mask_(mask) {
+        for (unsigned channel = 0; channel < kChannels; ++channel)
+            if ((mask >> channel & 1U) != 0)
+                samples_.channels.push_back(channel);
+    }
+
+    Samples run(std::size_t count) {
+        const std::size_t width = samples_.channels.size();
+        while (bytes_.size() < count * width)
+            call_.attempt([&] { readSome(count * width); });
+        call_.attempt([&] { call_.phy().adc().stop(call_.once()); });
+        samples_.values.resize(width);
+        for (std::size_t i = 0; i < bytes_.size(); ++i)
+            samples_.values[i % width].push_back(bytes_[i]);
+        return std::move(samples_);
+    }
+
+private:
+    void readSome(std::size_t total) {
+        constexpr std::size_t kAtOnce = 32768;
+        constexpr std::chrono::milliseconds kPause{100};
+        const std::size_t before = bytes_.size();
+        const auto gap = throughGaps(call_.context(), kPause, [&] {
+            begin();
+            const auto some = call_.phy().adc().data(
+                static_cast<std::uint32_t>(std::min(total - bytes_.size(), kAtOnce)), call_.once());
+            running_ = true;
+            bytes_.insert(bytes_.end(), some.begin(), some.end());
+        });
+        const std::size_t width = samples_.channels.size();
+        if (gap)
+            samples_.gaps.push_back({before / width, *gap});
+        if (bytes_.size() == before)
+            throw Failure(fmt::format("{}: adc capture: the board has no more samples: {} of {}",
+                                      call_.device(), before / width, total / width));
+    }
+
+    void begin() {
+        if (std::exchange(running_, false))
+            return;
+        bytes_.resize(bytes_.size() - bytes_.size() % samples_.channels.size()); // the first channel is next
+        const Orvane::AdcCapture adc = call_.phy().adc();
+        adc.initialize(call_.once());
+        adc.setChannelMask(mask_, call_.once());
+        adc.start(call_.once());
+    }
+
+    ServiceCall& call_;
+    unsigned mask_;
+    Samples samples_;
+    std::vector<std::uint8_t> bytes_; // of all channels, in turns
+    bool running_ = false;            // as far as the last answer tells
+};
 
 void draw(ServiceCall& call, const Samples& samples) {
     constexpr unsigned kBesideCurve = 12;
@@ -56,6 +104,8 @@ void draw(ServiceCall& call, const Samples& samples) {
         call.out().print("channel {}, {} samples\n", samples.channels[i], samples.values[i].size());
         call.out().write(plot(samples.values[i], axis, std::nan("")));
     }
+    for (const PlacedGap& each : samples.gaps)
+        call.out().print("{}, before sample {}\n", each.gap.text(), each.place);
 }
 
 void record(ServiceCall& call, const Samples& samples) {
@@ -65,6 +115,12 @@ void record(ServiceCall& call, const Samples& samples) {
                          .put("channel", samples.channels[i])
                          .put("place", place)
                          .put("value", static_cast<unsigned>(samples.values[i][place])));
+    for (const PlacedGap& each : samples.gaps) {
+        Record gap = call.record("gap");
+        gap.put("place", each.place);
+        each.gap.addTo(gap);
+        call.put(gap);
+    }
 }
 
 std::string csvOf(const Samples& samples) {
@@ -96,25 +152,21 @@ bool endsWith(const std::string& text, const std::string& end) {
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-void save(const std::string& path, const Samples& samples) {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    file << (endsWith(path, ".pgm") ? pictureOf(samples) : csvOf(samples));
-    if (!file.flush())
-        throw Failure(fmt::format("{}: cannot write: {}", path, errorText(errno)));
-}
-
 int run(Context& context, const Options& options) {
     const auto mask = numberAs<unsigned>(options.channels, 0xFFFFFFFF, "the channel mask");
     if (mask == 0)
         throw UsageError("the channel mask names no channel");
     if (!options.file.empty() && !endsWith(options.file, ".csv") && !endsWith(options.file, ".pgm"))
         throw UsageError(fmt::format("'{}' must end with .csv or .pgm", options.file));
-    ServiceCall call(context, options, "adc capture", "channel place value");
-    const Samples samples = capture(call, mask, options.samples);
+    if (!options.file.empty())
+        requireNewFile(options.file, options.force);
+    ServiceCall call(context, options, "adc capture", "channel place value from until");
+    const Samples samples = Capture(call, mask).run(options.samples);
     call.isText() ? draw(call, samples) : record(call, samples);
     if (!options.file.empty())
-        save(options.file, samples);
-    return kSuccess;
+        writeFile(options.file, endsWith(options.file, ".pgm") ? pictureOf(samples) : csvOf(samples),
+                  options.force);
+    return options.strict && !samples.gaps.empty() ? kFailed : kSuccess;
 }
 
 } // namespace
@@ -127,8 +179,10 @@ void addCapture(CLI::App& service, Context& context) {
     verb.add_option("--samples", options->samples, "Samples of each channel (256)")
         ->type_name("N")
         ->check(CLI::Range(1U, 1000000U).description(""));
-    verb.add_option("-o,--output", options->file, "Save the samples: .csv, or .pgm, a picture")
+    verb.add_option("-o,--output", options->file, "Save the samples, 0 to 255: .csv, or .pgm, a picture")
         ->type_name("FILE");
+    verb.add_flag("--force", options->force, "Overwrite the file");
+    verb.add_flag("--strict", options->strict, "End with status 1 when the board did not answer for a while");
     setAction(verb, context, options, run);
 }
 

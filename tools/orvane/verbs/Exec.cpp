@@ -1,15 +1,10 @@
 // orvane exec: a command on the board.
-#include "tools/orvane/board/OpenSessions.h"
 #include "tools/orvane/cli/Service.h"
 #include "tools/orvane/verbs/Verbs.h"
 
+#include <cerrno>
 #include <chrono>
-#include <condition_variable>
 #include <fmt/format.h>
-#include <mutex>
-#include <string_view>
-#include <thread>
-#include <unistd.h>
 
 namespace OrvaneTool {
 namespace {
@@ -18,66 +13,34 @@ struct Options : ServiceOptions {
     unsigned timeout = 60;
 };
 
-// The library runs a command that outlasts its time again, without end. This ends the program instead: after
-// that time with a line and status 1, unless it was destroyed before.
-class Deadline {
-public:
-    Deadline(std::chrono::milliseconds time, int err, std::string text)
-        : thread_([this, time, err, line = std::move(text)] { wait(time, err, line); }) {}
-    ~Deadline() {
-        {
-            const std::lock_guard<std::mutex> lock(mutex_);
-            over_ = true;
-        }
-        ended_.notify_all();
-        thread_.join();
+Orvane::BoardShell::Outcome runOnBoard(ServiceCall& call, const std::string& command, unsigned seconds) {
+    try {
+        return call.phy().shell().run(command, std::chrono::seconds(seconds),
+                                      &call.context().interrupts().cancellation());
+    } catch (const Orvane::Failure& failure) {
+        const bool late = failure.kind() == Orvane::FailureKind::TimedOut || failure.code() == -ETIMEDOUT;
+        call.fail(failure, late ? fmt::format("it did not end within {} s", seconds) : "");
     }
-    Deadline(const Deadline&) = delete;
-    Deadline& operator=(const Deadline&) = delete;
-
-private:
-    void wait(std::chrono::milliseconds time, int err, const std::string& text) {
-        std::unique_lock<std::mutex> lock(mutex_);
-        if (ended_.wait_for(lock, time, [this] { return over_; }))
-            return;
-        closeSessionsFromOutside();
-        [[maybe_unused]] const ssize_t written = ::write(err, text.data(), text.size());
-        ::_exit(kFailed);
-    }
-
-    std::mutex mutex_; // guards `over_`
-    std::condition_variable ended_;
-    bool over_ = false;
-    std::thread thread_;
-};
+}
 
 int run(Context& context, const Options& options) {
     // As a shell would have read them: one word is a whole command line.
     const std::string command = fmt::format("{}", fmt::join(options.words, " "));
     ServiceCall call(context, options, "exec", "command status stdout stderr");
-    Orvane::CommandResult result{};
-    {
-        const Deadline deadline(std::chrono::milliseconds(options.timeout * 1000 + 500),
-                                context.messages.err(),
-                                fmt::format("orvane: {}: exec {}: it did not end within {} s\n",
-                                            call.device().name(), visible(command), options.timeout));
-        call.attempt([&] {
-            return Orvane::Setup::Setup().runCommand(call.session(), command, options.timeout, result);
-        });
-    }
+    const Orvane::BoardShell::Outcome result = runOnBoard(call, command, options.timeout);
     if (!call.isText()) {
         call.put(call.record("command")
                      .put("command", command)
-                     .put("status", result.exitCode & 0xFF)
+                     .put("status", result.status & 0xFF)
                      .put("stdout", result.output)
-                     .put("stderr", result.errorOutput));
-        return result.exitCode & 0xFF;
+                     .put("stderr", result.errors));
+        return result.status & 0xFF;
     }
     call.out().relay(result.output);
     call.out().flush();
-    context.console.err.relay(result.errorOutput);
+    context.console.err.relay(result.errors);
     context.console.err.flushIfPossible();
-    return result.exitCode & 0xFF;
+    return result.status & 0xFF;
 }
 
 } // namespace

@@ -26,45 +26,41 @@ void putStates(ServiceCall& call, const char* name, const Bytes& lines, const By
         call.out().print("{}\n", text);
 }
 
-Orvane::GPIO::GPIO& gpio() {
-    static Orvane::GPIO::GPIO facade;
-    return facade;
-}
-
 void get(ServiceCall& call) {
     const Bytes lines = linesOf(call);
-    putStates(call, "level", lines, call.attempt([&] { return gpio().read(call.session(), lines); }));
+    putStates(call, "level", lines,
+              call.attempt([&] { return call.phy().gpio().read(lines, call.within()); }));
 }
 
 void outputs(ServiceCall& call) {
     const Bytes lines = linesOf(call);
     putStates(call, "output", lines,
-              call.attempt([&] { return gpio().readOutputEnable(call.session(), lines); }));
+              call.attempt([&] { return call.phy().gpio().outputEnables(lines, call.within()); }));
 }
 
 void set(ServiceCall& call) {
     const Pairs pairs = pairsOf(call.words(), false);
-    call.attempt([&] { gpio().set(call.session(), pairs.names, pairs.levels); });
+    call.attempt([&] { call.phy().gpio().write(pairs.names, pairs.levels, call.within()); });
 }
 
 void enable(ServiceCall& call) {
     const Pairs pairs = pairsOf(call.words(), false);
-    call.attempt([&] { gpio().enableOutput(call.session(), pairs.names, pairs.levels); });
+    call.attempt([&] { call.phy().gpio().enableOutput(pairs.names, pairs.levels, call.within()); });
 }
 
 void setDefault(ServiceCall& call) {
     const Bytes lines = linesOf(call);
-    call.attempt([&] { gpio().setDefault(call.session(), lines); });
+    call.attempt([&] { call.phy().gpio().setDefault(lines, call.within()); });
 }
 
 void reset(ServiceCall& call) {
-    call.attempt([&] { gpio().reset(call.session()); });
+    call.attempt([&] { call.phy().gpio().reset(call.within()); });
 }
 
 void bitBang(ServiceCall& call) {
     const Pairs pairs = pairsOf(call.words(), true);
     putStates(call, "level", pairs.names, call.attempt([&] {
-        return gpio().bitBang(call.session(), pairs.names, pairs.levels, pairs.lonely);
+        return call.phy().gpio().bitBang(pairs.names, pairs.levels, pairs.lonely, call.once());
     }));
 }
 
@@ -73,9 +69,8 @@ void info(ServiceCall& call) {
     Bytes lines;
     for (unsigned char line = 0; line < kLines; ++line)
         lines.push_back(line);
-    const Bytes levels = call.attempt([&] { return gpio().read(call.session(), lines); });
-    Bytes enabled = call.attempt([&] { return gpio().readOutputEnable(call.session(), lines); });
-    enabled.resize(kLines);
+    const Bytes levels = call.attempt([&] { return call.phy().gpio().read(lines, call.within()); });
+    const Bytes enabled = call.attempt([&] { return call.phy().gpio().outputEnables(lines, call.within()); });
     for (const unsigned char line : lines) {
         if (call.isText())
             call.out().print("line {:2}: {:6} {}\n", line, enabled[line] != 0 ? "output" : "input",

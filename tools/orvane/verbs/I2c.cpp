@@ -12,6 +12,7 @@ namespace OrvaneTool {
 namespace {
 
 using Bytes = std::vector<unsigned char>;
+using Orvane::I2cBus;
 constexpr std::uint64_t kLongest = 255; // of a transfer's length, one byte goes over the wire
 
 struct Place {
@@ -57,7 +58,7 @@ void read(ServiceCall& call) {
     const auto command = numberAs<unsigned char>(call.word(2), 255, "the command");
     const unsigned count = countAt(call, 3);
     const Bytes bytes =
-        call.attempt([&] { return Orvane::i2c.read(call.session(), at.bus, at.address, command, count); });
+        call.attempt([&] { return call.phy().i2c().read(at.bus, at.address, command, count, call.once()); });
     putBytes(call, at, "place", 0, bytes);
     printBytes(call, bytes);
 }
@@ -68,7 +69,7 @@ void get(ServiceCall& call) {
     const unsigned count = countAt(call, 3);
     const auto width = numberAs<unsigned char>(call.word(4, "1"), 4, "the number of register bytes");
     const Bytes bytes = call.attempt(
-        [&] { return Orvane::i2c.readReg(call.session(), at.bus, at.address, reg, width, count); });
+        [&] { return call.phy().i2c().readRegister(at.bus, at.address, reg, width, count, call.once()); });
     putBytes(call, at, "register", reg, bytes);
     printBytes(call, bytes);
 }
@@ -76,17 +77,19 @@ void get(ServiceCall& call) {
 void write(ServiceCall& call) {
     const Place at = placeOf(call);
     Bytes bytes = bytesFrom(call, 2);
-    call.attempt([&] { Orvane::i2c.write(call.session(), at.bus, at.address, bytes); });
+    call.attempt([&] { call.phy().i2c().write(at.bus, at.address, bytes, call.once()); });
+}
+
+// Bytes for a register whose number is one byte.
+I2cBus::Transfer transferOf(const Place& at, unsigned reg, const Bytes& bytes) {
+    return {at.bus, at.address, reg, 1, static_cast<std::uint32_t>(bytes.size()), bytes};
 }
 
 void set(ServiceCall& call) {
     const Place at = placeOf(call);
     const unsigned reg = registerAt(call, 2);
     Bytes bytes = bytesFrom(call, 3);
-    call.attempt([&] {
-        Orvane::i2c.blockWriteRegister(call.session(), {at.bus}, {at.address}, {reg}, bytes,
-                                       {static_cast<unsigned>(bytes.size())}, {1});
-    });
+    call.attempt([&] { call.phy().i2c().writeBlock({transferOf(at, reg, bytes)}, call.once()); });
 }
 
 void mask(ServiceCall& call) {
@@ -94,10 +97,7 @@ void mask(ServiceCall& call) {
     const unsigned reg = registerAt(call, 2);
     const auto bits = numberAs<unsigned char>(call.word(3), 255, "the mask");
     Bytes bytes = bytesFrom(call, 4);
-    call.attempt([&] {
-        Orvane::i2c.blockWriteMask(call.session(), {at.bus}, {at.address}, {reg}, bytes,
-                                   {static_cast<unsigned>(bytes.size())}, {1}, bits);
-    });
+    call.attempt([&] { call.phy().i2c().writeBlockMasked({transferOf(at, reg, bytes)}, bits, call.once()); });
 }
 
 // BUS:ADDRESS:REGISTER:COUNT
@@ -115,27 +115,21 @@ std::array<std::string, 4> partsOf(const std::string& word) {
 }
 
 void gather(ServiceCall& call) {
-    Bytes buses;
-    std::vector<unsigned> addresses;
-    std::vector<unsigned> registers;
-    std::vector<unsigned> lengths;
+    std::vector<I2cBus::Transfer> transfers;
     for (const std::string& word : call.words()) {
         const auto parts = partsOf(word);
-        buses.push_back(numberAs<unsigned char>(parts[0], 255, "the bus"));
-        addresses.push_back(numberAs<unsigned>(parts[1], 0x3FF, "the address"));
-        registers.push_back(numberAs<unsigned>(parts[2], 0xFFFFFFFF, "the register"));
-        lengths.push_back(numberAs<unsigned>(parts[3], kLongest, "the count"));
+        transfers.push_back({numberAs<unsigned char>(parts[0], 255, "the bus"),
+                             numberAs<unsigned>(parts[1], 0x3FF, "the address"),
+                             numberAs<unsigned>(parts[2], 0xFFFFFFFF, "the register"), 1,
+                             numberAs<unsigned>(parts[3], kLongest, "the count")});
     }
-    const std::vector<unsigned> widths(buses.size(), 1);
-    const Bytes bytes = call.attempt([&] {
-        return Orvane::i2c.blockReadRegister(call.session(), buses, addresses, registers, lengths, widths);
-    });
+    const Bytes bytes = call.attempt([&] { return call.phy().i2c().readBlock(transfers, call.once()); });
     auto next = bytes.begin();
-    for (std::size_t i = 0; i < lengths.size(); ++i) {
-        const auto end = next + static_cast<std::ptrdiff_t>(lengths[i]);
+    for (std::size_t i = 0; i < transfers.size(); ++i) {
+        const auto end = next + static_cast<std::ptrdiff_t>(transfers[i].length);
         if (call.isText())
             call.out().print("{} {}\n", call.words()[i], bytesText({next, end}));
-        putBytes(call, {buses[i], addresses[i]}, "register", registers[i], {next, end});
+        putBytes(call, {transfers[i].bus, transfers[i].device}, "register", transfers[i].reg, {next, end});
         next = end;
     }
 }
@@ -158,7 +152,7 @@ void dump(ServiceCall& call) {
         call.out().write("     0  1  2  3  4  5  6  7  8  9  a  b  c  d  e  f    0123456789abcdef\n");
     for (unsigned reg = 0; reg < 256; reg += kInLine) {
         const Bytes bytes = call.attempt(
-            [&] { return Orvane::i2c.readReg(call.session(), at.bus, at.address, reg, 1, kInLine); });
+            [&] { return call.phy().i2c().readRegister(at.bus, at.address, reg, 1, kInLine, call.once()); });
         putBytes(call, at, "register", reg, bytes);
         if (call.isText())
             printDumped(call, reg, bytes);

@@ -1,7 +1,6 @@
 // orvane info: what there is to know about one device.
-#include "ov_sys/Interface/connection/BoardConnection.h"
-#include "tools/orvane/board/Bits.h"
-#include "tools/orvane/cli/RegisterOptions.h"
+#include "tools/orvane/board/Targets.h"
+#include "tools/orvane/cli/Verb.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <array>
@@ -26,59 +25,52 @@ std::string sessionMode() {
     return "simple";
 }
 
-std::string portText(const Device& device) {
-    return device.isSmbus() ? fmt::format("{} (SMBus, I2C bus {})", device.port(), device.port() - 10)
-                            : fmt::format("{} (MDIO)", device.port());
+std::string portText(const Target& target) {
+    const unsigned port = target.port->number();
+    return target.isSmbus() ? fmt::format("{} (SMBus, I2C bus {})", port, port - 10)
+                            : fmt::format("{} (MDIO)", port);
 }
 
-std::vector<std::string> services(const Orvane::PhySession& session) {
-    using Board = Orvane::BoardConnection;
+std::vector<std::string> services(Context& context, const Orvane::Phy& phy) {
     std::vector<std::string> names;
-    for (const auto& [id, name] :
-         std::array<std::pair<Board::clientId, const char*>, 6>{{{Board::SETUP, "setup"},
-                                                                 {Board::MDIO, "mdio"},
-                                                                 {Board::I2C, "i2c"},
-                                                                 {Board::GPIO, "gpio"},
-                                                                 {Board::KEEPALIVE, "keep-alive"},
-                                                                 {Board::JTAG, "jtag"}}})
-        if (session.connection->getClient(id)->client != nullptr)
-            names.emplace_back(name);
+    for (const auto& [name, port] : phy.shell().services(context.within()))
+        names.push_back(name);
     return names;
 }
 
 // The identifier registers of the first MMD that has them.
-Cell identifier(Device& device, unsigned phy) {
-    const auto words = Registers(device, phy, Way::Queued).read({{Space::C45, 1, 2}, {Space::C45, 1, 3}});
-    return {fmt::format("{} {}", hexText(words[0], Space::C45), hexText(words[1], Space::C45)),
-            words[0] << 16U | words[1]};
+Cell identifier(Context& context, const Orvane::Phy& phy) {
+    const auto words = phy.read(std::vector<Orvane::RegisterAddress>{{1, 2}, {1, 3}}, context.within());
+    return {fmt::format("0x{:04X} 0x{:04X}", words[0], words[1]), words[0] << 16U | words[1]};
 }
 
 int run(Context& context, const Options& options) {
     RecordSink& records =
         context.records({{"address", "kind", "session", "key", "services", "identifier"}, {}});
-    Device device(context, options.device);
-    const Orvane::PhySession& session = device.session(options.phy);
-    const std::vector<std::string> names = services(session);
+    const Target target = findTarget(context, options.device);
+    const Orvane::Phy phy = target.port->phy(options.phy);
+    phy.open(context.within());
+    const std::vector<std::string> names = services(context, phy);
     std::vector<std::pair<const char*, Cell>> facts{
-        {"address", device.address()},
-        {"kind", {portText(device), device.isSmbus() ? "smbus" : "mdio"}},
+        {"address", target.address},
+        {"kind", {portText(target), target.isSmbus() ? "smbus" : "mdio"}},
         {"session", sessionMode()},
-        {"key", session.mdio.key},
+        {"key", phy.key()},
         {"services", {fmt::format("{}", fmt::join(names, " ")), names}},
     };
     if (options.withPhy)
-        facts.emplace_back("identifier", identifier(device, options.phy));
+        facts.emplace_back("identifier", identifier(context, phy));
     Record record("device");
-    record.device(device.name());
+    record.device(target.name);
     if (options.withPhy)
         record.phy(options.phy);
+    Stream& out = context.console.out;
     if (records.isText())
-        context.console.out.print("{:<11} {}\n", "device", device.name());
+        out.print("{:<11} {}\n", "device", target.name);
     for (const auto& [name, fact] : facts) {
         record.put(name, fact);
         if (records.isText())
-            context.console.out.print("{:<11} {}\n", std::string_view(name) == "kind" ? "port" : name,
-                                      fact.text);
+            out.print("{:<11} {}\n", std::string_view(name) == "kind" ? "port" : name, fact.text);
     }
     records.put(record);
     return kSuccess;

@@ -9,10 +9,7 @@
 namespace OrvaneTool {
 namespace {
 
-Orvane::JTAG::JTAG& jtag() {
-    static Orvane::JTAG::JTAG facade;
-    return facade;
-}
+using Orvane::JtagChain;
 
 void requireLevels(const std::string& text) {
     if (text.find_first_not_of("01") != std::string::npos)
@@ -40,7 +37,7 @@ void putDevice(ServiceCall& call, unsigned place, std::optional<std::uint32_t> c
 }
 
 void maxBytes(ServiceCall& call) {
-    const int bytes = call.attempt([&] { return jtag().maxBytes(call.session()); });
+    const unsigned bytes = call.attempt([&] { return call.phy().jtag().maxBytes(call.within()); });
     call.put(call.record("limit").put("bytes", bytes));
     if (call.isText())
         call.out().print("{}\n", bytes);
@@ -50,26 +47,27 @@ void shift(ServiceCall& call) {
     for (const std::string& word : call.words())
         requireLevels(word);
     putShifts(call, {call.attempt([&] {
-                  return jtag().shift(call.session(), call.word(0), call.word(1), call.word(2));
+                  return call.phy().jtag().shift({call.word(0), call.word(1), call.word(2)}, call.once());
               })});
 }
 
 // TDI:TMS:TMS-AFTER for each shift.
 void shiftMulti(ServiceCall& call) {
-    std::array<std::vector<std::string>, 3> lists;
+    std::vector<JtagChain::Shift> shifts;
     for (const std::string& word : call.words()) {
+        std::array<std::string, 3> parts;
         std::size_t begin = 0;
-        for (std::size_t i = 0; i < lists.size(); ++i) {
+        for (std::size_t i = 0; i < parts.size(); ++i) {
             const std::size_t colon = word.find(':', begin);
-            if ((colon == std::string::npos) != (i + 1 == lists.size()))
+            if ((colon == std::string::npos) != (i + 1 == parts.size()))
                 throw UsageError(fmt::format("'{}' is not TDI:TMS:AFTER", word));
-            lists[i].push_back(word.substr(begin, colon - begin));
-            requireLevels(lists[i].back());
+            parts[i] = word.substr(begin, colon - begin);
+            requireLevels(parts[i]);
             begin = colon + 1;
         }
+        shifts.push_back({parts[0], parts[1], parts[2]});
     }
-    putShifts(call,
-              call.attempt([&] { return jtag().shiftMulti(call.session(), lists[0], lists[1], lists[2]); }));
+    putShifts(call, call.attempt([&] { return call.phy().jtag().shift(shifts, call.once()); }));
 }
 
 // After a reset every device shifts out its identification, low bit first, which begins with a 1; ones follow
@@ -81,7 +79,7 @@ void idCodes(ServiceCall& call) {
     const std::string ones(kBits * kMostDevices, '1');
     const std::string stay = std::string(ones.size() - 1, '0') + "1";
     const std::vector<std::string> results = call.attempt([&] {
-        return jtag().shiftMulti(call.session(), {"", ones}, {kToShiftDr, stay}, {"", "10"});
+        return call.phy().jtag().shift({{"", kToShiftDr, ""}, {ones, stay, "10"}}, call.once());
     });
     const std::string& bits = results.at(1);
     unsigned device = 0;

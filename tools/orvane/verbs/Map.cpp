@@ -2,11 +2,12 @@
 #include "tools/orvane/cli/Verb.h"
 #include "tools/orvane/names/KnownMaps.h"
 #include "tools/orvane/output/Errors.h"
+#include "tools/orvane/output/OutputFile.h"
+#include "tools/orvane/output/RecordSink.h"
 #include "tools/orvane/verbs/Verbs.h"
 
-#include <cerrno>
+#include <array>
 #include <fmt/format.h>
-#include <fstream>
 
 namespace OrvaneTool {
 namespace {
@@ -14,6 +15,7 @@ namespace {
 struct Options {
     std::vector<std::string> words;
     std::string output; // a file; empty: standard output
+    bool force = false; // overwrite it
     std::string form = "json";
     std::string prefix;
     std::string space = "ext32";
@@ -23,9 +25,7 @@ struct Options {
 void put(Context& context, const Options& options, const std::string& text) {
     if (options.output.empty())
         return context.console.out.write(text);
-    std::ofstream file(options.output, std::ios::binary | std::ios::trunc);
-    if (!(file << text).flush())
-        throw Failure(fmt::format("{}: cannot write: {}", options.output, errorText(errno)));
+    writeFile(options.output, text, options.force);
 }
 
 Orvane::MapOptions loadingFor(const Context& context) {
@@ -49,60 +49,69 @@ int check(Context& context, const Options& options) {
     return kSuccess;
 }
 
-Table tableOfReferences() {
-    return Table(
-        {{"name", "NAME"}, {"address", "ADDRESS"}, {"bits", "BITS"}, {"access", "ACCESS"}, {"text", "TEXT"}});
+RecordSink& definitionsOf(Context& context) {
+    return context.records(
+        {{"name", "space", "mmd", "register", "at", "bits", "access", "text"},
+         {{"name", "NAME"}, {"at", "ADDRESS"}, {"bits", "BITS"}, {"access", "ACCESS"}, {"text", "TEXT"}}});
 }
 
-void addTo(Table& table, const Orvane::MapReference& each) {
+// A register or a field of it.
+void put(RecordSink& records, const Orvane::MapReference& each) {
+    constexpr std::array kSpaces{"c45", "c22", "ext32", "smbus"}; // in the order of MapSpace
     const Orvane::MapRegister& reg = *each.reg;
-    if (each.field == nullptr)
-        table.add({reg.name(), reg.address().text(), std::to_string(reg.width()), nameOf(reg.access()),
-                   reg.text()});
-    else
-        table.add({each.name(), reg.address().text(), each.field->bitsText(), nameOf(each.field->access),
-                   each.field->text});
+    const Orvane::MapAddress& address = reg.address();
+    Record record("definition");
+    record.put("name", each.field ? each.name() : reg.name())
+        .at(kSpaces.at(static_cast<std::size_t>(address.space)), address.mmd, address.number, address.text())
+        .put("bits", each.field ? each.field->bitsText() : std::to_string(reg.width()))
+        .put("access", nameOf(each.field ? each.field->access : reg.access()))
+        .put("text", each.field ? each.field->text : reg.text());
+    records.put(record);
 }
 
 // Without a word the maps, with words the registers that they mean and the fields of each that is named in
 // full.
 int show(Context& context, const Options& options) {
     const KnownMaps maps(context);
-    Stream& out = context.console.out;
     if (options.words.empty()) {
-        Table table({{"map", "MAP"}, {"registers", "REGISTERS", true}, {"text", "TEXT"}});
-        for (const Orvane::RegisterMap& map : maps.all())
-            table.add({map.name(), {std::to_string(map.size()), map.size()}, map.text()});
-        table.print(out, context.format());
+        RecordSink& records =
+            context.records({{"name", "registers", "text"},
+                             {{"name", "MAP"}, {"registers", "REGISTERS", true}, {"text", "TEXT"}}});
+        for (const Orvane::RegisterMap& map : maps.all()) {
+            Record record("map");
+            records.put(record.put("name", map.name()).put("registers", map.size()).put("text", map.text()));
+        }
         return kSuccess;
     }
     context.sideEffects = true;
-    Table table = tableOfReferences();
+    RecordSink& records = definitionsOf(context);
     std::vector<std::string> leftOut;
     for (const std::string& word : options.words) {
         const std::vector<Asked> list = maps.parse(word, Space::C45, 1, leftOut);
         for (const Asked& each : list) {
             if (each.mapped == nullptr)
                 throw Failure(fmt::format("no map has {}", each.reg.text()));
-            addTo(table, {each.mapped, each.field});
+            put(records, {each.mapped, each.field});
             if (list.size() == 1 && each.field == nullptr)
                 for (const Orvane::MapField& field : each.mapped->fields())
-                    addTo(table, {each.mapped, &field});
+                    put(records, {each.mapped, &field});
         }
     }
-    table.print(out, context.format());
     return kSuccess;
 }
 
 int search(Context& context, const Options& options) {
     const KnownMaps maps(context);
-    Table table = tableOfReferences();
+    RecordSink& records = definitionsOf(context);
+    const std::string words = fmt::format("{}", fmt::join(options.words, " "));
+    bool any = false;
     for (const Orvane::RegisterMap& map : maps.all())
-        for (const Orvane::MapReference& each : map.search(fmt::format("{}", fmt::join(options.words, " "))))
-            addTo(table, each);
-    if (table.size() == 0)
-        throw Failure(fmt::format("nothing has '{}' in its name or text", fmt::join(options.words, " ")));
-    table.print(context.console.out, context.format());
+        for (const Orvane::MapReference& each : map.search(words)) {
+            put(records, each);
+            any = true;
+        }
+    if (!any)
+        throw Failure(fmt::format("nothing has '{}' in its name or text", words));
     return kSuccess;
 }
 
@@ -165,6 +174,7 @@ void addFiles(CLI::App& map, Context& context) {
     const auto output = [](const auto& added) {
         added.first->add_option("-o,--output", added.second->output, "Write it to this file")
             ->type_name("FILE");
+        added.first->add_flag("--force", added.second->force, "Overwrite the file");
     };
     const auto imported = add(map, context,
                               {"import", "Make a map of a CMSIS-SVD, uHAL or CSV file",

@@ -1,19 +1,24 @@
 // orvane replay: the accesses of a transaction log once more.
-#include "tools/orvane/cli/RegisterOptions.h"
+#include "tools/orvane/board/Targets.h"
+#include "tools/orvane/cli/Verb.h"
 #include "tools/orvane/log/LogFile.h"
+#include "tools/orvane/log/ServiceSteps.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <fmt/format.h>
+#include <map>
+#include <orvane/rack.hpp>
 #include <set>
+#include <string>
 
 namespace OrvaneTool {
 namespace {
 
 struct Options {
     std::string file;
-    std::string device;
-    int adapter = -1;
-    int phy = -1;
+    std::string to;
+    Selection selection;
+    int phy = -1; // 0 and up: instead of those in the log
     bool dryRun = false;
     bool keepGoing = false;
 };
@@ -21,23 +26,32 @@ struct Options {
 struct Counts {
     std::size_t writes = 0;
     std::size_t reads = 0;
+    std::size_t calls = 0; // of services
     std::size_t differing = 0;
+
+    std::size_t steps() const { return writes + reads + calls; }
 };
 
-// The accesses of the log that can be repeated, of one adapter.
+// The steps of the log that can be repeated, of one port or adapter.
 class Plan {
 public:
-    // Throws UsageError when it is not said which adapter.
-    explicit Plan(const Options& options) : log_(options.file), selection_{options.adapter, -1} {
-        std::set<unsigned> adapters;
-        LogFile::Accesses accesses = log_.accesses(selection_);
-        for (LoggedAccess access; accesses.next(access);) {
-            adapters.insert(access.adapter);
-            ++(canBeRepeated(access) ? size_ : skipped_);
+    // Throws UsageError when it is not said which port, and Failure when the log has nothing of it.
+    explicit Plan(const Options& options) : log_(options.file), selection_(options.selection) {
+        std::set<std::string> places;
+        LogFile::Entries entries = log_.entries(selection_);
+        for (LogRecord entry; entries.next(entry);) {
+            if (entry.kind != LogRecord::Kind::Access && entry.kind != LogRecord::Kind::Service)
+                continue;
+            places.insert(placeOf(entry.access));
+            ++(isStep(entry) ? size_ : skipped_);
         }
-        if (adapters.size() > 1)
-            throw UsageError(fmt::format("{}: the log has accesses of adapters {}: choose one with --adapter",
-                                         options.file, fmt::join(adapters, ", ")));
+        const std::string option = log_.hasTimes() ? "--device" : "--adapter";
+        if (places.size() > 1)
+            throw UsageError(fmt::format("{}: the log has accesses of {}{}: choose one with {}", options.file,
+                                         log_.hasTimes() ? "" : "adapters ", fmt::join(places, ", "),
+                                         option));
+        if (places.empty())
+            refuse(options);
     }
 
     std::size_t size() const { return size_; }
@@ -46,16 +60,39 @@ public:
     // Until `work` returns false.
     template <class Work>
     void forEach(Work work) const {
-        LogFile::Accesses accesses = log_.accesses(selection_);
-        for (LoggedAccess access; accesses.next(access);)
-            if (canBeRepeated(access) && !work(access))
+        LogFile::Entries entries = log_.entries(selection_);
+        for (LogRecord entry; entries.next(entry);)
+            if (isStep(entry) && !work(entry))
                 return;
     }
 
 private:
-    // 64-bit registers have no transport; a queued read without a value was never executed.
-    static bool canBeRepeated(const LoggedAccess& access) {
-        return access.value && *access.value <= 0xFFFFFFFF;
+    static std::string placeOf(const LoggedAccess& access) {
+        return access.device.empty() ? std::to_string(access.adapter) : access.device;
+    }
+
+    // 64-bit registers have no transport; a queued read without a value was never executed, and what failed
+    // may have been or not.
+    static bool isStep(const LogRecord& entry) {
+        const LoggedAccess& access = entry.access;
+        if (entry.kind != LogRecord::Kind::Access)
+            return canBeRepeated(entry);
+        return access.value && *access.value <= 0xFFFFFFFF &&
+               (access.outcome.empty() || access.outcome == "done");
+    }
+
+    // There is nothing of what was selected: says what there is instead.
+    [[noreturn]] void refuse(const Options& options) const {
+        std::set<std::string> places;
+        LogFile::Accesses accesses = log_.accesses({});
+        for (LoggedAccess access; accesses.next(access);)
+            places.insert(placeOf(access));
+        const std::string wanted = selection_.adapter >= 0 ? fmt::format(" of adapter {}", selection_.adapter)
+                                   : selection_.device.empty() ? ""
+                                                               : " of " + selection_.device;
+        throw Failure(
+            fmt::format("{}: there are no accesses{} in it{}", options.file, wanted,
+                        places.empty() ? "" : fmt::format("; there are of {}", fmt::join(places, ", "))));
     }
 
     LogFile log_;
@@ -69,42 +106,85 @@ unsigned phyOf(const Options& options, const LoggedAccess& access) {
 }
 
 void printPlan(Stream& out, const Options& options, const Plan& plan) {
-    plan.forEach([&](const LoggedAccess& access) {
-        out.print("{} PHY {} {} {}\n", access.write ? "write" : "read ", phyOf(options, access),
-                  access.reg.text(), access.valueText());
+    plan.forEach([&](const LogRecord& entry) {
+        const LoggedAccess& access = entry.access;
+        const unsigned phy = phyOf(options, access);
+        if (entry.kind == LogRecord::Kind::Service)
+            out.print("call  PHY {} {} {}\n", phy, entry.operation, entry.arguments);
+        else
+            out.print("{} PHY {} {} {}\n", access.write ? "write" : "read ", phy, access.reg.text(),
+                      access.valueText());
         out.flushWhenFull();
         return true;
     });
 }
 
-// Whether the board still answers as in the log.
-bool repeat(Device& device, unsigned phy, const LoggedAccess& access, Counts& counts) {
-    const auto logged = static_cast<std::uint32_t>(*access.value);
-    Registers registers(device, phy, Way::Single);
-    if (access.write) {
-        ++counts.writes;
-        registers.run({{access.reg, logged}});
-        return true;
-    }
-    ++counts.reads;
-    const std::uint32_t now = registers.read({access.reg}).front();
-    if (now == logged)
-        return true;
-    ++counts.differing;
-    device.context().console.out.print("access {}: read PHY {} {}: {} in the log, 0x{:0{}X} now\n",
-                                       counts.reads + counts.writes, phy, access.reg.text(),
-                                       access.valueText(), now, access.digits);
-    return false;
+Orvane::RegisterAddress addressOf(const Register& reg) {
+    if (reg.space == Space::C22)
+        return Orvane::clause22(reg.address);
+    return reg.space == Space::Ext32 ? Orvane::ext32(reg.address)
+                                     : Orvane::RegisterAddress{reg.mmd, reg.address};
 }
 
-Counts repeatAll(Context& context, const Options& options, const Plan& plan) {
-    Counts counts;
-    Device device(context, options.device);
-    plan.forEach([&](const LoggedAccess& access) {
-        return repeat(device, phyOf(options, access), access, counts) || options.keepGoing;
-    });
-    return counts;
-}
+// Carries out steps and compares what they give.
+class Replay {
+public:
+    Replay(Context& context, const Options& options)
+        : context_(context), options_(options), target_(findTarget(context, options.to)) {}
+
+    // Whether the board still answers as in the log.
+    bool repeat(const LogRecord& entry) {
+        context_.interrupts().check();
+        return entry.kind == LogRecord::Kind::Service ? repeatCall(entry) : repeatAccess(entry.access);
+    }
+
+    const Counts& counts() const { return counts_; }
+
+private:
+    // Kept, so that its session is opened once.
+    const Orvane::Phy& phy(const LoggedAccess& access) {
+        const unsigned id = phyOf(options_, access);
+        const auto found = phys_.find(id);
+        return found != phys_.end() ? found->second : phys_.emplace(id, target_.port->phy(id)).first->second;
+    }
+
+    bool repeatAccess(const LoggedAccess& access) {
+        const Orvane::RegisterAddress address = addressOf(access.reg);
+        const auto logged = static_cast<std::uint32_t>(*access.value);
+        if (access.write) {
+            ++counts_.writes;
+            phy(access).write(address, logged, context_.within());
+            return true;
+        }
+        ++counts_.reads;
+        const std::uint32_t now = phy(access).read(address, context_.within());
+        if (now == logged)
+            return true;
+        ++counts_.differing;
+        context_.console.out.print("access {}: read PHY {} {}: {} in the log, 0x{:0{}X} now\n",
+                                   counts_.steps(), phyOf(options_, access), access.reg.text(),
+                                   access.valueText(), now, access.digits);
+        return false;
+    }
+
+    bool repeatCall(const LogRecord& call) {
+        ++counts_.calls;
+        const std::string now = repeated(phy(call.access), call, context_.within());
+        if (now.empty() || now == call.result)
+            return true;
+        ++counts_.differing;
+        context_.console.out.print("access {}: {} PHY {} {}: {} in the log, {} now\n", counts_.steps(),
+                                   call.operation, phyOf(options_, call.access), call.arguments, call.result,
+                                   now);
+        return false;
+    }
+
+    Context& context_;
+    const Options& options_;
+    Target target_;
+    std::map<unsigned, Orvane::Phy> phys_;
+    Counts counts_;
+};
 
 int run(Context& context, const Options& options) {
     const Plan plan(options);
@@ -113,11 +193,14 @@ int run(Context& context, const Options& options) {
         printPlan(out, options, plan);
         return kSuccess;
     }
-    if (options.device.empty())
+    if (options.to.empty())
         throw UsageError("replay: say where to: --to DEVICE, or --dry-run");
-    const Counts counts = repeatAll(context, options, plan);
-    out.print("{} of {} accesses: {} writes, {} reads, {} differ{}\n", counts.reads + counts.writes,
-              plan.size(), counts.writes, counts.reads, counts.differing,
+    Replay replay(context, options);
+    plan.forEach([&](const LogRecord& entry) { return replay.repeat(entry) || options.keepGoing; });
+    const Counts& counts = replay.counts();
+    out.print("{} of {} accesses: {} writes, {} reads, {}{} differ{}\n", counts.steps(), plan.size(),
+              counts.writes, counts.reads,
+              counts.calls > 0 ? fmt::format("{} calls of services, ", counts.calls) : "", counts.differing,
               plan.skipped() > 0 ? fmt::format("; {} cannot be repeated", plan.skipped()) : "");
     return counts.differing == 0 ? kSuccess : kFailed;
 }
@@ -132,12 +215,15 @@ void addReplay(CLI::App& app, Context& context) {
                       "  orvane replay session.csv --to OV0001:0 --keep-going\n"
                       "  orvane replay session.csv --to OV0002:0 --adapter 1 --phy 4\n"
                       " Accesses go straight to their registers, one by one, in the log's order; queued\n"
-                      " ones too. The exit status is 1 when a read differs.\n"});
+                      " ones too. Calls of I2C, GPIO and the thermal unit are made again, others are not.\n"
+                      " The exit status is 1 when a read differs.\n"});
     auto options = std::make_shared<Options>();
     verb.add_option("FILE", options->file, "The log")->required()->type_name("");
-    verb.add_option("--to", options->device, "Device that the accesses go to")->type_name("DEVICE");
-    verb.add_option("--adapter", options->adapter, "Repeat the accesses of this adapter of the log")
+    verb.add_option("--to", options->to, "Device that the accesses go to")->type_name("DEVICE");
+    verb.add_option("--adapter", options->selection.adapter, "Repeat the accesses of this adapter of the log")
         ->type_name("N");
+    verb.add_option("--device", options->selection.device, "Or those of this port, in a log that names them")
+        ->type_name("DEVICE");
     verb.add_option("--phy", options->phy, "Send them to this PHY instead of those in the log")
         ->type_name("PHY");
     verb.add_flag("--dry-run", options->dryRun, "Print what would be sent, and send nothing");

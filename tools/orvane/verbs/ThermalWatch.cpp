@@ -1,6 +1,7 @@
 // orvane thermal watch: a temperature as a curve.
 #include "tools/orvane/verbs/ThermalWatch.h"
 
+#include "tools/orvane/board/Gap.h"
 #include "tools/orvane/board/Numbers.h"
 #include "tools/orvane/cli/Service.h"
 #include "tools/orvane/output/Plot.h"
@@ -9,7 +10,9 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <csignal>
 #include <fmt/format.h>
+#include <utility>
 
 namespace OrvaneTool {
 namespace {
@@ -17,6 +20,7 @@ namespace {
 struct Options : ServiceOptions {
     unsigned interval = 1000;
     unsigned long count = 0; // 0: until interrupted
+    bool strict = false;
 };
 
 constexpr unsigned kRows = 12;
@@ -49,16 +53,37 @@ void putSample(ServiceCall& call, unsigned channel, const std::vector<double>& a
     call.put(record);
 }
 
-void watch(ServiceCall& call, const Options& options, unsigned channel, double target) {
+void putGap(ServiceCall& call, const Gap& gap) {
+    Record record = call.record("gap");
+    gap.addTo(record);
+    call.put(record);
+    if (call.isText())
+        call.out().print("{}\n", gap.text());
+}
+
+// Temperatures until the count is reached or a signal comes; counts the gaps.
+void watch(ServiceCall& call, const Options& options, unsigned channel, double target, std::size_t& gaps) {
+    constexpr std::chrono::seconds kPatience{2}; // with one temperature
+    const std::chrono::milliseconds interval(options.interval);
     std::vector<double> all;
+    bool redrawn = false;
     while (options.count == 0 || all.size() < options.count) {
         if (!all.empty())
-            call.context().interrupts().sleep(std::chrono::milliseconds(options.interval));
-        all.push_back(static_cast<double>(call.attempt(
-            [&] { return Orvane::Thermal::Thermal().getTemperature(call.session(), channel); })));
+            call.context().interrupts().sleep(interval);
+        const auto gap = call.attempt([&] {
+            return throughGaps(call.context(), interval, [&] {
+                all.push_back(
+                    static_cast<double>(call.phy().thermal().temperature(channel, call.within(kPatience))));
+            });
+        });
+        if (gap) {
+            putGap(call, *gap);
+            ++gaps;
+            redrawn = false; // below the line of the gap
+        }
         putSample(call, channel, all, target);
         if (call.isText() && call.out().isTerminal())
-            redraw(call.out(), all, target, all.size() == 1);
+            redraw(call.out(), all, target, !std::exchange(redrawn, true));
         else if (call.isText())
             call.out().print("{} {:.2f}\n", all.size(), all.back());
         call.out().flush();
@@ -69,13 +94,18 @@ int run(Context& context, const Options& options) {
     const auto channel = numberAs<unsigned>(options.words[0], 0xFFFFFFFF, "the channel");
     const double target =
         options.words.size() > 1 ? fraction(options.words[1], "the set point") : std::nan("");
-    ServiceCall call(context, options, "thermal watch", "time sequence channel celsius set_point",
+    ServiceCall call(context, options, "thermal watch", "time sequence channel celsius set_point from until",
                      Pace::OneByOne);
+    std::size_t gaps = 0;
+    int status = kSuccess;
     try {
-        watch(call, options, channel, target);
-    } catch (const Interrupted&) { // the usual end
+        watch(call, options, channel, target, gaps);
+    } catch (const Interrupted& interrupted) { // the usual end, if by the user
+        status = interrupted.signal == SIGINT ? kSuccess : 128 + interrupted.signal;
     }
-    return kSuccess;
+    if (gaps > 0 && call.isText())
+        call.out().print("{} gap{}\n", gaps, gaps == 1 ? "" : "s");
+    return status == kSuccess && options.strict && gaps > 0 ? kFailed : status;
 }
 
 } // namespace
@@ -84,12 +114,14 @@ void addThermalWatch(CLI::App& service, Context& context) {
     CLI::App& verb = addVerb(service, {"watch", "Plot a temperature, against its set point", ""});
     auto options = std::make_shared<Options>();
     addServiceOptions(verb, context, *options);
-    verb.add_option("CHANNEL [SET-POINT]", options->words, "The channel, and a line to be drawn")
+    verb.add_option("CHANNEL [SET-POINT]", options->words,
+                    "The channel, and a line to be drawn, in degrees Celsius")
         ->required()
         ->type_name("")
         ->expected(1, 2);
     verb.add_option("--interval", options->interval, "Pause between temperatures (1000)")->type_name("MS");
     verb.add_option("--count", options->count, "Stop after so many")->type_name("N");
+    verb.add_flag("--strict", options->strict, "End with status 1 when the board did not answer for a while");
     setAction(verb, context, options, run);
 }
 

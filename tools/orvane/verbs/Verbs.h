@@ -27,6 +27,11 @@ void addThermal(CLI::App& app, Context& context);
 void addExec(CLI::App& app, Context& context);
 void addLog(CLI::App& app, Context& context);
 void addReplay(CLI::App& app, Context& context);
+void addNote(CLI::App& app, Context& context);
+void addConfig(CLI::App& app, Context& context);
+
+// Hidden: what the shell offers.
+void addComplete(CLI::App& app, Context& context);
 
 // Hidden: prints the manual page and the shell completion from the same definitions.
 void addGenerate(CLI::App& app, Context& context);

@@ -85,5 +85,5 @@ CREATE VIEW result AS
            value.value AS value
     FROM point JOIN board ON board.id = point.board JOIN value ON value.point = point.id
     WHERE point.state = 'done'
-    ORDER BY point.id, value.name;
+    ORDER BY board.id, point.id, value.name;
 """

@@ -21,7 +21,8 @@ import sys
 import numpy
 import orvane
 
-run = orvane.Run("kills", boards=["OV0001:0", "OV0002:0"], phy=3, level=range({levels}), drive=range(8), safe_within=10)
+run = orvane.Run("kills", boards=["OV0001:0", "OV0002:0"], phy=3, level=range({levels}), drive=range(8), safe_within=10,
+                 exclusive=True)
 
 @run.setup
 def bias(p, level):

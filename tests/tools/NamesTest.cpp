@@ -193,6 +193,19 @@ TEST_F(OrvaneNames, AreFoundBesideTheUsersConfiguration_ByThePhysIdentifier) {
                 StartsWith("orvane: there is no 'CHIP.CONTROL.SPEED' in ieee8023"));
 }
 
+TEST_F(OrvaneNames, OfABrokenMapBesideTheUsersConfigurationAreMissing_AndTheOthersAreThere) {
+    std::filesystem::create_directories(folder.path("orvane/maps"));
+    const std::string broken =
+        folder.write("orvane/maps/broken.json", R"({"format": "orvane-map-1", "nme": "b"})");
+    folder.write("orvane/maps/wren.json", kWren);
+    Environment with = environment();
+    with["XDG_CONFIG_HOME"] = folder.path("");
+    const Outcome outcome = orvane({"read", "OV0001:0", "3", "CHIP.CONTROL.SPEED"}, with);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, "100 Mb/s\n");
+    EXPECT_THAT(outcome.error, StartsWith("orvane: left out: " + broken + ":1: "));
+}
+
 TEST_F(OrvaneNames, OnATerminalShowTheirFields) {
     EXPECT_THAT(
         orvaneOnTerminal({"read", "OV0001:0", "3", "CHIP.CONTROL", "--map", file}, environment()).output,

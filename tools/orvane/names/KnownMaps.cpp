@@ -39,6 +39,12 @@ Orvane::RegisterMap loaded(const std::string& file, const Orvane::MapOptions& op
     }
 }
 
+void warn(const std::string& text) {
+    Stream err(LibraryMessages::err());
+    err.write(text);
+    err.flushIfPossible();
+}
+
 Orvane::MapAddress mapAddress(const Register& reg) {
     using Orvane::MapSpace;
     const MapSpace space = reg.space == Space::C45   ? MapSpace::c45
@@ -86,9 +92,14 @@ KnownMaps::KnownMaps(const Context& context) : context_(context), configured_(co
 void KnownMaps::identify(std::uint32_t identifier) {
     Orvane::MapOptions options;
     options.identifier = identifier;
-    for (const std::string& file : configured_)
-        if (const Orvane::RegisterMap map = loaded(file, options); map.describes(identifier))
-            maps_.insert(maps_.end() - 1, map);
+    for (const std::string& file : configured_) {
+        try {
+            if (const Orvane::RegisterMap map = loaded(file, options); map.describes(identifier))
+                maps_.insert(maps_.end() - 1, map);
+        } catch (const UsageError& problem) { // nobody asked for this one
+            warn(fmt::format("orvane: left out: {}\n", problem.what()));
+        }
+    }
 }
 
 const Orvane::MapRegister* KnownMaps::find(const Register& reg) const {

@@ -30,7 +30,7 @@ public:
     // Whether there are maps beside the user's configuration, and the PHY's identifier has to be asked for to
     // choose.
     bool wantsIdentifier() const { return !configured_.empty(); }
-    // Loads those of them that describe this PHY.
+    // Loads those of them that describe this PHY. A broken one is left out, with a line on standard error.
     void identify(std::uint32_t identifier);
 
     // Whether there is any but IEEE 802.3.

@@ -11,14 +11,14 @@ namespace {
 
 using Orvane::Cancellation;
 
-// What the handler reads; written by the main thread while the handler is not in place.
-struct sigaction former;
+// What the handler reads.
+struct sigaction former;                     // what it did before; written while the handler is not in place
 std::atomic<Cancellation*> own{nullptr};     // of calls without one; never freed, for a handler may come late
 std::atomic<Cancellation*> current{nullptr}; // that the program gave to the outermost call
 std::atomic<int> handling{0};                // threads inside the handler
 
 pthread_t mainThread;
-bool inPlace = false; // of the main thread
+bool inCall = false; // of the main thread
 
 extern "C" void onInterrupt(int number, siginfo_t* info, void* context) {
     ++handling;
@@ -36,25 +36,29 @@ bool isOurs(const struct sigaction& action) noexcept {
     return (action.sa_flags & SA_SIGINFO) != 0 && action.sa_sigaction == onInterrupt;
 }
 
-// False when nobody handles SIGINT.
+// On another thread the handler takes a few instructions.
+void awaitHandlers() {
+    while (handling.load() != 0)
+        sched_yield();
+}
+
+// False when nobody handles SIGINT. The handler stays between calls, where it does nothing of its own, for
+// putting it there and taking it away costs as much as a third of a read; one that the program has set
+// meanwhile is found here.
 bool install() {
+    struct sigaction found {};
+    if (sigaction(SIGINT, nullptr, &found) != 0)
+        return false;
+    if (isOurs(found))
+        return true;
+    if (found.sa_handler == SIG_DFL || found.sa_handler == SIG_IGN)
+        return false;
+    awaitHandlers();
+    former = found;
     struct sigaction action {};
     action.sa_sigaction = onInterrupt;
     action.sa_flags = SA_SIGINFO | SA_ONSTACK;
-    struct sigaction before {};
-    if (sigaction(SIGINT, nullptr, &before) != 0 || before.sa_handler == SIG_DFL ||
-        before.sa_handler == SIG_IGN)
-        return false;
-    former = before;
     return sigaction(SIGINT, &action, nullptr) == 0;
-}
-
-// A handler that the program has set meanwhile stays.
-void remove() {
-    struct sigaction found {};
-    sigaction(SIGINT, &former, &found);
-    if (!isOurs(found))
-        sigaction(SIGINT, &found, nullptr);
 }
 
 } // namespace
@@ -67,7 +71,7 @@ void Interruptible::forget() noexcept {
     mainThread = pthread_self();
     own = nullptr;
     current = nullptr;
-    inPlace = false;
+    inCall = false;
 }
 
 Interruptible::Interruptible(Orvane::Within& limits) {
@@ -75,26 +79,28 @@ Interruptible::Interruptible(Orvane::Within& limits) {
         return;
     if (own == nullptr)
         own = new Cancellation;
-    if (!inPlace) {
-        if (own.load()->cancelled())
+    if (!inCall) {
+        if (own.load()->cancelled()) { // since the last call, and perhaps nobody has looked yet
             own.load()->reset();
+            raise();
+        }
         current =
             const_cast<Cancellation*>(limits.cancellation); // NOLINT(*-const-cast): the program could, too
         installed_ = install();
-        inPlace = installed_;
+        if (!installed_)
+            current = nullptr;
+        inCall = installed_;
     }
-    if (inPlace && limits.cancellation == nullptr)
+    if (inCall && limits.cancellation == nullptr)
         limits.cancellation = own;
 }
 
 Interruptible::~Interruptible() {
     if (!installed_)
         return;
-    remove();
-    current = nullptr;
-    inPlace = false;
-    while (handling.load() != 0) // on another thread, for a few instructions
-        sched_yield();
+    inCall = false;
+    if (current.exchange(nullptr) != nullptr)
+        awaitHandlers(); // it may end with the call
 }
 
 void Interruptible::raise() {

@@ -83,6 +83,7 @@ def test_ctrl_c_ends_a_call_at_once(program, lab, call, procedure, send):
     ("phy.thermal[0].settled(within=30)", "thrm_getsettledtemperature"),
     ("phy.shell.ping_session(within=30)", "pingclient"),
     ("asyncio.run(phy.aread(1, 2, within=30))", "mdio_read"),
+    ("asyncio.run(asyncio.sleep(0)); phy.read(1, 2, within=30)", "mdio_read"),
 ])
 def test_ctrl_c_ends_whatever_waits_for_a_board(program, lab, call, procedure):
     ended = program(INTERRUPTED.format(call=call, procedure=procedure, signal=TO_PROCESS))
@@ -171,6 +172,32 @@ def test_programs_own_handler_runs_and_the_call_is_cancelled(phy, board):
     finally:
         signal.signal(signal.SIGINT, former)
         thread.join()
+
+
+def test_interrupt_between_calls_is_the_programs_own(phy, board):
+    told = []
+    former = signal.signal(signal.SIGINT, lambda number, frame: told.append(number))
+    try:
+        value = phy[1, 2]
+        os.kill(os.getpid(), signal.SIGINT)
+        assert phy[1, 2] == value
+        assert told == [signal.SIGINT]
+    finally:
+        signal.signal(signal.SIGINT, former)
+
+
+def test_interrupt_is_left_to_the_system_where_the_program_says_so(program, lab):
+    ended = program("""
+import os, signal
+import orvane
+phy = orvane.open("OV0001:0").phy(3)
+phy[1, 2]
+signal.signal(signal.SIGINT, signal.SIG_DFL)
+phy[1, 2]
+os.kill(os.getpid(), signal.SIGINT)
+""")
+    undisturbed(lab)
+    assert ended.returncode == -signal.SIGINT, ended.stderr
 
 
 def test_program_that_ends_with_open_sessions_closes_them(program, lab):

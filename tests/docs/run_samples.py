@@ -98,6 +98,7 @@ class Page:
             "PKG_CONFIG_PATH": str(libraries / "pkgconfig"),
             "CMAKE_PREFIX_PATH": str(stage),
             "CMAKE_GENERATOR": "Ninja",
+            "ORVANE_PYTHON": PYTHON,
             "PYTHONPATH": os.pathsep.join(packages),
             "LC_ALL": "C.UTF-8",
             "STAGE": str(stage),

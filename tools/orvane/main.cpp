@@ -20,14 +20,15 @@ constexpr const char* kFooter =
     "\n"
     "Environment: ORVANE_ADDRESS the addresses of --address, separated by commas; NO_COLOR no\n"
     "colours; ORVANE_MAPS register maps, separated by colons; ORVANE_LOG the transaction log of --log;\n"
+    "ORVANE_PYTHON the Python of 'orvane run';\n"
     "EXCLUSIVE_KEY, CONCURRENT_KEY, SIMPLE_KEY how sessions are opened. 'orvane config' shows what holds.\n"
     "\n"
     "'orvane VERB --help' explains a verb, with examples.";
 
-constexpr std::array kVerbs{addList,   addInfo, addPing,   addRead,     addWrite,   addModify,
-                            addDump,   addDiff, addWatch,  addDecode,   addMap,     addI2c,
-                            addGpio,   addJtag, addAdc,    addThermal,  addExec,    addLog,
-                            addReplay, addNote, addConfig, addComplete, addGenerate};
+constexpr std::array kVerbs{addList,   addInfo, addPing,  addRead,    addWrite,    addModify,
+                            addDump,   addDiff, addWatch, addDecode,  addMap,      addI2c,
+                            addGpio,   addJtag, addAdc,   addThermal, addExec,     addLog,
+                            addReplay, addRun,  addNote,  addConfig,  addComplete, addGenerate};
 
 void addVerbs(CLI::App& app, Context& context) {
     app.formatter(std::make_shared<HelpFormatter>(context.console.out.width()));

@@ -38,11 +38,13 @@ def main(arguments: Optional[abc.Sequence[str]] = None) -> int:
     """The command line without its name; returns the exit status."""
     given = list(sys.argv[1:] if arguments is None else arguments)
     try:
-        if given[:1] == ["show"]:
-            return _show(given[1:])
-        if given[:1] == ["diff"]:
-            return _diff(given[1:])
-        return _run(given)
+        verb = {"show": _show, "diff": _diff}.get(given[0] if given else "")
+        status = _run(given) if verb is None else verb(given[1:])
+        sys.stdout.flush()
+        return status
+    except BrokenPipeError:  # a reader that has left, as head does
+        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
+        return SUCCESS
     except NotSafe as problem:
         return _complain(problem, NOT_SAFE)
     except (DataSetError, RecipeError, Error, OSError) as problem:

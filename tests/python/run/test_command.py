@@ -142,3 +142,10 @@ def test_what_cannot_be_done_is_told_on_one_line(orvane_run, words, status, told
 def test_program_without_a_run_is_told(orvane_run):
     (orvane_run.folder / "empty.py").write_text("import orvane\n")
     assert orvane_run("empty.py").stderr == "orvane: run: empty.py: it makes no runs, and calls go() of none\n"
+
+
+def test_reader_that_leaves_ends_it_quietly(orvane_run):
+    orvane_run("sweep.py")
+    told = subprocess.run(f"{sys.executable} -m orvane.run show sweep.orvrun | true", shell=True, cwd=orvane_run.folder,
+                          text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=60)
+    assert (told.stdout, told.stderr) == ("", "")

@@ -27,6 +27,7 @@ void addThermal(CLI::App& app, Context& context);
 void addExec(CLI::App& app, Context& context);
 void addLog(CLI::App& app, Context& context);
 void addReplay(CLI::App& app, Context& context);
+void addRun(CLI::App& app, Context& context);
 void addNote(CLI::App& app, Context& context);
 void addConfig(CLI::App& app, Context& context);
 

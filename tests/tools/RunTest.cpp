@@ -1,0 +1,39 @@
+// orvane run: hands its words to the Python package.
+#include "tests/support/tools/Program.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace OrvaneTest {
+namespace {
+
+TEST(OrvaneRun, HandsItsWordsToTheInterpreterAsTheyAre) {
+    const Outcome outcome =
+        orvane({"run", "--help", "sweep.py", "--tolerance", "eye=1 %"}, {{"ORVANE_PYTHON", "echo"}});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, testing::StartsWith("-c import sys\n"));
+    EXPECT_THAT(outcome.output, testing::EndsWith(" --help sweep.py --tolerance eye=1 %\n"));
+}
+
+TEST(OrvaneRun, HasTheStatusOfTheInterpreter) {
+    EXPECT_EQ(orvane({"run", "show", "it.orvrun"}, {{"ORVANE_PYTHON", "false"}}), fails(1, ""));
+}
+
+TEST(OrvaneRun, WithoutAnInterpreterSaysWhatItNeeds) {
+    EXPECT_EQ(orvane({"run", "sweep.py"}, {{"ORVANE_PYTHON", "/no/python"}}),
+              fails(1, "orvane: run: /no/python: No such file or directory. It needs Python and its package "
+                       "orvane (Debian: python3-orvane)\n"));
+}
+
+TEST(OrvaneRun, WithoutThePackageSaysWhatItNeeds) {
+    const Outcome outcome =
+        orvane({"run", "sweep.py"}, {{"ORVANE_PYTHON", "/usr/bin/python3"}, {"PYTHONPATH", "/no/folder"}});
+    if (outcome.error.find("is missing") == std::string::npos)
+        GTEST_SKIP() << "the package is installed here: " << outcome.error;
+    EXPECT_EQ(outcome,
+              fails(1, "orvane: run: the Python package orvane is missing for /usr/bin/python3 (Debian: "
+                       "python3-orvane)\n"));
+}
+
+} // namespace
+} // namespace OrvaneTest

@@ -10,6 +10,7 @@ namespace {
 using OrvaneSim::Fault;
 using OrvaneSim::Space;
 using testing::HasSubstr;
+using testing::MatchesRegex;
 using testing::StartsWith;
 
 class OrvaneDump : public testing::Test, protected OneBoardLab {
@@ -27,8 +28,11 @@ protected:
 
 TEST_F(OrvaneDump, HoldsWhatWasReadAndWhere) {
     EXPECT_EQ(dump("1.1+2"), prints(file + ": 2 registers\n"));
-    EXPECT_EQ(folder.content("a.dump"), "# orvane dump 1\n# device OV0001:0\n# phy 3\n# space c45\n"
-                                        "# ranges 1.1+2\n1.0x0001 0x0000\n1.0x0002 0x0A5C\n");
+    EXPECT_THAT(
+        folder.content("a.dump"),
+        MatchesRegex("# orvane dump 2\n# version [0-9.]+\n# date [0-9-]+T[0-9:]+Z\n# device OV0001:0\n"
+                     "# address 10.83.0.1\n# phy 3\n# identifier 0x0A5C1E83\n# maps ieee8023\n"
+                     "# space c45\n# ranges 1.1\\+2\n1.0x0001 0x0000\n1.0x0002 0x0A5C\n"));
     EXPECT_FALSE(folder.has("a.dump.part"));
 }
 
@@ -36,7 +40,7 @@ TEST_F(OrvaneDump, Of4096RegistersTakes60RoundTripsOrFewer) {
     set(0xFFF, 0xBEEF);
     EXPECT_EQ(dump("1.0+4096"), prints(file + ": 4096 registers\n"));
     EXPECT_THAT(folder.content("a.dump"), HasSubstr("\n1.0x0FFF 0xBEEF\n"));
-    EXPECT_EQ(board.requests("mdio").size(), 16U);
+    EXPECT_EQ(board.requests("mdio").size(), 17U); // the identifier, too
     EXPECT_LE(board.requests().size(), 60U);
 }
 
@@ -46,11 +50,11 @@ TEST_F(OrvaneDump, DoesNotOverwriteUnlessItIsForced) {
               fails(1, "orvane: " + file + ": cannot write: it exists; --force overwrites it\n"));
     EXPECT_EQ(folder.content("a.dump"), "precious");
     EXPECT_EQ(dump("1.1+2", {"--force"}).status, 0);
-    EXPECT_THAT(folder.content("a.dump"), StartsWith("# orvane dump 1\n"));
+    EXPECT_THAT(folder.content("a.dump"), StartsWith("# orvane dump 2\n"));
 }
 
 TEST_F(OrvaneDump, ThatWasBrokenOffGoesOnWhereItStopped) {
-    board.inject({"mdio", "", Fault::Kind::ResultCode, 1, -5});
+    board.inject({"mdio", "", Fault::Kind::ResultCode, 2, -5}); // of the identifier and a block
     EXPECT_EQ(dump("1.0+600").status, 1);
     const std::string header = folder.content("a.dump.part");
     folder.write("a.dump.part", header + "1.0x0000 0x1234\n1.0x0001 0x5678\n1.0x00");
@@ -58,7 +62,7 @@ TEST_F(OrvaneDump, ThatWasBrokenOffGoesOnWhereItStopped) {
     EXPECT_EQ(dump("1.0+600"), prints(file + ": 600 registers, 2 of them from an earlier attempt\n"));
     EXPECT_THAT(folder.content("a.dump"),
                 StartsWith(header + "1.0x0000 0x1234\n1.0x0001 0x5678\n1.0x0002 0x0A5C\n1.0x0003 0x1E83\n"));
-    EXPECT_EQ(board.requests("mdio").size(), 3U); // 598 registers, 256 at most in each
+    EXPECT_EQ(board.requests("mdio").size(), 4U); // 598 registers, 256 at most in each; the identifier
 }
 
 TEST_F(OrvaneDump, LeavesAPartOfAnotherDumpAlone) {
@@ -75,14 +79,62 @@ TEST_F(OrvaneDump, ShowsABarOnATerminal) {
 }
 
 TEST_F(OrvaneDump, ComparesWithThePhyAsItIsNow) {
-    dump("1.0+300");
+    dump("1.0xC000+300");
     EXPECT_EQ(run({"diff", file, "--live"}), prints(""));
-    set(5, 0x8007);
+    set(0xC005, 0x8007);
     EXPECT_EQ(run({"diff", file, "--live"}),
               fails(1, "",
                     "ADDRESS   FIRST   SECOND  CHANGED  BITS\n"
-                    "1.0x0005  0x0000  0x8007  0x8007   1000 0000 0000 0111\n"));
+                    "1.0xC005  0x0000  0x8007  0x8007   1000 0000 0000 0111\n"));
     EXPECT_EQ(run({"diff", file, "OV0001:1", "3"}), prints(""));
+}
+
+TEST_F(OrvaneDump, ComparesWhatAReadChangesOnlyWhenAskedTo) {
+    dump("1.0+2");
+    const std::string leftOut = "orvane: left out, for a read changes them or tells nothing: PMA.STATUS1 "
+                                "(--side-effects reads them)\n";
+    set(1, 0x0002);
+    EXPECT_EQ(run({"diff", file, "--live"}), fails(0, leftOut));
+    EXPECT_EQ(run({"diff", file, "--live", "--side-effects"}),
+              fails(1, "",
+                    "ADDRESS   FIRST   SECOND  CHANGED  BITS\n"
+                    "1.0x0001  0x0000  0x0002  0x0002   0000 0000 0000 0010\n"));
+}
+
+TEST_F(OrvaneDump, ComparesOnlyTheBitsThatALineOfAGoldenFileNames) {
+    const std::string golden =
+        folder.write("golden", "# orvane dump 2\n# device OV0001:0\n# phy 3\n# space c45\n"
+                               "1.0xC000 0x0012 0x00FF\n1.0xC001 0x0000\n");
+    set(0xC000, 0x3413);
+    EXPECT_EQ(run({"diff", golden, "--live"}),
+              fails(1, "",
+                    "ADDRESS   FIRST   SECOND  CHANGED  BITS\n"
+                    "1.0xC000  0x0012  0x3413  0x0001   0011 0100 0001 0011\n"));
+}
+
+TEST_F(OrvaneDump, ComparesTwoPhys) {
+    set(0xC005, 0x8007);
+    EXPECT_EQ(run({"diff", "OV0001:0", "3", "OV0001:0-1", "3-4", "1.0xC004+2"}),
+              fails(1, "",
+                    "DEVICE    PHY  ADDRESS   FIRST   SECOND  CHANGED  BITS\n"
+                    "OV0001:0    4  1.0xC005  0x8007  0x0000  0x8007   0000 0000 0000 0000\n"
+                    "OV0001:1    3  1.0xC005  0x8007  0x0000  0x8007   0000 0000 0000 0000\n"
+                    "OV0001:1    4  1.0xC005  0x8007  0x0000  0x8007   0000 0000 0000 0000\n"));
+}
+
+TEST_F(OrvaneDump, IsNotTakenForAnotherKindOfPhyUnlessItIsForced) {
+    dump("1.0xC000+2");
+    board.setRegister(Space::C45, 1, 3, 0x10002, 0x0022);
+    EXPECT_EQ(
+        run({"diff", file, "OV0001:1", "3"}),
+        fails(1, "orvane: OV0001:1: diff PHY 3: " + file +
+                     " is of a PHY 0x0A5C1E83, this one is 0x00221E83 (--force takes it all the same)\n"));
+    EXPECT_EQ(run({"diff", file, "OV0001:1", "3", "--force"}), prints(""));
+}
+
+TEST_F(OrvaneDump, GoesToTheStandardOutput) {
+    EXPECT_THAT(run({"dump", "OV0001:0", "3", "1.2", "-o", "-"}).output,
+                testing::EndsWith("# ranges 1.2\n1.0x0002 0x0A5C\n"));
 }
 
 TEST_F(OrvaneDump, ComparesWithAnotherDumpAndNeedsNoBoard) {
@@ -90,10 +142,11 @@ TEST_F(OrvaneDump, ComparesWithAnotherDumpAndNeedsNoBoard) {
     const std::string other =
         folder.write("b.dump", "# orvane dump 1\n# device X:0\n# phy 1\n# space c45\n1.0x0002 0x0A5D\n"
                                "1.0x0009 0x0001\n");
-    EXPECT_EQ(orvane({"diff", file, other, "--csv"}),
+    EXPECT_EQ(orvane({"diff", file, other}),
               fails(1, "",
-                    "address,first,second,changed\n1.0x0002,0x0A5C,0x0A5D,0x0001\n"
-                    "1.0x0003,0x1E83,-,-\n1.0x0009,-,0x0001,-\n"));
+                    "ADDRESS   FIRST   SECOND  CHANGED  BITS\n"
+                    "1.0x0002  0x0A5C  0x0A5D  0x0001   0000 1010 0101 1101\n"
+                    "1.0x0003  0x1E83  -       -\n1.0x0009  -       0x0001  -\n"));
 }
 
 TEST_F(OrvaneDump, ThatIsNoneIsToldByFileAndLine) {

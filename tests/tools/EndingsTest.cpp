@@ -36,7 +36,7 @@ struct OrvaneEnding : testing::Test, OneBoardLab {};
 
 TEST_F(OrvaneEnding, AfterCtrlCInAPauseHasItsSummaryAndClosesTheSession) {
     Program program({"ping", "OV0001:0", "-c", "2", "-i", "600000"}, environment());
-    board.waitFor([](const OrvaneSim::Request& request) { return request.program == "keepAlive"; });
+    program.waitForOutput("seq=1 time=");
     program.signal(SIGINT);
     board.waitFor(isClose);
     const Outcome outcome = program.finish();
@@ -157,7 +157,7 @@ std::string completions(const std::string& words, int index) {
 }
 
 TEST(OrvaneCompletion, OffersVerbsAndThenTheirOptions) {
-    EXPECT_EQ(completions("orvane re", 1), "read replay\n");
+    EXPECT_EQ(completions("orvane re", 1), "read restore replay\n");
     EXPECT_EQ(completions("orvane read OV0001:0 --r", 3), "--routed\n");
     EXPECT_EQ(completions("orvane watch --i", 2), "--interval\n");
 }

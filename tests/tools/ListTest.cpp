@@ -179,11 +179,15 @@ TEST(OrvanePing, CountsWhatTheBoardDoesNotAnswer) {
               "OV0001:0 at 10.83.0.1: seq=1 lost\n--- OV0001:0 ---\n1 sent, 0 received, 100.0 % lost\n"));
 }
 
-TEST(OrvanePing, AsCsvIsTheSummary) {
+TEST(OrvanePing, AsJsonIsALineForEachAndTheSummary) {
     const OneBoardLab board;
-    EXPECT_THAT(board.run({"ping", "OV0001:0", "-c", "5", "-i", "0", "--csv"}).output,
-                MatchesRegex("device,sent,received,loss_percent,min_ms,median_ms,p99_ms,max_ms\n"
-                             "OV0001:0,5,5,0\\.0,[0-9.]+,[0-9.]+,[0-9.]+,[0-9.]+\n"));
+    EXPECT_THAT(
+        board.run({"ping", "OV0001:0", "-c", "2", "-i", "0", "--json"}).output,
+        MatchesRegex("(\\{\"record\":\"ping\",\"device\":\"OV0001:0\",\"board\":\"OV0001\",\"port\":0,"
+                     "\"sequence\":[12],\"milliseconds\":[0-9.e-]+\\}\n){2}"
+                     "\\{\"record\":\"summary\",\"device\":\"OV0001:0\",\"board\":\"OV0001\",\"port\":0,"
+                     "\"sent\":2,\"received\":2,\"loss_percent\":0.0,\"gaps\":0,\"min_ms\":[0-9.e-]+,"
+                     "\"median_ms\":[0-9.e-]+,\"p99_ms\":[0-9.e-]+,\"max_ms\":[0-9.e-]+\\}\n"));
 }
 
 } // namespace

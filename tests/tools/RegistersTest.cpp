@@ -48,18 +48,22 @@ TEST_F(OrvaneRegisters, ManyAreAGridThatStartsAnewWhereTheAddressesDo) {
 
 TEST_F(OrvaneRegisters, AsCsvAndJsonNameEverything) {
     EXPECT_EQ(run({"read", "OV0001:0", "3", "1.2", "--csv"}),
-              prints("device,phy,space,address,value\nOV0001:0,3,c45,1.0x0002,0x0A5C\n"));
+              prints("record,device,board,port,phy,space,at,name,value,error.kind,error.code,error.text\n"
+                     "register,OV0001:0,OV0001,0,3,c45,1.0x0002,PMA.ID1,2652,,,\n"));
     EXPECT_EQ(run({"read", "OV0001:0", "3", "--ext32", "0x80004000", "--json"}),
-              prints("[\n  {\n    \"device\": \"OV0001:0\",\n    \"phy\": 3,\n    \"space\": \"ext32\",\n"
-                     "    \"address\": \"0x80004000\",\n    \"value\": 0\n  }\n]\n"));
+              prints("[\n  {\n    \"record\": \"register\",\n    \"device\": \"OV0001:0\",\n"
+                     "    \"board\": \"OV0001\",\n    \"port\": 0,\n    \"phy\": 3,\n"
+                     "    \"space\": \"ext32\",\n    \"register\": 2147500032,\n"
+                     "    \"at\": \"0x80004000\",\n    \"value\": 0\n  }\n]\n"));
 }
 
 TEST_F(OrvaneRegisters, OfClause22AndTheExtensionAreNamedByNumber) {
     board.setRegister(Space::C22, 0, 3, 17, 0x2211);
     board.setRegister(Space::Ext32, 0, 3, 0x80004004, 0xDEADBEEF);
-    EXPECT_EQ(run({"read", "OV0001:0", "3", "--c22", "16+2", "--csv"}),
-              prints("device,phy,space,address,value\n"
-                     "OV0001:0,3,c22,0x10,0x0000\nOV0001:0,3,c22,0x11,0x2211\n"));
+    EXPECT_EQ(run({"read", "OV0001:0", "3", "--c22", "16+2"}),
+              prints("ADDRESS  VALUE   BITS                 DECIMAL\n"
+                     "0x10     0x0000  0000 0000 0000 0000        0\n"
+                     "0x11     0x2211  0010 0010 0001 0001     8721\n"));
     EXPECT_EQ(run({"read", "OV0001:0", "3", "--ext32", "0x80004000-0x80004004"}),
               prints("ADDRESS     VALUE       BITS                                        DECIMAL\n"
                      "0x80004000  0x00000000  0000 0000 0000 0000 0000 0000 0000 0000           0\n"
@@ -70,7 +74,8 @@ TEST_F(OrvaneRegisters, OnAnSmbusPortAreThoseOfThePhyBehindIt) {
     set(1, 0xC040, 0x5EB5);
     EXPECT_EQ(run({"read", "OV0001:10", "3", "1.0xC040"}), prints("0x5EB5\n"));
     EXPECT_EQ(run({"read", "OV0001:10", "3", "--c22", "2"}),
-              fails(1, "orvane: OV0001:10: read PHY 3 0x02: NotImplemented: MDIO C22 over SMB\n"));
+              fails(1, "orvane: OV0001:10: read PHY 3 0x02: invalid argument. An SMBus port has no Clause 22 "
+                       "registers.\n"));
 }
 
 TEST_F(OrvaneRegisters, RoutedGoThroughTheFirmware) {
@@ -132,11 +137,11 @@ TEST_F(OrvaneRegisters, ThatTheBoardRefusesAreNamedWithTheCause) {
         fails(1, "orvane: OV0001:0: read PHY 3 1.0x0002: the board answers: Input/output error (-5)\n"));
 }
 
-TEST_F(OrvaneRegisters, FailWithTheLibrarysLinesOnlyWhenTheyAreAskedFor) {
+TEST_F(OrvaneRegisters, ShowTheRacksEventsOnlyWhenTheyAreAskedFor) {
     board.inject({"mdio", "", Fault::Kind::ResultCode, 1, -5});
     const Outcome outcome = run({"read", "OV0001:0", "3", "1.2", "--verbose"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_THAT(outcome.error, HasSubstr(" Result Error: -5\n"));
+    EXPECT_THAT(outcome.error, HasSubstr("orvane: OV0001:0 PHY 3: opened\n"));
     EXPECT_EQ(outcome.output, "");
 }
 
@@ -146,11 +151,30 @@ TEST_F(OrvaneRegisters, OfADeviceThatIsNotThereNameThoseThatAre) {
         fails(1, "orvane: OV0001:7: open: device not found; there are OV0001:0, OV0001:1, OV0001:10\n"));
 }
 
-TEST_F(OrvaneRegisters, AnswersThatEndTheLibraryEndTheProgramWithALine) {
+TEST_F(OrvaneRegisters, OfAnAnswerThatDoesNotFitAreNoValues) {
     board.inject({"mdio", "mdio_read", Fault::Kind::ReplyCount, 1, 2});
     EXPECT_EQ(
         run({"read", "OV0001:0", "3", "1.2"}),
         fails(1, "orvane: OV0001:0: read PHY 3 1.0x0002: the board's answer does not fit the question\n"));
+}
+
+TEST_F(OrvaneRegisters, AreOnlyNamedInADryRun) {
+    EXPECT_EQ(run({"read", "OV0001:0", "3", "AN.STATUS", "30.0xC010", "--dry-run"}),
+              prints("read  7.0x0001          AN.STATUS\nread  30.0xC010\n"));
+    EXPECT_EQ(run({"write", "OV0001:0", "3", "30.0xC010", "0xCAFE", "--readback", "--dry-run"}),
+              prints("write 30.0xC010 0xCAFE\nread  30.0xC010\n"));
+    EXPECT_EQ(run({"modify", "OV0001:0", "3", "30.0xC010", "0x40", "0xF0", "--dry-run"}),
+              prints("read  30.0xC010\n"
+                     "write 30.0xC010         0x0040 in the bits 0x00F0, the others as they were read\n"
+                     "read  30.0xC010\n"));
+    EXPECT_EQ(board.requests().size(), 0U);
+}
+
+TEST_F(OrvaneRegisters, ShowTheStepsOfTheirPathInADryRun) {
+    const Outcome outcome = run({"read", "OV0001:0", "3", "--routed", "28.0x0123", "--dry-run"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, HasSubstr("write 30.0xC47C 0x0123\n"));
+    EXPECT_EQ(board.requests().size(), 0U);
 }
 
 struct Misuse {

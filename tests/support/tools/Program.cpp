@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -13,9 +14,11 @@
 #include <pty.h>
 #include <set>
 #include <spawn.h>
+#include <stdexcept>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
 
 extern char** environ;
@@ -88,7 +91,10 @@ Program::Program(const Arguments& arguments, const Environment& environment, Str
     }
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+    if (terminal >= 0)
+        posix_spawn_file_actions_adddup2(&actions, terminal, 0);
+    else
+        posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_adddup2(&actions, terminal >= 0 ? terminal : output_, 1);
     posix_spawn_file_actions_adddup2(&actions, terminal >= 0 ? terminal : error_, 2);
     std::vector<std::string> words{ORVANE_TOOL};
@@ -117,6 +123,20 @@ Program::~Program() {
 
 void Program::signal(int number) const {
     ::kill(process_, number);
+}
+
+void Program::type(const std::string& keys) const {
+    if (::write(output_, keys.data(), keys.size()) != static_cast<ssize_t>(keys.size()))
+        fail("write to the terminal");
+}
+
+void Program::waitForOutput(const std::string& text) const {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (contentOf(output_).find(text) == std::string::npos) {
+        if (std::chrono::steady_clock::now() > end)
+            throw std::runtime_error("the program did not print: " + text);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
 }
 
 std::string Program::terminalText() const {

@@ -39,6 +39,10 @@ public:
     Program& operator=(const Program&) = delete;
 
     void signal(int number) const;
+    // Presses keys, on a terminal.
+    void type(const std::string& keys) const;
+    // Blocks until that much of its output is there; throws std::runtime_error after 10 s. Not on a terminal.
+    void waitForOutput(const std::string& text) const;
     // Waits for its end. On a terminal `output` has everything.
     Outcome finish();
 

@@ -38,7 +38,7 @@ Cell bitsCell(const Stream& stream, std::uint32_t value, Space space, std::uint3
     std::string text = fmt::format("{:0{}b}", value, valueDigits(space) * 4);
     for (std::size_t i = text.size(); i > 4;)
         text.insert(i -= 4, " ");
-    return {text, text, painted(stream, text, 1, changed)};
+    return {text, nullptr, painted(stream, text, 1, changed)};
 }
 
 } // namespace OrvaneTool

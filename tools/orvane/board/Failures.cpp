@@ -9,6 +9,8 @@ namespace OrvaneTool {
 std::string causeOf(const Orvane::Failure& failure) {
     if (failure.kind() == Orvane::FailureKind::BoardError && failure.code() != 0)
         return fmt::format("the board answers: {} ({})", errorText(std::abs(failure.code())), failure.code());
+    if (failure.kind() == Orvane::FailureKind::BadReply)
+        return "the board's answer does not fit the question";
     const std::string all = failure.what();
     const std::size_t kind = all.find(std::string(": ") + Orvane::toText(failure.kind()));
     return kind == std::string::npos ? all : all.substr(kind + 2);

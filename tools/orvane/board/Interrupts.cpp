@@ -1,8 +1,8 @@
 // The thread that waits for signals while the command works.
 #include "tools/orvane/board/Interrupts.h"
 
-#include "tools/orvane/board/OpenSessions.h"
 #include "tools/orvane/output/Errors.h"
+#include "tools/orvane/output/Keys.h"
 
 #include <array>
 #include <cerrno>
@@ -18,7 +18,6 @@
 namespace OrvaneTool {
 namespace {
 
-constexpr std::chrono::milliseconds kPatience{500};  // for a command to notice
 constexpr std::chrono::milliseconds kFarewell{3000}; // for a rack whose boards may be silent
 constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
 
@@ -100,9 +99,7 @@ void Interrupts::onSignal(int number) {
     signal_ = number;
     cancellation_.cancel();
     changed_.notify_all();
-    const auto patience = closesItself_    ? kFarewell
-                          : haveSessions() ? kPatience
-                                           : std::chrono::milliseconds(0);
+    const auto patience = closesItself_ ? kFarewell : std::chrono::milliseconds(0);
     if (changed_.wait_for(lock, patience, [this] { return closing_; }))
         return;
     lock.unlock();
@@ -110,7 +107,7 @@ void Interrupts::onSignal(int number) {
 }
 
 void Interrupts::endFromOutside(int number) const {
-    closeSessionsFromOutside();
+    restoreTerminal();
     constexpr std::string_view kClearLine = "\r\033[K";
     if (terminal_ >= 0) [[maybe_unused]]
         const ssize_t written = ::write(terminal_, kClearLine.data(), kClearLine.size());

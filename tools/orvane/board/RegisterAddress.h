@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -30,6 +31,12 @@ struct Register {
     friend bool operator<(const Register& left, const Register& right) {
         return std::tie(left.mmd, left.page, left.address) < std::tie(right.mmd, right.page, right.address);
     }
+};
+
+// A write when it has a value, else a read.
+struct Access {
+    Register reg;
+    std::optional<std::uint32_t> written;
 };
 
 // Hexadecimal digits of a value in that space, and the largest one.

@@ -62,6 +62,7 @@ private:
             return refuse(name, "there are " + portsOf(board));
         targets.list.push_back({name,
                                 board.address,
+                                placeOf(board, port),
                                 context_.rack().open(name, accessFromEnvironment(), context_.within()),
                                 {}});
     }
@@ -80,12 +81,24 @@ private:
 
     void refuse(const std::string& name, const std::string& why) {
         targets.list.push_back(
-            {name, "", std::nullopt,
+            {name, "", 0, std::nullopt,
              std::make_exception_ptr(Failure(fmt::format("{}: open: device not found; {}", name, why)))});
     }
 
     static std::string portsOf(const Orvane::FoundBoard& board) {
         return fmt::format("{}:{}", board.serial, fmt::join(board.ports, fmt::format(", {}:", board.serial)));
+    }
+
+    unsigned placeOf(const Orvane::FoundBoard& wanted, unsigned port) const {
+        std::size_t place = 0;
+        for (const Orvane::FoundBoard& board : boards_.list) {
+            if (&board == &wanted)
+                return static_cast<unsigned>(place + static_cast<std::size_t>(std::count_if(
+                                                         board.ports.begin(), board.ports.end(),
+                                                         [&](unsigned each) { return each < port; })));
+            place += board.ports.size();
+        }
+        return 0;
     }
 
     // What to do about a board that did not answer.

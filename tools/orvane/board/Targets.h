@@ -15,6 +15,7 @@ namespace OrvaneTool {
 struct Target {
     std::string name;                 // OV0001:0, or a pattern that nothing matches
     std::string address;              // of the board
+    unsigned adapter = 0;             // its place in the list of all that answered
     std::optional<Orvane::Port> port; // empty: there is none
     std::exception_ptr problem;       // then: why, a Failure
 

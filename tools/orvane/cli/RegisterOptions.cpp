@@ -3,11 +3,14 @@
 
 namespace OrvaneTool {
 
-void addPhy(CLI::App& verb, unsigned& phy) {
-    verb.add_option("PHY", phy, "PHY address: 0 to 31, on an SMBus port its I2C address")
-        ->required()
-        ->type_name("")
-        ->check(CLI::Range(0U, 127U).description(""));
+void addJobs(CLI::App& verb, unsigned& jobs) {
+    verb.add_option("-j,--jobs", jobs, "Boards that are worked on at a time (64)")
+        ->type_name("N")
+        ->check(CLI::Range(1U, 1024U).description(""));
+}
+
+void addDryRun(CLI::App& verb, bool& dryRun) {
+    verb.add_flag("--dry-run", dryRun, "Show what would be sent, by names and step by step; send nothing");
 }
 
 void addSpaceOptions(CLI::App& verb, RegisterOptions& options) {
@@ -19,9 +22,18 @@ void addSpaceOptions(CLI::App& verb, RegisterOptions& options) {
 }
 
 void addRegisterOptions(CLI::App& verb, Context& context, RegisterOptions& options) {
-    addDevice(verb, options.device);
-    addPhy(verb, options.phy);
+    verb.add_option(
+            "DEVICE", options.device,
+            "Devices: BOARD:PORT, lists with commas, ranges (OV0001-OV0020:0), patterns ('OV*:0'), @FILE")
+        ->required()
+        ->type_name("");
+    verb.add_option(
+            "PHY", options.phy,
+            "PHY addresses: 0 to 31, on an SMBus port I2C addresses; lists with commas and ranges (0-19)")
+        ->required()
+        ->type_name("");
     addSpaceOptions(verb, options);
+    addJobs(verb, options.jobs);
     CLI::Option* routed = verb.add_flag(
         "--routed", options.routed, "By the library's path for the register (firmware, bridges), one by one");
     verb.add_flag("--direct", options.direct, "Straight to the register, several in one block (the default)")

@@ -6,10 +6,21 @@
 namespace OrvaneTool {
 namespace {
 
-std::vector<Column> columns(bool compares) {
-    std::vector<Column> all{{"address", "ADDRESS"}, {"value", "VALUE"}, {"register", "REGISTER"},
-                            {"bits", "BITS"},       {"field", "FIELD"}, {"raw", ""},
-                            {"meaning", "MEANING"}, {"note", ""}};
+std::vector<Column> columns(bool compares, bool manyPlaces) {
+    std::vector<Column> all{{"", ""},
+                            {"", "", true},
+                            {"address", "ADDRESS"},
+                            {"value", "VALUE"},
+                            {"register", "REGISTER"},
+                            {"bits", "BITS"},
+                            {"field", "FIELD"},
+                            {"raw", ""},
+                            {"meaning", "MEANING"},
+                            {"note", ""}};
+    if (manyPlaces) {
+        all[0] = {"device", "DEVICE"};
+        all[1] = {"phy", "PHY", true};
+    }
     if (compares)
         all.push_back({"before", "BEFORE"});
     return all;
@@ -22,8 +33,13 @@ std::string meaningOf(const Orvane::DecodedField& field) {
     return field.valueText() + (note.empty() ? "" : ": " + note);
 }
 
-FieldTable::FieldTable(const Stream& stream, Format format, bool compares)
-    : stream_(stream), format_(format), compares_(compares), table_(columns(compares)) {}
+FieldTable::FieldTable(const Stream& stream, Format format, bool compares, bool manyPlaces)
+    : stream_(stream), format_(format), compares_(compares), table_(columns(compares, manyPlaces)) {}
+
+void FieldTable::setPlace(const std::string& device, unsigned phy) {
+    device_ = device;
+    phy_ = phy;
+}
 
 void FieldTable::add(const Asked& asked, std::uint64_t value, std::optional<std::uint64_t> before,
                      bool onlyChanged) {
@@ -49,7 +65,8 @@ void FieldTable::addRow(const Asked& asked, std::uint64_t value, const Orvane::D
     const bool shown = isFirst || format_ != Format::Text;
     const auto own = [&](const std::string& text) { return shown ? Cell(text) : Cell("", nullptr); };
     const auto number = static_cast<std::uint32_t>(value);
-    Row row{own(asked.reg.text()), shown ? hexCell(stream_, number, asked.reg.space) : Cell("", nullptr),
+    Row row{own(device_), shown ? Cell(std::to_string(phy_), phy_) : Cell("", nullptr), own(asked.reg.text()),
+            shown ? hexCell(stream_, number, asked.reg.space) : Cell("", nullptr),
             own(asked.mapped != nullptr ? asked.mapped->name() : "")};
     if (decoded == nullptr) {
         row.insert(row.end(), {"", "", Cell("", nullptr), "", ""});

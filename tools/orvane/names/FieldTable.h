@@ -13,8 +13,11 @@ namespace OrvaneTool {
 // not repeated.
 class FieldTable {
 public:
-    // `compares`: with a column of what was before.
-    FieldTable(const Stream& stream, Format format, bool compares = false);
+    // `compares`: with a column of what was before. `manyPlaces`: with columns of device and PHY.
+    FieldTable(const Stream& stream, Format format, bool compares = false, bool manyPlaces = false);
+
+    // Whose registers are added from now on.
+    void setPlace(const std::string& device, unsigned phy);
 
     // The fields of a value, or the one that was asked for. With what was before, in a table that compares,
     // those that differ are marked; `onlyChanged` leaves out the others.
@@ -22,6 +25,10 @@ public:
              bool onlyChanged = false);
     std::size_t size() const { return table_.size(); }
     void print(Stream& stream) const { table_.print(stream, format_); }
+    // Some of the rows, as text.
+    void printPart(Stream& stream, std::size_t first, std::size_t count) const {
+        table_.printPart(stream, first, count);
+    }
 
 private:
     void addRow(const Asked& asked, std::uint64_t value, const Orvane::DecodedField* decoded,
@@ -30,6 +37,8 @@ private:
     const Stream& stream_;
     Format format_;
     bool compares_;
+    std::string device_;
+    unsigned phy_ = 0;
     Table table_;
 };
 

@@ -69,6 +69,14 @@ Register registerOf(const Orvane::RegisterAddress& address) {
     return {space, address.mmd, address.number};
 }
 
+Orvane::RegisterAddress addressOf(const Register& reg) {
+    using To = Orvane::RegisterAddress::Space;
+    const To space = reg.space == Space::C45   ? To::Clause45
+                     : reg.space == Space::C22 ? To::Clause22
+                                               : To::Ext32;
+    return {space, reg.mmd, reg.address};
+}
+
 Register registerOf(const Orvane::MapRegister& reg) {
     if (!Orvane::isReachable(reg))
         throw UsageError(fmt::format("no board reaches {} ({})", reg.name(), reg.address().text()));
@@ -156,6 +164,17 @@ std::vector<Asked> KnownMaps::parse(const std::string& text, Space space, std::u
             list.push_back({reg, mapped, nullptr, false});
     }
     return list;
+}
+
+bool isNamed(const std::vector<Asked>& list) {
+    return std::any_of(list.begin(), list.end(), [](const Asked& each) { return each.byName; });
+}
+
+bool showsFields(const Context& context, const KnownMaps& maps, const std::vector<Asked>& list) {
+    if (context.fields || context.noFields)
+        return context.fields;
+    return context.console.out.isTerminal() && context.format() == Format::Text &&
+           (maps.given() || isNamed(list));
 }
 
 } // namespace OrvaneTool

@@ -60,5 +60,13 @@ bool isName(const std::string& text);
 // UsageError.
 Register registerOf(const Orvane::MapRegister& reg);
 Register registerOf(const Orvane::RegisterAddress& address);
+// And back; on which page is lost.
+Orvane::RegisterAddress addressOf(const Register& reg);
+
+// Whether one of them was named.
+bool isNamed(const std::vector<Asked>& list);
+
+// Whether fields are shown: as asked for, else on a terminal, where a map was given or something was named.
+bool showsFields(const Context& context, const KnownMaps& maps, const std::vector<Asked>& list);
 
 } // namespace OrvaneTool

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <exception>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 #include <utility>
@@ -69,6 +70,12 @@ void Stream::flush() {
         else if (errno != EINTR)
             throw Failure(std::string("cannot write the output: ") + errorText(errno));
     }
+}
+
+void Stream::requireReader() const {
+    pollfd entry{descriptor_, 0, 0};
+    if (::poll(&entry, 1, 0) > 0 && (entry.revents & (POLLERR | POLLHUP)) != 0)
+        throw OutputClosed{};
 }
 
 void Stream::flushWhenFull() {

@@ -60,7 +60,9 @@ public:
     // Blocks until everything is written. Throws OutputClosed when nobody reads, Failure on any other error;
     // what was not written is dropped then.
     void flush();
-    // The same, once there is as much as is worth a system call: for output of any length.
+    // Throws OutputClosed when nobody reads what is written to a pipe or terminal any more.
+    void requireReader() const;
+    // Flushes, once there is as much as is worth a system call: for output of any length.
     void flushWhenFull();
     // The same for what may get lost: nothing is thrown.
     void flushIfPossible() noexcept;

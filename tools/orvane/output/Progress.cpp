@@ -62,9 +62,20 @@ void ProgressBar::show(std::size_t done) {
     constexpr std::size_t kCells = 30;
     if (!stream_.isTerminal())
         return;
+    before_ = shown_ ? before_ : done;
+    shown_ = true;
     const std::size_t full = std::min(done, total_) * kCells / total_;
-    showOn(stream_, fmt::format("{}{} [{}{}] {}/{}", kClearLine, text_, std::string(full, '#'),
-                                std::string(kCells - full, '.'), done, total_));
+    showOn(stream_, fmt::format("{}{} [{}{}] {}/{}{}", kClearLine, text_, std::string(full, '#'),
+                                std::string(kCells - full, '.'), done, total_, pace(done)));
+}
+
+std::string ProgressBar::pace(std::size_t done) const {
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begun_).count();
+    if (seconds < 1 || done <= before_)
+        return {};
+    const double rate = static_cast<double>(done - before_) / seconds;
+    return fmt::format(", {:.0f} a second, {:.0f} s left", rate,
+                       static_cast<double>(total_ - std::min(done, total_)) / rate);
 }
 
 } // namespace OrvaneTool

@@ -3,6 +3,7 @@
 
 #include "tools/orvane/output/Console.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <string>
@@ -33,7 +34,8 @@ private:
     std::thread thread_;
 };
 
-// A bar of `total` steps; does nothing when the stream is no terminal. Leaves the line empty in the end.
+// A bar of `total` steps, after a second with their rate and the time that the rest will take; does nothing
+// when the stream is no terminal. Leaves the line empty in the end.
 class ProgressBar {
 public:
     ProgressBar(Stream& stream, const std::string& text, std::size_t total);
@@ -44,9 +46,14 @@ public:
     void show(std::size_t done);
 
 private:
+    std::string pace(std::size_t done) const;
+
     Stream& stream_;
     std::string text_;
     std::size_t total_;
+    std::chrono::steady_clock::time_point begun_ = std::chrono::steady_clock::now();
+    std::size_t before_ = 0; // steps that were done at the beginning
+    bool shown_ = false;
 };
 
 } // namespace OrvaneTool

@@ -97,4 +97,14 @@ void Table::print(Stream& stream, Format format) const {
     });
 }
 
+void Table::printPart(Stream& stream, std::size_t first, std::size_t count) const {
+    bool measured = false; // the first time all rows are looked at
+    printRows(stream, Format::Text, columns_, [&](const auto& take) {
+        for (std::size_t i = 0; i < rows_.size(); ++i)
+            if (!measured || (i >= first && i - first < count))
+                take(rows_[i]);
+        measured = true;
+    });
+}
+
 } // namespace OrvaneTool

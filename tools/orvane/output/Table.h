@@ -55,6 +55,8 @@ public:
 
     // As printRows().
     void print(Stream& stream, Format format) const;
+    // `count` rows from `first` on, as text as wide as that of all.
+    void printPart(Stream& stream, std::size_t first, std::size_t count) const;
 
 private:
     std::vector<Column> columns_;

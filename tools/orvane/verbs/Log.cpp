@@ -3,7 +3,7 @@
 #include "tools/orvane/log/HtmlReport.h"
 #include "tools/orvane/log/LogRecords.h"
 #include "tools/orvane/names/FieldTable.h"
-#include "tools/orvane/names/NamedPhy.h"
+#include "tools/orvane/names/KnownMaps.h"
 #include "tools/orvane/output/Errors.h"
 #include "tools/orvane/output/OutputFile.h"
 #include "tools/orvane/output/RecordSink.h"

@@ -2,9 +2,13 @@
 #include "tools/orvane/board/Bits.h"
 #include "tools/orvane/board/Numbers.h"
 #include "tools/orvane/cli/RegisterOptions.h"
+#include "tools/orvane/names/DryRun.h"
 #include "tools/orvane/names/FieldChange.h"
 #include "tools/orvane/names/FieldTable.h"
-#include "tools/orvane/names/NamedPhy.h"
+#include "tools/orvane/names/Kinds.h"
+#include "tools/orvane/names/PhyAccess.h"
+#include "tools/orvane/names/RegisterRecord.h"
+#include "tools/orvane/output/Errors.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <fmt/format.h>
@@ -13,6 +17,7 @@ namespace OrvaneTool {
 namespace {
 
 struct Options : RegisterOptions {
+    bool dryRun = false;
     std::string address;
     std::string value;
     std::string mask;
@@ -35,38 +40,93 @@ std::uint32_t wanted(const Asked& asked, const Options& options, std::uint32_t b
     return (before & ~mask) | value;
 }
 
-int run(Context& context, const Options& options) {
-    NamedPhy phy(context, options);
-    const std::vector<Asked> list = phy.parse(options.address);
-    for (const Asked& each : list)
-        wanted(each, options, 0); // refuses what is wrong before anything is sent
-    Stream& out = context.console.out;
-    Table table({{"address", "ADDRESS"},
-                 {"before", "BEFORE"},
-                 {"written", "WRITTEN"},
-                 {"read", "READ BACK"},
-                 {"", "BITS"}});
-    FieldTable decoded(out, context.format(), true);
+struct Modified {
+    Asked asked;
+    std::uint32_t before;
+    std::uint32_t written;
+    std::uint32_t after;
+};
+
+// Throws, behind what was done, Failure for what does not hold what was written.
+void carryOut(PhyAccess& phy, const std::vector<Asked>& list, const Options& options,
+              const std::string& place, std::vector<Modified>& done) {
     std::string differing;
     for (const Asked& each : list) {
-        const Register& reg = each.reg;
-        const Space space = reg.space;
-        const std::uint32_t before = phy.read({each}).front();
+        const std::uint32_t before = phy.read({each}).all().front();
         const std::uint32_t written = wanted(each, options, before);
-        const std::uint32_t after = phy.run({{reg, written}, {reg, std::nullopt}}).front();
+        const std::uint32_t after = phy.run({{each.reg, written}, {each.reg, std::nullopt}}).all().back();
+        done.push_back({each, before, written, after});
         if (after != written)
-            differing += fmt::format(" {} ({})", reg.text(), hexText(after ^ written, space));
-        table.add({reg.text(), hexCell(out, before, space), hexCell(out, written, space, written ^ before),
-                   hexCell(out, after, space, after ^ before), bitsCell(out, after, space, after ^ before)});
-        Asked whole = each;
-        whole.field = nullptr;
-        decoded.add(whole, after, before);
+            differing += fmt::format(" {} ({})", each.reg.text(), hexText(after ^ written, each.reg.space));
     }
-    showsFields(context, phy.maps(), list) ? decoded.print(out) : table.print(out, context.format());
     if (!differing.empty())
-        throw Failure(fmt::format("{}: modify PHY {}: the readback differs from what was written:{}",
-                                  phy.device().name(), options.phy, differing));
-    return kSuccess;
+        throw Failure(fmt::format("{}: the readback differs from what was written:{}", place, differing));
+}
+
+void print(Context& context, const Places& places, const std::vector<std::vector<Modified>>& all,
+           bool fields) {
+    Stream& out = context.console.out;
+    const bool many = !places.isOne();
+    RecordSink& records = context.records(registerForm(
+        many, {"before", "written", "value"},
+        {{"before", "BEFORE"}, {"written", "WRITTEN"}, {"value", "READ BACK"}, {"digits", "BITS"}}));
+    FieldTable decoded(out, context.format(), true, many);
+    for (std::size_t place = 0; place < all.size(); ++place) {
+        decoded.setPlace(places.device(place), places.phy(place));
+        for (const Modified& each : all[place]) {
+            const Space space = each.asked.reg.space;
+            Asked whole = each.asked;
+            whole.field = nullptr;
+            if (fields)
+                decoded.add(whole, each.after, each.before);
+            else
+                records.put(registerRecord(places.device(place), places.phy(place), each.asked)
+                                .put("before", hexCell(out, each.before, space))
+                                .put("written", hexCell(out, each.written, space, each.written ^ each.before))
+                                .put("value", hexCell(out, each.after, space, each.after ^ each.before))
+                                .put("digits", bitsCell(out, each.after, space, each.after ^ each.before)));
+        }
+    }
+    if (decoded.size() > 0)
+        decoded.print(out);
+}
+
+std::string dryRun(Context& context, const Options& options, const KnownMaps& maps) {
+    std::string text;
+    for (const Asked& each : askedFor(context, maps, options, {options.address})) {
+        wanted(each, options, 0); // refuses what is wrong
+        const std::uint32_t most = largestValue(each.reg.space);
+        const bool field = each.field != nullptr;
+        const auto mask = field ? 0 : numberAs<std::uint32_t>(options.mask, most, "the mask");
+        const auto value =
+            field ? valueFor(each, options.value) : numberAs<std::uint32_t>(options.value, most, "the value");
+        text += plannedChange(each, value, mask, maps, options.routed) +
+                planned({{each.reg, std::nullopt}}, maps, options.routed);
+    }
+    return text;
+}
+
+int run(Context& context, const Options& options) {
+    Kinds kinds(context);
+    Places places = options.places(context);
+    if (options.dryRun) {
+        context.console.out.write(dryRun(context, options, kinds.maps(0)));
+        return kSuccess;
+    }
+    const auto lists = kinds.settle(places, [&](const KnownMaps& maps) {
+        std::vector<Asked> list = askedFor(context, maps, options, {options.address});
+        for (const Asked& each : list)
+            wanted(each, options, 0); // refuses what is wrong before anything is sent
+        return list;
+    });
+    std::vector<std::vector<Modified>> done(places.size());
+    places.run("modify", [&](std::size_t place, const Orvane::Phy& phy) {
+        PhyAccess access(context, phy, kinds.maps(kinds.of(place)), options.routed);
+        carryOut(access, lists[kinds.of(place)], options,
+                 fmt::format("{}: modify PHY {}", places.device(place), places.phy(place)), done[place]);
+    });
+    print(context, places, done, showsFields(context, kinds.maps(0), lists.front()));
+    return places.finish("modify");
 }
 
 } // namespace
@@ -86,6 +146,7 @@ void addModify(CLI::App& app, Context& context) {
         ->required()
         ->type_name("");
     verb.add_option("MASK", options->mask, "The bits that may change; not for a field")->type_name("");
+    addDryRun(verb, options->dryRun);
     addFormatOptions(verb, context);
     setAction(verb, context, options, run);
 }

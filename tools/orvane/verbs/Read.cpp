@@ -1,116 +1,180 @@
 // orvane read: register values.
 #include "tools/orvane/board/Bits.h"
 #include "tools/orvane/cli/RegisterOptions.h"
+#include "tools/orvane/names/DryRun.h"
 #include "tools/orvane/names/FieldTable.h"
-#include "tools/orvane/names/NamedPhy.h"
+#include "tools/orvane/names/Kinds.h"
+#include "tools/orvane/names/PhyAccess.h"
+#include "tools/orvane/names/RegisterRecord.h"
+#include "tools/orvane/output/Errors.h"
 #include "tools/orvane/verbs/Verbs.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 
 namespace OrvaneTool {
 namespace {
 
-constexpr std::size_t kMostRows = 16; // more values are shown as a grid
+constexpr std::size_t kMostRows = 16; // more values of one PHY are shown as a grid
 
 struct Options : RegisterOptions {
+    bool dryRun = false;
     std::vector<std::string> addresses;
     bool grid = false;
     bool twice = false;
 };
 
-// Eight neighbours in a line, behind the address of the first.
-void printGrid(Stream& out, const std::vector<Asked>& list, const std::vector<std::uint32_t>& values,
-               std::uint32_t distance) {
-    constexpr std::size_t kInLine = 8;
-    std::size_t inLine = 0;
-    for (std::size_t i = 0; i < list.size(); ++i, ++inLine) {
-        const Register& reg = list[i].reg;
-        Register next = i > 0 ? list[i - 1].reg : reg;
-        next.address += distance;
-        if (i == 0 || !(reg == next) || inLine == kInLine) {
-            out.write(i > 0 ? "\n" : "");
-            out.print("{}:", out.painted(Colour::Dim, reg.text()));
-            inLine = 0;
-        }
-        out.print(" {:0{}X}", values[i], valueDigits(reg.space));
+using Values = std::vector<std::optional<std::uint32_t>>; // empty where nothing could be read
+
+// Prints what was read, and where.
+class Report {
+public:
+    Report(Context& context, const Options& options, const Places& places, const std::vector<Values>& values)
+        : context_(context), options_(options), places_(places), values_(values) {}
+
+    void print(const Kinds& kinds, const std::vector<std::vector<Asked>>& lists) const {
+        const auto listOf = [&](std::size_t place) -> const std::vector<Asked>& {
+            return lists[kinds.of(place)];
+        };
+        const bool text = context_.format() == Format::Text;
+        const std::vector<Asked>& list = lists.front();
+        if (options_.twice || (showsFields(context_, kinds.maps(0), list) && !options_.grid))
+            printFields(listOf);
+        else if (text && places_.isOne() && list.size() == 1 && !options_.grid)
+            printOne(list.front());
+        else if (text && (options_.grid || (list.size() > kMostRows && !isNamed(list))))
+            printGrids(listOf);
+        else
+            printRows(listOf, isNamed(list));
     }
-    out.write("\n");
+
+private:
+    Stream& out() const { return context_.console.out; }
+
+    // The value alone: of a field what it means, else the number.
+    void printOne(const Asked& asked) const {
+        if (values_[0].empty())
+            return;
+        const std::uint32_t value = values_[0][0].value();
+        if (asked.field == nullptr)
+            return out().print("{}\n", hexText(value, asked.reg.space));
+        for (const Orvane::DecodedField& each : Orvane::RegisterMap::decode(*asked.mapped, value))
+            if (each.field == asked.field)
+                out().print("{}\n", each.valueText());
+    }
+
+    // With what each held at the read before, when it was read twice: the difference is what was latched.
+    template <class ListOf>
+    void printFields(const ListOf& listOf) const {
+        FieldTable table(out(), context_.format(), options_.twice, !places_.isOne());
+        const std::size_t reads = options_.twice ? 2 : 1; // of each register
+        for (std::size_t place = 0; place < values_.size(); ++place) {
+            table.setPlace(places_.device(place), places_.phy(place));
+            for (std::size_t i = 0; i < values_[place].size(); i += reads) {
+                const auto& first = values_[place][i];
+                const auto& last = values_[place][i + reads - 1];
+                if (first && last)
+                    table.add(listOf(place)[i / reads], *last,
+                              options_.twice ? std::optional<std::uint64_t>(*first) : std::nullopt);
+            }
+        }
+        if (table.size() > 0 || context_.format() != Format::Text)
+            table.print(out());
+    }
+
+    template <class ListOf>
+    void printGrids(const ListOf& listOf) const {
+        for (std::size_t place = 0; place < values_.size(); ++place) {
+            if (values_[place].empty())
+                continue;
+            if (!places_.isOne())
+                out().print("{} PHY {}\n", places_.device(place), places_.phy(place));
+            printGrid(listOf(place), values_[place]);
+            out().flushWhenFull();
+        }
+    }
+
+    // Eight neighbours in a line, behind the address of the first.
+    void printGrid(const std::vector<Asked>& list, const Values& held) const {
+        constexpr std::size_t kInLine = 8;
+        std::size_t inLine = 0;
+        for (std::size_t i = 0; i < list.size(); ++i, ++inLine) {
+            const Register& reg = list[i].reg;
+            Register next = i > 0 ? list[i - 1].reg : reg;
+            next.address += options_.distance();
+            if (i == 0 || !(reg == next) || inLine == kInLine) {
+                out().write(i > 0 ? "\n" : "");
+                out().print("{}:", out().painted(Colour::Dim, reg.text()));
+                inLine = 0;
+            }
+            const auto digits = static_cast<std::size_t>(valueDigits(reg.space));
+            out().print(" {}", held[i] ? fmt::format("{:0{}X}", *held[i], digits) : std::string(digits, '-'));
+        }
+        out().write("\n");
+    }
+
+    template <class ListOf>
+    void printRows(const ListOf& listOf, bool named) const {
+        std::vector<Column> columns{{"value", "VALUE"}, {"digits", "BITS"}, {"decimal", "DECIMAL", true}};
+        if (named)
+            columns.insert(columns.begin(), {"name", "REGISTER"});
+        RecordSink& records = context_.records(registerForm(!places_.isOne(), {"value"}, columns));
+        for (std::size_t place = 0; place < values_.size(); ++place)
+            for (std::size_t i = 0; i < values_[place].size(); ++i)
+                if (values_[place][i])
+                    records.put(record(place, listOf(place)[i], *values_[place][i]));
+    }
+
+    Record record(std::size_t place, const Asked& asked, std::uint32_t value) const {
+        const Space space = asked.reg.space;
+        Record one = registerRecord(places_.device(place), places_.phy(place), asked);
+        one.put("value", hexCell(out(), value, space));
+        if (context_.format() == Format::Text)
+            one.put("digits", bitsCell(out(), value, space)).show("decimal", std::to_string(value));
+        return one;
+    }
+
+    Context& context_;
+    const Options& options_;
+    const Places& places_;
+    const std::vector<Values>& values_; // of each place, empty where nothing was read
+};
+
+// Each register as often as it is to be read, in a row.
+std::vector<Asked> repeated(const std::vector<Asked>& list, std::size_t times) {
+    std::vector<Asked> all;
+    for (const Asked& each : list)
+        all.insert(all.end(), times, each);
+    return all;
 }
 
-void printRows(Context& context, const Options& options, const std::vector<Asked>& list,
-               const std::vector<std::uint32_t>& values) {
-    Stream& out = context.console.out;
-    const bool named = isNamed(list);
-    Table table({{"device", ""},
-                 {"phy", ""},
-                 {"space", ""},
-                 {"address", "ADDRESS"},
-                 {named ? "register" : "", named ? "REGISTER" : ""},
-                 {"value", "VALUE"},
-                 {"", "BITS"},
-                 {"", "DECIMAL", true}});
-    for (std::size_t i = 0; i < list.size(); ++i)
-        table.add({options.device,
-                   {std::to_string(options.phy), options.phy},
-                   nameOf(list[i].reg.space),
-                   list[i].reg.text(),
-                   list[i].mapped != nullptr ? list[i].mapped->name() : "",
-                   hexCell(out, values[i], list[i].reg.space),
-                   bitsCell(out, values[i], list[i].reg.space),
-                   {std::to_string(values[i]), values[i]}});
-    table.print(out, context.format());
-}
-
-// One value alone: of a field what it means, else the number.
-std::string valueText(const Asked& asked, std::uint32_t value) {
-    if (asked.field == nullptr)
-        return hexText(value, asked.reg.space);
-    for (const Orvane::DecodedField& each : Orvane::RegisterMap::decode(*asked.mapped, value))
-        if (each.field == asked.field)
-            return each.valueText();
-    return {};
-}
-
-void printValues(Context& context, const Options& options, const std::vector<Asked>& list,
-                 const std::vector<std::uint32_t>& values) {
-    Stream& out = context.console.out;
-    const bool text = context.format() == Format::Text;
-    if (text && list.size() == 1 && !options.grid)
-        out.print("{}\n", valueText(list[0], values[0]));
-    else if (text && (options.grid || (list.size() > kMostRows && !isNamed(list))))
-        printGrid(out, list, values, options.distance());
-    else
-        printRows(context, options, list, values);
-}
-
-// What each register holds, beside what it held at the read before: the difference is what was latched.
-void printTwice(Context& context, const std::vector<Asked>& list, const std::vector<std::uint32_t>& values) {
-    FieldTable table(context.console.out, context.format(), true);
-    for (std::size_t i = 0; i < list.size(); ++i)
-        table.add(list[i], values[2 * i + 1], values[2 * i]);
-    table.print(context.console.out);
+bool hasAny(const Values& values) {
+    return std::any_of(values.begin(), values.end(), [](const auto& each) { return each.has_value(); });
 }
 
 int run(Context& context, const Options& options) {
-    NamedPhy phy(context, options);
-    const std::vector<Asked> list = phy.parse(options.addresses);
-    if (options.twice) {
-        std::vector<Asked> doubled;
-        for (const Asked& each : list)
-            doubled.insert(doubled.end(), 2, each);
-        printTwice(context, list, phy.read(doubled));
+    Kinds kinds(context);
+    Places places = options.places(context);
+    if (options.dryRun) {
+        const std::vector<Asked> list = askedFor(context, kinds.maps(0), options, options.addresses);
+        std::vector<Access> reads;
+        for (const Asked& each : repeated(list, options.twice ? 2 : 1))
+            reads.push_back({each.reg, std::nullopt});
+        context.console.out.write(planned(reads, kinds.maps(0), options.routed));
         return kSuccess;
     }
-    const std::vector<std::uint32_t> values = phy.read(list);
-    if (showsFields(context, phy.maps(), list) && !options.grid) {
-        FieldTable table(context.console.out, context.format());
-        for (std::size_t i = 0; i < list.size(); ++i)
-            table.add(list[i], values[i]);
-        table.print(context.console.out);
-    } else {
-        printValues(context, options, list, values);
-    }
-    return kSuccess;
+    const auto lists = kinds.settle(
+        places, [&](const KnownMaps& maps) { return askedFor(context, maps, options, options.addresses); });
+    std::vector<Values> values(places.size());
+    places.run("read", [&](std::size_t place, const Orvane::Phy& phy) {
+        PhyAccess access(context, phy, kinds.maps(kinds.of(place)), options.routed);
+        const Outcome outcome = access.read(repeated(lists[kinds.of(place)], options.twice ? 2 : 1));
+        if (hasAny(outcome.values))
+            values[place] = outcome.values;
+        outcome.check();
+    });
+    Report(context, options, places, values).print(kinds, lists);
+    return places.finish("read");
 }
 
 } // namespace
@@ -127,7 +191,9 @@ void addRead(CLI::App& app, Context& context) {
                       "  orvane read OV0001:0 3 --routed 11.0x1004  through the PHY's firmware\n"
                       "  orvane read OV0001:0 3 AN.STATUS --fields  by name, decoded\n"
                       "  orvane read OV0001:0 3 AN.STATUS.LINK --twice\n"
-                      "  orvane read OV0001:0 3 'PCS.*' --map chip.json\n"});
+                      "  orvane read OV0001:0 3 'PCS.*' --map chip.json\n"
+                      "  orvane read 'OV*:0' 0-3 1.2                four PHYs of every board\n"
+                      "  orvane read @rack.txt 3 1.2 1.3            the devices that a file names\n"});
     auto options = std::make_shared<Options>();
     addRegisterOptions(verb, context, *options);
     verb.add_option(
@@ -139,6 +205,7 @@ void addRead(CLI::App& app, Context& context) {
     verb.add_flag("--twice", options->twice,
                   "Read twice in a row: what a latched bit held, and what it holds");
     addSideEffects(verb, context);
+    addDryRun(verb, options->dryRun);
     addFormatOptions(verb, context);
     setAction(verb, context, options, run);
 }

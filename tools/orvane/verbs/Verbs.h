@@ -10,12 +10,14 @@ using AddVerb = void (*)(CLI::App& app, Context& context);
 
 void addList(CLI::App& app, Context& context);
 void addInfo(CLI::App& app, Context& context);
+void addScan(CLI::App& app, Context& context);
 void addPing(CLI::App& app, Context& context);
 void addRead(CLI::App& app, Context& context);
 void addWrite(CLI::App& app, Context& context);
 void addModify(CLI::App& app, Context& context);
 void addDump(CLI::App& app, Context& context);
 void addDiff(CLI::App& app, Context& context);
+void addRestore(CLI::App& app, Context& context);
 void addWatch(CLI::App& app, Context& context);
 void addDecode(CLI::App& app, Context& context);
 void addMap(CLI::App& app, Context& context);

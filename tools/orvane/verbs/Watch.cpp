@@ -1,146 +1,209 @@
 // orvane watch: registers as they change.
-#include "tools/orvane/board/Bits.h"
-#include "tools/orvane/names/FieldTable.h"
-#include "tools/orvane/names/NamedPhy.h"
+#include "tools/orvane/names/Condition.h"
+#include "tools/orvane/names/Gaps.h"
+#include "tools/orvane/names/Kinds.h"
+#include "tools/orvane/names/PhyAccess.h"
+#include "tools/orvane/names/RegisterRecord.h"
+#include "tools/orvane/output/Errors.h"
+#include "tools/orvane/output/Keys.h"
 #include "tools/orvane/verbs/Verbs.h"
+#include "tools/orvane/watch/Display.h"
 
+#include <algorithm>
 #include <chrono>
+#include <csignal>
+#include <deque>
 #include <fmt/format.h>
 
 namespace OrvaneTool {
 namespace {
 
+using Clock = std::chrono::steady_clock;
+using Milliseconds = std::chrono::milliseconds;
+
 struct Options : RegisterOptions {
     std::vector<std::string> addresses;
     unsigned interval = 500;
     unsigned long count = 0; // 0: until interrupted
+    std::string until;
+    double timeout = 0; // seconds; 0: none
+    bool strict = false;
 };
 
-struct Watched {
-    Asked asked;
-    std::uint32_t value = 0;
-    std::uint32_t changed = 0; // bits that differ from the sample before
-    unsigned long changes = 0;
+// What is watched of each kind of PHY.
+struct Wanted {
+    std::vector<Asked> list;
+    std::optional<Condition> until{};
+    std::size_t untilAt = 0; // in the list
 };
 
-class Display {
+// One PHY, whose session stays open.
+struct Source {
+    Orvane::Phy phy;
+    const KnownMaps* maps;
+    const Wanted* wanted;
+    Gaps gaps{};
+};
+
+class Watching {
 public:
-    Display(Context& context, const Options& options, bool fields)
-        : out_(context.console.out), options_(options), fields_(fields) {}
+    Watching(Context& context, const Options& options)
+        : context_(context), options_(options), kinds_(context) {}
 
-    void show(unsigned long sample, const std::vector<Watched>& list) {
-        // What does not fit on the screen cannot be drawn over.
-        if (out_.isTerminal() && list.size() + 2 < out_.height())
-            redraw(sample, list);
-        else
-            printChanges(sample, list);
-        out_.flush();
+    int run() {
+        records_ = &context_.records(
+            registerForm(true, {"sequence", "value", "before", "changes", "from", "until"}, {}),
+            Pace::OneByOne);
+        Places places = options_.places(context_);
+        const std::vector<Wanted> wanted =
+            kinds_.settle(places, [this](const KnownMaps& maps) { return wantedOf(maps); });
+        open(places, wanted);
+        bool met = false;
+        try {
+            met = watch(places, wanted);
+        } catch (const Interrupted& interrupted) {
+            if (interrupted.signal != SIGINT) // Ctrl-C is the usual end
+                throw;
+        }
+        const bool whole = tellGaps();
+        const int status = places.finish("watch");
+        if (!options_.until.empty() && !met)
+            throw Failure(fmt::format("watch: {} did not come true", options_.until));
+        return options_.strict && !whole ? kFailed : status;
     }
 
 private:
-    // Over what was drawn before.
-    void redraw(unsigned long sample, const std::vector<Watched>& list) {
-        if (lines_ > 0)
-            out_.print("\033[{}A\033[J", lines_);
-        out_.print("{} PHY {}, every {} ms, sample {}\n", options_.device, options_.phy, options_.interval,
-                   sample);
-        lines_ = (fields_ ? drawFields(list) : drawValues(list)) + 2;
+    Wanted wantedOf(const KnownMaps& maps) const {
+        Wanted wanted{askedFor(context_, maps, options_, options_.addresses)};
+        if (options_.until.empty())
+            return wanted;
+        wanted.until = Condition::parse(options_.until, maps, options_.space());
+        const auto there = std::find_if(wanted.list.begin(), wanted.list.end(), [&](const Asked& each) {
+            return each.reg == wanted.until->asked.reg;
+        });
+        wanted.untilAt = static_cast<std::size_t>(there - wanted.list.begin());
+        if (there == wanted.list.end())
+            wanted.list.push_back(wanted.until->asked);
+        return wanted;
     }
 
-    // They return the number of rows.
-    std::size_t drawValues(const std::vector<Watched>& list) {
-        Table table({{"", "ADDRESS"}, {"", "VALUE"}, {"", "BITS"}, {"", "CHANGES", true}});
-        for (const Watched& each : list) {
-            const std::string changes = std::to_string(each.changes);
-            const Space space = each.asked.reg.space;
-            table.add({each.asked.reg.text(),
-                       hexCell(out_, each.value, space, each.changed),
-                       bitsCell(out_, each.value, space, each.changed),
-                       {changes, each.changes,
-                        out_.painted(each.changed ? Colour::Yellow : Colour::None, changes)}});
-        }
-        table.print(out_, Format::Text);
-        return table.size();
-    }
-
-    std::size_t drawFields(const std::vector<Watched>& list) {
-        FieldTable table(out_, Format::Text, true);
-        for (const Watched& each : list)
-            table.add(each.asked, each.value, each.value ^ each.changed);
-        table.print(out_);
-        return table.size();
-    }
-
-    // Everything at first, then what changed.
-    void printChanges(unsigned long sample, const std::vector<Watched>& list) {
-        for (const Watched& each : list) {
-            const Space space = each.asked.reg.space;
-            if (sample > 1 && each.changed == 0)
+    void open(Places& places, const std::vector<Wanted>& wanted) {
+        std::vector<std::optional<Orvane::Phy>> opened(places.size());
+        places.run("watch", [&](std::size_t place, const Orvane::Phy& phy) {
+            phy.open(context_.within());
+            opened[place] = phy;
+        });
+        for (std::size_t place = 0; place < places.size(); ++place) {
+            if (!opened[place])
                 continue;
-            out_.print("{} {} {}", sample, each.asked.reg.text(), hexText(each.value, space));
-            if (sample > 1)
-                out_.print(" was {}, change {}", hexText(each.value ^ each.changed, space), each.changes);
-            out_.write("\n");
-            if (fields_)
-                printFields(sample, each);
+            const std::size_t kind = kinds_.of(place);
+            sources_.push_back({*opened[place], &kinds_.maps(kind), &wanted[kind]});
+            WatchedPhy& watched = phys_.emplace_back();
+            watched.device = places.device(place);
+            watched.phy = places.phy(place);
+            for (const Asked& each : wanted[kind].list)
+                watched.registers.emplace_back().asked = each;
         }
     }
 
-    // Those that changed, at first all of them.
-    void printFields(unsigned long sample, const Watched& each) {
-        if (each.asked.mapped == nullptr)
-            return;
-        for (const Orvane::DecodedField& field :
-             Orvane::RegisterMap::decode(*each.asked.mapped, each.value)) {
-            const bool changed = (field.field->mask & each.changed) != 0;
-            if ((sample > 1 && !changed) || (each.asked.field != nullptr && field.field != each.asked.field))
-                continue;
-            const std::uint64_t raw = field.field->extract(each.value ^ each.changed);
-            const Orvane::DecodedField before{field.field, raw, field.field->number(raw),
-                                              field.field->scaled(raw), field.field->choice(raw)};
-            out_.print("{} {}.{} {}{}\n", sample, each.asked.mapped->name(), field.field->name,
-                       meaningOf(field), sample > 1 ? " was " + before.valueText() : "");
+    // Whether the condition came true.
+    bool watch(const Places& places, const std::vector<Wanted>& wanted) {
+        if (phys_.empty())
+            return false;
+        const std::string what = places.isOne() ? fmt::format("{} PHY {}", phys_[0].device, phys_[0].phy)
+                                                : fmt::format("{} PHYs", phys_.size());
+        Display display(context_.console.out, *records_,
+                        fmt::format("{}, every {} ms", what, options_.interval),
+                        showsFields(context_, kinds_.maps(0), wanted.front().list), keys_.available());
+        const Clock::time_point end =
+            options_.timeout > 0 ? Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                                      std::chrono::duration<double>(options_.timeout))
+                                 : Clock::time_point::max();
+        for (unsigned long sample = 1; options_.count == 0 || sample <= options_.count; ++sample) {
+            if (sample > 1 && !pause(end, display, sample - 1))
+                return false;
+            for (std::size_t i = 0; i < sources_.size(); ++i)
+                take(sources_[i], phys_[i]);
+            display.show(sample, phys_);
+            context_.console.out.requireReader();
+            if (holds())
+                return true;
+        }
+        return false;
+    }
+
+    // While the board is away, values stay as they were. Throws what does not pass.
+    void take(Source& source, WatchedPhy& phy) {
+        try {
+            PhyAccess access(context_, source.phy, *source.maps, options_.routed);
+            access.setPatience(std::chrono::seconds(1)); // there will be another sample
+            const std::vector<std::uint32_t> values = access.read(source.wanted->list).all();
+            phy.take(values, source.gaps.close());
+        } catch (const Orvane::Failure& failure) {
+            context_.interrupts().check();
+            if (!isAway(failure))
+                throw;
+            source.gaps.note(failure);
+            phy.miss(Orvane::toText(failure.kind()));
         }
     }
 
-    Stream& out_;
+    bool holds() const {
+        if (options_.until.empty())
+            return false;
+        for (std::size_t i = 0; i < phys_.size(); ++i) {
+            const Wanted& wanted = *sources_[i].wanted;
+            if (!phys_[i].known || !phys_[i].away.empty() ||
+                !wanted.until->holds(phys_[i].registers[wanted.untilAt].value))
+                return false;
+        }
+        return !phys_.empty();
+    }
+
+    // Until the next sample; false when the time is over or the user has enough.
+    bool pause(Clock::time_point end, Display& display, unsigned long sample) {
+        const Clock::time_point next = Clock::now() + Milliseconds(options_.interval);
+        if (next > end)
+            return false;
+        for (;;) {
+            const auto left = std::chrono::ceil<Milliseconds>(next - Clock::now());
+            context_.interrupts().check();
+            if (left <= Milliseconds(0))
+                return true;
+            const Key key = keys_.wait(left, context_.interrupts().cancellation().descriptor());
+            if (key == Key::Quit)
+                return false;
+            if (key != Key::None)
+                display.scroll(key, sample, phys_);
+        }
+    }
+
+    // Whether there were none.
+    bool tellGaps() {
+        bool none = true;
+        for (std::size_t i = 0; i < sources_.size(); ++i) {
+            Stream& err = context_.console.err;
+            if (const std::optional<Gap> open = sources_[i].gaps.close())
+                err.print("orvane: {} PHY {}: {}\n", phys_[i].device, phys_[i].phy, open->text());
+            if (sources_[i].gaps.count() > 0)
+                err.print("orvane: {} PHY {}{}\n", phys_[i].device, phys_[i].phy, sources_[i].gaps.summary());
+            none = none && sources_[i].gaps.count() == 0;
+        }
+        context_.console.err.flushIfPossible();
+        return none;
+    }
+
+    Context& context_;
     const Options& options_;
-    bool fields_;
-    std::size_t lines_ = 0;
+    Kinds kinds_;
+    RecordSink* records_ = nullptr;
+    Keys keys_{context_.console.out.isTerminal() && context_.format() == Format::Text};
+    std::vector<Source> sources_;
+    std::vector<WatchedPhy> phys_; // of each source
 };
 
-void takeSample(NamedPhy& phy, const std::vector<Asked>& list, bool first, std::vector<Watched>& watched) {
-    const std::vector<std::uint32_t> values = phy.read(list);
-    for (std::size_t i = 0; i < watched.size(); ++i) {
-        watched[i].changed = first ? 0 : watched[i].value ^ values[i];
-        watched[i].changes += watched[i].changed != 0 ? 1U : 0U;
-        watched[i].value = values[i];
-    }
-}
-
-void watchRegisters(Context& context, const Options& options, NamedPhy& phy, const std::vector<Asked>& list) {
-    std::vector<Watched> watched;
-    watched.reserve(list.size());
-    for (const Asked& each : list)
-        watched.push_back({each});
-    Display display(context, options, showsFields(context, phy.maps(), list));
-    for (unsigned long sample = 1; options.count == 0 || sample <= options.count; ++sample) {
-        if (sample > 1)
-            context.interrupts().sleep(std::chrono::milliseconds(options.interval));
-        takeSample(phy, list, sample == 1, watched);
-        display.show(sample, watched);
-    }
-}
-
 int run(Context& context, const Options& options) {
-    NamedPhy phy(context, options);
-    const std::vector<Asked> list = phy.parse(options.addresses);
-    phy.device();
-    try {
-        watchRegisters(context, options, phy, list);
-    } catch (const Interrupted&) { // the usual end
-    }
-    return kSuccess;
+    return Watching(context, options).run();
 }
 
 } // namespace
@@ -151,8 +214,10 @@ void addWatch(CLI::App& app, Context& context) {
                       "  orvane watch OV0001:0 3 1.0x0001 3.0x0001\n"
                       "  orvane watch OV0001:0 3 31.0x8030+8 --interval 50\n"
                       "  orvane watch OV0001:0 3 'PCS.*' AN.STATUS --fields\n"
-                      " On a terminal the values are redrawn in place, until Ctrl-C; elsewhere each\n"
-                      " change is a line: sample, address, value, value before, number of changes.\n"});
+                      "  orvane watch OV0001:0 3 AN.STATUS --until 'AN.STATUS.LINK==1' --timeout 10\n"
+                      " On a terminal the values are redrawn in place, until Ctrl-C or q; arrows, space and\n"
+                      " b scroll. Elsewhere each change is a line: sample, address, value, value before,\n"
+                      " number of changes. A board that is away for a while leaves a gap.\n"});
     auto options = std::make_shared<Options>();
     addRegisterOptions(verb, context, *options);
     verb.add_option("ADDRESS", options->addresses,
@@ -160,8 +225,20 @@ void addWatch(CLI::App& app, Context& context) {
         ->required()
         ->type_name("");
     addSideEffects(verb, context);
+    addFormatOptions(verb, context);
     verb.add_option("--interval", options->interval, "Pause between samples (500)")->type_name("MS");
     verb.add_option("--count", options->count, "Stop after so many samples")->type_name("N");
+    CLI::Option* const until =
+        verb.add_option(
+                "--until", options->until,
+                "Stop when a register or field is so: NAME==VALUE, or with != < <= > >=; status 1 when "
+                "it ends otherwise")
+            ->type_name("CONDITION");
+    verb.add_option("--timeout", options->timeout, "Do not wait longer for it")
+        ->type_name("S")
+        ->check(CLI::PositiveNumber.description(""))
+        ->needs(until);
+    verb.add_flag("--strict", options->strict, "Status 1 when the board was away meanwhile");
     setAction(verb, context, options, run);
 }
 

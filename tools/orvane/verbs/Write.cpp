@@ -2,9 +2,13 @@
 #include "tools/orvane/board/Bits.h"
 #include "tools/orvane/board/Numbers.h"
 #include "tools/orvane/cli/RegisterOptions.h"
+#include "tools/orvane/names/DryRun.h"
 #include "tools/orvane/names/FieldChange.h"
 #include "tools/orvane/names/FieldTable.h"
-#include "tools/orvane/names/NamedPhy.h"
+#include "tools/orvane/names/Kinds.h"
+#include "tools/orvane/names/PhyAccess.h"
+#include "tools/orvane/names/RegisterRecord.h"
+#include "tools/orvane/output/Errors.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <fmt/format.h>
@@ -13,6 +17,7 @@ namespace OrvaneTool {
 namespace {
 
 struct Options : RegisterOptions {
+    bool dryRun = false;
     std::vector<std::string> words; // ADDRESS VALUE, repeated
     bool readback = false;
 };
@@ -22,70 +27,121 @@ struct Write {
     std::uint32_t value; // of the field, where one was named
 };
 
-std::vector<Write> writesOf(NamedPhy& phy, const Options& options) {
+std::vector<Write> writesOf(Context& context, const KnownMaps& maps, const Options& options) {
     if (options.words.size() % 2 != 0)
         throw UsageError(fmt::format("there is no value for {}", options.words.back()));
     std::vector<Write> writes;
     for (std::size_t i = 0; i < options.words.size(); i += 2)
-        for (const Asked& each : phy.parse(options.words[i]))
+        for (const Asked& each : askedFor(context, maps, options, {options.words[i]}))
             writes.push_back({each, valueFor(each, options.words[i + 1])});
     return writes;
 }
 
-// Reads each register once more and shows what it holds; 1 when one differs from what was written.
-int readBack(Context& context, const Options& options, const std::string& device,
-             const std::vector<Asked>& list, const std::vector<Access>& writes,
-             const std::vector<std::uint32_t>& values, bool fields) {
-    Stream& out = context.console.out;
-    Table table({{"address", "ADDRESS"}, {"written", "WRITTEN"}, {"read", "READ BACK"}, {"", "BITS"}});
-    FieldTable decoded(out, context.format(), true);
-    std::string differing;
-    for (std::size_t i = 0; i < writes.size(); ++i) {
-        const Space space = writes[i].reg.space;
-        const std::uint32_t changed = values[i] ^ *writes[i].written;
-        if (changed != 0)
-            differing += " " + writes[i].reg.text();
-        table.add({writes[i].reg.text(), hexCell(out, *writes[i].written, space),
-                   hexCell(out, values[i], space, changed), bitsCell(out, values[i], space, changed)});
-        decoded.add(list[i], values[i], *writes[i].written);
-    }
-    fields ? decoded.print(out) : table.print(out, context.format());
-    if (differing.empty())
-        return kSuccess;
-    throw Failure(fmt::format("{}: write PHY {}: the readback differs from what was written:{}", device,
-                              options.phy, differing));
-}
-
-int run(Context& context, const Options& options) {
-    NamedPhy phy(context, options);
+// The values that registers were given, and what they held when they were read back.
+struct Written {
     std::vector<Asked> list;
-    std::vector<Access> writes;
-    // Whole registers go together; a field needs to know what is beside it first.
-    std::size_t done = 0;
+    std::vector<std::uint32_t> values;
+    std::vector<std::uint32_t> readBack;
+
+    std::vector<Register> differing() const {
+        std::vector<Register> registers;
+        for (std::size_t i = 0; i < readBack.size(); ++i)
+            if (readBack[i] != values[i])
+                registers.push_back(list[i].reg);
+        return registers;
+    }
+};
+
+// Whole registers go together; a field needs to know what is beside it first.
+Written carryOut(PhyAccess& phy, const std::vector<Write>& writes, bool readback) {
+    Written written;
+    std::vector<Access> waiting;
     const auto writeOut = [&] {
-        const std::vector<Access> some(writes.begin() + static_cast<std::ptrdiff_t>(done), writes.end());
-        phy.run(some);
-        done = writes.size();
+        phy.run(waiting).check();
+        waiting.clear();
     };
-    for (const Write& each : writesOf(phy, options)) {
+    for (const Write& each : writes) {
         std::uint32_t value = each.value;
         if (each.asked.field != nullptr) {
             writeOut();
-            value = changedBy(each.asked, phy.read({each.asked}).front(), each.value);
+            value = changedBy(each.asked, phy.read({each.asked}).all().front(), each.value);
         }
-        list.push_back(each.asked);
-        writes.push_back({each.asked.reg, value});
+        written.list.push_back(each.asked);
+        written.values.push_back(value);
+        waiting.push_back({each.asked.reg, value});
     }
-    if (!options.readback) {
+    if (!readback) {
         writeOut();
+        return written;
+    }
+    const auto readsFrom = static_cast<std::ptrdiff_t>(waiting.size());
+    for (const Asked& each : written.list)
+        waiting.push_back({each.reg, std::nullopt});
+    const std::vector<std::uint32_t> all = phy.run(waiting).all();
+    written.readBack.assign(all.begin() + readsFrom, all.end());
+    return written;
+}
+
+// What was written and what is there, of all places.
+void print(Context& context, const Places& places, const std::vector<Written>& all, bool fields) {
+    Stream& out = context.console.out;
+    const bool many = !places.isOne();
+    RecordSink& records = context.records(registerForm(
+        many, {"written", "value"}, {{"written", "WRITTEN"}, {"value", "READ BACK"}, {"digits", "BITS"}}));
+    FieldTable decoded(out, context.format(), true, many);
+    for (std::size_t place = 0; place < all.size(); ++place) {
+        const Written& one = all[place];
+        decoded.setPlace(places.device(place), places.phy(place));
+        for (std::size_t i = 0; i < one.readBack.size(); ++i) {
+            const Space space = one.list[i].reg.space;
+            const std::uint32_t changed = one.readBack[i] ^ one.values[i];
+            if (fields)
+                decoded.add(one.list[i], one.readBack[i], one.values[i]);
+            else
+                records.put(registerRecord(places.device(place), places.phy(place), one.list[i])
+                                .put("written", hexCell(out, one.values[i], space))
+                                .put("value", hexCell(out, one.readBack[i], space, changed))
+                                .put("digits", bitsCell(out, one.readBack[i], space, changed)));
+        }
+    }
+    if (decoded.size() > 0)
+        decoded.print(out);
+}
+
+std::string dryRun(const std::vector<Write>& writes, const KnownMaps& maps, const Options& options) {
+    std::string text;
+    for (const Write& each : writes)
+        text += each.asked.field == nullptr ? planned({{each.asked.reg, each.value}}, maps, options.routed)
+                                            : plannedChange(each.asked, each.value, 0, maps, options.routed);
+    for (const Write& each : writes)
+        if (options.readback)
+            text += planned({{each.asked.reg, std::nullopt}}, maps, options.routed);
+    return text;
+}
+
+int run(Context& context, const Options& options) {
+    Kinds kinds(context);
+    Places places = options.places(context);
+    if (options.dryRun) {
+        const KnownMaps& maps = kinds.maps(0);
+        context.console.out.write(dryRun(writesOf(context, maps, options), maps, options));
         return kSuccess;
     }
-    std::vector<Access> accesses(writes.begin() + static_cast<std::ptrdiff_t>(done), writes.end());
-    for (const Access& write : writes)
-        accesses.push_back({write.reg, std::nullopt});
-    const std::vector<std::uint32_t> values = phy.run(accesses);
-    return readBack(context, options, phy.device().name(), list, writes, values,
-                    showsFields(context, phy.maps(), list));
+    const auto writes =
+        kinds.settle(places, [&](const KnownMaps& maps) { return writesOf(context, maps, options); });
+    std::vector<Written> written(places.size());
+    places.run("write", [&](std::size_t place, const Orvane::Phy& phy) {
+        PhyAccess access(context, phy, kinds.maps(kinds.of(place)), options.routed);
+        written[place] = carryOut(access, writes[kinds.of(place)], options.readback);
+        if (const std::vector<Register> differing = written[place].differing(); !differing.empty())
+            throw Failure(fmt::format("{}: write PHY {}: the readback differs from what was written: {}",
+                                      places.device(place), places.phy(place), rangesText(differing)));
+    });
+    std::vector<Asked> list;
+    for (const Write& each : writes.front())
+        list.push_back(each.asked);
+    print(context, places, written, showsFields(context, kinds.maps(0), list));
+    return places.finish("write");
 }
 
 } // namespace
@@ -98,7 +154,8 @@ void addWrite(CLI::App& app, Context& context) {
               "  orvane write OV0001:0 3 30.0xC010+16 0 --readback  16 registers, and what they hold\n"
               "  orvane write OV0001:0 3 --ext32 0x80004000 0x12345678\n"
               "  orvane write OV0001:0 3 AN.CONTROL.RESTART 1       a field: read, changed, written\n"
-              "  orvane write OV0001:0 3 CHIP.CONTROL.SPEED '100 Mb/s' --map chip.json\n"});
+              "  orvane write OV0001:0 3 CHIP.CONTROL.SPEED '100 Mb/s' --map chip.json\n"
+              "  orvane write 'OV*:0' 0-3 30.0xC010 0               four PHYs of every board\n"});
     auto options = std::make_shared<Options>();
     addRegisterOptions(verb, context, *options);
     verb.add_option("ADDRESS VALUE", options->words,
@@ -106,6 +163,7 @@ void addWrite(CLI::App& app, Context& context) {
         ->required()
         ->type_name("");
     verb.add_flag("--readback", options->readback, "Read what was written; status 1 when it differs");
+    addDryRun(verb, options->dryRun);
     addFormatOptions(verb, context);
     setAction(verb, context, options, run);
 }

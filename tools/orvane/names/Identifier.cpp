@@ -1,0 +1,21 @@
+// Reading of a PHY's identifier.
+#include "tools/orvane/names/Identifier.h"
+
+#include <fmt/format.h>
+
+namespace OrvaneTool {
+
+std::optional<std::string> identifierOf(const Orvane::Phy& phy, Space space, const Orvane::Within& within) {
+    const Orvane::RegisterAddress first =
+        space == Space::C22 ? Orvane::clause22(2) : Orvane::RegisterAddress{1, 2};
+    try {
+        const std::vector<std::uint32_t> words = phy.read(first, 2, within);
+        return fmt::format("0x{:04X}{:04X}", words[0], words[1]);
+    } catch (const Orvane::Failure& failure) {
+        if (failure.kind() == Orvane::FailureKind::BoardError)
+            return std::nullopt;
+        throw;
+    }
+}
+
+} // namespace OrvaneTool

@@ -65,9 +65,9 @@ ORVANE_C_API int orvane_phy_restore(orvane_phy *phy, const orvane_snapshot *snap
 /* What orvane_phy_run() would send, a line each; `map` may be NULL for IEEE 802.3. Sends nothing. */
 ORVANE_C_API int orvane_plan(const orvane_operation *operations, size_t count, const orvane_map *map,
                              char **text, orvane_failure *failure);
-/* The same for the steps that orvane_routed_read() would take, or with `value` those of orvane_routed_write():
- * each busy status taken to be done at its first look. `paths` as there; empty for an address that no path
- * leads to. */
+/* The same for the steps that orvane_routed_read() would take, or with `value` those of
+ * orvane_routed_write(): each busy status taken to be done at its first look. `paths` as there; empty for an
+ * address that no path leads to. */
 ORVANE_C_API int orvane_routed_plan(orvane_register address, const uint32_t *value, const orvane_paths *paths,
                                     const orvane_map *map, char **text, orvane_failure *failure);
 

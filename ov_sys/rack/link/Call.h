@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ov_sys/rack/link/Program.h"
-#include "ov_sys/rack/link/Trouble.h"
+#include "ov_sys/rack/values/Trouble.h"
 #include "ov_sys/rack/values/Within.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // The name of a port: board serial number, colon, port number.
 #pragma once
 
-#include "ov_sys/rack/link/Trouble.h"
+#include "ov_sys/rack/values/Trouble.h"
 
 #include <optional>
 #include <string>

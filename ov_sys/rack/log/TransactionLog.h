@@ -1,11 +1,11 @@
 // The accesses of a rack as lines of text, in one order.
 #pragma once
 
-#include "ov_sys/rack/link/Trouble.h"
 #include "ov_sys/rack/log/LogFields.h"
 #include "ov_sys/rack/values/Batch.h"
 #include "ov_sys/rack/values/Event.h"
 #include "ov_sys/rack/values/LogSink.h"
+#include "ov_sys/rack/values/Trouble.h"
 
 #include <atomic>
 #include <cstddef>

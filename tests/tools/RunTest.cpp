@@ -15,6 +15,13 @@ TEST(OrvaneRun, HandsItsWordsToTheInterpreterAsTheyAre) {
     EXPECT_THAT(outcome.output, testing::EndsWith(" --help sweep.py --tolerance eye=1 %\n"));
 }
 
+TEST(OrvaneRun, HandsWordsOnThatAreVerbsHere) {
+    const Outcome outcome =
+        orvane({"run", "diff", "a.orvrun", "b.orvrun", "--tolerance", "eye=2"}, {{"ORVANE_PYTHON", "echo"}});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, testing::EndsWith(" diff a.orvrun b.orvrun --tolerance eye=2\n"));
+}
+
 TEST(OrvaneRun, HasTheStatusOfTheInterpreter) {
     EXPECT_EQ(orvane({"run", "show", "it.orvrun"}, {{"ORVANE_PYTHON", "false"}}), fails(1, ""));
 }

@@ -35,6 +35,7 @@ void addVerbs(CLI::App& app, Context& context) {
     app.footer(kFooter);
     app.set_version_flag("--version", "orvane " ORVANE_VERSION);
     app.fallthrough(false);
+    app.require_subcommand(0, 1); // a second verb's name is a word of the first
     for (const AddVerb add : kVerbs)
         add(app, context);
 }

@@ -42,13 +42,19 @@ struct UseMap {
     std::uint32_t identifier = MdioPorts::kIdentifier; // of the PHY, in its registers 2 and 3
     std::vector<MappedRegister> registers;
 };
+// Has a PHY raise an MDIO interrupt.
+struct RaiseInterrupt {
+    unsigned device = 0;
+    unsigned phy = 0;
+};
 // Temperature around the board, in degrees Celsius.
 struct SetAmbientTemperature {
     double celsius = 25;
 };
 
 // One thing to do; a fault is injected, a stream of stray datagrams begun.
-using Action = std::variant<Fault, StrayDatagrams, ClearFaults, Hang, Kill, Start, Restart, MoveTo,
-                            ForgetSessions, SwitchPortMapper, SetRegister, UseMap, SetAmbientTemperature>;
+using Action =
+    std::variant<Fault, StrayDatagrams, ClearFaults, Hang, Kill, Start, Restart, MoveTo, ForgetSessions,
+                 SwitchPortMapper, SetRegister, UseMap, RaiseInterrupt, SetAmbientTemperature>;
 
 } // namespace OrvaneSim

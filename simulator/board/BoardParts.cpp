@@ -27,4 +27,9 @@ BoardParts::BoardParts(const std::string& serial, const std::string& nameLine, s
           mdio, [this] { return thermal.temperature(0); }, serial),
       commands(serial, nameLine) {}
 
+void BoardParts::forgetSessions() {
+    sessions.clear();
+    interrupts.clear();
+}
+
 } // namespace OrvaneSim

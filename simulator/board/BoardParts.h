@@ -12,6 +12,7 @@
 #include "simulator/models/GpioBank.h"
 #include "simulator/models/I2cBuses.h"
 #include "simulator/models/JtagChain.h"
+#include "simulator/models/MdioInterrupts.h"
 #include "simulator/models/MdioPorts.h"
 #include "simulator/models/ThermalPlant.h"
 
@@ -29,6 +30,9 @@ struct BoardParts {
     BoardParts(const BoardParts&) = delete;
     BoardParts& operator=(const BoardParts&) = delete;
 
+    // With the interrupts that they asked for.
+    void forgetSessions();
+
     Sessions sessions;
     PortMap ports;
     FaultQueue faults;
@@ -37,6 +41,7 @@ struct BoardParts {
     // Told of every request after its fault was decided, before it is executed.
     std::list<std::function<void(const Request&)>> observers; // one may add another
     MdioPorts mdio;
+    MdioInterrupts interrupts;
     GpioBank gpio;
     JtagChain jtag;
     AnalogueInputs adc;

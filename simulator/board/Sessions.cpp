@@ -37,11 +37,11 @@ Sessions::Opening Sessions::open(Session wanted) {
 }
 
 const Session* Sessions::find(std::uint32_t identity) const {
-    return sessions_[identity % kIds].get();
+    return sessions_[idOf(identity)].get();
 }
 
 bool Sessions::close(std::uint32_t identity) {
-    auto& session = sessions_[identity % kIds];
+    auto& session = sessions_[idOf(identity)];
     if (!session)
         return false;
     session.reset();

@@ -33,7 +33,10 @@ public:
 
     Opening open(Session wanted);
 
-    // The session that an identity word names in its low 8 bits; null when there is none. The pointer is
+    // The id of a session in an identity word, its low 8 bits.
+    static unsigned idOf(std::uint32_t identity) { return identity % kIds; }
+
+    // The session that an identity word names; null when there is none. The pointer is
     // good until the next open or close.
     const Session* find(std::uint32_t identity) const;
 

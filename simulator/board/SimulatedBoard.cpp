@@ -25,7 +25,11 @@ SimulatedBoard::SimulatedBoard(EventLoop& loop, MulticastResponder& responder, s
       parts_(name.serial, name.line(), seed),
       discovery_(std::move(name)),
       portMapperSet_(parts_, programs.portMapper),
-      serviceSet_(parts_, programs.services) {}
+      serviceSet_(parts_, programs.services) {
+    parts_.interrupts.use([this](std::chrono::milliseconds time, std::function<void()> task) {
+        loop_.after(time, life_, std::move(task));
+    });
+}
 
 SimulatedBoard::~SimulatedBoard() {
     stop();

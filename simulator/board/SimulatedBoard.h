@@ -76,6 +76,7 @@ private:
     bool portMapperOpen_ = true;
     std::uint64_t straysSent_ = 0;
     std::unique_ptr<Sockets> sockets_;
+    EventLoop::Life life_ = EventLoop::makeLife();
 };
 
 } // namespace OrvaneSim

@@ -121,6 +121,10 @@ std::string Board::adcDumpFile() const {
     return impl_->withParts([](BoardParts& parts) { return parts.adc.dumpFile(); });
 }
 
+void Board::raiseInterrupt(unsigned device, unsigned phy) {
+    impl_->withParts([&](BoardParts& parts) { parts.interrupts.raise({device, phy}); });
+}
+
 void Board::setAmbientTemperature(double celsius) {
     impl_->withParts([&](BoardParts& parts) { parts.thermal.setAmbient(celsius); });
 }
@@ -153,7 +157,7 @@ void Board::setCommand(const std::string& command, const CommandOutcome& outcome
 }
 
 void Board::forgetSessions() {
-    impl_->withParts([](BoardParts& parts) { parts.sessions.clear(); });
+    impl_->withParts([](BoardParts& parts) { parts.forgetSessions(); });
 }
 
 std::size_t Board::sessionCount() const {

@@ -96,6 +96,10 @@ public:
     // values. Setting a register is then what the PHY does: a latching bit holds what it was.
     void useMap(const UseMap& map);
 
+    // Has the PHY at address `phy` of port `device` raise an MDIO interrupt, for the sessions that asked for
+    // its interrupts.
+    void raiseInterrupt(unsigned device, unsigned phy);
+
     // Makes the board's indirect register paths (mailbox, SerDes bridge, MMD 10 window) go wrong, from the
     // next access on; `{}` puts them right.
     void setPathTroubles(const PathTroubles& troubles);

@@ -63,7 +63,7 @@ void Board::start() {
 void Board::restart(bool forgetSessions) {
     disturb([this, forgetSessions] {
         if (forgetSessions)
-            impl_->board->parts().sessions.clear();
+            impl_->board->parts().forgetSessions();
         impl_->board->parts().faults.setHanging(false);
         impl_->board->restart();
     });
@@ -117,6 +117,7 @@ struct ActionVisitor {
         board.setRegister(set.space, set.device, set.phy, set.address, set.value);
     }
     void operator()(const UseMap& map) const { board.useMap(map); }
+    void operator()(RaiseInterrupt which) const { board.raiseInterrupt(which.device, which.phy); }
     void operator()(SetAmbientTemperature around) const { board.setAmbientTemperature(around.celsius); }
 };
 

@@ -2,6 +2,9 @@
 #include "simulator/board/Procedure.h"
 #include "simulator/programs/Programs.h"
 
+#include <algorithm>
+#include <chrono>
+
 namespace OrvaneSim {
 namespace {
 
@@ -99,9 +102,35 @@ void writeAhead(ProcedureCall& call, const sim_MDIO_Write_Param_No_Addr& argumen
     Access<Space::Ext32>::write(call, nextAddress<step>(call), argument.value);
 }
 
-// A simulated PHY raises no interrupt: requests are accepted and a wait ends at once, with none pending.
-template <class Argument>
-void acceptInterrupt(ProcedureCall&, const Argument&, sim_MDIO_Result&) {}
+// The bytes are the port and the PHY whose interrupts the session asks for; the numbers mean nothing here.
+void requestInterrupt(ProcedureCall& call, const sim_MDIO_InterruptRequest_Param& argument,
+                      sim_MDIO_Result&) {
+    call.board.interrupts.request(Sessions::idOf(argument.handle), {argument.byte1, argument.byte2});
+}
+
+// Lasts so many milliseconds at most; the value is the number of interrupts that wait to be dealt with.
+void waitForInterrupt(ProcedureCall& call, const sim_Simple_Param& argument, sim_MDIO_Result& result) {
+    MdioInterrupts& interrupts = call.board.interrupts;
+    const std::uint32_t session = Sessions::idOf(argument.handle);
+    const int pending = interrupts.pending(session);
+    result.error = std::min(pending, 0);
+    result.value = std::max(pending, 0);
+    if (pending == 0 && argument.value > 0)
+        interrupts.wait(session, std::chrono::milliseconds(argument.value),
+                        [reply = call.rpc.answerLater()](int count) {
+                            sim_MDIO_Result late{std::max(count, 0), std::min(count, 0)};
+                            reply->send(reinterpret_cast<xdrproc_t>(xdr_sim_MDIO_Result), &late);
+                        });
+}
+
+void interruptProcessed(ProcedureCall& call, const sim_MDIO_InterruptProcessed_Param& argument,
+                        sim_MDIO_Result& result) {
+    result.error = call.board.interrupts.processed(Sessions::idOf(argument.handle), argument.word1);
+}
+
+void releaseInterrupt(ProcedureCall& call, const sim_Simple_Param& argument, sim_MDIO_Result& result) {
+    result.error = call.board.interrupts.release(Sessions::idOf(argument.handle));
+}
 
 void flushPort(ProcedureCall&, const sim_MDIO_FlushPort_Param&, sim_MDIO_Result&) {
     // Accesses are complete when they are answered.
@@ -115,12 +144,10 @@ void echoValue(ProcedureCall&, const sim_Simple_Param& argument, Result& result)
 constexpr Procedure kProcedures[] = {
     {SIM_MDIO_READ, "mdio_read", handler<readList<Space::C45>>},
     {SIM_MDIO_WRITE, "mdio_write", handler<writeList<Space::C45>>},
-    {SIM_MDIO_INTERRUPTREQUEST, "mdio_interruptrequest",
-     handler<acceptInterrupt<sim_MDIO_InterruptRequest_Param>>},
-    {SIM_MDIO_INTERRUPTWAIT, "mdio_interruptwait", handler<acceptInterrupt<sim_Simple_Param>>},
-    {SIM_MDIO_INTERRUPTPROCESSED, "mdio_interruptprocessed",
-     handler<acceptInterrupt<sim_MDIO_InterruptProcessed_Param>>},
-    {SIM_MDIO_INTERRUTPRELEASE, "mdio_interrutprelease", handler<acceptInterrupt<sim_Simple_Param>>},
+    {SIM_MDIO_INTERRUPTREQUEST, "mdio_interruptrequest", handler<requestInterrupt>},
+    {SIM_MDIO_INTERRUPTWAIT, "mdio_interruptwait", handler<waitForInterrupt>},
+    {SIM_MDIO_INTERRUPTPROCESSED, "mdio_interruptprocessed", handler<interruptProcessed>},
+    {SIM_MDIO_INTERRUTPRELEASE, "mdio_interrutprelease", handler<releaseInterrupt>},
     {SIM_MDIO_FLUSHPORT, "mdio_flushport", handler<flushPort>},
     {SIM_MDIO_SINGLEWIRE, "mdio_singlewire", handler<echoValue<sim_MDIO_Result>>},
     {SIM_MDIO_MIXEDBLOCK, "mdio_mixedblock", handler<mixedBlock<Space::C45>>},

@@ -29,6 +29,7 @@ void openConnection(ProcedureCall& call, const sim_Open_Param& argument, sim_Ope
 
 void closeConnection(ProcedureCall& call, const sim_Close_Param& argument, sim_Simple_Result&) {
     call.board.sessions.close(argument.handle);
+    call.board.interrupts.release(Sessions::idOf(argument.handle));
     call.session = nullptr;
 }
 

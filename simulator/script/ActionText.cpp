@@ -88,6 +88,14 @@ const std::vector<Named>& named() {
           "gives a PHY the registers of a map: a file, or ieee8023",
           {"file"}},
          [](ObjectReader& object) { return readMap(object); }},
+        {{"interrupt",
+          "device=0 phy=0",
+          "has a PHY raise an MDIO interrupt, for sessions that asked for its interrupts",
+          {"device", "phy"}},
+         [](ObjectReader& object) {
+             const PhyAddress where = readPhy(object);
+             return RaiseInterrupt{where.device, where.phy};
+         }},
         {{"ambient", "celsius=C", "sets the temperature around the board", {"celsius"}}, readAmbient},
     };
     return list;

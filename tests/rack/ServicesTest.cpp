@@ -168,6 +168,13 @@ TEST_F(RackServices, InterruptsReachTheBoard) {
                                         "mdio_interruptprocessed", "mdio_interrutprelease"}));
 }
 
+TEST_F(RackServices, InterruptOfThePhyEndsTheWait) {
+    const MdioBus mdio = phy.mdio();
+    mdio.requestInterrupt(0, 3, 0, 0);
+    board.raiseInterrupt(0, 3);
+    EXPECT_EQ(mdio.waitForInterrupt(2000), 1);
+}
+
 TEST_F(RackServices, PingsReachTheirService) {
     phy.shell().ping();
     phy.shell().pingSession();

@@ -67,6 +67,15 @@ TEST_F(Control, GivesAPhyTheRegistersOfAMap) {
         << "AN.STATUS.LINK holds the 0 that it began with until somebody reads it";
 }
 
+TEST_F(Control, HasAPhyRaiseAnInterrupt) {
+    Client mdio(board, SIM_MDIO, "udp");
+    sim_MDIO_Result result{};
+    mdio.call(sim_mdio_interruptrequest_1, sim_MDIO_InterruptRequest_Param{identity, 1, 3, 0, 0}, result);
+    EXPECT_EQ(ask(R"("action": "interrupt", "device": 1, "phy": 3)"), done);
+    mdio.call(sim_mdio_interruptwait_1, sim_Simple_Param{1000, identity}, result);
+    EXPECT_EQ(result.value, 1);
+}
+
 TEST_F(Control, TellsWhatWasCounted) {
     EXPECT_EQ(
         ask(R"("action": "counts", "procedure": "open_connection")"),

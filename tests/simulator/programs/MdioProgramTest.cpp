@@ -2,6 +2,7 @@
 #include "tests/support/simulator/Client.h"
 
 #include <cerrno>
+#include <thread>
 
 namespace OrvaneSim {
 namespace {
@@ -192,6 +193,98 @@ TEST_F(MdioProgram, AcceptsTheInterruptProcedures) {
     EXPECT_EQ(mdio.call(sim_mdio_interrutprelease_1, sim_Simple_Param{1, identity}, result), RPC_SUCCESS);
     EXPECT_EQ(result.error, 0);
     EXPECT_EQ(argumentsOf(board.requestsOf("mdio_interruptrequest").at(0))["int2"], -4);
+}
+
+class MdioInterrupt : public MdioProgram {
+protected:
+    static constexpr u_int kLong = 60000; // milliseconds
+
+    sim_MDIO_Result request(u_char device, u_char phy) {
+        return done(sim_mdio_interruptrequest_1,
+                    sim_MDIO_InterruptRequest_Param{identity, device, phy, 0, 0});
+    }
+    sim_MDIO_Result wait(u_int milliseconds) {
+        return done(sim_mdio_interruptwait_1, sim_Simple_Param{milliseconds, identity});
+    }
+    sim_MDIO_Result processed(u_int count) {
+        return done(sim_mdio_interruptprocessed_1, sim_MDIO_InterruptProcessed_Param{identity, count});
+    }
+    sim_MDIO_Result release() { return done(sim_mdio_interrutprelease_1, sim_Simple_Param{0, identity}); }
+
+    // Waits long, and has `work` done meanwhile.
+    template <class Work>
+    sim_MDIO_Result waitDuring(Work work) {
+        mdio.setTimeout(kLong);
+        std::thread other([&] {
+            board.waitFor([](const Request& each) { return each.procedure == "mdio_interruptwait"; });
+            work();
+        });
+        const sim_MDIO_Result result = wait(kLong);
+        other.join();
+        return result;
+    }
+
+private:
+    template <class Argument>
+    sim_MDIO_Result done(clnt_stat (*stub)(Argument*, sim_MDIO_Result*, CLIENT*), Argument argument) {
+        sim_MDIO_Result result{};
+        EXPECT_EQ(mdio.call(stub, argument, result), RPC_SUCCESS);
+        return result;
+    }
+};
+
+TEST_F(MdioInterrupt, EndsTheWaitOfTheSessionThatAskedForIt) {
+    request(1, 5);
+    const sim_MDIO_Result result = waitDuring([&] {
+        board.apply(RaiseInterrupt{1, 4}); // of another PHY
+        board.apply(RaiseInterrupt{1, 5});
+    });
+    EXPECT_EQ(result.value, 1);
+    EXPECT_EQ(result.error, 0);
+}
+
+TEST_F(MdioInterrupt, IsCountedUntilItIsDealtWith) {
+    request(0, 3);
+    board.raiseInterrupt(0, 3);
+    board.raiseInterrupt(0, 3);
+    EXPECT_EQ(wait(kLong).value, 2);
+    EXPECT_EQ(processed(1).error, 0);
+    EXPECT_EQ(wait(kLong).value, 1);
+    EXPECT_EQ(processed(7).error, 0);
+    EXPECT_EQ(wait(1).value, 0);
+}
+
+TEST_F(MdioInterrupt, IsNotLostWhenTheRequestForItComesTwice) {
+    request(0, 3);
+    board.raiseInterrupt(0, 3);
+    request(0, 3);
+    EXPECT_EQ(wait(1).value, 1);
+    request(0, 4);
+    EXPECT_EQ(wait(1).value, 0) << "another PHY has raised none";
+}
+
+TEST_F(MdioInterrupt, IsAwaitedNoLongerByASessionThatCloses) {
+    request(0, 3);
+    const auto close = [&] {
+        sim_Simple_Result closed{};
+        EXPECT_EQ(setup.call(sim_close_connection_1, sim_Close_Param{identity, 0}, closed), RPC_SUCCESS);
+    };
+    EXPECT_EQ(waitDuring(close).error, -ECANCELED);
+}
+
+TEST_F(MdioInterrupt, IsAwaitedNoLongerByASessionThatTheBoardForgot) {
+    request(0, 3);
+    EXPECT_EQ(waitDuring([&] { board.forgetSessions(); }).error, -ECANCELED);
+}
+
+TEST_F(MdioInterrupt, IsOfNoConcernToASessionThatLetGo) {
+    EXPECT_EQ(wait(1).error, -EINVAL);
+    request(0, 3);
+    EXPECT_EQ(release().error, 0);
+    board.raiseInterrupt(0, 3);
+    EXPECT_EQ(wait(1).error, -EINVAL);
+    EXPECT_EQ(processed(1).error, -EINVAL);
+    EXPECT_EQ(release().error, -EINVAL);
 }
 
 TEST_F(MdioProgram, IsServedOverTcpToo) {

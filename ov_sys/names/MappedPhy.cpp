@@ -22,12 +22,12 @@ std::uint64_t bitsWith(const MapRegister& reg, MapAccess access) {
 
 // What brings the register's rw bits back, and does nothing else: a snapshot tells nothing of write-only
 // bits.
-std::uint32_t restoring(const Snapshot::Value& saved) {
+std::uint64_t restoring(const Snapshot::Value& saved) {
     const MapRegister& reg = *saved.reg;
     const std::uint64_t writeOnly = bitsWith(reg, MapAccess::wo);
     const std::uint64_t kept =
         saved.value & ~(bitsWith(reg, MapAccess::w1c) | bitsWith(reg, MapAccess::selfClearing) | writeOnly);
-    return static_cast<std::uint32_t>(kept | (reg.reset().value_or(0) & writeOnly));
+    return kept | (reg.reset().value_or(0) & writeOnly);
 }
 
 // The bits that a restore is about.
@@ -100,14 +100,19 @@ Snapshot Phy::snapshot(const Scope& scope, const Within& within) const {
     return taken;
 }
 
-Restored Phy::restore(const Snapshot& snapshot, const Within& within) const {
+std::vector<Snapshot::Value> toRestore(const Snapshot& snapshot) {
     std::vector<Snapshot::Value> wanted;
-    Registers registers;
     for (const Snapshot::Value& each : snapshot.values)
-        if (restorable(*each.reg) != 0 && !hasSideEffects(*each.reg)) {
-            wanted.push_back(each);
-            registers.push_back(each.reg);
-        }
+        if (restorable(*each.reg) != 0 && !hasSideEffects(*each.reg))
+            wanted.push_back({each.reg, restoring(each)});
+    return wanted;
+}
+
+Restored Phy::restore(const Snapshot& snapshot, const Within& within) const {
+    const std::vector<Snapshot::Value> wanted = toRestore(snapshot);
+    Registers registers;
+    for (const Snapshot::Value& each : wanted)
+        registers.push_back(each.reg);
     Restored restored;
     if (registers.empty())
         return restored;
@@ -116,7 +121,7 @@ Restored Phy::restore(const Snapshot& snapshot, const Within& within) const {
         [&] {
             NamedBatch batch(readSelects(*this, registers, budget.left()));
             for (const Snapshot::Value& each : wanted)
-                batch.write(*each.reg, restoring(each));
+                batch.write(*each.reg, static_cast<std::uint32_t>(each.value));
             std::vector<Batch::Reading> readings;
             for (const MapRegister* const each : registers)
                 readings.push_back(batch.read(*each));

@@ -51,6 +51,10 @@ struct ORVANE_API FieldChange {
 // The fields that differ, in the map's order; of registers that both have. Does not block; any thread.
 ORVANE_API std::vector<FieldChange> diff(const Snapshot& before, const Snapshot& after);
 
+// What Phy::restore() writes of a snapshot, and in this order: registers that can be brought back, each with
+// the value that is sent. Does not block; any thread.
+ORVANE_API std::vector<Snapshot::Value> toRestore(const Snapshot& snapshot);
+
 // What Phy::restore() did.
 struct Restored {
     std::size_t written = 0;           // registers

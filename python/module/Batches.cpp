@@ -1,4 +1,5 @@
-// Batches of register accesses, and what became of each.
+// Batches of register accesses, in words, and what became of each.
+#include "ov_sys/names/Plan.h"
 #include "python/module/Bindings.h"
 #include "python/module/Errors.h"
 
@@ -20,6 +21,14 @@ py::array_t<Element> column(const BatchResult& self, Member member) {
     return arrayOf<Element>(values);
 }
 
+// What is to be written, 0 for each read.
+py::array_t<std::uint32_t> written(const Batch& self) {
+    std::vector<std::uint32_t> values;
+    for (const Batch::Operation& each : self.operations())
+        values.push_back(each.writes ? each.value : 0);
+    return arrayOf<std::uint32_t>(values);
+}
+
 } // namespace
 
 void bindBatches(py::module_& module, PhyClass& phy) {
@@ -29,7 +38,13 @@ void bindBatches(py::module_& module, PhyClass& phy) {
                         std::uint32_t number) { return self.read(registerAt(space, mmd, number)).index; })
         .def("write", [](Batch& self, unsigned space, std::uint32_t mmd, std::uint32_t number,
                          std::uint32_t value) { self.write(registerAt(space, mmd, number), value); })
+        .def("written", written)
         .def("__len__", &Batch::size);
+    module.def("plan", plan);
+    module.def("routed_steps", [](std::uint32_t mmd, std::uint32_t number, std::optional<std::uint32_t> value,
+                                  const std::array<bool, 5>& byFirmware, bool overClause22) {
+        return routedSteps({mmd, number}, value, pathsOf(byFirmware, overClause22));
+    });
     py::class_<BatchResult>(module, "BatchResult")
         .def_property_readonly(
             "states",

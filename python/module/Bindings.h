@@ -1,9 +1,11 @@
 // What each source of the module adds to it.
 #pragma once
 
+#include "ov_sys/rack/RoutedPhy.h"
 #include "ov_sys/rack/values/RegisterAddress.h"
 #include "python/module/Handles.h"
 
+#include <array>
 #include <cstdint>
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
@@ -24,6 +26,14 @@ void bindFlights(py::module_& module);
 // `space` as in RegisterAddress::Space; the package has checked the numbers.
 inline Orvane::RegisterAddress registerAt(unsigned space, std::uint32_t mmd, std::uint32_t number) {
     return {static_cast<Orvane::RegisterAddress::Space>(space), mmd, number};
+}
+
+// By firmware: the classes, paged writes, paged reads, TGE and SerDes registers that the five say.
+inline Orvane::RegisterPaths pathsOf(const std::array<bool, 5>& byFirmware, bool overClause22) {
+    Orvane::RegisterPaths paths;
+    paths.byFirmware = {byFirmware[0], byFirmware[1], byFirmware[2], byFirmware[3], byFirmware[4]};
+    paths.overClause22 = overClause22;
+    return paths;
 }
 
 // A numpy array of its own.

@@ -1,6 +1,7 @@
 // Registers and fields by the names of a map, and snapshots.
 #include "ov_sys/names/Named.h"
 
+#include "ov_sys/names/NamedBatch.h"
 #include "ov_sys/names/Selection.h"
 #include "ov_sys/names/Snapshot.h"
 #include "python/module/Bindings.h"
@@ -99,6 +100,48 @@ py::tuple restore(PhyHandle& self, const Snapshot& saved, const Limits& limits) 
     return py::make_tuple(restored.written, listOf(restored.notTaken));
 }
 
+// What is sent for the values of a snapshot, as far as boards can be reached; what select registers hold is
+// not known.
+template <class Add>
+py::tuple accesses(const std::vector<Snapshot::Value>& values, Add add) {
+    std::vector<const MapRegister*> reachable;
+    for (const Snapshot::Value& each : values)
+        if (isReachable(*each.reg))
+            reachable.push_back(each.reg);
+    NamedBatch::Selects selects;
+    for (const MapRegister* const each : NamedBatch::selectsOf(reachable))
+        selects[each] = ~std::uint32_t{0};
+    const std::size_t pages = selects.size();
+    NamedBatch batch(std::move(selects));
+    for (const Snapshot::Value& each : values)
+        if (isReachable(*each.reg))
+            add(batch, each);
+    return py::make_tuple(batch.finish(), pages);
+}
+
+py::tuple reads(const Snapshot& self) {
+    return accesses(self.values,
+                    [](NamedBatch& batch, const Snapshot::Value& each) { batch.read(*each.reg); });
+}
+
+py::tuple writesToRestore(const Snapshot& self) {
+    return accesses(toRestore(self), [](NamedBatch& batch, const Snapshot::Value& each) {
+        batch.write(*each.reg, static_cast<std::uint32_t>(each.value));
+    });
+}
+
+// A snapshot that nothing was read for: its values are 0.
+Snapshot blank(const RegisterMap& self, const std::vector<std::string>& names, bool sideEffects) {
+    Selection selection = select(self, Scope(names).sideEffects(sideEffects));
+    Snapshot snapshot{self, {}, std::move(selection.leftOut)};
+    for (const MapRegister* const each : selection.registers)
+        if (isReachable(*each))
+            snapshot.values.push_back({each, 0});
+        else
+            snapshot.leftOut.push_back(each);
+    return snapshot;
+}
+
 // Where a name is, or nothing.
 py::object addressOf(const RegisterMap& self, const std::string& name) {
     const MapReference found = self.resolve(name);
@@ -116,7 +159,11 @@ void bindMaps(py::module_& module) {
     });
     py::class_<RegisterMap>(module, "Map")
         .def_static("load", [](const std::string& path) { return RegisterMap::load(path); })
+        .def_static("parse", [](const std::string& text,
+                                const std::string& name) { return RegisterMap::parse(text, name); })
         .def_static("ieee8023", [] { return RegisterMap::ieee8023(); })
+        .def("to_json", &RegisterMap::toJson)
+        .def("blank", blank)
         .def_property_readonly("name", &RegisterMap::name)
         .def("__len__", &RegisterMap::size)
         .def("address_of", addressOf)
@@ -131,6 +178,8 @@ void bindMaps(py::module_& module) {
     py::class_<Snapshot>(module, "Snapshot")
         .def("decoded", decoded)
         .def("left_out", leftOut)
+        .def("reads", reads)
+        .def("writes_to_restore", writesToRestore)
         .def("diff", [](const Snapshot& self, const Snapshot& later) { return listOf(diff(self, later)); });
 }
 

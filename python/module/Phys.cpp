@@ -40,19 +40,11 @@ py::array readRow(PhyHandle& self, unsigned space, uint32_t mmd, uint32_t first,
                     space == static_cast<unsigned>(RegisterAddress::Space::Ext32));
 }
 
-// By firmware: the classes, paged writes, paged reads, TGE and SerDes registers that the five say.
-RoutedPhy routed(PhyHandle& self, const std::array<bool, 5>& byFirmware, bool overClause22) {
-    RegisterPaths paths;
-    paths.byFirmware = {byFirmware[0], byFirmware[1], byFirmware[2], byFirmware[3], byFirmware[4]};
-    paths.overClause22 = overClause22;
-    return self.phy().routed(paths);
-}
-
 // A RoutedPhy shares the session as a Phy does.
 class RoutedHandle {
 public:
     RoutedHandle(PhyHandle& phy, const std::array<bool, 5>& byFirmware, bool overClause22)
-        : remote_(routed(phy, byFirmware, overClause22)) {}
+        : remote_(phy.phy().routed(pathsOf(byFirmware, overClause22))) {}
 
     uint32_t read(uint32_t mmd, uint32_t number, const Limits& limits) const {
         return outside(limits, [phy = remote_.get(), mmd, number](const Within& within) {

@@ -26,6 +26,12 @@ class Map:
         return cls(_orvane.Map.load(os.fspath(path)))
 
     @classmethod
+    def parse(cls, text: str, name: str = "map") -> Map:
+        """The map of a file's text, such as that of to_json(); `name` stands for it in problems. Built-in maps are all
+        that it may include. Raises MapError."""
+        return cls(_orvane.Map.parse(text, name))
+
+    @classmethod
     def ieee8023(cls) -> Map:
         """The registers of IEEE 802.3, which a PHY has unless it was told to use others."""
         return cls(_orvane.Map.ieee8023())
@@ -43,6 +49,10 @@ class Map:
 
     def __contains__(self, name: str) -> bool:
         return self._core.address_of(name) is not None
+
+    def to_json(self) -> str:
+        """The whole map as one file of the source form; what it includes is worked in."""
+        return self._core.to_json()
 
     def match(self, pattern: str) -> List[str]:
         """Names that match: '*' is any text without a dot, '**' any text, '?' a character."""

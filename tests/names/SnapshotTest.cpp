@@ -111,6 +111,21 @@ TEST_F(SnapshotTest, RestoredWritesInTheMapsOrder) {
               (nlohmann::ordered_json{0x23U << 24U | 0x1EC000U, 0x23U << 24U | 0x1EC004U}));
 }
 
+TEST_F(SnapshotTest, RestoredWritesWhatIsToldBefore) {
+    const Snapshot before = phy.snapshot({"CHIP.CONTROL", "CHIP.ALARMS", "CHIP.MODE"});
+    std::vector<std::pair<std::string, std::uint64_t>> told;
+    for (const Snapshot::Value& each : toRestore(before))
+        told.emplace_back(each.reg->name(), each.value);
+    std::vector<std::pair<std::string, std::uint64_t>> sent;
+    board.forgetRequests();
+    phy.restore(before);
+    const auto arguments = argumentsOf(board.requestsOf("mdio_mixedblock").at(0));
+    for (std::size_t i = 0; i < arguments["writeAddresses"].size(); ++i)
+        sent.emplace_back(told.at(i).first, arguments["writeData"][i].get<std::uint64_t>());
+    EXPECT_EQ(told, sent);
+    EXPECT_EQ(told.at(0).first, "CHIP.CONTROL");
+}
+
 TEST_F(SnapshotTest, RestoredNamesWhatDidNotTake) {
     const Snapshot before = phy.snapshot("CHIP.CONTROL");
     board.useMap({1, 3, 0, OrvaneSim::mappedRegisters(RegisterMap::parse(R"({"format": "orvane-map-1",

@@ -7,6 +7,7 @@ from collections import abc
 from types import TracebackType
 from typing import Any, Dict, List, Optional, Set, Tuple, Type
 
+from orvane.names import Map
 from orvane.run import export, queries, report, show, values
 from orvane.run.plan import Task, tasks_of
 from orvane.run.recipe import Recipe, Scalar
@@ -121,6 +122,13 @@ class DataSet:
     def __repr__(self) -> str:
         done = sum(point.done for point in self.points(with_values=False))
         return f"<orvane.DataSet {self.recipe.name}: {done} points, {len(self.missing())} missing>"
+
+    def map(self) -> Optional[Map]:
+        """The register map of the recipe; None: that of IEEE 802.3."""
+        if self.recipe.map is None:
+            return None
+        row = self._base.execute("SELECT json FROM map WHERE hash = ?", (self.recipe.map["hash"],)).fetchone()
+        return Map.parse(row[0], self.recipe.map["name"])
 
     def boards(self) -> List[RecordedBoard]:
         """Its boards, as they were found."""

@@ -9,17 +9,17 @@ import socket
 import sqlite3
 import sys
 from collections import abc
-from typing import Any, Callable, Dict, Optional
+from typing import Any, Callable, Dict, List, Optional
 
 import numpy
 
 from orvane import _orvane
-from orvane.names import Map
+from orvane.names import Map, Place
 from orvane.run.point import OnBoard
-from orvane.run.recipe import canonical
+from orvane.run.recipe import RecipeError, canonical
 from orvane.run.recorder import BoardIdentity
 
-__all__ = ["environment_of", "identity_of", "map_identity"]
+__all__ = ["environment_of", "firmware_names", "identity_of", "map_identity"]
 
 _LARGEST_PROGRAM = 1 << 20
 
@@ -39,16 +39,28 @@ def environment_of(program: Optional[str]) -> Dict[str, Any]:
 
 
 def map_identity(register_map: Map) -> Dict[str, str]:
-    """A map's name, and a hash of its registers and fields with their addresses."""
-    names = register_map.match("**")
-    text = "\n".join(f"{name} {register_map._core.address_of(name)}" for name in names)
-    return {"name": register_map.name, "hash": hashlib.sha256(text.encode()).hexdigest()}
+    """A map's name, and a hash of all that it says."""
+    return {"name": register_map.name, "hash": hashlib.sha256(register_map.to_json().encode()).hexdigest()}
 
 
-def identity_of(on: OnBoard, step: Optional[Callable[..., abc.Mapping[str, Any]]], within: float) -> BoardIdentity:
-    """What has to be the same when the run goes on. Raises orvane.Error."""
+def firmware_names(given: abc.Iterable[str], register_map: Map) -> List[str]:
+    """The registers and fields of names and patterns. Raises RecipeError for one that the map has not."""
+    found = []
+    for each in given:
+        names = register_map.match(each) if set(each) & set("*?") else [each] if each in register_map else []
+        if not names:
+            raise RecipeError(f"firmware: there is no {each} in the map {register_map.name}")
+        found += names
+    return found
+
+
+def identity_of(on: OnBoard, step: Optional[Callable[..., abc.Mapping[str, Any]]], firmware: abc.Iterable[str],
+                within: float) -> BoardIdentity:
+    """What has to be the same when the run goes on: PHY, what the names of `firmware` say, what the step tells.
+    Raises orvane.Error."""
     high, low = (on.phy.read((1, number), within=within) for number in (2, 3))
-    details = {} if step is None else dict(step(on))
+    versions = {name: Place(on.phy._core, on.port.name, name).text(within=within) for name in firmware}
+    details = {**({"firmware": versions} if versions else {}), **({} if step is None else step(on))}
     return BoardIdentity(on.port.name, on.board, on.phy.id, high << 16 | low, canonical(details))
 
 

@@ -10,6 +10,7 @@ import threading
 from collections import abc
 from typing import Any, Dict, List, Optional, Set, Tuple
 
+from orvane.names import Map
 from orvane.run import queries, values
 from orvane.run.recipe import Recipe, canonical
 from orvane.run.storage import DataSetError, Lock, PathLike, connect_to_write
@@ -126,9 +127,12 @@ class Recorder:
         with self._mutex:
             return queries.durations(self._base)
 
-    def keep_recipe(self, recipe: Recipe) -> None:
-        """What is asked for from now on."""
+    def keep_recipe(self, recipe: Recipe, register_map: Optional[Map] = None) -> None:
+        """What is asked for from now on, and the map that it names."""
         with self._writing():
+            if recipe.map is not None and register_map is not None:
+                self._base.execute("INSERT INTO map VALUES (?, ?) ON CONFLICT DO NOTHING",
+                                   (recipe.map["hash"], register_map.to_json()))
             self._base.execute("DELETE FROM recipe WHERE hash = ? AND id NOT IN (SELECT recipe FROM session)",
                                (recipe.hash,))
             self._base.execute("INSERT INTO recipe (hash, json, since) VALUES (?, ?, ?) ON CONFLICT DO NOTHING",

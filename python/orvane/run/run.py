@@ -12,7 +12,7 @@ from orvane.names import Map
 from orvane.rack import Rack
 from orvane.registers import check_range
 from orvane.run.engine import Engine, Summary
-from orvane.run.environment import environment_of, identity_of, map_identity
+from orvane.run.environment import environment_of, firmware_names, identity_of, map_identity
 from orvane.run.options import Options, current_options
 from orvane.run.plan import Plan, missing_of, tasks_of
 from orvane.run.point import OnBoard
@@ -54,6 +54,8 @@ class Run:
     patience   seconds that a board which does not answer is waited for
     safe_within  seconds for the safe state of all boards
     exclusive, shared  of the sessions, as in Rack.open(); a key of its own is kept for those who resume
+    firmware   names or patterns of the map that tell the PHY's firmware: kept for each board, and to be the same when
+               the run goes on
     priority   a function of the conditions; points for which it is larger are measured first
     rack       one of the caller's; its own unless told
 
@@ -64,7 +66,8 @@ class Run:
     def __init__(self, name: str, *, boards: Union[str, abc.Sequence[str]], phy: int = 0,
                  map: Union[Map, PathLike, None] = None, repeat: int = 1, retries: int = 2, patience: float = 60.0,
                  safe_within: float = 30.0, exclusive: Union[bool, int] = False, shared: Union[bool, int] = False,
-                 priority: Optional[Callable[..., Any]] = None, rack: Optional[Rack] = None, **conditions: Any) -> None:
+                 firmware: Union[str, abc.Sequence[str]] = (), priority: Optional[Callable[..., Any]] = None,
+                 rack: Optional[Rack] = None, **conditions: Any) -> None:
         self.name = name
         self.boards = (boards,) if isinstance(boards, str) else tuple(boards)
         self.phy = check_range("PHY", phy, 127)
@@ -74,6 +77,8 @@ class Run:
         self.policy = Policy(check_range("retries", retries, 1000), patience, safe_within)
         self._sessions = {"exclusive": exclusive, "shared": shared}
         self._priority = priority
+        self._firmware = firmware_names([firmware] if isinstance(firmware, str) else firmware,
+                                        self.map or Map.ieee8023())
         self._rack = rack
         self.steps = Steps()
         """what the decorators have added"""
@@ -160,11 +165,12 @@ class Run:
             self._check_same(path, kept, recipe, options)
             ending = Ending()
             workers = self._open(rack, recorder, ending, options)
-            recorder.keep_recipe(recipe)
+            recorder.keep_recipe(recipe, self.map)
             for worker, key in workers:
                 assert worker.identity is not None
                 recorder.keep_board(worker.identity, key)
-            recorder.begin(environment_of(self._program))
+            addresses = {worker.name: worker.on.phy.shell.address for worker, _ in workers}
+            recorder.begin({**environment_of(self._program), "boards": addresses})
             plan = self._plan(recipe, [worker.name for worker, _ in workers], recorder.done(), recorder.durations())
             options.tell(plan.text())
             return Engine(plan, {worker.name: worker for worker, _ in workers}, self.steps, recorder, self.policy,
@@ -200,10 +206,10 @@ class Run:
         if self.map is not None:
             phy.use(self.map)
         phy.open(within=_OPEN)
-        worker = Worker(port, phy, self.steps, recorder, self.policy, ending, options.tell)
+        worker = Worker(port, phy, self.steps, self._firmware, recorder, self.policy, ending, options.tell)
         step = self.steps.identity
         on = OnBoard(port, phy, ending.stopping)
-        worker.identity = identity_of(on, None if step is None else step.function, _OPEN)
+        worker.identity = identity_of(on, None if step is None else step.function, self._firmware, _OPEN)
         phy.on_reopen(worker.forget_set_up)
         return worker
 

@@ -12,6 +12,10 @@ CREATE TABLE recipe (             -- what was asked for; one more row each time 
     json    TEXT NOT NULL,        -- name, boards, PHY, map, conditions, repeats, the steps' source
     since   TEXT NOT NULL         -- times are ISO 8601 in UTC
 );
+CREATE TABLE map (                -- the register maps that recipes name
+    hash    TEXT PRIMARY KEY,     -- SHA-256 of the json
+    json    TEXT NOT NULL         -- the whole map, as orvane.Map.parse() and the command line read it
+) WITHOUT ROWID;
 CREATE TABLE session (            -- a program that worked on it
     id          INTEGER PRIMARY KEY,
     recipe      INTEGER NOT NULL REFERENCES recipe,

@@ -61,8 +61,8 @@ class Ending:
 class Worker:
     """One board of a run. measure() is called by one thread at a time."""
 
-    def __init__(self, port: Port, phy: Phy, steps: Steps, recorder: Recorder, policy: Policy, ending: Ending,
-                 tell: Callable[[str], None]) -> None:
+    def __init__(self, port: Port, phy: Phy, steps: Steps, firmware: abc.Sequence[str], recorder: Recorder,
+                 policy: Policy, ending: Ending, tell: Callable[[str], None]) -> None:
         self.on = OnBoard(port, phy, ending.stopping)
         self.cancellation = Cancellation()
         self.lost: Optional[BaseException] = None
@@ -72,6 +72,7 @@ class Worker:
         self.identity: Optional[BoardIdentity] = None
         self.when_lost: Callable[[Worker], None] = lambda worker: None
         self._steps = steps
+        self._firmware = firmware
         self._recorder = recorder
         self._policy = policy
         self._ending = ending
@@ -207,7 +208,7 @@ class Worker:
     def check_identity(self, within: float) -> None:
         """Whether the board answers and is still the same. Raises what went wrong."""
         step = self._steps.identity
-        found = identity_of(self.on, None if step is None else step.function, within)
+        found = identity_of(self.on, None if step is None else step.function, self._firmware, within)
         known = self.identity
         if known is not None and known.differences(found):
             raise RuntimeError("; ".join(known.differences(found)))

@@ -70,8 +70,8 @@ def test_dry_run_prints_what_would_be_sent_by_name_and_sends_nothing(orvane_run,
     before = lab["OV0001"].received("open"), lab["OV0001"].received("mdio_write")
     ended = orvane_run("sweep.py", "--dry-run")
     assert ended.stdout.splitlines()[:6] == [
-        "OV0001:0 prepare", "  write PMA.CONTROL1.LOOPBACK = 1", "OV0001:0 measure drive 0", "  write 30.0xc010 0x0000",
-        "  read 30.0xc010", "  records read"], ended.stderr
+        "OV0001:0 prepare", "  write PMA.CONTROL1.LOOPBACK = 1", "OV0001:0 measure drive 0", "  write 30.0xC010 0x0000",
+        "  read  30.0xC010", "  records read"], ended.stderr
     assert ended.stdout.splitlines()[-1] == "  write PMA.CONTROL1.LOOPBACK = 0"
     assert (lab["OV0001"].received("open"), lab["OV0001"].received("mdio_write")) == before
 

@@ -12,6 +12,10 @@ import orvane
 from orvane.run import DataSetError, schema, values
 
 
+WREN = """{"format": "orvane-map-1", "name": "wren", "blocks": {"CHIP": {"at": "30.0xD000", "registers": {
+    "CONTROL": {"at": 0, "fields": {"SPEED": {"bits": "6,13", "values": {"0": "10 Mb/s", "1": "%s"}}}}}}}}"""
+
+
 def rows(path, query):
     base = sqlite3.connect(path)
     found = base.execute(query).fetchall()
@@ -59,6 +63,43 @@ def test_recipe_environment_and_boards_are_kept(sweep, out):
         assert (session.how, session.environment["numpy"]) == ("complete", numpy.__version__)
         assert session.begun < session.ended
         assert all(session.begun < point.begun < point.ended < session.ended for point in data.points())
+
+
+def test_map_is_kept_whole(sweep, out, tmp_path):
+    (tmp_path / "wren.json").write_text(WREN % "100 Mb/s")
+    sweep(map=tmp_path / "wren.json").go(out)
+    (tmp_path / "wren.json").unlink()
+    with orvane.DataSet(out) as data:
+        assert data.map().match("CHIP.**") == ["CHIP.CONTROL", "CHIP.CONTROL.SPEED"]
+        assert "100 Mb/s" in data.map().to_json()
+
+
+def test_map_that_means_something_else_by_the_same_names_is_refused(sweep, out, tmp_path):
+    for speed in ("100 Mb/s", "1000 Mb/s"):
+        (tmp_path / f"{speed[:4].strip()}.json").write_text(WREN % speed)
+    sweep(map=tmp_path / "100.json").go(out)
+    with pytest.raises(DataSetError, match=r"not the same run: map: wren \(\w+\) in the data set, wren \(\w+\) now"):
+        sweep(map=tmp_path / "1000.json").go(out, resume=True)
+
+
+def test_firmware_is_kept_for_each_board_and_has_to_be_the_same(sweep, out, tmp_path, lab):
+    (tmp_path / "wren.json").write_text(WREN % "100 Mb/s")
+    run = sweep(map=tmp_path / "wren.json", firmware="CHIP.CONTROL.*")
+    run.go(out)
+    with orvane.DataSet(out) as data:
+        assert [each.details for each in data.boards()] == [{"firmware": {"CHIP.CONTROL.SPEED": "10 Mb/s"}}] * 2
+        assert data.sessions()[0].environment["boards"] == {"OV0001:0": "10.83.0.1", "OV0002:0": "10.83.0.2"}
+    lab["OV0002"].set_value((30, 0xD000), 0x2000, phy=3)
+    try:
+        with pytest.raises(DataSetError, match=r'board: OV0002:0 is .*"10 Mb/s".* in the data set, .*"100 Mb/s"'):
+            run.go(out, resume=True)
+    finally:
+        lab["OV0002"].set_value((30, 0xD000), 0, phy=3)
+
+
+def test_firmware_that_the_map_has_not_is_refused(sweep):
+    with pytest.raises(orvane.run.RecipeError, match="^firmware: there is no CHIP.VERSION in the map ieee8023$"):
+        sweep(firmware=["CHIP.VERSION"])
 
 
 def test_any_sqlite_tool_reads_it(sweep, out):

@@ -52,18 +52,14 @@ if(ORVANE_BUILD_SIMULATOR)
     COMPONENT development)
 endif()
 
-# The command line, with its manual page and completion.
+# The command line; its manual page and completion, and those of the simulator, come with orvane_add_documents().
 if(TARGET orvane-tool)
   install(TARGETS orvane-tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
-  install(FILES ${PROJECT_BINARY_DIR}/tools/orvane/orvane.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
-    COMPONENT tools)
-  install(FILES ${PROJECT_BINARY_DIR}/tools/orvane/orvane.bash
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME orvane COMPONENT tools)
 endif()
 
 # Builds what is installed and nothing else; ./demo does, so that `cmake --install` may follow it.
 add_custom_target(orvane-installed)
-foreach(target orvane orvane-sim orvane-lab orvane-tool orvane_python)
+foreach(target orvane orvane-sim-documents orvane-lab-documents orvane-tool-documents orvane_python)
   if(TARGET ${target})
     add_dependencies(orvane-installed ${target})
   endif()

@@ -62,6 +62,12 @@ std::string verbs() {
     return text;
 }
 
+template <class Forms>
+void addNames(const Forms& forms, std::string& words) {
+    for (const auto& form : forms)
+        words += std::string(words.empty() ? "" : " ") + form.name;
+}
+
 std::vector<std::string> unnamed(const std::string& verb) {
     for (const QueryForm& form : queryForms())
         if (verb == form.name)
@@ -154,12 +160,21 @@ void print(const CtlCommand& command, const Json& result) {
 
 } // namespace
 
+std::string CtlCommand::words() {
+    std::string words = "all";
+    addNames(queryForms(), words);
+    addNames(actionForms(), words);
+    addNames(faultForms(), words);
+    return words;
+}
+
 void CtlCommand::addTo(CLI::App& app) {
-    app.add_option("board", board, "Serial number or address of a board, or all")->required();
-    app.add_option("verb", verb, "What to do, see below")->required();
-    app.add_option("members", members, "MEMBER=VALUE");
+    app.add_option("BOARD", board, "Serial number or address of a board, or all")->required()->type_name("");
+    app.add_option("VERB", verb, "What to do, see below")->required()->type_name("");
+    app.add_option("MEMBERS", members, "MEMBER=VALUE, in the verb's order or by name")->type_name("");
     app.add_option("--control", controlPath,
-                   "Socket of the lab (default: that of the lab this runs in, or the only one running)");
+                   "Socket of the lab (that of the lab this runs in, or the only one running)")
+        ->type_name("FILE");
     app.add_flag("--json", json, "Print results as JSON");
     app.footer(verbs() + kExamples);
 }

@@ -18,6 +18,9 @@ struct CtlCommand {
     std::string controlPath;
     bool json = false;
 
+    // What may be said to a board: the names of queries, actions and faults, and all for every board.
+    static std::string words();
+
     // Adds the flags and the help text. `app` keeps pointers into this object.
     void addTo(CLI::App& app);
 

@@ -10,7 +10,6 @@ namespace {
 
 constexpr unsigned kMostBoards = 30000;
 constexpr std::size_t kSerialDigits = 4;
-constexpr std::size_t kHelpColumn = 34; // where the help text's explanations begin
 
 std::string numberedSerial(const std::string& prefix, std::size_t number) {
     const std::string digits = std::to_string(number);
@@ -19,40 +18,48 @@ std::string numberedSerial(const std::string& prefix, std::size_t number) {
 }
 
 void addBoardFlags(CLI::App& app, LabFlags& flags) {
-    auto* group = app.add_option_group("Boards");
-    group->add_option("--boards", flags.boards, "Number of boards")
-        ->check(CLI::Range(0U, kMostBoards))
-        ->capture_default_str();
-    group
-        ->add_option("--serial-prefix", flags.serialPrefix,
-                     "Serial numbers are this and a number from 0001 up")
-        ->capture_default_str();
-    group->add_option("--address", flags.addresses, "Address of a board; repeat for the next ones")
-        ->check(CLI::ValidIPV4);
-    group->add_option("--serial", flags.serials, "Serial number of a board; repeat for the next ones");
-    group->add_option("--device", flags.devices,
-                      "Device name of the only board, such as OV0001:10; may be repeated");
-    group->add_option("--first-word", flags.firstWord, "First word of the board names sent in discovery")
-        ->capture_default_str();
-    group->add_flag("--allow-shell", flags.allowShell,
-                    "Run remote commands in a real shell of this machine, as nobody when root");
-    group->add_option("--seed", flags.seed, "Everything the boards make up follows from this number")
-        ->capture_default_str();
-    group->set_help_flag();
-    group->excludes(app.add_option("--lab", flags.labFile, "JSON file that describes the boards instead"));
+    CLI::Option* const file =
+        app.add_option("--lab", flags.labFile, "JSON file that describes the boards instead")
+            ->type_name("FILE");
+    const auto ofBoards = [file](CLI::Option* option, const char* value = "") {
+        return option->type_name(value)->group("Boards")->excludes(file);
+    };
+    ofBoards(app.add_option("--boards", flags.boards, "Number of boards (1)"), "N")
+        ->check(CLI::Range(0U, kMostBoards).description(""));
+    ofBoards(app.add_option("--serial-prefix", flags.serialPrefix,
+                            "Serial numbers are this and a number from 0001 up (OV)"),
+             "TEXT");
+    ofBoards(app.add_option("--address", flags.addresses, "Address of a board; repeat for the next ones"),
+             "IP")
+        ->check(CLI::Validator(CLI::ValidIPV4).description(""));
+    ofBoards(app.add_option("--serial", flags.serials, "Serial number of a board; repeat for the next ones"),
+             "NAME");
+    ofBoards(app.add_option("--device", flags.devices,
+                            "Device name of the only board, such as OV0001:10; may be repeated"),
+             "NAME");
+    ofBoards(app.add_option("--first-word", flags.firstWord,
+                            "First word of the board names sent in discovery (host)"),
+             "WORD");
+    ofBoards(app.add_flag("--allow-shell", flags.allowShell,
+                          "Run remote commands in a real shell of this machine, as nobody when root"));
+    ofBoards(
+        app.add_option("--seed", flags.seed, "Everything the boards make up follows from this number (1)"),
+        "N");
 }
 
 } // namespace
 
 void LabFlags::addTo(CLI::App& app) {
-    app.get_formatter()->column_width(kHelpColumn);
     addBoardFlags(app, *this);
-    app.add_option("--script", scriptFile, "JSON list of actions and when they are due");
-    app.add_option("--snapshot", snapshotFile, "Begin with the registers of this snapshot");
-    app.add_option("--save-snapshot", savedSnapshotFile, "Write every register to this file at the end");
-    app.add_option("--record", recordFile, "Write every request to this file, one JSON object on a line");
-    app.add_option("--control", controlPath,
-                   "Socket for orvane-sim ctl (default: orvane-sim-PID.sock in $XDG_RUNTIME_DIR or /tmp)");
+    const auto file = [&app](const char* name, std::string& path, const char* text) {
+        app.add_option(name, path, text)->type_name("FILE");
+    };
+    file("--script", scriptFile, "JSON list of actions and when they are due");
+    file("--snapshot", snapshotFile, "Begin with the registers of this snapshot");
+    file("--save-snapshot", savedSnapshotFile, "Write every register to this file at the end");
+    file("--record", recordFile, "Write every request to this file, one JSON object on a line");
+    file("--control", controlPath,
+         "Socket for orvane-sim ctl (orvane-sim-PID.sock in $XDG_RUNTIME_DIR or /tmp)");
 }
 
 std::vector<BoardSetup> LabFlags::boardsOfFlags() const {

@@ -4,6 +4,9 @@
 #include "simulator/commands/Signals.h"
 #include "simulator/engine/Sockets.h"
 #include "simulator/network/PrivateNetwork.h"
+#include "tools/commandline/Documents.h"
+#include "tools/commandline/HelpFormatter.h"
+#include "tools/commandline/Wrap.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -11,6 +14,7 @@
 #include <exception>
 #include <fstream>
 #include <iterator>
+#include <unistd.h>
 
 namespace {
 
@@ -41,11 +45,13 @@ struct Flags {
 
 CLI::App* addTo(CLI::App& app, Flags& flags) {
     flags.lab.addTo(app);
-    app.add_option("--interfaces", flags.interfaces, "Host interfaces of the network (default: 1)")
-        ->check(CLI::Range(1, 8));
+    app.add_option("--interfaces", flags.interfaces, "Host interfaces of the network (1)")
+        ->type_name("N")
+        ->check(CLI::Range(1, 8).description(""));
     app.add_option("--hosts", flags.hostsFile, "File that takes the place of /etc/hosts")
-        ->check(CLI::ExistingFile);
-    app.add_option("command", flags.command, "Command and its arguments, after --");
+        ->type_name("FILE")
+        ->check(CLI::Validator(CLI::ExistingFile).description(""));
+    app.add_option("COMMAND", flags.command, "Command and its arguments, after --")->type_name("");
     app.positionals_at_end();
     return app.add_subcommand("shell", "Runs $SHELL");
 }
@@ -78,8 +84,10 @@ int runInLab(const Flags& flags) {
 }
 
 int run(int argc, char** argv) {
-    CLI::App app{"Runs a command in a private network with simulated boards."};
+    CLI::App app{"Runs a command in a private network with simulated boards.", "orvane-lab"};
+    app.formatter(std::make_shared<OrvaneTool::HelpFormatter>(OrvaneTool::terminalWidth(STDOUT_FILENO)));
     app.footer(kExamples);
+    OrvaneTool::addDocuments(app, {app, ORVANE_VERSION, {}, true});
     Flags flags;
     try {
         const CLI::App* shell = addTo(app, flags);

@@ -3,10 +3,14 @@
 #include "simulator/commands/RunningLab.h"
 #include "simulator/commands/Signals.h"
 #include "simulator/engine/Sockets.h"
+#include "tools/commandline/Documents.h"
+#include "tools/commandline/HelpFormatter.h"
+#include "tools/commandline/Wrap.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
+#include <unistd.h>
 
 namespace {
 
@@ -45,8 +49,11 @@ void serve(const OrvaneSim::LabFlags& flags, const OrvaneSim::StopSignals& signa
 }
 
 int run(int argc, char** argv) {
-    CLI::App app{"Serves simulated boards at addresses of this machine."};
+    CLI::App app{"Serves simulated boards at addresses of this machine.", "orvane-sim"};
+    app.formatter(std::make_shared<OrvaneTool::HelpFormatter>(OrvaneTool::terminalWidth(STDOUT_FILENO)));
     app.footer(kExamples);
+    OrvaneTool::addDocuments(app,
+                             {app, ORVANE_VERSION, {{"orvane-sim ctl", OrvaneSim::CtlCommand::words()}}});
     OrvaneSim::LabFlags flags;
     OrvaneSim::CtlCommand ctl;
     try {

@@ -1,8 +1,8 @@
 // orvane: boards and their PHYs from the command line.
+#include "tools/commandline/Documents.h"
+#include "tools/commandline/HelpFormatter.h"
 #include "tools/orvane/board/Failures.h"
-#include "tools/orvane/cli/HelpFormatter.h"
 #include "tools/orvane/cli/Suggestion.h"
-#include "tools/orvane/generate/Generate.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <array>

@@ -47,6 +47,47 @@ TEST(OrvaneLab, LetsTheCommandResolveTheNamesOfItsHostsFile) {
     EXPECT_NE(outcome.output.find("10.83.0.1"), std::string::npos) << outcome.output;
 }
 
+TEST(OrvaneLab, HasAManualPage) {
+    const std::string page = shell(ORVANE_LAB " --generate man").output;
+    EXPECT_EQ(page.substr(0, page.find(" 1 ")), ".TH ORVANE\\-LAB");
+    EXPECT_NE(page.find(".TP\n\\fB\\-\\-boards \\fIN\\fR\\fR\nNumber of boards (1)\n"), std::string::npos)
+        << page;
+    EXPECT_NE(page.find("[\\fIOPTIONS\\fR] \\-\\- \\fICOMMAND\\fR"), std::string::npos) << page;
+    EXPECT_EQ(shell(ORVANE_LAB " --help").output.find("--generate"), std::string::npos);
+}
+
+TEST(OrvaneSim, HasAManualPage) {
+    const std::string page = shell(ORVANE_SIM " --generate man").output;
+    EXPECT_EQ(page.substr(0, page.find(" 1 ")), ".TH ORVANE\\-SIM");
+    EXPECT_NE(page.find(".SS ctl\n"), std::string::npos) << page;
+    EXPECT_NE(page.find("\n  interrupt device=0 phy=0"), std::string::npos) << page;
+}
+
+// What bash would offer in place of the last of these words.
+std::string completions(const std::string& program, const std::string& function, const std::string& words) {
+    const ScratchFolder folder;
+    const std::string script = folder.write("script", shell(program + " --generate bash").output);
+    folder.write("pathfinder", "#!/bin/sh\n");
+    const std::string go = folder.write(
+        "go", "source " + script + "\nPATH=" + folder.file("") + "\nCOMP_WORDS=(" + words +
+                  ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n" + function + "\necho \"${COMPREPLY[@]}\"\n");
+    return shell("chmod +x " + folder.file("pathfinder") + "; bash " + go).output;
+}
+
+TEST(OrvaneLabCompletion, OffersOptionsAndBehindDashesTheCommandsOfTheMachine) {
+    EXPECT_EQ(completions(ORVANE_LAB, "_orvane_lab", "orvane-lab --boards 2 --in"), "--interfaces\n");
+    EXPECT_EQ(completions(ORVANE_LAB, "_orvane_lab", "orvane-lab sh"), "shell\n");
+    EXPECT_EQ(completions(ORVANE_LAB, "_orvane_lab", "orvane-lab -- pathf"), "pathfinder\n");
+    EXPECT_EQ(completions(ORVANE_LAB, "_orvane_lab", "orvane-lab -- pathfinder --in"), "\n");
+}
+
+TEST(OrvaneSimCompletion, OffersOptionsAndWhatMayBeSaidToABoard) {
+    EXPECT_EQ(completions(ORVANE_SIM, "_orvane_sim", "orvane-sim --sn"), "--snapshot\n");
+    EXPECT_EQ(completions(ORVANE_SIM, "_orvane_sim", "orvane-sim ctl OV0001 inter"), "interrupt\n");
+    EXPECT_EQ(completions(ORVANE_SIM, "_orvane_sim", "orvane-sim ctl OV0001 lose-r"),
+              "lose-request lose-reply\n");
+}
+
 TEST(OrvaneSim, ServesUntilItIsTold) {
     const Outcome outcome =
         shell("timeout -s TERM 10 sh -c '" ORVANE_SIM " --address 127.0.0.9 --serial LAB7 > sim.out & "

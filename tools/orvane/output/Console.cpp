@@ -1,6 +1,7 @@
 // Writing, terminals and colours.
 #include "tools/orvane/output/Console.h"
 
+#include "tools/commandline/Wrap.h"
 #include "tools/orvane/output/Errors.h"
 
 #include <cerrno>
@@ -47,9 +48,7 @@ Stream::Stream(int descriptor)
       colour_(terminal_ && environment("NO_COLOR").empty() && environment("TERM") != "dumb") {}
 
 unsigned Stream::width() const {
-    winsize size{};
-    const bool known = terminal_ && ::ioctl(descriptor_, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-    return known ? size.ws_col : 80U;
+    return terminalWidth(descriptor_);
 }
 
 unsigned Stream::height() const {

@@ -1,5 +1,5 @@
 // orvane generate: manual page and shell completion, made from the definitions that --help shows.
-#include "tools/orvane/generate/Generate.h"
+#include "tools/commandline/Documents.h"
 #include "tools/orvane/output/Errors.h"
 #include "tools/orvane/verbs/Verbs.h"
 
@@ -12,8 +12,7 @@ struct Options {
 };
 
 int run(Context& context, const Options& options) {
-    context.console.out.write(options.what == "man" ? manualPage(*options.app)
-                                                    : bashCompletion(*options.app));
+    context.console.out.write(document({*options.app, ORVANE_VERSION}, options.what));
     return kSuccess;
 }
 

@@ -12,4 +12,7 @@ namespace OrvaneTool {
 std::string wrapped(std::string_view text, std::size_t width, std::size_t indent,
                     std::string_view ending = "");
 
+// Columns of the terminal at a descriptor; 80 where there is none.
+unsigned terminalWidth(int descriptor);
+
 } // namespace OrvaneTool

@@ -1,5 +1,5 @@
 // Lines that fit.
-#include "tools/orvane/output/Wrap.h"
+#include "tools/commandline/Wrap.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The usage line, the options' arguments and the breaking of lines in help.
-#include "tools/orvane/cli/HelpFormatter.h"
+#include "tools/commandline/HelpFormatter.h"
 
-#include "tools/orvane/output/Wrap.h"
+#include "tools/commandline/Wrap.h"
 
 #include <algorithm>
 #include <sstream>
@@ -12,26 +12,46 @@ namespace {
 constexpr std::size_t kNarrowest = 40; // terminals are treated as at least so wide
 constexpr std::size_t kNames = 30;     // columns of the names of options and verbs, on a wide terminal
 
-// A line of an example: a command, and behind some blanks what it does. What does not fit goes below.
+// Lines behind the first begin below the first word, at column `indent`.
+std::string indented(const std::string& text, std::size_t width, std::size_t indent) {
+    std::string lines = wrapped(text, width - std::min(width, indent), 0);
+    for (std::size_t end = 0; (end = lines.find('\n', end)) != std::string::npos; end += indent + 1)
+        lines.insert(end + 1, indent, ' ');
+    return lines;
+}
+
+// A command, and behind some blanks what it does. What does not fit stays in its column where that is wide
+// enough, and goes below else.
 std::string exampleLine(const std::string& line, std::size_t width) {
     constexpr std::size_t kBelow = 6;
+    constexpr std::size_t kWideEnough = 30;
     const std::size_t begin = line.find_first_not_of(' ');
     const std::size_t gap = line.find("   ", begin);
-    const std::string command =
-        line.substr(0, begin) + wrapped(line.substr(begin, gap - begin), width - begin, kBelow, " \\");
-    if (gap == std::string::npos)
-        return command;
-    const std::string effect = line.substr(line.find_first_not_of(' ', gap));
-    return command + "\n" + std::string(kBelow, ' ') + wrapped(effect, width - kBelow, kBelow);
+    const std::size_t column = std::min(line.find_first_not_of(' ', gap), line.size());
+    if (column + kWideEnough <= width)
+        return line.substr(0, column) + indented(line.substr(column), width, column);
+    const bool example = line.compare(begin, 6, "orvane") == 0; // that may be typed as it is
+    const std::string command = line.substr(0, begin) + wrapped(line.substr(begin, gap - begin),
+                                                                width - begin, kBelow, example ? " \\" : "");
+    return gap == std::string::npos
+               ? command
+               : command + "\n" + std::string(kBelow, ' ') + indented(line.substr(column), width, kBelow);
+}
+
+// Whether it is no prose, which may be filled up with what follows.
+bool isExample(const std::string& line) {
+    const std::size_t begin = line.find_first_not_of(' ');
+    return begin == std::string::npos || begin > 1 || line.compare(begin, 6, "orvane") == 0 ||
+           line.find("   ", begin) != std::string::npos || line.back() == ':';
 }
 
 std::string fitted(const std::string& line, std::size_t width) {
     if (line.size() <= width)
         return line;
     const std::size_t indent = line.find_first_not_of(' ');
-    return line.compare(indent, 7, "orvane ") == 0
+    return line.compare(indent, 6, "orvane") == 0 || line.find("   ", indent) != std::string::npos
                ? exampleLine(line, width)
-               : line.substr(0, indent) + wrapped(line.substr(indent), width - indent, indent);
+               : line.substr(0, indent) + indented(line.substr(indent), width, indent);
 }
 
 } // namespace
@@ -90,8 +110,20 @@ std::string HelpFormatter::make_description(const CLI::App* app) const {
 std::string HelpFormatter::make_footer(const CLI::App* app) const {
     std::istringstream lines(app->get_footer());
     std::string text;
-    for (std::string line; std::getline(lines, line);)
-        text += fitted(line, width_) + "\n";
+    std::string prose; // so far
+    const auto end = [&] {
+        text += prose.empty() ? "" : fitted(prose, width_) + "\n";
+        prose.clear();
+    };
+    for (std::string line; std::getline(lines, line);) {
+        if (isExample(line)) {
+            end();
+            text += fitted(line, width_) + "\n";
+        } else {
+            prose += prose.empty() ? line : " " + line.substr(line.find_first_not_of(' '));
+        }
+    }
+    end();
     return text;
 }
 

@@ -1,7 +1,8 @@
 // Breaking of lines between words.
-#include "tools/orvane/output/Wrap.h"
+#include "tools/commandline/Wrap.h"
 
 #include <algorithm>
+#include <sys/ioctl.h>
 
 namespace OrvaneTool {
 
@@ -24,6 +25,11 @@ std::string wrapped(std::string_view text, std::size_t width, std::size_t indent
         column += word.size();
     }
     return result;
+}
+
+unsigned terminalWidth(int descriptor) {
+    winsize size{};
+    return ::ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80U;
 }
 
 } // namespace OrvaneTool

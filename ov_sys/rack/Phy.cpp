@@ -1,6 +1,7 @@
 // Each operation of a PHY, by the caller's thread until its deadline.
 #include "ov_sys/rack/Phy.h"
 
+#include "ov_sys/rack/access/ListRead.h"
 #include "ov_sys/rack/core/OpenSession.h"
 
 #include <utility>
@@ -51,17 +52,33 @@ std::uint32_t Phy::modify(RegisterAddress address, std::uint32_t mask, std::uint
     return word;
 }
 
-std::vector<std::uint32_t> Phy::read(RegisterAddress first, std::size_t count, const Within& within) const {
+namespace {
+
+// `list`: what Batch::read() takes.
+template <class... List>
+std::vector<std::uint32_t> readAll(const Phy& phy, RackCore::OpenSession& session, const Within& within,
+                                   const List&... list) {
+    Limits limits(within);
+    std::vector<std::uint32_t> values;
+    const std::optional<Trouble> trouble = RackAccess::readList(session.target(), list..., values, limits);
+    if (trouble && !*trouble)
+        return values;
     Batch batch;
-    const Batch::Readings all = batch.read(first, count);
-    return run(batch, within)[all];
+    const Batch::Readings all = batch.read(list...);
+    if (!trouble)
+        return phy.run(batch, within)[all];
+    throw session.failure(*trouble, "batch", "from " + toText(batch.operations().front().address), limits);
+}
+
+} // namespace
+
+std::vector<std::uint32_t> Phy::read(RegisterAddress first, std::size_t count, const Within& within) const {
+    return readAll(*this, *session_, within, first, count);
 }
 
 std::vector<std::uint32_t> Phy::read(const std::vector<RegisterAddress>& addresses,
                                      const Within& within) const {
-    Batch batch;
-    const Batch::Readings all = batch.read(addresses);
-    return run(batch, within)[all];
+    return readAll(*this, *session_, within, addresses);
 }
 
 BatchResult Phy::run(const Batch& batch, const Within& within) const {

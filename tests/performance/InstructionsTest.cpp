@@ -12,9 +12,9 @@ using namespace OrvaneTest;
 // The most that one read may take, libtirpc, libc and kernel left out.
 constexpr unsigned long kReadLimit = 1200;
 constexpr unsigned long kRoutingAndLogging = 200;
-constexpr unsigned long kDeadlinesAndCounters = 160; // what a rack does beside
+constexpr unsigned long kDeadlinesAndCounters = 100; // what a rack does beside
 constexpr unsigned long kOfAList = 873;              // reads that a rack makes in one call
-constexpr unsigned long kListedReadLimit = 115;
+constexpr unsigned long kListedReadLimit = 40;
 
 class OwnInstructions : public testing::Test {
 protected:

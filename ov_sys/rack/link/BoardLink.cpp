@@ -45,6 +45,8 @@ void BoardLink::step(TimePoint now, bool streams) {
     if (probe_)
         stepProbe(now);
     receive(now);
+    if (idle() && !errand_)
+        return;
     checkPatience(now);
     if (now >= nextDeadline_)
         checkDeadlines(now);

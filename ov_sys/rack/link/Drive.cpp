@@ -14,10 +14,9 @@ thread_local const Session* hooked = nullptr;
 
 timespec duration(TimePoint now, TimePoint end) noexcept {
     constexpr std::chrono::hours kLongest{1};
-    const auto left = std::clamp<Clock::duration>(end - std::min(now, end), Clock::duration(0), kLongest);
+    const Clock::duration left = std::min<Clock::duration>(end - std::min(now, end), kLongest);
     const auto whole = std::chrono::duration_cast<std::chrono::seconds>(left);
-    return {static_cast<time_t>(whole.count()),
-            static_cast<long>(std::chrono::nanoseconds(left - whole).count())};
+    return {static_cast<time_t>(whole.count()), std::chrono::nanoseconds(left - whole).count()};
 }
 
 // `entries`, which may be null when there are none, has room for one more. A signal is as good as an answer:

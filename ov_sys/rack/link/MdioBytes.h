@@ -58,10 +58,13 @@ inline std::size_t encodeRead(const Call& call, const std::uint32_t* addresses, 
 // accepted, without verifier, successful, a status and a list that ends with the message.
 inline std::optional<Trouble> decodeRead(const char* reply, std::size_t length, std::uint32_t* values,
                                          std::size_t count) noexcept {
-    constexpr std::size_t kHead = 8; // words before the values
-    if (length < kHead * sizeof(std::uint32_t) || wordAt(reply, 1) != REPLY ||
-        wordAt(reply, 2) != MSG_ACCEPTED || wordAt(reply, 3) != AUTH_NONE || wordAt(reply, 4) != 0 ||
-        wordAt(reply, 5) != SUCCESS)
+    constexpr std::size_t kHead = 8;                  // words before the values
+    static constexpr char kUsual[] = {0, 0, 0, REPLY, // after the transaction id
+                                      0, 0, 0, MSG_ACCEPTED, 0, 0, 0, AUTH_NONE, 0,
+                                      0, 0, 0, // length of the verifier
+                                      0, 0, 0, SUCCESS};
+    if (length < kHead * sizeof(std::uint32_t) ||
+        std::memcmp(reply + sizeof(std::uint32_t), kUsual, sizeof kUsual) != 0)
         return std::nullopt;
     const std::size_t sent = wordAt(reply, 7);
     if (length != (kHead + sent) * sizeof(std::uint32_t))

@@ -22,6 +22,8 @@ Turn::Taken Turn::take(TimePoint deadline, const Cancellation* cancellation) {
     constexpr std::chrono::milliseconds kLook{20}; // between two looks at the cancellation
     const std::thread::id self = std::this_thread::get_id();
     std::unique_lock<std::mutex> lock(mutex_);
+    if (takeFree(self))
+        return Taken::Yes;
     ++waiting_;
     Taken outcome = Taken::Yes;
     while (!takeFree(self)) {

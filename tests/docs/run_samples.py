@@ -9,7 +9,7 @@ is treated as the HTML comment in front of it says (CONTRIBUTING.md, "Documentat
     (none)            sh, python: runs in a lab with two boards; c, cpp: compiles and runs there
     <!-- frame: F --> c, cpp: a fragment; it stands where tests/docs/frames/F says SAMPLE
     <!-- file: F -->  is written to the file F, for blocks that follow; so are blocks of other languages
-    <!-- example: F --> is the file examples/tasks/F, which has a test of its own
+    <!-- example: F --> is the file examples/tasks/F, which has a test of its own; it is written to a file of that name, too
     <!-- run: source --> sh: runs at the root of the source tree, outside a lab
     <!-- run: skip (why) --> is not run
     <!-- status: N --> ends with that exit status (default 0)
@@ -101,7 +101,6 @@ class Page:
             "ORVANE_PYTHON": PYTHON,
             "PYTHONPATH": os.pathsep.join(packages),
             "LC_ALL": "C.UTF-8",
-            "STAGE": str(stage),
         }
 
     def run(self):
@@ -127,6 +126,7 @@ class Page:
             self.counts["skipped"] += 1
         elif "example" in marks:
             self.must_be_example(block, marks["example"])
+            (self.folder / marks["example"]).write_text(block.text)
         elif "file" in marks:
             (self.folder / marks["file"]).write_text(block.text)
         elif block.language == "sh":

@@ -148,6 +148,45 @@ py::object addressOf(const RegisterMap& self, const std::string& name) {
     return found ? py::object(py::str(found.reg->address().text())) : py::none();
 }
 
+// Name, address, space, MMD, number, whether it lies on a page, bits, what an access does, and whether a read
+// changes nothing, a read tells anything, a write changes anything.
+py::list registersOf(const RegisterMap& self) {
+    py::list all;
+    for (const MapRegister& one : self.registers()) {
+        const MapAddress& at = one.address();
+        all.append(py::make_tuple(one.name(), at.text(), nameOf(at.space), at.mmd, at.number, at.page >= 0,
+                                  one.width(), nameOf(one.access()), one.isSafeToRead(), one.isReadable(),
+                                  one.isWritable()));
+    }
+    return all;
+}
+
+py::dict dictOf(const MapField& field) {
+    using namespace py::literals;
+    py::list bits;
+    for (const MapBits& piece : field.bits)
+        bits.append(py::make_tuple(piece.high, piece.low));
+    py::list choices;
+    for (const MapChoice& choice : field.choices)
+        choices.append(py::make_tuple(choice.value, choice.name));
+    return py::dict("name"_a = field.name, "text"_a = field.text, "bits"_a = bits,
+                    "access"_a = nameOf(field.access), "signed"_a = field.isSigned,
+                    "scaled"_a = field.isScaled, "scale"_a = field.scale, "offset"_a = field.offset,
+                    "unit"_a = field.unit, "choices"_a = choices);
+}
+
+// What a map says of a register: its text, its value after a reset and its fields; nothing of what is none.
+py::object describe(const RegisterMap& self, const std::string& name) {
+    using namespace py::literals;
+    const MapReference found = self.resolve(name);
+    if (!found || found.field != nullptr)
+        return py::none();
+    py::list fields;
+    for (const MapField& field : found.reg->fields())
+        fields.append(dictOf(field));
+    return py::dict("text"_a = found.reg->text(), "reset"_a = found.reg->reset(), "fields"_a = fields);
+}
+
 void bindMaps(py::module_& module) {
     py::register_exception_translator([](std::exception_ptr thrown) {
         try {
@@ -167,6 +206,8 @@ void bindMaps(py::module_& module) {
         .def_property_readonly("name", &RegisterMap::name)
         .def("__len__", &RegisterMap::size)
         .def("address_of", addressOf)
+        .def("registers", registersOf)
+        .def("describe", describe)
         .def("suggestion",
              [](const RegisterMap& self, const std::string& name) { return self.suggestion(name); })
         .def("complete",

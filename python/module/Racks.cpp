@@ -141,6 +141,20 @@ double percentile(const LatencyHistogram& self, double percent) {
     return static_cast<double>(self.percentile(percent).count()) / 1e6;
 }
 
+// Calls within each of the bounds (seconds), and the seconds that all calls took together.
+py::tuple cumulative(const LatencyHistogram& self, const std::vector<double>& bounds) {
+    std::vector<std::uint64_t> within(bounds.size());
+    double sum = 0;
+    for (unsigned bucket = 0; bucket < self.buckets().size(); ++bucket) {
+        const std::uint64_t calls = self.buckets()[bucket];
+        const double seconds = static_cast<double>(LatencyHistogram::middleOf(bucket).count()) / 1e6;
+        sum += static_cast<double>(calls) * seconds;
+        for (std::size_t i = 0; i < bounds.size(); ++i)
+            within[i] += seconds <= bounds[i] ? calls : 0;
+    }
+    return py::make_tuple(within, sum);
+}
+
 std::string textOf(const LatencyHistogram& self) {
     char text[80];
     std::snprintf(text, sizeof text, "<orvane.Latency of %llu calls, half of them within %.3g ms>",
@@ -156,6 +170,10 @@ void bindRacks(py::module_& module) {
                                  "within 3.2 %: the time that so many percent of the calls did not exceed.")
         .def_property_readonly("count", &LatencyHistogram::count, "The calls that were counted.")
         .def("__repr__", textOf)
+        .def("cumulative", cumulative,
+             "The calls that took no longer than each of `bounds` (seconds), as a list, and the seconds that "
+             "all took "
+             "together; right within 3.2 %.")
         .def("percentile", percentile, "Seconds that `percent` (0 to 100) of the calls did not exceed.");
     py::class_<PortHandle, std::shared_ptr<PortHandle>>(module, "Port")
         .def_property_readonly("board", &PortHandle::board)

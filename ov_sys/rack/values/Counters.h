@@ -34,6 +34,8 @@ public:
     std::uint64_t count() const noexcept;
     // The duration that `percent` (0 to 100) of the calls did not exceed; 0 when there were none.
     std::chrono::microseconds percentile(double percent) const noexcept;
+    // Counts of the buckets: kBuckets, or none at all.
+    const std::vector<std::uint32_t>& buckets() const noexcept { return buckets_; }
     void add(const LatencyHistogram& other);
 
 private:

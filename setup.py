@@ -56,7 +56,7 @@ class WithLibrary(build_ext):
 ParallelCompile("ORVANE_JOBS", default=os.cpu_count() or 1).install()
 setup(
     version=VERSION,
-    packages=["orvane", "orvane.labgrid", "orvane.run"],
+    packages=["orvane", "orvane.labgrid", "orvane.metrics", "orvane.run", "orvane.serve"],
     package_dir={"orvane": "python/orvane"},
     package_data={"orvane": ["*.pyi", "py.typed"]},
     ext_modules=[extension("_orvane", "python/module"), extension("_lab", "python/lab")],

@@ -44,7 +44,7 @@ if(TARGET orvane_python)
   math(EXPR next_minor "${Python_VERSION_MINOR} + 1") # the module is compiled for one minor version
   set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${ORVANE_LIBRARY_PACKAGE}, python3 (>= 3.${Python_VERSION_MINOR}), python3 (<< 3.${next_minor}~), python3-numpy")
   # orvane.pytest, curves in notebooks, and orvane.lab.run().
-  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-pytest, python3-matplotlib, python3-labgrid, orvane-tools")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-pytest, python3-matplotlib, python3-aiohttp, python3-labgrid, orvane-tools")
 endif()
 
 include(CPack)

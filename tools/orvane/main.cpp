@@ -25,10 +25,10 @@ constexpr const char* kFooter =
     "\n"
     "'orvane VERB --help' explains a verb, with examples.";
 
-constexpr std::array kVerbs{addList, addInfo,    addScan,   addPing,     addRead,    addWrite, addModify,
-                            addDump, addRestore, addDiff,   addWatch,    addDecode,  addMap,   addI2c,
-                            addGpio, addJtag,    addAdc,    addThermal,  addExec,    addLog,   addReplay,
-                            addRun,  addNote,    addConfig, addComplete, addGenerate};
+constexpr std::array kVerbs{addList, addInfo,    addScan,    addPing,    addRead,   addWrite,    addModify,
+                            addDump, addRestore, addDiff,    addWatch,   addDecode, addMap,      addI2c,
+                            addGpio, addJtag,    addAdc,     addThermal, addExec,   addLog,      addReplay,
+                            addRun,  addServe,   addMetrics, addNote,    addConfig, addComplete, addGenerate};
 
 void addVerbs(CLI::App& app, Context& context) {
     app.formatter(std::make_shared<HelpFormatter>(context.console.out.width()));

@@ -30,6 +30,8 @@ void addExec(CLI::App& app, Context& context);
 void addLog(CLI::App& app, Context& context);
 void addReplay(CLI::App& app, Context& context);
 void addRun(CLI::App& app, Context& context);
+void addServe(CLI::App& app, Context& context);
+void addMetrics(CLI::App& app, Context& context);
 void addNote(CLI::App& app, Context& context);
 void addConfig(CLI::App& app, Context& context);
 

@@ -1,4 +1,4 @@
-// orvane run: hands its words to the Python package.
+// orvane run, serve, metrics: hand their words to the Python package.
 #include "tests/support/tools/Program.h"
 
 #include <gmock/gmock.h>
@@ -20,6 +20,20 @@ TEST(OrvaneRun, HandsWordsOnThatAreVerbsHere) {
         orvane({"run", "diff", "a.orvrun", "b.orvrun", "--tolerance", "eye=2"}, {{"ORVANE_PYTHON", "echo"}});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_THAT(outcome.output, testing::EndsWith(" diff a.orvrun b.orvrun --tolerance eye=2\n"));
+}
+
+TEST(OrvaneServe, HandsItsWordsToItsOwnPartOfThePackage) {
+    const Outcome outcome = orvane({"serve", "OV00*", "--write"}, {{"ORVANE_PYTHON", "echo"}});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, testing::HasSubstr("from orvane.serve.__main__ import main\n"));
+    EXPECT_THAT(outcome.output, testing::EndsWith(" OV00* --write\n"));
+}
+
+TEST(OrvaneMetrics, HandsItsWordsToItsOwnPartOfThePackage) {
+    const Outcome outcome = orvane({"metrics", "--textfile", "orvane.prom"}, {{"ORVANE_PYTHON", "echo"}});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, testing::HasSubstr("from orvane.metrics.__main__ import main\n"));
+    EXPECT_THAT(outcome.output, testing::EndsWith(" --textfile orvane.prom\n"));
 }
 
 TEST(OrvaneRun, HasTheStatusOfTheInterpreter) {

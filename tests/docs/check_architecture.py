@@ -9,7 +9,7 @@ PAGES = [SOURCE / "docs/architecture.md", SOURCE / "docs/walks.md"]
 # The folders from which the pages name files and rooms.
 ROOTS = ["", "ov_sys", "ov_sys/Interface", "ov_sys/Interface/buses", "ov_sys/include", "simulator", "simulator/include",
          "tools", "tools/orvane"]
-CODE = ["ov_sys", "simulator", "tools", "tests/CMakeLists.txt", "packaging/debian-packages", "/usr/include/tirpc/rpc"]
+CODE = ["ov_sys", "simulator", "tools", "python", "tests/CMakeLists.txt", "packaging/debian-packages", "/usr/include/tirpc/rpc"]
 FILE = re.compile(r"[\w.-]+(/[\w.-]+)*/?")
 QUOTED = re.compile(r"`([^`\n]+)`")
 LABEL = re.compile(r'label="\s*([^"]*)"')

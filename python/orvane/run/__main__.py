@@ -24,6 +24,7 @@ SUCCESS, FAILED, USAGE, NOT_SAFE, INTERRUPTED = 0, 1, 2, 3, 130
 _EXAMPLES = """\
   orvane run sweep.py --plan
   orvane run sweep.py --out drive-sweep.orvrun --resume
+  orvane run sweep.py --dask tcp://lab-server:8786
   orvane run show drive-sweep.orvrun
   orvane run diff monday.orvrun today.orvrun --tolerance eye=2 --tolerance temp=1%
 
@@ -70,11 +71,13 @@ def _run(given: List[str]) -> int:
     parser.add_argument("--resume", action="store_true", help="go on with a data set that is there")
     parser.add_argument("--extend", action="store_true",
                         help="likewise, with conditions, repeats or boards that it has not yet")
+    parser.add_argument("--dask", metavar="ADDRESS",
+                        help="measure on the hosts whose workers a scheduler of Dask distributed has there")
     parser.add_argument("--plan", action="store_true", help="print what would be measured, and how long it takes")
     parser.add_argument("--dry-run", action="store_true", help="print what would be sent; nothing is")
     told = parser.parse_args(given)
     act = _print_plan if told.plan else dryrun.print_steps if told.dry_run else None
-    options = Options(told.out, told.resume, told.extend, act)
+    options = Options(told.out, told.resume, told.extend, told.dask, act)
     done: List[Any] = []
     options.done = done.append
     if not os.path.isfile(told.program):

@@ -10,18 +10,18 @@ from collections import abc
 from types import FrameType
 from typing import Any, Callable, Dict, List, Optional
 
+from orvane.run.bench import Bench
+from orvane.run.job import Policy
 from orvane.run.plan import Plan, Task
-from orvane.run.point import OnBoard
 from orvane.run.progress import Progress
 from orvane.run.recorder import Mishap, Recorder, now
-from orvane.run.safety import NotSafe, make_safe
+from orvane.run.safety import NotSafe
 from orvane.run.steps import Step, Steps
-from orvane.run.worker import Ending, Policy, Worker
+from orvane.run.worker import Ending
 
 __all__ = ["Engine", "Summary"]
 
 _LOOK = 0.1
-_GRACE = 3.0
 _SIGNALS = (signal.SIGINT, signal.SIGTERM, signal.SIGHUP)
 
 
@@ -55,21 +55,18 @@ class Summary:
 class Engine:
     """One session of a run."""
 
-    def __init__(self, plan: Plan, workers: Dict[str, Worker], steps: Steps, recorder: Recorder, policy: Policy,
-                 ending: Ending, tell: Callable[[str], None]) -> None:
+    def __init__(self, plan: Plan, bench: Bench, steps: Steps, recorder: Recorder, policy: Policy, ending: Ending,
+                 tell: Callable[[str], None]) -> None:
         self._plan = plan
-        self._workers = workers
+        self._bench = bench
         self._steps = steps
         self._recorder = recorder
         self._policy = policy
         self._ending = ending
         self._tell = tell
         self._shared: Dict[Step, Dict[str, Any]] = {}
-        self._threads: List[threading.Thread] = []
         self._signal = 0
         self._sharing = False
-        for worker in workers.values():
-            worker.when_lost = self._make_lost_one_safe
 
     def go(self) -> Summary:
         """Measures what is missing. Raises NotSafe before anything else that went wrong; KeyboardInterrupt and what is
@@ -93,16 +90,12 @@ class Engine:
         return summary
 
     def _measure(self, group: Dict[str, List[Task]], progress: Progress) -> None:
-        todo = {port: tasks for port, tasks in group.items() if self._workers[port].lost is None}
+        todo = {port: tasks for port, tasks in group.items() if port not in self._bench.lost}
         if self._is_to_end() or not todo:
             return
         self._share(next(iter(todo.values()))[0])
-        self._threads = [threading.Thread(target=self._workers[port].measure, args=(tasks,), name=port, daemon=True)
-                         for port, tasks in todo.items()]
-        for thread in self._threads:
-            thread.start()
-        while any(thread.is_alive() for thread in self._threads):
-            self._ending.stopping.wait(_LOOK)
+        self._bench.begin(todo)
+        while self._bench.wait(_LOOK):
             if self._is_to_end():
                 return
             progress.show()
@@ -127,41 +120,12 @@ class Engine:
             self._tell(f"ending; the boards are brought to their safe state, for which they have "
                        f"{self._policy.safe_within:g} s")
         self._ending.stopping.set()
-        for worker in self._workers.values():
-            worker.cancellation.cancel()
-        last = time.monotonic() + _GRACE
-        for thread in self._threads:
-            thread.join(max(0.0, last - time.monotonic()))
-            if thread.is_alive():
-                self._tell(f"{thread.name}: its step has not ended; the safe state is made beside it")
-        return self.make_safe([worker for worker in self._workers.values() if worker.used])
-
-    def _make_lost_one_safe(self, worker: Worker) -> None:
-        """While the others go on: a board may be gone for us and still do what it was told."""
-        if self._steps.safe is not None and not self.make_safe([worker]):
-            worker.used = False
-
-    def make_safe(self, workers: List[Worker]) -> Dict[str, str]:
-        """Runs the safe-state step, and keeps what came of it; the boards that are not safe, and why."""
-        step = self._steps.safe
-        if step is None or not workers:
-            return {}
-        boards = [OnBoard(worker.on.port, worker.on.phy, threading.Event()) for worker in workers]
-        unsafe = {}
-        for attempt, problem in make_safe(boards, step, self._policy.safe_within):
-            port = attempt.on.port.name
-            if problem is not None:
-                unsafe[port] = problem
-                self._tell(f"NOT IN A SAFE STATE: {port}: {problem}")
-            with contextlib.suppress(Exception):  # a full disk has been told of; safety does not depend on it
-                self._recorder.keep_step(step.name, "safe", port, {}, attempt.begun, attempt.seconds, problem)
-        return unsafe
+        return self._bench.make_safe()
 
     def _summary(self, seconds: float) -> Summary:
         done = len(self._recorder.done())
-        lost = {port: str(worker.lost) for port, worker in self._workers.items() if worker.lost is not None}
         everything = len(self._plan.order) * len(self._plan.tasks)
-        return Summary(self._recorder.path, done, self._recorder.failed, everything - done, lost, seconds)
+        return Summary(self._recorder.path, done, self._recorder.failed, everything - done, self._bench.lost, seconds)
 
     def _close(self, problem: Optional[BaseException], summary: Summary) -> None:
         how = "complete" if summary.complete else "incomplete"
@@ -171,7 +135,7 @@ class Engine:
             how = f"{type(problem).__name__}: {problem}"
         with contextlib.suppress(Exception):  # likewise
             if problem is not None and how != "interrupted":
-                self._recorder.keep_mishap(Mishap("run", 1, problem), None)
+                self._recorder.keep_mishap(Mishap.of("run", 1, problem), None)
             self._recorder.end(how)
 
     @contextlib.contextmanager

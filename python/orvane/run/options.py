@@ -25,6 +25,8 @@ class Options:
     out: Optional[PathLike] = None
     resume: bool = False
     extend: bool = False
+    dask: Any = None
+    """a scheduler's address, or a client"""
     act: Optional[Callable[[Any], Any]] = None
     """what go() does in place of measuring"""
     done: Callable[[Any], object] = lambda what: None
@@ -34,10 +36,10 @@ class Options:
     runs: List[Any] = dataclasses.field(default_factory=list)
     """every Run that was made"""
 
-    def or_else(self, out: Optional[PathLike], resume: bool, extend: bool) -> Options:
+    def or_else(self, out: Optional[PathLike], resume: bool, extend: bool, dask: Any) -> Options:
         """These, and what they do not say from the arguments of go()."""
         return dataclasses.replace(self, out=self.out or out, resume=self.resume or resume,
-                                   extend=self.extend or extend)
+                                   extend=self.extend or extend, dask=self.dask or dask)
 
 
 _current: contextvars.ContextVar[Optional[Options]] = contextvars.ContextVar("options", default=None)

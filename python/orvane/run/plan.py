@@ -11,6 +11,9 @@ from orvane.run.recipe import Recipe, Scalar, canonical
 __all__ = ["Plan", "Task", "duration_text", "tasks_of"]
 
 
+_LISTED = 8
+
+
 @dataclasses.dataclass(frozen=True)
 class Task:
     """A point to be measured on one board."""
@@ -56,6 +59,8 @@ class Plan:
     """set-up steps, shared ones, too, and the conditions that each depends on"""
     seconds: Dict[str, float]
     """how long a step takes, as far as it is known; the point's is ""  """
+    at_once: Optional[int] = None
+    """how many boards are measured at a time; None: all"""
 
     @property
     def missing(self) -> int:
@@ -80,7 +85,8 @@ class Plan:
             return 0.0
         if "" not in self.seconds:
             return None
-        return max(self.expected_of(tasks) for tasks in self.tasks.values())
+        each = [self.expected_of(tasks) for tasks in self.tasks.values()]
+        return max(max(each), sum(each) / (self.at_once or len(each)))
 
     def expected_of(self, tasks: abc.Sequence[Task]) -> float:
         """Seconds that one board takes for these points and what has to be set up for them."""
@@ -92,8 +98,11 @@ class Plan:
     def text(self) -> str:
         """For a person, before it begins."""
         recipe = self.recipe
+        more = f", ... ({len(self.boards)})" if len(self.boards) > _LISTED else ""
+        boards = ", ".join(self.boards[:_LISTED]) + more
+        beside = "side by side" if self.at_once is None else f"{self.at_once} at a time"
         lines = [f"{recipe.name}: {self.missing} points to measure, {self.done} are there",
-                 f"  boards      {', '.join(self.boards)}, PHY {recipe.phy}, side by side"]
+                 f"  boards      {boards}, PHY {recipe.phy}, {beside}"]
         for name in self.order[0].conditions:
             values = recipe.conditions[name]
             shown = ", ".join(map(str, values[:8])) + (", ..." if len(values) > 8 else "")

@@ -8,14 +8,14 @@ import json
 import sqlite3
 import threading
 from collections import abc
-from typing import Any, Dict, List, Optional, Set, Tuple
+from typing import Any, Dict, List, Optional, Protocol, Set, Tuple
 
 from orvane.names import Map
 from orvane.run import queries, values
 from orvane.run.recipe import Recipe, canonical
 from orvane.run.storage import DataSetError, Lock, PathLike, connect_to_write
 
-__all__ = ["BoardIdentity", "Measured", "Mishap", "Recorder", "now"]
+__all__ = ["BoardIdentity", "Keeper", "Measured", "Mishap", "Recorder", "now"]
 
 
 def now() -> str:
@@ -52,8 +52,15 @@ class Mishap:
 
     step: str
     attempt: int
-    problem: BaseException
-    at: str = dataclasses.field(default_factory=now)
+    kind: str
+    """class of the exception"""
+    text: str
+    at: str
+
+    @classmethod
+    def of(cls, step: str, attempt: int, problem: BaseException) -> Mishap:
+        """It happens now."""
+        return cls(step, attempt, type(problem).__name__, str(problem), now())
 
 
 @dataclasses.dataclass(frozen=True)
@@ -70,6 +77,20 @@ class Measured:
     values: abc.Mapping[str, Any]
     mishaps: List[Mishap]
     done: bool = True
+
+
+class Keeper(Protocol):
+    """Takes what comes of a board's points."""
+
+    def keep(self, point: Measured) -> None:
+        """A point."""
+
+    def keep_step(self, name: str, kind: str, port: Optional[str], conditions: abc.Mapping[str, Any], begun: str,
+                  seconds: float, problem: Optional[str] = None) -> None:
+        """A set-up or safe-state step, of one board or, without a port, of all."""
+
+    def keep_mishap(self, mishap: Mishap, port: Optional[str]) -> None:
+        """What went wrong outside of a point."""
 
 
 class Recorder:
@@ -177,8 +198,8 @@ class Recorder:
                 self._keep_values(row[0][0], point.values)
                 self._keep_mishaps(point.mishaps, self._boards[point.port], row[0][0])
         with self._mutex:
-            self.finished += 1
-            self.failed += not point.done
+            self.finished += len(row)
+            self.failed += bool(row) and not point.done
 
     def keep_step(self, name: str, kind: str, port: Optional[str], conditions: abc.Mapping[str, Any], begun: str,
                   seconds: float, problem: Optional[str] = None) -> None:
@@ -204,8 +225,7 @@ class Recorder:
     def _keep_mishaps(self, mishaps: List[Mishap], board: Optional[int], point: Optional[int]) -> None:
         self._base.executemany(
             "INSERT INTO error (session, board, point, step, attempt, at, class, text) VALUES (?, ?, ?, ?, ?, ?, ?, ?)",
-            [(self._session, board, point, each.step, each.attempt, each.at, type(each.problem).__name__,
-              str(each.problem)) for each in mishaps])
+            [(self._session, board, point, each.step, each.attempt, each.at, each.kind, each.text) for each in mishaps])
 
     @contextlib.contextmanager
     def _writing(self) -> abc.Iterator[None]:

@@ -1,31 +1,32 @@
 """Run: a sweep of conditions over boards."""
 from __future__ import annotations
 
-import fnmatch
+import contextlib
 import os
 import secrets
 import sys
 from collections import abc
-from typing import Any, Callable, Dict, List, Optional, Tuple, TypeVar, Union, cast
+from typing import Any, Callable, Dict, List, Optional, TypeVar, Union, cast
 
 from orvane.names import Map
 from orvane.rack import Rack
 from orvane.registers import check_range
+from orvane.run.bench import Bench, LocalBench
 from orvane.run.engine import Engine, Summary
-from orvane.run.environment import environment_of, firmware_names, identity_of, map_identity
+from orvane.run.environment import environment_of, firmware_names, map_identity
+from orvane.run.hosts import HostsBench
+from orvane.run.job import Job, Policy
 from orvane.run.options import Options, current_options
 from orvane.run.plan import Plan, missing_of, tasks_of
-from orvane.run.point import OnBoard
 from orvane.run.recipe import Recipe, RecipeError, conditions_of
 from orvane.run.recorder import Recorder
 from orvane.run.steps import Steps
 from orvane.run.storage import DataSetError, PathLike
-from orvane.run.worker import Ending, Policy, Worker
+from orvane.run.worker import Ending
 
 __all__ = ["Run"]
 
 Function = TypeVar("Function", bound=Callable[..., Any])
-_OPEN = 15.0
 
 
 class Run:
@@ -129,16 +130,19 @@ class Run:
         recipe = self.recipe()
         path = self._path(out)
         if not os.path.exists(path) or os.path.getsize(path) == 0:
-            return self._plan(recipe, self._with_rack(self._find), set(), {})
+            with contextlib.closing(self._bench(Ending(), current_options())) as bench:
+                return self._plan(recipe, self._found(bench), set(), {}, bench.at_once())
         from orvane.run.dataset import DataSet
         with DataSet(path) as data:
-            return self._plan(recipe, [each.port for each in data.boards()], data.done(), data.durations())
+            return self._plan(recipe, [each.port for each in data.boards()], data.done(), data.durations(), None)
 
-    def go(self, out: Optional[PathLike] = None, *, resume: bool = False, extend: bool = False) -> Summary:
+    def go(self, out: Optional[PathLike] = None, *, resume: bool = False, extend: bool = False, dask: Any = None
+           ) -> Summary:
         """Measures what is missing in the data set `out`, "NAME.orvrun" unless told.
 
         resume  go on with a data set that is there: recipe, boards and PHYs have to be the same
         extend  likewise, with conditions, repeats or boards that it has not yet
+        dask    address of a scheduler of Dask distributed, or a Client of it: the boards that its workers reach
 
         Raises NotSafe for boards that could not be made safe, RecipeError and DataSetError before anything was sent to
         a board, KeyboardInterrupt when it was interrupted, and what is wrong with a step. Points that failed are in the
@@ -148,91 +152,59 @@ class Run:
         if options.act is not None:
             found = options.act(self)
         else:
-            found = self._measure(options.or_else(out, resume, extend))
+            found = self._measure(options.or_else(out, resume, extend, dask))
         options.done(found)
         return cast(Summary, found)
 
-    def _measure(self, options: Options) -> Any:
+    def _measure(self, options: Options) -> Summary:
         recipe = self.recipe()
         path = self._path(options.out)
         self._check_free(path, options)
-        return self._with_rack(lambda rack: self._go(rack, recipe, path, options))
+        ending = Ending()
+        with contextlib.closing(Recorder(path)) as recorder:
+            self._check_same(path, recorder.recipe, recipe, options)
+            with contextlib.closing(self._bench(ending, options)) as bench:
+                self._begin(bench, recorder, recipe, options)
+                plan = self._plan(recipe, list(recorder.boards()), recorder.done(), recorder.durations(),
+                                  bench.at_once())
+                options.tell(plan.text())
+                return Engine(plan, bench, self.steps, recorder, self.policy, ending, options.tell).go()
 
-    def _go(self, rack: Rack, recipe: Recipe, path: str, options: Options) -> Summary:
-        recorder = Recorder(path)
-        try:
-            kept = recorder.recipe
-            self._check_same(path, kept, recipe, options)
-            ending = Ending()
-            workers = self._open(rack, recorder, ending, options)
-            recorder.keep_recipe(recipe, self.map)
-            for worker, key in workers:
-                assert worker.identity is not None
-                recorder.keep_board(worker.identity, key)
-            addresses = {worker.name: worker.on.phy.shell.address for worker, _ in workers}
-            recorder.begin({**environment_of(self._program), "boards": addresses})
-            plan = self._plan(recipe, [worker.name for worker, _ in workers], recorder.done(), recorder.durations())
-            options.tell(plan.text())
-            return Engine(plan, {worker.name: worker for worker, _ in workers}, self.steps, recorder, self.policy,
-                          ending, options.tell).go()
-        finally:
-            recorder.close()
-
-    def _open(self, rack: Rack, recorder: Recorder, ending: Ending, options: Options) -> List[Tuple[Worker, int]]:
-        """The boards of the data set and, when it is new or extended, those that are found. Raises DataSetError for one
-        that is not what it was."""
+    def _begin(self, bench: Bench, recorder: Recorder, recipe: Recipe, options: Options) -> None:
+        """A session of work on the boards of the data set and, when it is new or extended, those that are found. Raises
+        DataSetError for one that is not what it was."""
         known = recorder.boards()
-        ports = list(known) if known and not options.extend else [
-            *known, *(each for each in self._find(rack) if each not in known)]
-        workers, problems = [], []
-        key_of_new = next((key for _, key in known.values()), secrets.randbelow(0xFFFE) + 1)
-        for name in ports:
-            key = known[name][1] if name in known else key_of_new if any(
-                each is True for each in self._sessions.values()) else 0
-            worker = self._worker(rack, name, key, recorder, ending, options)
-            if name in known:
-                problems += known[name][0].differences(worker.identity) if worker.identity else []
-            workers.append((worker, key))
+        keys = {name: key for name, (_, key) in known.items()}
+        if not known or options.extend:
+            new = next(iter(keys.values()), secrets.randbelow(0xFFFE) + 1)
+            own = any(each is True for each in self._sessions.values())
+            keys = {**keys, **{name: new if own else 0 for name in self._found(bench) if name not in keys}}
+        identities = bench.identify(keys, {name: identity for name, (identity, _) in known.items()}, recorder)
+        problems = [line for name, (identity, _) in known.items() if name in identities
+                    for line in identity.differences(identities[name])]
         if problems:
             raise DataSetError(f"{recorder.path}: not the same run: {'; '.join(problems)}")
-        return workers
+        recorder.keep_recipe(recipe, self.map)
+        for name, key in keys.items():
+            recorder.keep_board(identities[name] if name in identities else known[name][0], key)
+        recorder.begin({**environment_of(self._program), **bench.about()})
 
-    def _worker(self, rack: Rack, name: str, key: int, recorder: Recorder, ending: Ending,
-                options: Options) -> Worker:
-        sessions: Dict[str, Any] = {mode: key if wanted is True and key else wanted
-                                    for mode, wanted in self._sessions.items()}
-        port = rack.open(name, **sessions, within=_OPEN)
-        phy = port.phy(self.phy)
-        if self.map is not None:
-            phy.use(self.map)
-        phy.open(within=_OPEN)
-        worker = Worker(port, phy, self.steps, self._firmware, recorder, self.policy, ending, options.tell)
-        step = self.steps.identity
-        on = OnBoard(port, phy, ending.stopping)
-        worker.identity = identity_of(on, None if step is None else step.function, self._firmware, _OPEN)
-        phy.on_reopen(worker.forget_set_up)
-        return worker
-
-    def _find(self, rack: Rack) -> List[str]:
-        """The ports that `boards` names. Raises RecipeError where there is none, or one is there twice."""
-        patterns = [each for each in self.boards if set(each) & set("*?[")]
-        ports = [each.upper() for each in self.boards if each not in patterns]
-        if patterns:
-            found = rack.discover()
-            serials = [each.serial for each in found]
-            for board in found:
-                names = [f"{board.serial}:{number}" for number in board.ports]
-                chosen = [name for name in names if any(fnmatch.fnmatchcase(name, each.upper()) for each in patterns)]
-                if chosen and serials.count(board.serial) > 1:
-                    where = ", ".join(each.address for each in found if each.serial == board.serial)
-                    raise RecipeError(f"boards: there are several {board.serial}, at {where}")
-                ports += chosen
-        ports = list(dict.fromkeys(ports))
+    def _found(self, bench: Bench) -> List[str]:
+        ports = bench.find()
         if not ports:
             raise RecipeError(f"boards: no port that answers matches {', '.join(self.boards)}")
         return ports
 
-    def _plan(self, recipe: Recipe, boards: abc.Sequence[str], done: Any, durations: abc.Mapping[str, float]) -> Plan:
+    def _job(self) -> Job:
+        return Job(self.boards, self.phy, self.map, self._sessions, tuple(self._firmware), self.steps, self.policy)
+
+    def _bench(self, ending: Ending, options: Options) -> Bench:
+        if options.dask is not None:
+            return HostsBench(self._job(), options.dask, self.name, ending, options.tell)
+        return LocalBench(self._job(), self._rack, ending, options.tell)
+
+    def _plan(self, recipe: Recipe, boards: abc.Sequence[str], done: Any, durations: abc.Mapping[str, float],
+              at_once: Optional[int]) -> Plan:
         tasks = tasks_of(recipe, self.steps.slow(), self._priority)
         steps = [*self.steps.shared, *self.steps.setups]
         told: Dict[str, float] = {each.name: each.seconds for each in steps if each.seconds is not None}
@@ -241,7 +213,7 @@ class Run:
         missing = missing_of(boards, tasks, done)
         there = len(tasks) * len(boards) - sum(map(len, missing.values()))
         return Plan(recipe, boards, tasks, missing, there, self.steps.shared_conditions(),
-                    [(each.name, each.needs) for each in steps], {**told, **durations})
+                    [(each.name, each.needs) for each in steps], {**told, **durations}, at_once)
 
     def _check_free(self, path: str, options: Options) -> None:
         if os.path.exists(path) and os.path.getsize(path) and not options.resume and not options.extend:
@@ -255,12 +227,6 @@ class Run:
 
     def _path(self, out: Optional[PathLike]) -> str:
         return os.fspath(out or current_options().out or f"{self.name}.orvrun")
-
-    def _with_rack(self, use: Callable[[Rack], Any]) -> Any:
-        if self._rack is not None:
-            return use(self._rack)
-        with Rack() as rack:
-            return use(rack)
 
     def _step(self, kind: str, function: Optional[Function], seconds: Optional[float]) -> Any:
         def add(given: Function) -> Function:

@@ -1,15 +1,16 @@
 """Brings boards to their safe state, in a bounded time."""
 from __future__ import annotations
 
+import contextlib
 import threading
 import time
 from collections import abc
-from typing import Dict, List, Tuple
+from typing import Callable, Dict, Optional
 
 from orvane import _orvane
 from orvane.limits import Cancellation
 from orvane.run.point import OnBoard
-from orvane.run.recorder import now
+from orvane.run.recorder import Keeper, now
 from orvane.run.steps import Step
 
 __all__ = ["NotSafe", "SafeState", "make_safe"]
@@ -72,20 +73,32 @@ class SafeState(threading.Thread):
             return str(problem) or type(problem).__name__
 
 
-def make_safe(boards: abc.Sequence[OnBoard], step: Step, within: float) -> List[Tuple[SafeState, str | None]]:
-    """Runs the step on all boards side by side; returns each with what went wrong after `within` seconds and one more.
+def make_safe(boards: abc.Iterable[OnBoard], step: Optional[Step], within: float, keeper: Keeper,
+              tell: Callable[[str], None]) -> Dict[str, str]:
+    """Runs the step on all boards side by side, keeps and tells what came of it; the boards that are not safe after
+    `within` seconds and one more, and why.
 
     A step that is stuck outside of the board's calls is left behind.
     """
+    if step is None:
+        return {}
     until = time.monotonic() + within
-    attempts = [SafeState(on, step, until) for on in boards]
-    for each in attempts:
-        each.start()
-    for each in attempts:
-        each.join(max(0.0, until - time.monotonic()))
-    for each in attempts:
-        each.end()
+    attempts = [SafeState(OnBoard(each.port, each.phy, threading.Event()), step, until) for each in boards]
+    for attempt in attempts:
+        attempt.start()
+    for attempt in attempts:
+        attempt.join(max(0.0, until - time.monotonic()))
+    for attempt in attempts:
+        attempt.end()
     last = time.monotonic() + _LAST_CALLS
-    for each in attempts:
-        each.join(max(0.0, last - time.monotonic()))
-    return [(each, each.problem) for each in attempts]
+    for attempt in attempts:
+        attempt.join(max(0.0, last - time.monotonic()))
+    unsafe = {}
+    for attempt in attempts:
+        port, problem = attempt.on.port.name, attempt.problem
+        if problem is not None:
+            unsafe[port] = problem
+            tell(f"NOT IN A SAFE STATE: {port}: {problem}")
+        with contextlib.suppress(Exception):  # a full disk has been told of; safety does not depend on it
+            keeper.keep_step(step.name, "safe", port, {}, attempt.begun, attempt.seconds, problem)
+    return unsafe

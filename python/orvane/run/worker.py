@@ -1,7 +1,6 @@
 """Measures the points of one board, in a thread of its own."""
 from __future__ import annotations
 
-import dataclasses
 import threading
 import time
 from collections import abc
@@ -12,14 +11,14 @@ from orvane.errors import Error, InvalidArgument
 from orvane.limits import Cancellation
 from orvane.phy import Phy
 from orvane.rack import Port
-from orvane.run.environment import identity_of
+from orvane.run.job import Job
 from orvane.run.plan import Task
 from orvane.run.point import OnBoard, Point, Stopped
-from orvane.run.recorder import BoardIdentity, Measured, Mishap, Recorder, now
-from orvane.run.steps import Step, Steps
+from orvane.run.recorder import BoardIdentity, Keeper, Measured, Mishap, now
+from orvane.run.steps import Step
 from orvane.run.storage import DataSetError
 
-__all__ = ["Ending", "Policy", "Restarted", "Worker"]
+__all__ = ["Ending", "Restarted", "Worker"]
 
 _FAULTS: Tuple[Type[BaseException], ...] = (NameError, TypeError, AttributeError, ImportError, SyntaxError,
                                             InvalidArgument)
@@ -29,18 +28,6 @@ _RESTARTS = 20
 
 class Restarted(Exception):
     """The board lost its session, and with it what was set up: the point begins again."""
-
-
-@dataclasses.dataclass(frozen=True)
-class Policy:
-    """What is done about failures."""
-
-    retries: int = 2
-    """attempts of a point after the first"""
-    patience: float = 60.0
-    """seconds that a board which is gone is waited for"""
-    safe_within: float = 30.0
-    """seconds for the safe state of all boards"""
 
 
 class Ending:
@@ -61,8 +48,8 @@ class Ending:
 class Worker:
     """One board of a run. measure() is called by one thread at a time."""
 
-    def __init__(self, port: Port, phy: Phy, steps: Steps, firmware: abc.Sequence[str], recorder: Recorder,
-                 policy: Policy, ending: Ending, tell: Callable[[str], None]) -> None:
+    def __init__(self, port: Port, phy: Phy, job: Job, keeper: Keeper, ending: Ending,
+                 tell: Callable[[str], None]) -> None:
         self.on = OnBoard(port, phy, ending.stopping)
         self.cancellation = Cancellation()
         self.lost: Optional[BaseException] = None
@@ -71,10 +58,10 @@ class Worker:
         """whether a step may have changed something on it"""
         self.identity: Optional[BoardIdentity] = None
         self.when_lost: Callable[[Worker], None] = lambda worker: None
-        self._steps = steps
-        self._firmware = firmware
-        self._recorder = recorder
-        self._policy = policy
+        self._job = job
+        self._steps = job.steps
+        self._policy = job.policy
+        self._keeper = keeper
         self._ending = ending
         self._tell = tell
         self._set_up: Dict[Step, Dict[str, Any]] = {}
@@ -90,6 +77,11 @@ class Worker:
         about is not set up any more."""
         self._restarted.set()
         self.cancellation.cancel()
+
+    def set_up_anew(self) -> None:
+        """Someone else may have been at work on the board: the next point is set up whatever was before. Not while
+        measure() is under way."""
+        self._set_up.clear()
 
     def measure(self, tasks: abc.Sequence[Task]) -> None:
         """Measures points until they are done, the run is to end, or the board is lost."""
@@ -117,15 +109,15 @@ class Worker:
             begun, start = now(), time.monotonic()
             values, step, problem = self._attempt(task, attempts)
             if problem is not None:
-                mishaps.append(Mishap(step, attempts, problem))
+                mishaps.append(Mishap.of(step, attempts, problem))
                 if isinstance(problem, Restarted):
                     restarts += 1
                 else:
                     failures += 1
                 if restarts <= _RESTARTS and failures <= self._policy.retries and self._is_there():
                     continue
-            self._recorder.keep(Measured(self.name, task.conditions, task.repeat, begun, now(),
-                                         time.monotonic() - start, attempts, values, mishaps, problem is None))
+            self._keeper.keep(Measured(self.name, task.conditions, task.repeat, begun, now(),
+                                       time.monotonic() - start, attempts, values, mishaps, problem is None))
             if problem is not None:
                 self._tell(f"{self.name}: {task.key}: {problem}")
                 self._look_after(problem)
@@ -168,7 +160,7 @@ class Worker:
         if self._restarted.is_set():
             return Restarted(f"the board restarted or forgot its session: {problem}")
         if isinstance(problem, _FAULTS):
-            self._recorder.keep_mishap(Mishap(step.name, 1, problem), self.name)
+            self._keeper.keep_mishap(Mishap.of(step.name, 1, problem), self.name)
             raise problem
         self._set_up.pop(step, None)
         return problem
@@ -180,7 +172,7 @@ class Worker:
         self._set_up.pop(step, None)
         begun, start = now(), time.monotonic()
         step.function(self.on, **chosen)
-        self._recorder.keep_step(step.name, "setup", self.name, chosen, begun, time.monotonic() - start)
+        self._keeper.keep_step(step.name, "setup", self.name, chosen, begun, time.monotonic() - start)
         self._set_up[step] = chosen
 
     def _is_there(self) -> bool:
@@ -202,13 +194,12 @@ class Worker:
         if self.lost is None and isinstance(problem, Error):
             self._is_there()
         if self.lost is not None:
-            self._recorder.keep_mishap(Mishap("lost", 1, self.lost), self.name)
+            self._keeper.keep_mishap(Mishap.of("lost", 1, self.lost), self.name)
             self._tell(f"{self.name}: given up: {self.lost}")
 
     def check_identity(self, within: float) -> None:
         """Whether the board answers and is still the same. Raises what went wrong."""
-        step = self._steps.identity
-        found = identity_of(self.on, None if step is None else step.function, self._firmware, within)
+        found = self._job.identity(self.on, within)
         known = self.identity
         if known is not None and known.differences(found):
             raise RuntimeError("; ".join(known.differences(found)))

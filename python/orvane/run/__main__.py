@@ -106,12 +106,15 @@ def _show(given: List[str]) -> int:
     parser = _parser(" show", "Show what a data set has, what is missing, and what went wrong.")
     parser.add_argument("file", metavar="FILE")
     parser.add_argument("--csv", metavar="FILE", help="write its points as CSV")
+    parser.add_argument("--hdf5", metavar="FILE", help="write its values over boards and conditions as HDF5")
     parser.add_argument("--report", metavar="FILE", help="write a page with a plot of each value")
     told = parser.parse_args(given)
     with DataSet(told.file) as data:
         print(data.text())
         if told.csv:
             data.to_csv(told.csv)
+        if told.hdf5:
+            data.to_hdf5(told.hdf5)
         if told.report:
             data.to_html(told.report)
     return SUCCESS

@@ -3,7 +3,6 @@ from __future__ import annotations
 
 import asyncio
 import contextlib
-import importlib
 import secrets
 import threading
 import time
@@ -11,6 +10,7 @@ from collections import abc
 from typing import Any, Callable, Dict, List, Optional, Set, Tuple
 
 from orvane import _orvane
+from orvane.run.cluster import ANSWER, CONNECT, Cluster
 from orvane.run.host import (Host, Seen, beat_there, identify_there, look_there, make_safe_there, measure_there,
                              resource_of)
 from orvane.run.job import Job
@@ -25,8 +25,6 @@ __all__ = ["HostsBench"]
 SILENCE = 20.0
 """seconds after which a host that hears nothing of the run makes its boards safe"""
 _BEAT = 1.0
-_ANSWER = 60.0
-_CONNECT = 10.0
 
 
 class _Going:
@@ -61,69 +59,30 @@ class HostsBench:
         self._holders: Dict[str, Tuple[str, str]] = {}  # process and worker of each board's last point
         self._used: Set[str] = set()
         self._lost: Dict[str, str] = {}
-        self._reached: Dict[str, Set[str]] = {}  # workers by port
         self._missed: Dict[str, float] = {}  # since when nobody reaches a port
         self._sent = 0
         self._beaten = 0.0
         self._news = threading.Event()
-        plugin = Host(job.packed(), SILENCE)
-        self._own = not hasattr(dask, "submit")
-        self._client = _client(dask) if self._own else dask
-        self._where = str(self._client.scheduler.address)
-        try:
-            self._call(lambda: self._client.register_worker_plugin(plugin, self._name), _ANSWER)
-        except Exception as problem:
-            self.close()
-            raise RecipeError(f"a worker of {self._where} cannot take part: {problem}") from problem
+        self._cluster = Cluster(dask, self._name, Host(job.packed(), SILENCE))
 
     @property
     def lost(self) -> Dict[str, str]:
         """Boards that were given up, and why."""
         return self._lost
 
-    def _call(self, work: Callable[[], Any], within: float) -> Any:
-        """What an asynchronous call gives. Raises asyncio.TimeoutError when it takes longer."""
-        async def bounded() -> Any:
-            return await asyncio.wait_for(work(), within)
-        return self._client.sync(bounded)
-
-    def _ask(self, function: Callable[..., Any], arguments: abc.Mapping[str, Tuple[Any, ...]], within: float
-             ) -> Dict[str, Any]:
-        """Calls a function on workers, each with its arguments; what each gives, or what went wrong."""
-        async def one(worker: str) -> Any:
-            try:
-                asked = self._client.run(function, self._name, *arguments[worker], workers=[worker], on_error="return")
-                return (await asyncio.wait_for(asked, within))[worker]
-            except (asyncio.TimeoutError, OSError, KeyError) as problem:
-                return ConnectionError(f"its host does not answer: {problem or type(problem).__name__}")
-
-        async def all_of_them() -> Any:
-            return await asyncio.gather(*map(one, arguments))
-        return dict(zip(arguments, self._call(all_of_them, within + 5)))
-
-    def _look_at_workers(self) -> Dict[str, Any]:
-        """The workers that are connected; who reaches what from now on."""
-        workers: Dict[str, Any] = self._call(lambda: self._client.scheduler.identity(), _CONNECT)["workers"]
-        self._reached = {}
-        for address, worker in workers.items():
-            for resource, count in worker["resources"].items():
-                if count and resource.startswith(resource_of("")):
-                    self._reached.setdefault(resource[len(resource_of("")):], set()).add(address)
-        return workers
-
     def find(self) -> List[str]:
         """As Bench has it. Raises RecipeError, too, when there is no worker, or one of another version."""
-        workers = self._look_at_workers()
+        workers = self._cluster.look()
         if not workers:
-            raise RecipeError(f"no worker is connected to {self._where}")
-        for worker, seen in self._ask(look_there, {each: () for each in workers}, _ANSWER).items():
+            raise RecipeError(f"no worker is connected to {self._cluster.address}")
+        for worker, seen in self._cluster.ask(look_there, {each: () for each in workers}, ANSWER).items():
             problem = str(seen) if isinstance(seen, BaseException) else seen.problem
             if problem is None and seen.about["orvane"] != _orvane.version:
                 problem = f"it has version {seen.about['orvane']}, not {_orvane.version}"
             if problem is not None:
                 raise RecipeError(f"worker {worker}: {problem}")
             self._seen[worker] = seen
-        self._look_at_workers()
+        self._cluster.look()
         return sorted({*self._addresses(), *self._job.named()})
 
     def _addresses(self) -> Dict[str, str]:
@@ -146,9 +105,9 @@ class HostsBench:
         self._keys = dict(keys)
         asked: Dict[str, Dict[str, int]] = {}
         for port, key in keys.items():
-            if port in self._reached:
-                asked.setdefault(min(self._reached[port]), {})[port] = key
-        answers = self._ask(identify_there, {worker: (ports,) for worker, ports in asked.items()}, _ANSWER)
+            if port in self._cluster.reached:
+                asked.setdefault(min(self._cluster.reached[port]), {})[port] = key
+        answers = self._cluster.ask(identify_there, {worker: (ports,) for worker, ports in asked.items()}, ANSWER)
         found = {}
         for worker, ports in asked.items():
             answer = answers[worker]
@@ -167,20 +126,20 @@ class HostsBench:
 
     def at_once(self) -> Optional[int]:
         """As Bench has it: a worker measures as many boards at a time as it has threads."""
-        workers = self._look_at_workers()
-        able: Set[str] = set().union(*self._reached.values())
+        workers = self._cluster.look()
+        able: Set[str] = set().union(*self._cluster.reached.values())
         return sum(worker["nthreads"] for address, worker in workers.items() if address in able) or None
 
     def begin(self, group: abc.Mapping[str, List[Task]]) -> None:
         """As Bench has it."""
         self._todo = {port: list(reversed(tasks)) for port, tasks in group.items()}
-        self._look_at_workers()
+        self._cluster.look()
         for port in self._todo:
             self._send(port)
 
     def _send(self, port: str) -> None:
         """Sends the board's next point to a worker that reaches it; if there is none, that is tried again later."""
-        tasks, workers = self._todo[port], self._reached.get(port, set())
+        tasks, workers = self._todo[port], self._cluster.reached.get(port, set())
         if not tasks:
             del self._todo[port]
             return
@@ -190,9 +149,10 @@ class HostsBench:
         pinned = worker if len(workers) > 1 and worker in workers else None  # what is set up stays so
         self._sent += 1
         self._used.add(port)
-        future = self._client.submit(measure_there, self._name, port, self._keys[port], self._identities[port],
-                                     tasks[-1], process, key=f"{self._name} {port} {self._sent}",
-                                     resources={resource_of(port): 1}, workers=pinned, pure=False)
+        what = (port, self._keys[port], self._identities[port], tasks[-1], process)
+        future = self._cluster.client.submit(
+            measure_there, self._name, *what, key=f"{self._name} {port} {self._sent}",
+            resources={resource_of(port): 1}, workers=pinned, pure=False)
         self._going[port] = _Going(tasks[-1], future, pinned)
         future.add_done_callback(lambda _: self._news.set())
 
@@ -209,21 +169,16 @@ class HostsBench:
 
     def _take_what_is_done(self) -> None:
         done = {port: going for port, going in self._going.items() if going.future.done()}
-        fetched = [going.future for going in done.values() if going.future.status == "finished"]
-
-        async def fetch() -> Any:
-            return await self._client.gather(fetched, errors="skip")
-        try:
-            outcomes: List[Outcome] = self._call(fetch, _CONNECT) if fetched else []
-        except asyncio.TimeoutError:  # its worker died with it: it is measured again
-            return
-        for outcome in outcomes:
+        finished = [going.future for going in done.values() if going.future.status == "finished"]
+        for outcome in self._cluster.results(finished):
             del self._going[outcome.port]
             self._take(outcome)
         for port, going in done.items():
             if going.future.status == "error":
                 del self._going[port]
                 self._take_failure(port, going)
+            elif going.future.status != "finished":  # the scheduler has forgotten it: it is sent again
+                self._going.pop(port, None)
 
     def _take(self, outcome: Outcome) -> None:
         assert self._keeper is not None
@@ -244,7 +199,7 @@ class HostsBench:
     def _take_failure(self, port: str, going: _Going) -> None:
         """The workers that measured it died again and again, or have not our plugin."""
         assert self._keeper is not None
-        problem, task, at = going.future.exception(timeout=_CONNECT), going.task, now()
+        problem, task, at = going.future.exception(timeout=CONNECT), going.task, now()
         self._keeper.keep(Measured(port, task.conditions, task.repeat, at, at, 0.0, 1, {},
                                    [Mishap.of("point", 1, problem)], False))
         self._tell(f"{port}: {task.key}: {problem}")
@@ -259,11 +214,11 @@ class HostsBench:
 
     def _look_after(self) -> None:
         """Tells the hosts that the run is alive, and sends again what they cannot measure any more."""
-        workers = self._look_at_workers()
-        unreached = [port for port in self._todo if port not in self._reached]
-        self._beat(list(workers), unreached)
+        workers = self._cluster.look()
+        unreached = [port for port in self._todo if port not in self._cluster.reached]
+        self._cluster.tell(beat_there, list(workers), unreached)
         for port in list(self._todo):
-            going, reached = self._going.get(port), self._reached.get(port, set())
+            going, reached = self._going.get(port), self._cluster.reached.get(port, set())
             if going is not None and (not reached or going.pinned not in (None, *reached)):
                 going.future.cancel()
                 del self._going[port]
@@ -276,14 +231,6 @@ class HostsBench:
                 self._give_up(port, "no worker reaches it")
                 self._tell(f"{port}: given up: no worker reaches it")
 
-    def _beat(self, workers: List[str], unreached: List[str]) -> None:
-        """Waits for no answer: a host that is gone holds nobody up."""
-        async def beat() -> None:
-            told = self._client.run(beat_there, self._name, unreached, workers=workers, on_error="ignore")
-            with contextlib.suppress(asyncio.TimeoutError, OSError):
-                await asyncio.wait_for(told, _CONNECT)
-        self._client.loop.add_callback(beat)
-
     def make_safe(self) -> Dict[str, str]:
         """As Bench has it."""
         for going in self._going.values():
@@ -292,12 +239,16 @@ class HostsBench:
         unsafe: Dict[str, str] = {}
         tried: Set[str] = set()
         while waiting:
-            asked = self._hosts_of(waiting, tried)
+            try:
+                asked = self._hosts_of(waiting, tried)
+            except (asyncio.TimeoutError, OSError):
+                waiting = dict.fromkeys(waiting, "the scheduler does not answer")
+                break
             if not asked:
                 break
             tried.update(asked)
-            answers = self._ask(make_safe_there, {worker: (ports,) for worker, ports in asked.items()},
-                                self._job.policy.safe_within + 10)
+            answers = self._cluster.ask(make_safe_there, {worker: (ports,) for worker, ports in asked.items()},
+                                        self._job.policy.safe_within + CONNECT)
             for worker, ports in asked.items():
                 if isinstance(answers[worker], BaseException):
                     waiting.update((port, str(answers[worker])) for port in ports)
@@ -320,13 +271,10 @@ class HostsBench:
 
     def _hosts_of(self, ports: abc.Iterable[str], tried: Set[str]) -> Dict[str, Dict[str, int]]:
         """Who may make these boards safe: who measured them last, else who reaches them, each asked once."""
-        try:
-            self._look_at_workers()
-        except (asyncio.TimeoutError, OSError):
-            return {}
+        self._cluster.look()
         found: Dict[str, Dict[str, int]] = {}
         for port in ports:
-            able = self._reached.get(port, set()) - tried
+            able = self._cluster.reached.get(port, set()) - tried
             if able:
                 last = self._holders.get(port, ("", ""))[1]
                 found.setdefault(last if last in able else min(able), {})[port] = self._keys[port]
@@ -334,17 +282,4 @@ class HostsBench:
 
     def close(self) -> None:
         """As Bench has it."""
-        try:
-            self._call(lambda: self._client.unregister_worker_plugin(self._name), self._job.policy.safe_within + 10)
-        except Exception as problem:  # the hosts end by themselves when they hear nothing
-            self._tell(f"{self._where}: {problem or type(problem).__name__}")
-        if self._own:
-            self._client.close(timeout=_CONNECT)
-
-
-def _client(address: Any) -> Any:
-    try:
-        distributed = importlib.import_module("distributed")
-    except ImportError as problem:
-        raise RecipeError("this needs distributed, which is not installed (Debian: python3-distributed)") from problem
-    return distributed.Client(str(address), timeout=_CONNECT, set_as_default=False)
+        self._cluster.close(self._job.policy.safe_within + CONNECT)

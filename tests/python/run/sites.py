@@ -96,6 +96,6 @@ class Site:
 def scheduler(folder):
     """A scheduler that listens when this returns."""
     program = Program([sys.executable, "-m", "distributed.cli.dask_scheduler", "--host", "0.0.0.0", "--port", "8786",
-                       "--no-dashboard"], folder / "scheduler.log")
+                       "--no-dashboard"], folder / f"scheduler{len(list(folder.iterdir()))}.log")
     program.wait_for("Scheduler at:")
     return program

@@ -88,7 +88,11 @@ def test_data_set_is_shown_with_what_is_missing_and_what_went_wrong(orvane_run):
 
 def test_points_and_plots_are_written_on_demand(orvane_run):
     orvane_run("sweep.py")
-    assert orvane_run("show", "sweep.orvrun", "--csv", "it.csv", "--report", "it.html").returncode == 0
+    h5py = pytest.importorskip("h5py")
+    files = ["--csv", "it.csv", "--hdf5", "it.h5", "--report", "it.html"]
+    assert orvane_run("show", "sweep.orvrun", *files).returncode == 0
+    with h5py.File(orvane_run.folder / "it.h5") as file:
+        assert file["values/read"][:, :, 0].tolist() == [[0, 1, 2, 3]] * 2
     assert len((orvane_run.folder / "it.csv").read_text().splitlines()) == 9
     page = (orvane_run.folder / "it.html").read_text()
     assert page.count("<polyline") == 2

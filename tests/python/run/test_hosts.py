@@ -50,16 +50,24 @@ def folder(tmp_path_factory):
 
 
 @pytest.fixture(scope="module")
-def hosts(folder):
-    """Three hosts and the scheduler; no workers."""
+def machines(folder):
+    """Three hosts."""
     with contextlib.ExitStack() as stack:
-        scheduler = sites.scheduler(folder)
-        stack.callback(scheduler.end)
-        made = []
-        for number in (1, 2, 3):
-            made.append(sites.Site(number, folder))
-            stack.callback(made[-1].close)
-        yield made
+        yield [stack.enter_context(contextlib.closing(sites.Site(number, folder))) for number in (1, 2, 3)]
+
+
+@pytest.fixture
+def scheduler(folder):
+    """The scheduler."""
+    begun = sites.scheduler(folder)
+    yield begun
+    begun.end()
+
+
+@pytest.fixture
+def hosts(machines, scheduler):
+    """Three hosts and the scheduler; no workers."""
+    return machines
 
 
 @pytest.fixture
@@ -216,6 +224,21 @@ def test_hosts_make_boards_safe_by_themselves_when_the_run_is_killed(hosts, work
     assert again.process.returncode == 130
 
 
+def test_scheduler_that_dies_ends_the_run_and_the_hosts_make_their_boards_safe(hosts, workers, scheduler, begin):
+    boards = [host.lab[f"OV{host.number}004"] for host in hosts]
+    for board in boards:
+        board.set_value((30, 0xC052), 0, phy=3)
+    run, out = begin("OV?004:0", drives=1000)
+    wait_for_points(run, out, 20)
+    scheduler.kill()
+    status, told = ended(run)
+    assert (status, told.splitlines()[-1]) == (3, "orvane: run: NOT IN A SAFE STATE: " + "; ".join(
+        f"OV{number}004:0: the scheduler does not answer" for number in (1, 2, 3))), told
+    sites.until(lambda: [board.value((30, 0xC052), phy=3) for board in boards] == [1, 1, 1], "no host has done it")
+    with orvane.DataSet(out) as data:
+        assert (len(list(data.points())) + len(data.missing()), data.sessions()[0].ended is not None) == (3000, True)
+
+
 def test_boards_of_a_host_that_is_gone_are_given_up_and_told_first(hosts, workers, begin):
     run, out = begin("OV?003:0", drives=30, patience=2)
     wait_for_points(run, out, 9)
@@ -277,7 +300,7 @@ def test_fault_of_the_program_on_another_host_ends_the_run(workers, begin):
 
 
 def test_three_hosts_measure_two_and_a_half_times_as_much_as_one(hosts, begin):
-    """Points that wait 50 ms. The best of three: another program on this machine takes from either."""
+    """Points that wait 50 ms. The best of up to three of each: another program on this machine takes from either."""
 
     def rate(number, name):
         workers = [host.worker() for host in hosts[:number]]
@@ -289,15 +312,12 @@ def test_three_hosts_measure_two_and_a_half_times_as_much_as_one(hosts, begin):
             points = list(data.points(with_values=False))
         return len(points) / seconds_between(min(each.begun for each in points), max(each.ended for each in points))
 
-    rates = []
-    for attempt in range(3):
-        rates.append((rate(1, f"one{attempt}"), rate(3, f"three{attempt}")))
-        one, three = rates[-1]
-        if three / one >= 2.5:
-            break
-    print(f"points a second on one host and on three: {', '.join(f'{one:.0f} {three:.0f}' for one, three in rates)}",
-          file=sys.__stderr__)
-    assert max(three / one for one, three in rates) >= 2.5, rates
+    ones, threes = [], []
+    while len(ones) < 3 and not (ones and max(threes) >= 2.5 * max(ones)):
+        ones.append(rate(1, f"one{len(ones)}"))
+        threes.append(rate(3, f"three{len(threes)}"))
+    print(f"points a second on one host: {max(ones):.0f}, on three: {max(threes):.0f}", file=sys.__stderr__)
+    assert max(threes) >= 2.5 * max(ones), (ones, threes)
 
 
 def seconds_between(first, second):

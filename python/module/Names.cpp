@@ -69,15 +69,30 @@ py::list listOf(const std::vector<FieldChange>& changes) {
 }
 
 // Name, address, value and its fields: name, raw value, in words.
+py::tuple tupleOf(const MapRegister& reg, std::uint64_t value) {
+    py::list fields;
+    for (const DecodedField& field : RegisterMap::decode(reg, value))
+        fields.append(py::make_tuple(field.field->name, field.raw, field.valueText()));
+    return py::make_tuple(reg.name(), reg.address().text(), value, fields);
+}
+
 py::list decoded(const Snapshot& self) {
     py::list all;
-    for (const DecodedRegister& one : self.decoded()) {
-        py::list fields;
-        for (const DecodedField& field : one.fields)
-            fields.append(py::make_tuple(field.field->name, field.raw, field.valueText()));
-        all.append(py::make_tuple(one.reg->name(), one.reg->address().text(), one.value, fields));
-    }
+    for (const Snapshot::Value& each : self.values)
+        all.append(tupleOf(*each.reg, each.value));
     return all;
+}
+
+// Nothing where the map has no such register.
+py::object decodeAt(const RegisterMap& self, unsigned space, std::uint32_t mmd, std::uint32_t number,
+                    std::uint64_t value) {
+    const MapRegister* const reg = self.find(mapAddress(registerAt(space, mmd, number)));
+    return reg != nullptr ? py::object(tupleOf(*reg, value)) : py::none();
+}
+
+py::object decodeNamed(const RegisterMap& self, const std::string& name, std::uint64_t value) {
+    const MapRegister* const reg = self.find(name);
+    return reg != nullptr ? py::object(tupleOf(*reg, value)) : py::none();
 }
 
 py::list leftOut(const Snapshot& self) {
@@ -206,6 +221,8 @@ void bindMaps(py::module_& module) {
         .def_property_readonly("name", &RegisterMap::name)
         .def("__len__", &RegisterMap::size)
         .def("address_of", addressOf)
+        .def("decode_at", decodeAt)
+        .def("decode_named", decodeNamed)
         .def("registers", registersOf)
         .def("describe", describe)
         .def("suggestion",

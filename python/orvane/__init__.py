@@ -27,7 +27,7 @@ from orvane.errors import (BadReply, BoardError, Busy, Cancelled, Error, Invalid
                            NoSuchPort, Refused, TimedOut, Unreachable)
 from orvane.events import BoardCounters, Event, Latency, ProgramCounters
 from orvane.limits import Cancellation, Within
-from orvane.names import Change, Diff, Map, Place, Restored, Snapshot
+from orvane.names import Change, Decoded, Diff, Map, Place, Restored, Snapshot
 from orvane.phy import Phy, Routed
 from orvane.rack import Discovery, FoundBoard, Port, Ports, Rack, Readings, discover, open, rack, read_all
 from orvane.registers import Register, clause22, clause45, ext32
@@ -37,12 +37,12 @@ from orvane.services import (Adc, Capture, CommandOutcome, ErrorRecord, Gpio, I2
 
 __version__ = _orvane.version
 __all__ = ["AccessMode", "Adc", "BadReply", "Batch", "BatchReadings", "BatchResult", "BoardCounters", "BoardError",
-           "Busy", "Cancellation", "Cancelled", "Capture", "Change", "Code", "CommandOutcome", "DataSet", "Diff",
-           "Discovery", "Error", "ErrorRecord", "Event", "EventKind", "EventLevel", "FailureKind", "FoundBoard", "Gpio",
-           "I2c", "InvalidArgument", "Jtag", "Latency", "LostSession", "Map", "MapError", "Mdio", "NoSuchPort",
-           "OperationState", "Outcome", "Phy", "Place", "Port", "Ports", "ProgramCounters", "Rack", "Reading",
-           "Readings", "Refused", "Register", "Restored", "Routed", "Run", "Shell", "Shift", "SmbusProtocol",
-           "Snapshot", "Space", "Thermal", "ThermalChannel", "TimedOut", "Transfer", "Unreachable", "Within",
-           "clause22", "clause45", "discover", "ext32", "open", "rack", "read_all"]
+           "Busy", "Cancellation", "Cancelled", "Capture", "Change", "Code", "CommandOutcome", "DataSet", "Decoded",
+           "Diff", "Discovery", "Error", "ErrorRecord", "Event", "EventKind", "EventLevel", "FailureKind",
+           "FoundBoard", "Gpio", "I2c", "InvalidArgument", "Jtag", "Latency", "LostSession", "Map", "MapError", "Mdio",
+           "NoSuchPort", "OperationState", "Outcome", "Phy", "Place", "Port", "Ports", "ProgramCounters", "Rack",
+           "Reading", "Readings", "Refused", "Register", "Restored", "Routed", "Run", "Shell", "Shift",
+           "SmbusProtocol", "Snapshot", "Space", "Thermal", "ThermalChannel", "TimedOut", "Transfer", "Unreachable",
+           "Within", "clause22", "clause45", "discover", "ext32", "open", "rack", "read_all"]
 
 _atexit.register(_orvane.close_all)

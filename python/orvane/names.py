@@ -9,9 +9,24 @@ from typing import Any, List, Optional, Tuple, Union
 
 from orvane import _orvane
 from orvane.limits import WithinLike, limits_of
+from orvane.registers import RegisterLike, check_value, register_at
 from orvane.tables import marked, table
 
-__all__ = ["Change", "Diff", "Map", "NamesOfPhy", "Place", "Restored", "Snapshot"]
+__all__ = ["Change", "Decoded", "Diff", "Map", "NamesOfPhy", "Place", "Restored", "Snapshot"]
+
+
+class Decoded(typing.NamedTuple):
+    """What a value of a register means."""
+
+    name: str
+    address: str
+    value: int
+    fields: List[Tuple[str, int, str]]
+    """names, raw values and the same in words, most significant first"""
+
+    def __str__(self) -> str:
+        return "\n".join([f"{self.name} ({self.address}) = 0x{self.value:04X}",
+                          *(f"    {name} {text}" for name, _, text in self.fields)])
 
 
 class Map:
@@ -49,6 +64,22 @@ class Map:
 
     def __contains__(self, name: str) -> bool:
         return self._core.address_of(name) is not None
+
+    def decode(self, where: Union[RegisterLike, str], value: int) -> Decoded:
+        """What a value means, read long ago or elsewhere: decode("AN.STATUS", 0x29), decode((7, 1), 0x29).
+
+        Raises KeyError for what is no register of the map, ValueError for what is none at all.
+        """
+        if isinstance(where, str):
+            known = self._core.decode_named(where, value)
+            near = self._core.suggestion(where) if known is None else ""
+        else:
+            register = register_at(where)
+            check_value(register, value)
+            known, near = self._core.decode_at(*register, value), ""
+        if known is None:
+            raise KeyError(f"{self.name} has no register {where}" + (f"; is {near} meant?" if near else ""))
+        return Decoded(*known)
 
     def to_json(self) -> str:
         """The whole map as one file of the source form; what it includes is worked in."""
@@ -223,20 +254,12 @@ class Restored(typing.NamedTuple):
     """`before`: what was to be written, `after`: what was read back"""
 
 
-class _Register(typing.NamedTuple):
-    """What a snapshot has of a register: fields are names, raw values and words."""
-
-    address: str
-    value: int
-    fields: List[Tuple[str, int, str]]
-
-
 class Snapshot(abc.Mapping[str, int]):
     """Values of registers by their names."""
 
     def __init__(self, core: _orvane.Snapshot) -> None:
         self._core = core
-        self._registers = {name: _Register(address, value, fields) for name, address, value, fields in core.decoded()}
+        self._registers = {each[0]: Decoded(*each) for each in core.decoded()}
 
     @property
     def left_out(self) -> List[str]:
@@ -269,7 +292,7 @@ class Snapshot(abc.Mapping[str, int]):
                       for name, each in self._registers.items()))
 
 
-def _fields(register: str, held: _Register, changed: abc.Set[str]) -> marked:
+def _fields(register: str, held: Decoded, changed: abc.Set[str]) -> marked:
     """A register's value and fields as a cell, with what has changed marked."""
     def mark(text: str, name: str) -> str:
         return f"<mark>{html.escape(text)}</mark>" if name in changed else html.escape(text)

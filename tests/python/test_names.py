@@ -113,6 +113,24 @@ def test_restore_brings_a_snapshot_back(mapped):
     assert mapped[30, 0xD002] == 0
 
 
+def test_value_is_explained_without_a_board(wren):
+    known = orvane.Map.load(wren)
+    explained = known.decode((30, 0xD000), 0x0041)
+    assert explained == known.decode("CHIP.CONTROL", 0x0041)
+    assert str(explained) == "CHIP.CONTROL (30.0xD000) = 0x0041\n    SPEED 1000 Mb/s\n    LED 1"
+    assert explained.fields[0] == ("SPEED", 2, "1000 Mb/s")
+
+
+def test_value_of_no_register_is_not_explained(wren):
+    known = orvane.Map.load(wren)
+    with pytest.raises(KeyError, match="wren has no register CHIP.CONTROLL; is CHIP.CONTROL meant?"):
+        known.decode("CHIP.CONTROLL", 1)
+    with pytest.raises(KeyError, match=r"wren has no register \(30, 9\)"):
+        known.decode((30, 9), 1)
+    with pytest.raises(ValueError):
+        known.decode((30, 0xD000), 0x10000)
+
+
 def test_file_that_is_no_map_is_told_with_its_problems(tmp_path):
     file = tmp_path / "bad.json"
     file.write_text('{"format": "orvane-map-1"}')

@@ -1,4 +1,5 @@
-# The Debian packages that `cpack --preset package` makes: liborvane0, liborvane-dev, orvane-tools and python3-orvane.
+# The Debian packages that `cpack --preset package` makes: liborvane0, liborvane-dev, orvane-tools, python3-orvane and, with
+# ORVANE_BUILD_WEB, orvane-web.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME orvane)
 set(CPACK_PACKAGE_CONTACT "Orvane developers <orvane@example.org>")
@@ -44,7 +45,16 @@ if(TARGET orvane_python)
   math(EXPR next_minor "${Python_VERSION_MINOR} + 1") # the module is compiled for one minor version
   set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${ORVANE_LIBRARY_PACKAGE}, python3 (>= 3.${Python_VERSION_MINOR}), python3 (<< 3.${next_minor}~), python3-numpy")
   # orvane.pytest, curves in notebooks, and orvane.lab.run().
-  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-pytest, python3-matplotlib, python3-aiohttp, python3-labgrid, orvane-tools")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-pytest, python3-matplotlib, python3-aiohttp, orvane-web, python3-labgrid, orvane-tools")
+endif()
+
+if(ORVANE_BUILD_WEB)
+  list(APPEND CPACK_COMPONENTS_ALL web)
+  set(CPACK_DEBIAN_WEB_PACKAGE_NAME orvane-web)
+  set(CPACK_DEBIAN_WEB_PACKAGE_SECTION web)
+  set(CPACK_DEBIAN_WEB_PACKAGE_ARCHITECTURE all)
+  set(CPACK_COMPONENT_WEB_DESCRIPTION "The pages of orvane serve: boards, registers, time lines and runs in a browser.")
+  set(CPACK_DEBIAN_WEB_PACKAGE_DEPENDS "python3-orvane, python3-aiohttp")
 endif()
 
 include(CPack)

@@ -16,7 +16,7 @@ from orvane.serve.topics import Topic
 
 __all__ = ["Board", "BoardTopic"]
 
-_KEPT = 50
+_KEPT = 200
 _ROUND_TRIPS = 100
 _ASK_AGAIN = 60.0  # seconds until a board without temperatures is asked for them again
 

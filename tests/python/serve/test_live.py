@@ -47,7 +47,7 @@ def test_board_in_sight_tells_its_round_trip_and_temperature_and_others_are_not_
         async with served.viewer() as viewer:
             rack = await viewer.find("OV0001", "OV0002")
             await viewer.ask("look", boards=["OV0001"])
-            rows = await viewer.until(rack, lambda rows: rows["OV0001"]["temperatures"])
+            rows = await viewer.until(rack, lambda rows: rows["OV0001"]["temperatures"] and rows["OV0001"]["sessions"])
             return rows["OV0001"]
     row = asyncio.run(act(serve()))
     assert row["state"] == "up"

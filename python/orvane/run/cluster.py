@@ -5,7 +5,7 @@ import asyncio
 import contextlib
 import importlib
 from collections import abc
-from typing import Any, Callable, Dict, List, Set, Tuple
+from typing import Any, Callable, Dict, List, Optional, Set, Tuple
 
 from orvane.run.host import Host, resource_of
 from orvane.run.recipe import RecipeError
@@ -28,6 +28,7 @@ class Cluster:
         self._name = name
         self._own = not hasattr(dask, "submit")
         self.client = _client(dask) if self._own else dask
+        self._telling: Optional[asyncio.Future[None]] = None
         self.address = str(self.client.scheduler.address)
         self.reached: Dict[str, Set[str]] = {}
         """workers by the port that they have announced, as look() has found it"""
@@ -67,13 +68,24 @@ class Cluster:
             return await asyncio.gather(*map(one, arguments))
         return dict(zip(arguments, self.call(all_of_them, within + 5)))
 
-    def tell(self, function: Callable[..., Any], workers: List[str], *arguments: Any) -> None:
-        """The same, and waits for no answer: a host that is gone holds nobody up."""
-        async def told() -> None:
-            call = self.client.run(function, self._name, *arguments, workers=workers, on_error="ignore")
-            with contextlib.suppress(asyncio.TimeoutError, OSError):
-                await asyncio.wait_for(call, CONNECT)
-        self.client.loop.add_callback(told)
+    def keep_telling(self, function: Callable[..., Any], what: Callable[[], Any], pause: float) -> None:
+        """Calls a function on all workers again and again until close(), whatever the caller does meanwhile; what() is
+        its argument. A worker that does not answer holds the others up for ten seconds at most."""
+        async def tell() -> None:
+            while True:
+                call = self.client.run(function, self._name, what(), on_error="ignore")
+                with contextlib.suppress(asyncio.TimeoutError, OSError):
+                    await asyncio.wait_for(call, CONNECT)
+                await asyncio.sleep(pause)
+
+        async def begin() -> None:
+            self._telling = asyncio.ensure_future(tell())
+        self.call(begin, CONNECT)
+
+    async def _end_telling(self) -> None:
+        if self._telling is not None:
+            self._telling.cancel()
+            await asyncio.wait([self._telling])
 
     def results(self, futures: List[Any]) -> List[Any]:
         """Of tasks that have finished. Empty when one was lost with its worker: it is done again."""
@@ -87,6 +99,7 @@ class Cluster:
     def close(self, within: float) -> None:
         """Takes the plugin from the workers, which ends its work there."""
         with contextlib.suppress(Exception):  # the hosts end by themselves when they hear nothing
+            self.call(self._end_telling, CONNECT)
             self.call(lambda: self.client.unregister_worker_plugin(self._name), within)
         if self._own:
             self.client.close(timeout=CONNECT)

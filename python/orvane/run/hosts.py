@@ -61,9 +61,11 @@ class HostsBench:
         self._lost: Dict[str, str] = {}
         self._missed: Dict[str, float] = {}  # since when nobody reaches a port
         self._sent = 0
-        self._beaten = 0.0
+        self._looked = 0.0
         self._news = threading.Event()
+        self._unreached: List[str] = []
         self._cluster = Cluster(dask, self._name, Host(job.packed(), SILENCE))
+        self._cluster.keep_telling(beat_there, lambda: self._unreached, _BEAT)
 
     @property
     def lost(self) -> Dict[str, str]:
@@ -162,9 +164,9 @@ class HostsBench:
             self._news.wait(seconds)
             self._news.clear()
             self._take_what_is_done()
-            if time.monotonic() - self._beaten > _BEAT:
+            if time.monotonic() - self._looked > _BEAT:
                 self._look_after()
-                self._beaten = time.monotonic()
+                self._looked = time.monotonic()
         return bool(self._todo)
 
     def _take_what_is_done(self) -> None:
@@ -213,10 +215,9 @@ class HostsBench:
         self._keeper.keep_mishap(Mishap.of("lost", 1, RuntimeError(why)), port)
 
     def _look_after(self) -> None:
-        """Tells the hosts that the run is alive, and sends again what they cannot measure any more."""
-        workers = self._cluster.look()
-        unreached = [port for port in self._todo if port not in self._cluster.reached]
-        self._cluster.tell(beat_there, list(workers), unreached)
+        """Sends again what a host cannot measure any more, and gives up what nobody can."""
+        self._cluster.look()
+        self._unreached = [port for port in self._todo if port not in self._cluster.reached]
         for port in list(self._todo):
             going, reached = self._going.get(port), self._cluster.reached.get(port, set())
             if going is not None and (not reached or going.pinned not in (None, *reached)):

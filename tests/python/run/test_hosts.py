@@ -224,6 +224,38 @@ def test_hosts_make_boards_safe_by_themselves_when_the_run_is_killed(hosts, work
     assert again.process.returncode == 130
 
 
+def test_long_shared_set_up_is_no_silence(hosts, workers, begin):
+    for host in hosts:
+        host.lab[f"OV{host.number}005"].set_value((30, 0xC052), 0, phy=3)
+    chamber = """
+import time
+run.steps.point = None
+
+@run.shared_setup
+def chamber(level):
+    time.sleep(6 * level)
+
+@run.point
+def measure(p, level, drive):
+    p.record(made_safe=p.phy[30, 0xC052])
+
+"""
+    run, out = begin("OV?005:0", levels=2, drives=1, safe=chamber + SAFE)
+    assert ended(run)[0] == 0, run.log.read_text()
+    with orvane.DataSet(out) as data:
+        assert [point.values["made_safe"] for point in data.points()] == [0] * 6
+
+
+def test_safe_state_that_hangs_on_another_host_is_left_behind_and_told(hosts, workers, begin):
+    safe = "import time\nrun.safe_state(lambda p: time.sleep(600) if p.board == 'OV2006' else None)"
+    run, out = begin("OV?006:0", drives=1, safe=safe)
+    status, told = ended(run)
+    assert (status, told.splitlines()[-1]) == (
+        3, "orvane: run: NOT IN A SAFE STATE: OV2006:0: it did not end in time")
+    with orvane.DataSet(out) as data:
+        assert data.not_safe() == {"OV2006:0": "it did not end in time"}
+
+
 def test_scheduler_that_dies_ends_the_run_and_the_hosts_make_their_boards_safe(hosts, workers, scheduler, begin):
     boards = [host.lab[f"OV{host.number}004"] for host in hosts]
     for board in boards:

@@ -2,7 +2,7 @@
 from __future__ import annotations
 
 from collections import abc
-from typing import Any, List, Optional, Union, overload
+from typing import Any, Dict, List, Optional, Tuple, Union, overload
 
 import numpy
 import numpy.typing
@@ -56,6 +56,10 @@ class Batch:
     def __init__(self) -> None:
         self._core = _orvane.Batch()
         self._registers: List[Register] = []
+        self._written: Dict[int, int] = {}
+
+    def __reduce__(self) -> Tuple[Any, ...]:
+        return _again, (self._registers, self._written)
 
     def read(self, where: RegisterLike) -> Reading:
         """Adds a read of one register."""
@@ -77,6 +81,7 @@ class Batch:
         register = register_at(where)
         check_value(register, value)
         self._core.write(*register, value)
+        self._written[len(self._registers)] = value
         self._registers.append(register)
 
     def __len__(self) -> int:
@@ -84,6 +89,16 @@ class Batch:
 
     def __repr__(self) -> str:
         return f"<orvane.Batch of {len(self)} operations>"
+
+
+def _again(registers: List[Register], written: Dict[int, int]) -> Batch:
+    batch = Batch()
+    for index, register in enumerate(registers):
+        if index in written:
+            batch.write(register, written[index])
+        else:
+            batch.read(register)
+    return batch
 
 
 class Outcome:

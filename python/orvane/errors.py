@@ -9,6 +9,8 @@ from __future__ import annotations
 
 import errno as _errno
 import os
+import subprocess
+import sys
 from typing import Any
 
 from orvane.codes import Code, FailureKind
@@ -44,7 +46,7 @@ class Error(Exception):
         self.__dict__.update(details)
 
     def __reduce__(self) -> tuple[Any, ...]:
-        return _again, (type(self), str(self), self.__dict__)
+        return _again, (type(self), self.args[0], self.__dict__)
 
     @property
     def errno(self) -> int | None:
@@ -74,7 +76,25 @@ class TimedOut(Error, TimeoutError):  # type: ignore[misc]
 
 
 class Refused(Error):
-    """The board does not grant the session."""
+    """The board does not grant the session.
+
+    Where the environment names labgrid's coordinator (LG_CROSSBAR, LG_COORDINATOR), the text says which place has the
+    board, and who acquired it.
+    """
+
+    _holder: str | None = None
+
+    @property
+    def holder(self) -> str:
+        """"place wren, acquired by desk/ann", as the coordinator says; empty when nothing is known. The coordinator is
+        asked once, when this is looked at or the error is shown, and waited for 5 s at most."""
+        if self._holder is None:
+            named = any(os.environ.get(name) for name in ("LG_CROSSBAR", "LG_COORDINATOR"))
+            self._holder = _ask_labgrid(f"{self.board}:{self.port}", str(self.phy)) if named else ""
+        return self._holder
+
+    def __str__(self) -> str:
+        return f"{self.args[0]} It is labgrid's {self.holder}." if self.holder else str(self.args[0])
 
 
 class Busy(Error):
@@ -99,6 +119,16 @@ class Cancelled(Error):
 
 class MapError(ValueError):
     """What is wrong with a register map's file; a problem a line."""
+
+
+def _ask_labgrid(*what: str) -> str:
+    """A process of its own asks: labgrid's client has an event loop, which would be in the way of the program's."""
+    try:
+        asked = subprocess.run([sys.executable, "-m", "orvane.labgrid.holder", *what], stdin=subprocess.DEVNULL,
+                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=5, text=True)
+    except (OSError, subprocess.TimeoutExpired):
+        return ""
+    return asked.stdout.strip() if asked.returncode == 0 else ""
 
 
 _CLASSES: dict[FailureKind, type[Error]] = {

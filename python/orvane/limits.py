@@ -36,6 +36,11 @@ class Within:
         object.__setattr__(self, "_limits", _orvane.Limits(
             self.seconds, _repeats(self.reads), _repeats(self.writes), self.heal, self.cancellation))
 
+    def __reduce__(self) -> tuple[object, ...]:
+        if self.cancellation is not None:
+            raise TypeError("a Within with a cancellation stays in its process")
+        return Within, (self.seconds, self.reads, self.writes, self.heal)
+
 
 WithinLike = Union[Within, float, None]
 """A Within, a number of seconds, or None for the usual."""

@@ -10,6 +10,8 @@ from labgrid.factory import target_factory  # type: ignore[import]
 from labgrid.step import step  # type: ignore[import]
 
 from orvane.labgrid.keys import key_of
+from orvane.labgrid.opener import Opener
+from orvane.labgrid.remote import HostConnection
 from orvane.phy import Phy
 from orvane.rack import Port, Rack
 from orvane.registers import RegisterLike
@@ -24,40 +26,51 @@ class OrvaneDriver(Driver):
     """A board's PHY with all services, as `phy`; its port, for other PHYs, as `port`.
 
     Its sessions are exclusive, with the key of the place's acquisition: other programs of the holder may join in,
-    nobody else. They end with the driver's activity.
+    nobody else. They end with the driver's activity. Behind an isolated exporter all of it happens on the exporter's
+    host, by a program that labgrid's ssh connection runs there; `phy` and `port` are used as ever (RemoteObject).
 
     open_timeout  seconds that opening the session may take
+    python        the interpreter on the exporter's host
     """
 
     bindings = {"board": {"OrvanePort", "NetworkOrvanePort"}}
 
     open_timeout: float = attr.ib(default=5.0, converter=float)
+    python: str = attr.ib(default="python3")
 
     def __attrs_post_init__(self) -> None:
         super().__attrs_post_init__()
         self._rack: Optional[Rack] = None
         self._port: Optional[Port] = None
+        self._host: Optional[HostConnection] = None
 
     @step()
     def on_activate(self) -> None:
         """Called by labgrid: opens the session."""
         board = self.board
-        rack = Rack()
+        self._host = HostConnection([*board.command_prefix, self.python, "-m", "orvane.labgrid.agent"], board.host) \
+            if getattr(board, "proxied", False) else None
+        opener: Any = Opener(Rack()) if self._host is None else self._host.opener
+        self._rack = opener.rack
         try:
-            if board.address:
-                rack.know(board.device, board.address)
-            port = rack.open(f"{board.device}:{board.port}", exclusive=key_of(board) or True, within=self.open_timeout)
+            port = opener.open(board.device, board.address, board.port, key_of(board), self.open_timeout)
             port.phy(board.phy or 0).open(within=self.open_timeout)
         except BaseException:
-            rack.close()
+            self._close()
             raise
-        self._rack, self._port = rack, port
+        self._port = port
 
     @step()
     def on_deactivate(self) -> None:
         """Called by labgrid: closes every session. What a board that is gone cannot be told is nobody's failure."""
+        self._close()
+
+    def _close(self) -> None:
         rack, self._rack, self._port = self._rack, None, None
-        if rack is not None:
+        host, self._host = self._host, None
+        if host is not None:
+            host.close()
+        elif rack is not None:
             rack.close()
 
     @property

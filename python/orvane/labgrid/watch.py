@@ -52,12 +52,12 @@ class BoardWatch:
     def answers(self, device: str, port: int, address: str) -> bool:
         """Whether the board said its name there in the last round, and has that port."""
         with self._changed:
-            return f"{device}:{port}" in self._there.get(address or self._where.get(device, ""), ())
+            return f"{device.upper()}:{port}" in self._there.get(address or self._where.get(device.upper(), ""), ())
 
     def where(self, device: str) -> Optional[str]:
         """The address at which a board answered last."""
         with self._changed:
-            return self._where.get(device)
+            return self._where.get(device.upper())
 
     def next_round(self, within: float = 10.0) -> bool:
         """Waits until every address that is known now was asked; False when that took too long."""

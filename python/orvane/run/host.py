@@ -144,7 +144,8 @@ class Host:
         try:
             board = self._board(port, key, known)
         except Exception as problem:
-            return Outcome(port, self._process, self._address, Notes(), lost=str(problem) or type(problem).__name__)
+            return Outcome(port, self._process, self._address, Notes(), used=True,  # perhaps, by another process
+                           lost=str(problem) or type(problem).__name__)
         with board.turn:
             if holder != self._process:
                 board.worker.set_up_anew()

@@ -256,6 +256,23 @@ def test_safe_state_that_hangs_on_another_host_is_left_behind_and_told(hosts, wo
         assert data.not_safe() == {"OV2006:0": "it did not end in time"}
 
 
+def test_board_that_cannot_be_opened_any_more_is_told_as_not_safe(hosts, begin):
+    board = hosts[0].lab["OV1007"]
+    worker = hosts[0].worker()
+    run, out = begin("OV1007:0", drives=1000)
+    wait_for_points(run, out, 5)
+    board.inject("refuse-open", count=-1)
+    worker.kill()
+    again = hosts[0].worker()
+    try:
+        status, told = ended(run)
+    finally:
+        board.clear()
+        again.end()
+    assert status == 3, told
+    assert told.splitlines()[-1].startswith("orvane: run: NOT IN A SAFE STATE: OV1007:0: OV1007:0 PHY 3: open: "), told
+
+
 def test_scheduler_that_dies_ends_the_run_and_the_hosts_make_their_boards_safe(hosts, workers, scheduler, begin):
     boards = [host.lab[f"OV{host.number}004"] for host in hosts]
     for board in boards:

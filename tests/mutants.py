@@ -1,258 +1,223 @@
 #!/usr/bin/env python3
-"""Changes one line of a room of ov_sys at a time and tells which changes its tests do not notice.
+"""Changes constants, masks, bounds and comparisons of a room of ov_sys one at a time and tells which changes its tests
+do not notice.
 
-The tree is copied to build/mutants and built there, so nothing that is being worked on changes. Each mutant is
-compiled, the room's tests are run until one fails, and the line is put back. Known survivors, which no test can
-catch, stand in tests/mutants.md with the reason. The exit status is 1 when another one survives.
+The library is built once, in build/mutants, with every change in it, each to be switched on by its number (see
+tests/support/mutants). The tests run one by one first, to learn which changes each of them reaches; then those that
+reach a change run with it until one fails: the room's own, and then those of the other rooms. Known survivors, which
+no test can catch, stand in tests/mutants.md with the reason. The exit status is 1 when another one survives, or when
+no test reaches it.
 """
 
 import argparse
-import hashlib
+import array
+import concurrent.futures
+import json
 import os
 import pathlib
 import random
 import re
-import shutil
+import signal
 import subprocess
 import sys
+import tempfile
 import time
 from dataclasses import dataclass
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-WORK = ROOT / "build" / "mutants"
-SOURCE = WORK / "source"
-BUILD = WORK / "build"
+SUPPORT = ROOT / "tests" / "support" / "mutants"
+BUILD = ROOT / "build" / "mutants"
+RUNTIME = BUILD / "liborvane_mutants.so"
 KNOWN = ROOT / "tests" / "mutants.md"
+ROOMS = ("foundation", "rpc_protocol", "discovery", "connection", "sessions", "buses", "devices", "capi", "routing",
+         "rack", "maps", "names")
+
+
+@dataclass
+class Mutant:
+    number: int
+    file: str  # from the root of the tree
+    line: int  # from 1
+    column: int
+    change: str
+    reached: bool = False
+
+    def source(self):
+        """The line without what makes no difference."""
+        return (ROOT / self.file).read_text().splitlines()[self.line - 1].strip()
+
+    def __str__(self):
+        return f"{self.file}:{self.line}:{self.column}: {self.source()}   {self.change}"
 
 
 @dataclass(frozen=True)
-class Mutant:
-    file: str  # from the root of the tree
-    line: int  # from 1
-    before: str
-    after: str
-
-    def __str__(self):
-        return f"{self.file}:{self.line}: {self.before.strip()}  ->  {self.after.strip() or '(nothing)'}"
+class Test:
+    name: str
+    seconds: float
+    reached: frozenset  # numbers
 
 
-# What is changed -----------------------------------------------------------------------------------------------
-
-NUMBER = re.compile(r"(?<![\w.'])(0[xX][0-9A-Fa-f']+|\d[\d']*)(?=[uUlL]*(?![\w.']))")
-SWAPS = [(" < ", " <= "), (" <= ", " < "), (" > ", " >= "), (" >= ", " > "), (" == ", " != "), (" != ", " == "),
-         (" && ", " || "), (" || ", " && "), (" + ", " - "), (" - ", " + "), (" & ", " | "), (" | ", " & "),
-         (" true", " false"), (" false", " true"), ("(true", "(false"), ("(false", "(true")]
-NOT = re.compile(r"(?<![!\w])!(?=[\w(:*])")
-CALL = re.compile(r"^\s*(?!return\b|throw\b|delete\b|static_assert\b)(\+\+|--)?(::)?[A-Za-z_][\w:.\[\]>-]*\(.*\);\s*$")
-ASSIGNMENT = re.compile(r"^\s*[A-Za-z_][\w.\[\]]*(->[\w.]+)* ([-+|&^]|<<|>>)?= .*;\s*$|^\s*(\+\+|--)[\w.>-]+;\s*$")
-SKIPPED = re.compile(r"^\s*(#|//|static_assert|using |template|namespace |extern |friend |\}|/?\*)")
-
-
-def code_of(line):
-    """The line with the content of texts and comments blanked out, character by character."""
-    def blank(match):
-        return match.group(0)[0] + " " * (len(match.group(0)) - 2) + match.group(0)[-1]
-    line = re.sub(r'"(?:\\.|[^"\\])*"|\'(?:\\.|[^\'\\])\'', blank, line)
-    return re.sub(r"//.*$", lambda match: " " * len(match.group(0)), line)
-
-
-def changed_numbers(code):
-    for match in NUMBER.finditer(code):
-        text = match.group(1).replace("'", "")
-        value = int(text, 16 if text[:2].lower() == "0x" else 10)
-        form = (lambda number: f"0x{number:X}") if text[:2].lower() == "0x" else str
-        halved = value >> 1 if form is not str else 0  # a mask without its highest bit
-        for other in sorted({value + 1, max(value - 1, 0), halved, 0} - {value}):
-            yield match.start(1), match.end(1), form(other)
-
-
-def mutations(line):
-    """Every line that this one can become."""
-    code = code_of(line)
-    if SKIPPED.match(code) or not code.strip():
-        return
-    for begin, end, text in changed_numbers(code):
-        yield line[:begin] + text + line[end:]
-    for old, new in SWAPS:
-        for match in re.finditer(re.escape(old), code):
-            yield line[:match.start()] + new + line[match.end():]
-    for match in NOT.finditer(code):
-        yield line[:match.start()] + line[match.end():]
-    if CALL.match(code) or ASSIGNMENT.match(code):
-        yield re.match(r"\s*", line).group(0) + ";"
-
-
-def mutants_of(path):
-    lines = (ROOT / path).read_text().splitlines()
-    previous = ""
-    for number, line in enumerate(lines, 1):
-        continued = previous.rstrip()[-1:] not in ("", ";", "{", "}", ":", ")")  # a part of a longer statement
-        for after in mutations(line):
-            if after.strip() == ";" and continued:
-                continue
-            yield Mutant(path, number, line, after.rstrip() if after.strip() != ";" else after)
-        previous = code_of(line)
+def folder_of(room):
+    for folder in (f"ov_sys/Interface/{room}", f"ov_sys/{room}"):
+        if (ROOT / folder).is_dir():
+            return folder + "/"
+    sys.exit(f"mutants: ov_sys has no room {room}")
 
 
 def known_survivors():
-    """The rows of tests/mutants.md: (file, line before, line after)."""
+    """The rows of tests/mutants.md: (file, line, change)."""
     rows = set()
-    for row in KNOWN.read_text().splitlines() if KNOWN.exists() else []:
+    for row in KNOWN.read_text().splitlines():
         cells = re.match(r"\| `([^`]+)` \| `(.+?)` \| `(.+?)` \| .+ \|$", row)
         if cells:
             rows.add(cells.groups())
     return rows
 
 
-# How it is tried -----------------------------------------------------------------------------------------------
+# The build -----------------------------------------------------------------------------------------------------
 
-def folder_of(room):
-    for folder in (f"ov_sys/Interface/{room}", f"ov_sys/{room}"):
-        if (ROOT / folder).is_dir():
-            return folder
-    sys.exit(f"mutants: ov_sys has no room {room}")
-
-
-def copy_tree():
-    listed = subprocess.run(["git", "ls-files", "--cached", "--others", "--exclude-standard"], cwd=ROOT, check=True,
-                            capture_output=True, text=True).stdout.splitlines()
-    wanted = {name for name in listed if (ROOT / name).is_file()}
-    for stale in [path for path in SOURCE.rglob("*") if path.is_file()]:
-        if str(stale.relative_to(SOURCE)) not in wanted:
-            stale.unlink()
-    for name in wanted:
-        target = SOURCE / name
-        if not target.exists() or target.read_bytes() != (ROOT / name).read_bytes():
-            target.parent.mkdir(parents=True, exist_ok=True)
-            shutil.copy(ROOT / name, target)
+def done(command, **options):
+    step = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False, **options)
+    if step.returncode != 0:
+        sys.exit(step.stdout[-6000:])
 
 
-def quiet(command, **options):
-    return subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, **options)
+def build(rooms, jobs):
+    BUILD.mkdir(parents=True, exist_ok=True)
+    done(["clang++", "-std=c++17", "-O2", "-fPIC", "-shared", SUPPORT / "active.cpp", "-o", RUNTIME])
+    linked = f"-L{BUILD} -lorvane_mutants -Wl,-rpath,{BUILD}"
+    done(["cmake", "-G", "Ninja", "-S", ROOT, "-B", BUILD / "build", "-DCMAKE_BUILD_TYPE=Debug",
+          "-DCMAKE_C_COMPILER=clang", "-DCMAKE_CXX_COMPILER=clang++", "-DCMAKE_CXX_FLAGS_DEBUG=-O0",
+          f"-DCMAKE_CXX_COMPILER_LAUNCHER={SUPPORT / 'compile.py'};{ROOT}", "-DCMAKE_UNITY_BUILD=OFF",
+          f"-DCMAKE_CXX_STANDARD_LIBRARIES={linked}", "-DORVANE_WERROR=OFF", "-DORVANE_BUILD_TOOLS=OFF",
+          "-DORVANE_BUILD_EXAMPLES=OFF", "-DORVANE_BUILD_BENCH=OFF", "-DORVANE_BUILD_TESTS=ON"])
+    done(["cmake", "--build", BUILD / "build", "--parallel", str(jobs), "--target",
+          *(f"test_{room}" for room in rooms)])
 
 
-class Trial:
-    """Builds the copy and runs the tests of one room."""
+def mutants_of(folder):
+    """Each once, in the order of the source."""
+    found = {}
+    for table in (BUILD / "build" / "ov_sys").rglob("*.mutants"):
+        if table.with_suffix("").exists():
+            for row in json.loads(table.read_text()):
+                if row["file"].startswith(folder):
+                    found[row["number"]] = Mutant(**row)
+    return sorted(found.values(), key=lambda one: (one.file, one.line, one.column, one.change))
+
+
+# The tests -----------------------------------------------------------------------------------------------------
+
+class Tests:
+    """Those of one room, which run one by one when they are made."""
 
     def __init__(self, room, jobs):
-        self.jobs = jobs
-        self.target = f"test_{room}"
-        self.program = BUILD / "tests" / room / self.target
-        self.limit = None
+        self.program = BUILD / "build" / "tests" / room / f"test_{room}"
+        with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
+            self.tests = sorted((test for test in pool.map(self.learnt, self.names()) if test),
+                                key=lambda test: test.seconds)
 
-    def configure(self):
-        step = quiet(["cmake", "-G", "Ninja", "-S", SOURCE, "-B", BUILD, "-DCMAKE_BUILD_TYPE=Debug",
-                      "-DCMAKE_CXX_FLAGS_DEBUG=-O0", "-DORVANE_WERROR=OFF", "-DORVANE_BUILD_TOOLS=OFF",
-                      "-DORVANE_BUILD_EXAMPLES=OFF", "-DORVANE_BUILD_BENCH=OFF", "-DORVANE_BUILD_TESTS=ON"])
-        if step.returncode != 0:
-            sys.exit(step.stdout)
-
-    def build(self):
-        return quiet(["cmake", "--build", BUILD, "--parallel", str(self.jobs), "--target", self.target])
-
-    def begin(self):
-        """The first build, which the unchanged tree must pass."""
-        built = self.build()
-        if built.returncode != 0:
-            sys.exit(built.stdout[-4000:])
-        started = time.monotonic()
-        if self.tests() != "survived":
-            sys.exit("mutants: the unchanged tree does not pass its tests")
-        self.limit = 60 + 8 * (time.monotonic() - started)
-        return time.monotonic() - started
-
-    def objects(self, file):
-        """What was compiled from a source; None for a header."""
-        found = sorted(BUILD.glob(f"ov_sys/**/{pathlib.Path(file).name}.o"))
-        return hashlib.sha256(b"".join(path.read_bytes() for path in found)).digest() if found else None
-
-    def tests(self):
-        """Runs the tests in several processes, and ends them all when one has failed or the time is up: "survived",
-        "caught" or "never ends"."""
-        shards = 2 * self.jobs
-        running = [subprocess.Popen([self.program, "--gtest_fail_fast", "--gtest_brief=1"], cwd=self.program.parent,
-                                    env={**os.environ, "GTEST_TOTAL_SHARDS": str(shards),
-                                         "GTEST_SHARD_INDEX": str(index)},
-                                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-                   for index in range(shards)]
-        deadline = time.monotonic() + self.limit if self.limit else float("inf")
-        try:
-            while any(process.poll() is None for process in running):
-                if any(process.returncode for process in running):
-                    return "caught"
-                if time.monotonic() > deadline:
+    def run(self, names, limit, **variables):
+        """passed, failed, or never ends"""
+        with tempfile.TemporaryDirectory(prefix="orvane-mutants-") as scratch:
+            with subprocess.Popen([self.program, "--gtest_brief=1", "--gtest_fail_fast",
+                                   "--gtest_filter=" + ":".join(names)], cwd=self.program.parent,
+                                  env={**os.environ, "TMPDIR": scratch, **variables}, stdin=subprocess.DEVNULL,
+                                  stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                                  start_new_session=True) as process:
+                try:
+                    return "passed" if process.wait(limit) == 0 else "failed"
+                except subprocess.TimeoutExpired:
                     return "never ends"
-                time.sleep(0.05)
-            return "survived" if all(process.returncode == 0 for process in running) else "caught"
-        finally:
-            for process in running:
-                if process.poll() is None:
-                    process.kill()
-                process.wait()
+                finally:
+                    try:
+                        os.killpg(process.pid, signal.SIGKILL)
+                    except ProcessLookupError:
+                        pass
+
+    def names(self):
+        suite, names = "", []
+        for line in subprocess.run([self.program, "--gtest_list_tests"], check=True, capture_output=True, text=True,
+                                   cwd=self.program.parent).stdout.splitlines():
+            if not line.startswith(" "):
+                suite = line.split()[0]
+            elif "DISABLED_" not in line:
+                names.append(suite + line.split()[0])
+        return names
+
+    def learnt(self, name):
+        """The test with what it reaches; None when it fails without any change."""
+        with tempfile.TemporaryDirectory(prefix="orvane-mutants-") as scratch:
+            record = pathlib.Path(scratch) / "reached"
+            started = time.monotonic()
+            if self.run([name], 600, ORVANE_MUTANTS_REACHED=str(record)) != "passed":
+                print(f"mutants: left out, for it fails without any change: {name}", flush=True)
+                return None
+            numbers = array.array("I", record.read_bytes() if record.exists() else b"")
+            return Test(name, time.monotonic() - started, frozenset(numbers))
 
     def outcome(self, mutant):
-        """caught, never ends (which is caught, too), survived, same code, or does not compile"""
-        target = SOURCE / mutant.file
-        text = target.read_text()
-        lines = text.splitlines(keepends=True)
-        lines[mutant.line - 1] = mutant.after + "\n"
-        before = self.objects(mutant.file)
-        target.write_text("".join(lines))
-        try:
-            if self.build().returncode != 0:
-                return "does not compile"
-            if before and self.objects(mutant.file) == before:
-                return "same code"
-            return self.tests()
-        finally:
-            target.write_text(text)
+        """passed, failed, or never ends"""
+        reaching = [test for test in self.tests if mutant.number in test.reached]
+        mutant.reached = mutant.reached or bool(reaching)
+        for some in (reaching[:4], reaching[4:]):
+            if some:
+                limit = 20 + 10 * sum(test.seconds for test in some)
+                outcome = self.run([test.name for test in some], limit, ORVANE_MUTANT=str(mutant.number))
+                if outcome != "passed":
+                    return outcome
+        return "passed"
+
+
+def tried(mutants, rooms, jobs):
+    """Tries mutants with the tests of one room after the other; those that are left, and how many ended how."""
+    counts = {}
+    for room in rooms:
+        if not mutants:
+            break
+        tests = Tests(room, jobs)
+        print(f"{len(mutants)} mutants, {len(tests.tests)} tests of {room}, "
+              f"{sum(test.seconds for test in tests.tests):.0f} s", flush=True)
+        with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
+            outcomes = list(pool.map(tests.outcome, mutants))
+        for outcome in outcomes:
+            counts[outcome] = counts.get(outcome, 0) + (outcome != "passed")
+        mutants = [mutant for mutant, outcome in zip(mutants, outcomes) if outcome == "passed"]
+    return mutants, counts
 
 
 def arguments():
     parser = argparse.ArgumentParser(prog="./check mutants", description=__doc__,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("room", help="a folder of ov_sys or ov_sys/Interface, such as connection")
-    parser.add_argument("--limit", type=int, default=20, help="how many mutants, drawn by the seed (default 20)")
+    parser.add_argument("--limit", type=int, help="how many mutants, drawn by the seed (default: all)")
     parser.add_argument("--seed", type=int, default=1, help="which mutants are drawn (default 1)")
     parser.add_argument("--file", default="", help="only of files whose path holds this")
-    parser.add_argument("--match", default="", help="only of lines that hold this")
-    parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="compilers and half the tests at a time")
+    parser.add_argument("--alone", action="store_true", help="only the room's own tests")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="compilers, and half the tests, at a time")
     parser.add_argument("--list", action="store_true", help="print the mutants instead of trying them")
     return parser.parse_args()
 
 
-def chosen(options):
-    folder = folder_of(options.room)
-    files = sorted(str(path.relative_to(ROOT)) for path in (ROOT / folder).rglob("*") if path.suffix in (".cpp", ".h"))
-    known = known_survivors()
-    mutants = [mutant for file in files if options.file in file for mutant in mutants_of(file)
-               if options.match in mutant.before
-               and (file, mutant.before.strip(), mutant.after.strip()) not in known]
-    print(f"{len(mutants)} mutants in {folder}", flush=True)
-    if options.limit < len(mutants):
-        mutants = random.Random(options.seed).sample(mutants, options.limit)
-    return sorted(mutants, key=lambda mutant: (mutant.file, mutant.line, mutant.after))
-
-
 def main():
     options = arguments()
-    mutants = chosen(options)
+    rooms = [options.room] if options.alone else [options.room, *(room for room in ROOMS if room != options.room)]
+    build(rooms, options.jobs)
+    known = known_survivors()
+    mutants = [one for one in mutants_of(folder_of(options.room))
+               if options.file in one.file and (one.file, one.source(), one.change) not in known]
+    if options.limit is not None and options.limit < len(mutants):
+        mutants = sorted(random.Random(options.seed).sample(mutants, options.limit), key=mutants.index)
     if options.list:
         print(*mutants, sep="\n")
         return 0
-    os.nice(5)
-    SOURCE.mkdir(parents=True, exist_ok=True)
-    copy_tree()
-    trial = Trial(options.room, options.jobs)
-    trial.configure()
-    print(f"the tests pass unchanged in {trial.begin():.0f} s", flush=True)
-    counts = {}
-    for mutant in mutants:
-        outcome = trial.outcome(mutant)
-        counts[outcome] = counts.get(outcome, 0) + 1
-        print(f"{outcome:>16}  {mutant}", flush=True)
-    print(", ".join(f"{count} {outcome}" for outcome, count in sorted(counts.items())))
-    return 1 if counts.get("survived") else 0
+    left, counts = tried(mutants, rooms, 2 * options.jobs)
+    for mutant in left:
+        print(f"{'survived' if mutant.reached else 'not reached':>12}  {mutant}")
+    print(f"{len(mutants)} mutants of {options.room}: {counts.get('failed', 0)} caught, "
+          f"{counts.get('never ends', 0)} never end, {sum(one.reached for one in left)} survived, "
+          f"{sum(not one.reached for one in left)} not reached")
+    return 1 if left else 0
 
 
 if __name__ == "__main__":

@@ -1,0 +1,231 @@
+#!/usr/bin/env python3
+"""Compiles a source of the library with all its changes in it, each to be made by its number while the tests run.
+
+    compile.py ROOT CLANG ... -o OBJECT -c SOURCE
+
+The compiler's output is changed between the compiler and the assembler: where the source compares two numbers, or
+where a constant stands, code is put that asks orvane_mutant() which of the two ways to go. What was changed is told in
+OBJECT.mutants. Sources that are not of the library are compiled as they are.
+"""
+
+import json
+import os
+import re
+import subprocess
+import sys
+import zlib
+
+NUMBERS = 1 << 26  # as active.cpp has it
+PREDICATES = {"eq": "ne", "ne": "eq", "slt": "sle", "sle": "slt", "sgt": "sge", "sge": "sgt", "ult": "ule",
+              "ule": "ult", "ugt": "uge", "uge": "ugt"}
+SIGNS = {"eq": "==", "ne": "!=", "slt": "<", "sle": "<=", "sgt": ">", "sge": ">=", "ult": "<", "ule": "<=", "ugt": ">",
+         "uge": ">="}
+
+LOCATION = re.compile(r"!dbg !(\d+)")
+COMPARISON = re.compile(r"^  (\S+) = icmp (\w+) (.*?), !dbg !\d+$")
+ARITHMETIC = re.compile(r"^  \S+ = (add|sub|mul|and|or|xor|shl|lshr|ashr|udiv|sdiv|urem|srem|icmp \w+)[ a-z]*? (i\d+) "
+                        r"(\S+), (\S+), !dbg !\d+$")
+STORE = re.compile(r"^  store (i\d+) (-?\d+|true|false), \S+ (\S+), align")
+RETURN = re.compile(r"^  ret (i\d+) (-?\d+|true|false), !dbg")
+CALL = re.compile(r"^  (?:\S+ = )?(?:tail |musttail |notail )?(?:call|invoke) .*?@([\w.$]+|\"[^\"]+\")\((.*)\)")
+ARGUMENT = re.compile(r"(i1|i8|i16|i32|i64)((?: noundef| signext| zeroext)*) (-?\d+|true|false)")
+# Room for objects, what the compiler itself calls, and orders of memory: no test can tell them from stronger ones.
+OF_THE_COMPILER = re.compile(r"^(llvm\.|_Zn[wa]m|_Zd[la]Pv|__cxa_|__clang|__gxx|_ZSt9terminatev)|12memory_order")
+ITS_OWN = re.compile(r"^%(retval|cleanup\.|ehselector|exn)")
+
+META = re.compile(r"^!(\d+) = (?:distinct )?!(DILocation|DISubprogram|DILexicalBlock|DILexicalBlockFile|DIFile)\((.*)\)$")
+
+
+class Places:
+    """Where instructions come from."""
+
+    def __init__(self, lines, root):
+        self.root = root
+        self.nodes = {}
+        for line in lines:
+            found = META.match(line)
+            if found:
+                self.nodes[found.group(1)] = (found.group(2), found.group(3))
+
+    def of(self, line):
+        """(file from the root, line, column) of the library's own; None elsewhere."""
+        mark = LOCATION.search(line)
+        node = self.nodes.get(mark.group(1)) if mark else None
+        if node is None or node[0] != "DILocation":
+            return None
+        values = dict(re.findall(r"(\w+): !?(\d+)", node[1]))
+        if values.get("line", "0") == "0":
+            return None
+        file = self.file(values["scope"])
+        return (file, int(values["line"]), int(values.get("column", 0))) if file else None
+
+    def file(self, scope):
+        node = self.nodes.get(scope)
+        found = re.search(r"(?<!\w)file: !(\d+)", node[1]) if node else None
+        node = self.nodes.get(found.group(1)) if found else None
+        if node is None:
+            return None
+        names = dict(re.findall(r'(filename|directory): "([^"]*)"', node[1]))
+        path = os.path.realpath(os.path.join(names.get("directory", ""), names["filename"]))
+        inside = os.path.relpath(path, self.root)
+        return inside if inside.startswith("ov_sys/") else None
+
+
+def others(kind, value, masks):
+    """What a constant becomes."""
+    if kind == "i1" or value in ("true", "false"):
+        return ["false" if value == "true" else "true"]
+    number = int(value)
+    if kind == "i8" and number in (0, 1):
+        return [str(1 - number)]
+    changed = [number + 1, number - 1]
+    if masks and number > 3:
+        changed.append(number & ~(1 << (number.bit_length() - 1)))
+    return [str(each) for each in dict.fromkeys(changed)]
+
+
+def split(text):
+    """What commas separate outside of brackets, up to the bracket that ends it all."""
+    depth, begin = 0, 0
+    for at, sign in enumerate(text):
+        depth += {"(": 1, "[": 1, "{": 1, "<": 1, ")": -1, "]": -1, "}": -1, ">": -1}.get(sign, 0)
+        if sign == "," and depth == 0:
+            yield text[begin:at]
+            begin = at + 2
+    yield text[begin:]
+
+
+class Rewriter:
+    """Puts the changes into one module."""
+
+    def __init__(self, lines, root):
+        self.lines = lines
+        self.places = Places(lines, root)
+        self.seen = {}
+        self.mutants = []
+        self.names = 0
+
+    def number(self, place, text):
+        """The same in every source that includes the same line."""
+        ordinal = self.seen.setdefault((self.function, place, text), 0)
+        self.seen[self.function, place, text] += 1
+        file, line, column = place
+        number = zlib.crc32(f"{file}:{line}:{column}:{ordinal}:{text}".encode()) % NUMBERS
+        self.mutants.append({"number": number, "file": file, "line": line, "column": column, "change": text})
+        return number
+
+    def asked(self, place, text):
+        self.names += 1
+        name = f"%mutant.{self.names}"
+        self.out.append(f"  {name} = call zeroext i1 @orvane_mutant(i32 {self.number(place, text)})"
+                        f"{self.debug}")
+        return name
+
+    def constant(self, place, kind, value, masks=False):
+        """The name of what takes the constant's place."""
+        name = value
+        for other in others(kind, value, masks):
+            asked = self.asked(place, f"{value} -> {other}")
+            self.names += 1
+            self.out.append(f"  %other.{self.names} = select i1 {asked}, {kind} {other}, {kind} {name}{self.debug}")
+            name = f"%other.{self.names}"
+        return name
+
+    def comparison(self, line, place):
+        result, predicate, rest = COMPARISON.match(line).groups()
+        other = PREDICATES[predicate]
+        asked = self.asked(place, f"{SIGNS[predicate]} -> {SIGNS[other]}")
+        self.names += 1
+        left, right = f"%as.{self.names}", f"%not.{self.names}"
+        self.out.append(f"  {left} = icmp {predicate} {rest}{self.debug}")
+        self.out.append(f"  {right} = icmp {other} {rest}{self.debug}")
+        self.out.append(f"  {result} = select i1 {asked}, i1 {right}, i1 {left}{self.debug}")
+
+    def instruction(self, line):
+        place = self.places.of(line)
+        if place is None:
+            return self.out.append(line)
+        self.debug = ", " + LOCATION.search(line).group(0)
+        found = ARITHMETIC.match(line)
+        if found:
+            operation, kind, first, second = found.groups()
+            for operand in (first, second):
+                if re.fullmatch(r"-?\d+|true|false", operand) and kind != "i1":
+                    name = self.constant(place, kind, operand, operation in ("and", "or"))
+                    line = re.sub(rf"(?<=[ ]){re.escape(operand)}(?=, )", name, line, count=1) \
+                        if operand == first else line.replace(f", {operand}, !dbg", f", {name}, !dbg")
+        if COMPARISON.match(line):
+            return self.comparison(line, place)
+        found = STORE.match(line) or RETURN.match(line)
+        if found and not (len(found.groups()) == 3 and ITS_OWN.match(found.group(3))):
+            kind, value = found.groups()[:2]
+            line = line.replace(f" {kind} {value}", f" {kind} {self.constant(place, kind, value)}", 1)
+        found = CALL.match(line)
+        if found and not OF_THE_COMPILER.search(found.group(1)):
+            begin, end = found.span(2)
+            line = line[:begin] + self.arguments(line[begin:end], place) + line[end:]
+        self.out.append(line)
+
+    def arguments(self, text, place):
+        """Those of a call; what stands in brackets is the compiler's."""
+        result = []
+        for one in split(text):
+            found = ARGUMENT.fullmatch(one)
+            result.append(f"{found.group(1)}{found.group(2)} {self.constant(place, found.group(1), found.group(3))}"
+                          if found else one)
+        return ", ".join(result)
+
+    def run(self):
+        self.out, self.function, inside = [], "", False
+        for line in self.lines:
+            if line.startswith("define "):
+                inside, self.function, self.names = True, line, 0
+            elif line == "}":
+                inside = False
+            if inside and "!dbg" in line and not line.startswith("define "):
+                self.instruction(line)
+            else:
+                self.out.append(line)
+        if not any(line.startswith("declare zeroext i1 @orvane_mutant(") for line in self.out):
+            self.out.append("declare zeroext i1 @orvane_mutant(i32)")
+        return self.out
+
+
+def joined(lines):
+    """One line for each instruction: an invoke has its second line, where the location stands, behind it."""
+    held = None
+    for line in lines:
+        if held is not None:
+            yield held + "\n" + line
+            held = None
+        elif re.match(r"^  (\S+ = )?invoke ", line):
+            held = line
+        else:
+            yield line
+
+
+def main():
+    root, *command = sys.argv[1:]
+    target = command[command.index("-o") + 1] if "-o" in command else ""
+    if "-c" not in command or "orvane_objects.dir" not in target:
+        return subprocess.run(command, check=False).returncode
+    text = target + ".ll"
+    flags = ["-S", "-emit-llvm", "-gline-tables-only", "-gcolumn-info", "-fno-discard-value-names"]
+    emitted = [text if word == target else word for word in command]
+    done = subprocess.run(emitted[:-2] + flags + emitted[-2:], check=False)
+    if done.returncode != 0:
+        return done.returncode
+    with open(text, encoding="utf-8") as file:
+        rewriter = Rewriter(list(joined(file.read().splitlines())), os.path.realpath(root))
+    with open(text, "w", encoding="utf-8") as file:
+        file.write("\n".join(rewriter.run()) + "\n")
+    with open(target + ".mutants", "w", encoding="utf-8") as file:
+        json.dump(rewriter.mutants, file)
+    done = subprocess.run([command[0], "-O0", "-fPIC", "-Wno-unused-command-line-argument", "-c", text, "-o", target],
+                          check=False)
+    os.unlink(text)
+    return done.returncode
+
+
+if __name__ == "__main__":
+    sys.exit(main())

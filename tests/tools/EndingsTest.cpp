@@ -1,12 +1,14 @@
 // How the program ends when somebody else wants it to: signals and closed pipes; and what help says.
 #include "tests/support/tools/Program.h"
 
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <sys/wait.h>
@@ -54,6 +56,17 @@ TEST_F(OrvaneEnding, InsideACallThatDoesNotReturnClosesTheSessionFromOutside) {
     EXPECT_EQ(board.sessionCount(), 0U);
 }
 
+// Sixteen one after the other would take 4.8 seconds.
+TEST_F(OrvaneEnding, OfFourAtATimeComesWithoutWaitingForTheOthers) {
+    board.inject({"mdio", "", Fault::Kind::DelayReply, -1, 300});
+    const auto begun = std::chrono::steady_clock::now();
+    EXPECT_EQ(
+        shell("seq 16 | xargs -P4 -I{} " ORVANE_TOOL " read OV0001:0 {} 1.2 --address 10.83.0.1 | uniq -c")
+            .first,
+        "     16 0x0A5C\n");
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::milliseconds(3500));
+}
+
 TEST_F(OrvaneEnding, ByTerminationIsStatus143) {
     board.inject({"mdio", "", Fault::Kind::LoseRequest, -1, 0});
     Program program({"read", "OV0001:0", "3", "1.2"}, environment());
@@ -95,6 +108,23 @@ TEST(OrvaneHelp, OfAVerbHasExamples) {
     EXPECT_THAT(outcome.output, HasSubstr("Examples:\n  orvane read OV0001:0 3 1.0x0002"));
 }
 
+TEST(OrvaneHelp, IsThatOfTheVerb_ForEachOfThem) {
+    const std::string script = orvane({"generate", "bash"}).output;
+    const std::regex line("\n    'orvane ([^']*)'\\) words=");
+    std::size_t verbs = 0;
+    for (std::sregex_iterator each(script.begin(), script.end(), line), end; each != end; ++each, ++verbs) {
+        std::istringstream path((*each)[1]);
+        Arguments words{std::istream_iterator<std::string>(path), {}};
+        if (words.front() == "run" || words.front() == "serve" || words.front() == "metrics")
+            continue; // the Python package's
+        words.emplace_back("--help");
+        const Outcome outcome = orvane(words);
+        EXPECT_EQ(outcome.status, 0) << outcome;
+        EXPECT_THAT(outcome.output, HasSubstr("Usage: orvane " + (*each)[1].str())) << outcome;
+    }
+    EXPECT_GT(verbs, 60U);
+}
+
 TEST(OrvaneHelp, FitsTheTerminalAndBreaksNoWord) {
     const std::vector<Arguments> commands{
         {"--help"}, {"i2c", "--help"}, {"thermal", "set", "--help"}, {"log", "--help"}, {"config", "--help"}};
@@ -127,6 +157,8 @@ TEST(OrvaneMisspelt, SaysWhatMayHaveBeenMeantAndWhatIsPossible) {
         {{"decode", "1.2", "3", "--step", "0"}, "--step must be positive\nTry 'orvane decode --help'."},
         {{"gpio", "get", "OV0001:0", "0", "--phy", "200"},
          "--phy must be 0 to 127\nTry 'orvane gpio get --help'."},
+        {{"replay", "x", "--phy", "200"}, "--phy must be 0 to 127\nTry 'orvane replay --help'."},
+        {{"log", "x", "--adapter", "-3"}, "--adapter must be 0 to 1000000\nTry 'orvane log --help'."},
         {{"thermal", "watch", "OV0001:0", "0", "--interval", "soon"},
          "--interval must be a number from 0 on, not 'soon'\nTry 'orvane thermal watch --help'."},
     };

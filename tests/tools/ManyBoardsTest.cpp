@@ -105,6 +105,21 @@ TEST_F(OrvaneOnManyBoards, WritesToAllAndReadsBack) {
     EXPECT_EQ(held(0) + held(1) + held(2), 3 * 0xCAFEU);
 }
 
+TEST_F(OrvaneOnManyBoards, MeansThePhysThatAnswerByAStar) {
+    for (unsigned phy = 0; phy < 32; ++phy)
+        for (const std::uint32_t number : {0x10002U, 0x10003U})
+            if (phy != 3 && phy != 17)
+                boards[1]->setRegister(OrvaneSim::Space::C45, 0, phy, number, 0xFFFF);
+    for (unsigned phy = 0; phy < 32; ++phy)
+        for (const std::uint32_t number : {2U, 3U})
+            if (phy != 3 && phy != 17)
+                boards[1]->setRegister(OrvaneSim::Space::C22, 0, phy, number, 0xFFFF);
+    EXPECT_EQ(orvane({"read", "OV0002:0", "*", "1.2"}),
+              prints("DEVICE    PHY  ADDRESS   VALUE   BITS                 DECIMAL\n"
+                     "OV0002:0    3  1.0x0002  0x0A5C  0000 1010 0101 1100     2652\n"
+                     "OV0002:0   17  1.0x0002  0x0A5C  0000 1010 0101 1100     2652\n"));
+}
+
 TEST_F(OrvaneOnManyBoards, ModifiesEach) {
     EXPECT_EQ(orvane({"modify", "OV0001:0,OV0003:0", "3", "30.0xC010", "0x0000", "0x000F"}),
               prints("DEVICE    PHY  ADDRESS    BEFORE  WRITTEN  READ BACK  BITS\n"

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 #include <orvane/lab_maps.h>
 
 namespace OrvaneTest {
@@ -80,11 +81,59 @@ TEST_F(OrvaneNames, AreShownBesideSeveralValues) {
                      "30.0xC01F  CHIP.PAGE     0x0000  0000 0000 0000 0000        0\n"));
 }
 
-TEST_F(OrvaneNames, WithFieldsAreRowsInCsv) {
-    EXPECT_EQ(named("read", {"CHIP.STATUS", "--fields", "--csv"}),
-              prints("address,value,register,bits,field,raw,meaning,note\n"
-                     "30.0xC001,0x0004,CHIP.STATUS,2,LINK,1,1,\n"
-                     "30.0xC001,0x0004,CHIP.STATUS,0,UP,0,0,\n"));
+TEST_F(OrvaneNames, WithFieldsAreOneLineOfCsvForEachRegister) {
+    EXPECT_EQ(
+        named("read", {"CHIP.STATUS", "--fields", "--csv"}),
+        prints("record,device,board,port,phy,space,at,name,value,fields,error.kind,error.code,error.text\n"
+               "register,OV0001:0,OV0001,0,3,c45,30.0xC001,CHIP.STATUS,4,\"LINK 1, UP 0\",,,\n"));
+}
+
+TEST_F(OrvaneNames, WithFieldsAreRegistersWithAListInJson) {
+    EXPECT_EQ(
+        nlohmann::json::parse(named("modify", {"CHIP.CONTROL.SPEED", "2", "--fields", "--json"}).output),
+        nlohmann::json::parse(R"([{"record": "register", "device": "OV0001:0", "board": "OV0001",
+                "port": 0, "phy": 3, "space": "c45", "mmd": 30, "register": 49152, "at": "30.0xC000",
+                "name": "CHIP.CONTROL", "before": 8192, "written": 64, "value": 64, "fields": [
+                {"field": "RESET", "bits": "15", "raw": 0, "meaning": "0"},
+                {"field": "SPEED", "bits": "6,13", "raw": 2, "meaning": "1000 Mb/s", "was": "100 Mb/s"},
+                {"field": "LED", "bits": "0", "raw": 0, "meaning": "0"}]}])"));
+}
+
+TEST_F(OrvaneNames, OfOneFieldAreThatFieldInJson) {
+    const auto records = nlohmann::json::parse(named("read", {"CHIP.CONTROL.SPEED", "--json"}).output);
+    EXPECT_EQ(
+        records.at(0)["fields"],
+        nlohmann::json::parse(R"([{"field": "SPEED", "bits": "6,13", "raw": 1, "meaning": "100 Mb/s"}])"));
+}
+
+TEST_F(OrvaneNames, OfADryRunAreThoseOfTheMapForTheIdentifierThatIsGiven) {
+    std::filesystem::create_directories(folder.path("orvane/maps"));
+    folder.write("orvane/maps/wren.json", kWren);
+    Environment environment = OneBoardLab::environment();
+    environment["XDG_CONFIG_HOME"] = folder.path("");
+    Arguments words{"read", "OV0001:0", "3", "30.0xC000", "--dry-run"};
+    EXPECT_EQ(orvane(words, environment),
+              fails(0,
+                    "orvane: no board is asked, so maps that are chosen by the PHY's identifier are left out "
+                    "(--phy-identifier says which PHY it is)\n",
+                    "read  30.0xC000\n"));
+    words.insert(words.end(), {"--phy-identifier", "0x00112233"});
+    EXPECT_EQ(orvane(words, environment), prints("read  30.0xC000         CHIP.CONTROL\n"));
+    EXPECT_TRUE(board.requests().empty());
+}
+
+TEST_F(OrvaneNames, OfADryRunOfADumpAreThoseOfTheMapForThePhyThatItWasTakenOf) {
+    std::filesystem::create_directories(folder.path("orvane/maps"));
+    folder.write("orvane/maps/wren.json", kWren);
+    Environment environment = OneBoardLab::environment();
+    environment["XDG_CONFIG_HOME"] = folder.path("");
+    const std::string dump = folder.path("a.dump");
+    orvane({"dump", "OV0001:0", "3", "CHIP.CONTROL", "-o", dump}, environment);
+    board.forgetRequests();
+    const Outcome outcome = orvane({"restore", dump, "--dry-run"}, environment);
+    EXPECT_EQ(outcome.error, "");
+    EXPECT_THAT(outcome.output, StartsWith("write 30.0xC000 0x2000  CHIP.CONTROL: "));
+    EXPECT_TRUE(board.requests().empty());
 }
 
 TEST_F(OrvaneNames, ByAPatternLeaveOutWhatAReadChanges) {

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <regex>
 
 namespace OrvaneTest {
 namespace {
@@ -24,6 +25,13 @@ const Story kStories[] = {
     {"Scan", {"scan", "OV0001:0", "3-4"}, 2},
     {"Ping", {"ping", "OV0001:0", "-c", "2", "-i", "0"}, 3},
     {"Read", {"read", "OV0001:0", "3", "1.2", "1.3"}, 2},
+    {"ReadFields", {"read", "OV0001:0", "3", "AN.STATUS", "AN.CONTROL", "--fields"}, 2},
+    {"ReadTwice", {"read", "OV0001:0", "3", "AN.STATUS", "--twice"}, 1},
+    {"ReadDry", {"read", "OV0001:0", "3", "1.2+4", "--dry-run"}, 4},
+    {"Decode", {"decode", "7.1", "4", "AN.CONTROL", "0x1000"}, 2},
+    {"DumpOut", {"dump", "OV0001:0", "3", "1.0+300", "-o", "-"}, 300},
+    {"WriteUnread", {"write", "OV0001:0", "3", "30.0xC010+2", "1"}, 2},
+    {"WatchFields", {"watch", "OV0001:0", "3", "AN.STATUS", "--count", "1", "--fields"}, 1},
     {"Write", {"write", "OV0001:0", "3", "30.0xC010", "1", "--readback"}, 1},
     {"Modify", {"modify", "OV0001:0", "3", "30.0xC010", "1", "1"}, 1},
     {"Watch", {"watch", "OV0001:0", "3", "1.2", "1.3", "--count", "1"}, 2},
@@ -125,6 +133,78 @@ TEST_F(OrvaneRecord, OfALogFitsTheSchema) {
     EXPECT_EQ(checked(orvane({"log", old, "--register", "1.2", "--json"}).output), "2 fit\n");
     EXPECT_EQ(checked(orvane({"log", old, "--timeline", "--json"}).output), "3 fit\n");
     EXPECT_EQ(checked(orvane({"config", "--json"}).output), "4 fit\n");
+}
+
+TEST_F(OrvaneRecord, OfManyPlacesIsInOneDocumentWithTheFailures) {
+    const Outcome outcome = run({"read", "OV0001:0,OV0001:7", "3", "AN.STATUS", "--fields", "--json"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(checked(outcome.output), "2 fit\n") << outcome.output;
+    const auto records = nlohmann::json::parse(outcome.output);
+    EXPECT_EQ(records.at(0)["fields"].size(), 9U);
+    EXPECT_EQ(records.at(1)["device"], "OV0001:7");
+    EXPECT_EQ(records.at(1)["error"]["kind"], "failed");
+}
+
+TEST_F(OrvaneRecord, OfWhatIsWrittenToFilesFitsTheSchema) {
+    const Folder folder;
+    const std::string dump = folder.path("a.dump");
+    const auto expect = [](const Outcome& outcome, int status, const std::string& count) {
+        EXPECT_EQ(outcome.status, status) << outcome;
+        EXPECT_EQ(checked(outcome.output), count + " fit\n") << outcome.output;
+    };
+    expect(run({"dump", "OV0001:0", "3", "30.0xC010+4", "-o", dump, "--json"}), 0, "1");
+    expect(run({"dump", "OV0001:0", "3-4", "1.2", "-o", folder.path("dumps"), "--json"}), 0, "2");
+    expect(run({"restore", dump, "--dry-run", "--json"}), 0, "4");
+    expect(run({"restore", dump, "--json"}), 0, "1");
+    run({"write", "OV0001:0", "3", "30.0xC010+2", "7"});
+    expect(run({"diff", dump, "--live", "--fields", "--json"}), 1, "2");
+    const std::string map = folder.path("map.json");
+    expect(orvane({"map", "export", "ieee8023", "-o", map, "--json"}), 0, "1");
+    expect(orvane({"map", "check", map, "--json"}), 0, "1");
+    expect(orvane({"map", "check", map, dump, "--json"}), 1, "2");
+    const std::string table = folder.write("chip.csv", "register,address,colour\nR,7.1,red\n");
+    expect(orvane({"map", "import", table, "-o", folder.path("chip.json"), "--json"}), 0, "2");
+    expect(orvane({"map", "export", "ieee8023", "--json"}), 2, "1");
+    expect(orvane({"note", "here", "--log", folder.path("a.log"), "--json"}), 0, "1");
+    run({"gpio", "get", "OV0001:0", "0", "--log", folder.path("a.log")});
+    expect(orvane({"log", folder.path("a.log"), "--html", folder.path("a.html"), "--json"}), 0, "1");
+}
+
+TEST_F(OrvaneRecord, OfAReplayTellsWhatDiffersAndWhatCameOfAll) {
+    const Folder folder;
+    const std::string log = folder.path("session.log");
+    run({"write", "OV0001:0", "3", "30.0xC010", "1", "--readback", "--log", log});
+    run({"i2c", "get", "OV0001:0", "0", "0x50", "0x40", "--log", log});
+    EXPECT_EQ(checked(run({"replay", log, "--dry-run", "--json"}).output), "3 fit\n");
+    run({"i2c", "set", "OV0001:0", "0", "0x50", "0x40", "0x77"});
+    const Outcome outcome = run({"replay", log, "--to", "OV0001:0", "--keep-going", "--json"});
+    EXPECT_EQ(outcome.status, 1) << outcome;
+    EXPECT_EQ(checked(outcome.output), "2 fit\n") << outcome.output;
+    const auto records = nlohmann::json::parse(outcome.output);
+    EXPECT_EQ(records.at(0)["operation"], "i2c.readRegister");
+    EXPECT_EQ(records.at(0)["result"], "bytes=77");
+    EXPECT_EQ(records.at(1), nlohmann::json::parse(R"({"record": "summary", "device": "OV0001:0",
+        "board": "OV0001", "port": 0, "writes": 1, "reads": 1, "calls": 1, "differing": 1, "skipped": 0,
+        "total": 3})"));
+}
+
+// Verbs as completion knows them, each with the words that may stand behind it.
+TEST(OrvaneVerb, HasRecordsForPrograms) {
+    const std::string script = orvane({"generate", "bash"}).output;
+    const std::regex line("\n    '(orvane[^']*)'\\) words='([^']*)' ;;");
+    std::size_t verbs = 0;
+    for (std::sregex_iterator each(script.begin(), script.end(), line), end; each != end; ++each) {
+        const std::string path = (*each)[1];
+        const std::string words = (*each)[2];
+        const bool hasVerbs = words.rfind("--", 0) != 0 && words.rfind("-", 0) != 0;
+        const bool isOfPython = path == "orvane run" || path == "orvane serve" || path == "orvane metrics";
+        if (hasVerbs || isOfPython)
+            continue;
+        EXPECT_NE(words.find("--json"), std::string::npos) << path;
+        EXPECT_NE(words.find("--csv"), std::string::npos) << path;
+        ++verbs;
+    }
+    EXPECT_GT(verbs, 40U);
 }
 
 TEST_F(OrvaneRecord, OfMapsFitsTheSchema) {

@@ -107,6 +107,15 @@ TEST_P(OrvaneSignal, EndsPingsWithItsStatusAndASummary) {
     EXPECT_THAT(outcome.output, HasSubstr("1 sent, 1 received, 0.0 % lost\n"));
 }
 
+TEST_P(OrvaneSignal, EndsAWatchOfATemperatureWithItsStatusAndClosesTheSession) {
+    run({"thermal", "connect", "OV0001:0"});
+    Program program({"thermal", "watch", "OV0001:0", "0", "--interval", "600000"}, environment());
+    program.waitForOutput("1 25.00\n");
+    program.signal(GetParam().first);
+    EXPECT_EQ(program.finish(), fails(GetParam().second, "", "1 25.00\n"));
+    EXPECT_EQ(board.sessionCount(), 0U);
+}
+
 struct OrvaneUntil : testing::Test, OneBoardLab {
     void link(bool up) { board.setRegister(Space::C45, 0, 3, 0x070001, up ? 4 : 0); }
     Outcome until(const std::string& condition, const Arguments& more = {}) const {

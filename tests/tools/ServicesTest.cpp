@@ -230,15 +230,6 @@ TEST_F(OrvaneServices, CaptureThroughABoardThatWasLostForAWhile) {
     EXPECT_THAT(outcome.output, ContainsRegex(std::string("\n") + kGap + ", before sample 0\n$"));
 }
 
-TEST_F(OrvaneServices, EndAWatchBySigtermAs143) {
-    run({"thermal", "connect", "OV0001:0"});
-    Program program({"thermal", "watch", "OV0001:0", "0", "--interval", "600000"}, environment());
-    board.waitFor(
-        [](const OrvaneSim::Request& request) { return request.procedure == "thrm_gettemperature"; });
-    program.signal(SIGTERM);
-    EXPECT_EQ(program.finish().status, 143);
-}
-
 TEST_F(OrvaneServices, PlotATemperatureAgainstItsSetPointOnATerminal) {
     run({"thermal", "connect", "OV0001:0"});
     run({"thermal", "set", "OV0001:0", "0", "85", "1"});

@@ -5,6 +5,7 @@
 #include "tools/orvane/cli/Suggestion.h"
 #include "tools/orvane/verbs/Verbs.h"
 
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <exception>
@@ -25,19 +26,39 @@ constexpr const char* kFooter =
     "\n"
     "'orvane VERB --help' explains a verb, with examples.";
 
-constexpr std::array kVerbs{addList, addInfo,    addScan,    addPing,    addRead,   addWrite,    addModify,
-                            addDump, addRestore, addDiff,    addWatch,   addDecode, addMap,      addI2c,
-                            addGpio, addJtag,    addAdc,     addThermal, addExec,   addLog,      addReplay,
-                            addRun,  addServe,   addMetrics, addNote,    addConfig, addComplete, addGenerate};
+struct Named {
+    std::string_view name;
+    AddVerb add;
+};
 
-void addVerbs(CLI::App& app, Context& context) {
+constexpr std::array kVerbs{
+    Named{"list", addList},        Named{"info", addInfo},     Named{"scan", addScan},
+    Named{"ping", addPing},        Named{"read", addRead},     Named{"write", addWrite},
+    Named{"modify", addModify},    Named{"dump", addDump},     Named{"restore", addRestore},
+    Named{"diff", addDiff},        Named{"watch", addWatch},   Named{"decode", addDecode},
+    Named{"map", addMap},          Named{"i2c", addI2c},       Named{"gpio", addGpio},
+    Named{"jtag", addJtag},        Named{"adc", addAdc},       Named{"thermal", addThermal},
+    Named{"exec", addExec},        Named{"log", addLog},       Named{"replay", addReplay},
+    Named{"run", addRun},          Named{"serve", addServe},   Named{"metrics", addMetrics},
+    Named{"note", addNote},        Named{"config", addConfig}, Named{"complete", addComplete},
+    Named{"generate", addGenerate}};
+
+// Of all verbs, but for a command line that begins with the name of one: to define the others takes longer
+// than to read a register. That which prints the definitions wants all of them.
+bool isWanted(const Named& verb, std::string_view first) {
+    const auto isFirst = [first](const Named& each) { return each.name == first; };
+    return verb.name == first || first == "generate" || std::none_of(kVerbs.begin(), kVerbs.end(), isFirst);
+}
+
+void addVerbs(CLI::App& app, Context& context, std::string_view first) {
     app.formatter(std::make_shared<HelpFormatter>(context.console.out.width()));
     app.footer(kFooter);
     app.set_version_flag("--version", "orvane " ORVANE_VERSION);
     app.fallthrough(false);
     app.require_subcommand(0, 1); // a second verb's name is a word of the first
-    for (const AddVerb add : kVerbs)
-        add(app, context);
+    for (const Named& verb : kVerbs)
+        if (isWanted(verb, first))
+            verb.add(app, context);
 }
 
 int complain(Context& context, const std::string& text, int status) {
@@ -183,7 +204,7 @@ int runTool(int argc, char** argv) {
     Context context;
     try {
         CLI::App app{"Boards with Ethernet PHYs from the command line.", "orvane"};
-        addVerbs(app, context);
+        addVerbs(app, context, argc > 1 ? argv[1] : "");
         const int parsed = parse(app, context, argc, argv);
         return parsed >= 0 ? parsed : run(context);
     } catch (const OutputClosed&) {

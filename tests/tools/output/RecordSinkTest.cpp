@@ -55,6 +55,13 @@ TEST(RecordSink, AsJsonOfNoRecordIsAnEmptyArray) {
     EXPECT_EQ(printed(Format::Json, Pace::Together, {}), "[]\n");
 }
 
+TEST(RecordSink, AsJsonEscapesControlCharacters) {
+    Record record("note");
+    record.put("text", "a\x1b\xc2\x9b\x7f");
+    EXPECT_EQ(printed(Format::Json, Pace::OneByOne, {record}),
+              "{\"record\":\"note\",\"text\":\"a\\u001b\\u009b\\u007f\"}\n");
+}
+
 TEST(RecordSink, AsJsonPrintsRecordsThatComeOneByOneOnALineEach) {
     EXPECT_EQ(
         printed(Format::Json, Pace::OneByOne, {line(2, 1), line(3, 0)}),

@@ -1,4 +1,4 @@
-// Rows as text, JSON and CSV, with hostile text in them.
+// Rows as text that lines up, with hostile text in them.
 #include "tools/orvane/output/Table.h"
 
 #include "tests/support/tools/PrintedText.h"
@@ -8,8 +8,8 @@
 namespace OrvaneTool {
 namespace {
 
-std::string printed(const Table& table, Format format) {
-    return OrvaneTest::printedBy([&](Stream& stream) { table.print(stream, format); });
+std::string printed(const Table& table) {
+    return OrvaneTest::printedBy([&](Stream& stream) { table.print(stream); });
 }
 
 Table withCell(const Cell& cell) {
@@ -19,30 +19,29 @@ Table withCell(const Cell& cell) {
 }
 
 TEST(Table, LinesUpWhatItShowsOfControlCharacters) {
-    EXPECT_EQ(printed(withCell("a\x1b\n"), Format::Text), "NAME       MORE\na\\x1b\\x0a  x\n");
+    EXPECT_EQ(printed(withCell("a\x1b\n")), "NAME       MORE\na\\x1b\\x0a  x\n");
 }
 
-TEST(Table, EscapesControlCharactersInJson) {
-    EXPECT_EQ(printed(withCell("a\x1b\xc2\x9b\x7f"), Format::Json),
-              "[\n  {\n    \"name\": \"a\\u001b\\u009b\\u007f\",\n    \"more\": \"x\"\n  }\n]\n");
+TEST(Table, QuotesNoFormula) {
+    EXPECT_EQ(printed(withCell("=1")), "NAME  MORE\n=1    x\n");
 }
 
-TEST(Table, ShowsControlCharactersInCsv) {
-    EXPECT_EQ(printed(withCell("a\x1b,\n"), Format::Csv), "name,more\n\"a\\x1b,\\x0a\",x\n");
+TEST(Table, WithoutRowsIsNothing) {
+    EXPECT_EQ(printed(Table(std::vector<Column>{{"name", "NAME"}})), "");
 }
 
-TEST(Table, QuotesFormulasInCsvAsText) {
-    for (const std::string text : {"=1+1", "+1", "-1+1", "@a", "-a", "--"})
-        EXPECT_EQ(printed(withCell(text), Format::Csv), "name,more\n'" + text + ",x\n") << text;
-}
-
-TEST(Table, KeepsNegativeNumbersAndTheMarkOfNoValueInCsv) {
-    for (const std::string text : {"-40", "-0.5", "-", "a=b", ""})
-        EXPECT_EQ(printed(withCell(text), Format::Csv), "name,more\n" + text + ",x\n") << text;
-}
-
-TEST(Table, QuotesNoFormulaElsewhere) {
-    EXPECT_EQ(printed(withCell("=1"), Format::Text), "NAME  MORE\n=1    x\n");
+TEST(Table, PrintsRowsThatNobodyKeeps) {
+    int rounds = 0;
+    const std::string text = OrvaneTest::printedBy([&](Stream& stream) {
+        const std::size_t lines = printRows(stream, {{"", "N", true}}, [&](const auto& take) {
+            ++rounds;
+            for (const int each : {1, 200})
+                take({each});
+        });
+        EXPECT_EQ(lines, 3U);
+    });
+    EXPECT_EQ(text, "  N\n  1\n200\n");
+    EXPECT_EQ(rounds, 2);
 }
 
 } // namespace

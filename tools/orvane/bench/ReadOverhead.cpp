@@ -2,7 +2,7 @@
 //
 // Run beside a board whose address is known: orvane-read-overhead TOOL ADDRESS DEVICE [RUNS]. Starts the tool
 // and a program that makes the same calls of the library and nothing else (this one, with --library) in
-// turns, and compares their times from start to end.
+// turns, and compares their times from start to end; then the tool one after the other and four at a time.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -36,8 +36,7 @@ using Milliseconds = std::chrono::duration<double, std::milli>;
     ::_exit(0);
 }
 
-// Time of a process from start to end; throws when it fails.
-double timeOf(std::vector<std::string> words) {
+pid_t started(std::vector<std::string> words) {
     std::vector<char*> arguments;
     arguments.reserve(words.size() + 1);
     for (std::string& word : words)
@@ -46,15 +45,31 @@ double timeOf(std::vector<std::string> words) {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    const auto start = std::chrono::steady_clock::now();
     pid_t process = 0;
     const int problem = posix_spawn(&process, arguments[0], &actions, nullptr, arguments.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     if (problem != 0)
         throw std::system_error(problem, std::generic_category(), words[0]);
-    int status = 0;
-    if (waitpid(process, &status, 0) != process || status != 0)
-        throw std::runtime_error(words[0] + " failed");
+    return process;
+}
+
+// Time of so many processes from the first start to the last end, some of them at a time; throws when one
+// fails.
+double timeOf(const std::vector<std::string>& words, int processes = 1, int atATime = 1) {
+    const auto start = std::chrono::steady_clock::now();
+    int running = 0;
+    for (int begun = 0; begun < processes || running > 0;) {
+        if (begun < processes && running < atATime) {
+            started(words);
+            ++begun;
+            ++running;
+            continue;
+        }
+        int status = 0;
+        if (::wait(&status) < 0 || status != 0)
+            throw std::runtime_error(words[0] + " failed");
+        --running;
+    }
     return Milliseconds(std::chrono::steady_clock::now() - start).count();
 }
 
@@ -65,14 +80,21 @@ double median(std::vector<double> times) {
 
 int compare(const std::string& self, const std::string& tool, const std::string& address,
             const std::string& device, int runs) {
+    constexpr int kTogether = 4;
+    const std::vector<std::string> read{tool, "read", device, "3", "1.2", "--address", address};
     std::vector<double> ofTool;
     std::vector<double> ofLibrary;
+    std::vector<double> more; // of the two beside each other
+    std::vector<double> ratios;
     for (int i = 0; i < runs; ++i) {
         ofLibrary.push_back(timeOf({self, "--library", address, device}));
-        ofTool.push_back(timeOf({tool, "read", device, "3", "1.2", "--address", address}));
+        ofTool.push_back(timeOf(read));
+        more.push_back(ofTool.back() - ofLibrary.back());
+        ratios.push_back(timeOf(read, 2 * kTogether, kTogether) / timeOf(read, 2 * kTogether, 1));
     }
     std::printf("medians of %d runs: library %.1f ms, orvane read %.1f ms, difference %.1f ms\n", runs,
-                median(ofLibrary), median(ofTool), median(ofTool) - median(ofLibrary));
+                median(ofLibrary), median(ofTool), median(more));
+    std::printf("eight reads, four at a time: %.2f times as long as one after the other\n", median(ratios));
     return 0;
 }
 

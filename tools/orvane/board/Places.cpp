@@ -3,6 +3,7 @@
 
 #include "tools/orvane/board/DeviceNames.h"
 #include "tools/orvane/board/Failures.h"
+#include "tools/orvane/board/Identifier.h"
 #include "tools/orvane/output/Progress.h"
 #include "tools/orvane/output/Record.h"
 #include "tools/orvane/output/RecordSink.h"
@@ -18,7 +19,10 @@
 namespace OrvaneTool {
 namespace {
 
+constexpr const char* kEveryPhy = "*";
 constexpr unsigned kLastMdioPhy = 31;
+constexpr unsigned kFirstSmbusPhy = 0x03; // those around are reserved
+constexpr unsigned kLastSmbusPhy = 0x77;
 constexpr unsigned kFirstSmbusPort = 10;
 
 // Hands out lists of places to threads, and tells how far they are.
@@ -76,6 +80,14 @@ void checkPhys(const std::string& name, const std::vector<unsigned>& phys) {
                 fmt::format("{} has no PHY {}: those of an MDIO port are 0 to {}", name, phy, kLastMdioPhy));
 }
 
+std::vector<unsigned> possiblePhys(const Target& target) {
+    std::vector<unsigned> phys;
+    const unsigned last = target.isSmbus() ? kLastSmbusPhy : kLastMdioPhy;
+    for (unsigned phy = target.isSmbus() ? kFirstSmbusPhy : 0; phy <= last; ++phy)
+        phys.push_back(phy);
+    return phys;
+}
+
 // The failure of a place as a record.
 Record failureOf(const Target& target, unsigned phy, const std::exception_ptr& problem) {
     Record record("failure");
@@ -96,7 +108,7 @@ Record failureOf(const Target& target, unsigned phy, const std::exception_ptr& p
 Places::Places(Context& context, const std::string& devices, const std::string& phys, unsigned boardsAtATime)
     : context_(context),
       names_(deviceNames(devices, context.settings().aliases)),
-      phys_(phyNumbers(phys)),
+      phys_(phys == kEveryPhy ? std::vector<unsigned>() : phyNumbers(phys)),
       boardsAtATime_(boardsAtATime),
       one_(names_.size() == 1 && phys_.size() == 1 && !isPattern(names_.front())) {
     for (const std::string& name : names_)
@@ -105,12 +117,40 @@ Places::Places(Context& context, const std::string& devices, const std::string& 
 
 void Places::find() {
     targets_ = findTargets(context_, names_);
-    for (std::size_t i = 0; i < targets_.list.size(); ++i)
-        if (targets_.list[i].problem)
-            places_.push_back({i, phys_.front(), targets_.list[i].problem});
+    for (std::size_t i = 0; i < targets_.list.size(); ++i) {
+        const Target& target = targets_.list[i];
+        if (target.problem)
+            places_.push_back({i, 0, target.problem});
         else
-            for (const unsigned phy : phys_)
+            for (const unsigned phy : phys_.empty() ? possiblePhys(target) : phys_)
                 places_.push_back({i, phy, {}});
+    }
+    if (phys_.empty())
+        leaveOutSilent();
+}
+
+void Places::leaveOutSilent() {
+    std::vector<char> silent(places_.size()); // written by several threads
+    run("scan", [&](std::size_t place, const Orvane::Phy& phy) {
+        try {
+            silent[place] = identifierIfThere(phy, context_.within()) ? 0 : 1;
+        } catch (const Orvane::Failure& failure) {
+            if (failure.kind() != Orvane::FailureKind::Refused) // somebody else has it: it is there
+                throw;
+        }
+    });
+    std::vector<Place> there;
+    for (std::size_t i = 0; i < targets_.list.size(); ++i) {
+        const std::size_t before = there.size();
+        for (std::size_t place = 0; place < places_.size(); ++place)
+            if (places_[place].target == i && silent[place] == 0)
+                there.push_back(places_[place]);
+        if (there.size() > before)
+            continue;
+        targets_.list[i].problem = std::make_exception_ptr(Failure("no PHY answers"));
+        there.push_back({i, 0, targets_.list[i].problem});
+    }
+    places_ = std::move(there);
 }
 
 std::vector<std::vector<std::size_t>> Places::goodByPort() const {
@@ -173,7 +213,7 @@ int Places::finish(const char* verb) {
         context_.endRecords();
         context_.console.out.flush();
         err.print("orvane: {}: {} of {} failed\n", verb, table.size(), places_.size());
-        table.print(err, Format::Text);
+        table.print(err);
     }
     err.flushIfPossible();
     return table.size() == 0 && targets_.doubt.empty() ? kSuccess : kFailed;

@@ -15,12 +15,13 @@ namespace OrvaneTool {
 // one.
 class Places {
 public:
-    // DEVICE, PHY and the number of boards at a time, as they are written. Nothing is sent. Throws
-    // UsageError, also for a PHY that a port named in full cannot have, and Failure for a file of names that
-    // cannot be read.
+    // DEVICE, PHY ('*': those that answer) and the number of boards at a time, as they are written. Nothing
+    // is sent. Throws UsageError, also for a PHY that a port named in full cannot have, and Failure for a
+    // file of names that cannot be read.
     Places(Context& context, const std::string& devices, const std::string& phys, unsigned boardsAtATime);
 
-    // Looks for the boards. To be called once, before all that follows. Throws as findTargets().
+    // Looks for the boards, and for the PHYs that answer where all are meant. To be called once, before all
+    // that follows. Throws as findTargets().
     void find();
 
     std::size_t size() const { return places_.size(); }
@@ -51,12 +52,13 @@ private:
         std::exception_ptr problem;
     };
 
+    void leaveOutSilent();
     void runOne(std::size_t place, const Work& work) noexcept;
     std::vector<std::vector<std::size_t>> goodByPort() const;
 
     Context& context_;
     std::vector<std::string> names_;
-    std::vector<unsigned> phys_;
+    std::vector<unsigned> phys_; // empty: those that answer
     unsigned boardsAtATime_;
     bool one_;
     Targets targets_;

@@ -27,9 +27,9 @@ void addRegisterOptions(CLI::App& verb, Context& context, RegisterOptions& optio
             "Devices: BOARD:PORT, lists with commas, ranges (OV0001-OV0020:0), patterns ('OV*:0'), @FILE")
         ->required()
         ->type_name("");
-    verb.add_option(
-            "PHY", options.phy,
-            "PHY addresses: 0 to 31, on an SMBus port I2C addresses; lists with commas and ranges (0-19)")
+    verb.add_option("PHY", options.phy,
+                    "PHY addresses: 0 to 31, on an SMBus port I2C addresses; lists with commas, ranges "
+                    "(0-19); '*': those that answer")
         ->required()
         ->type_name("");
     addSpaceOptions(verb, options);

@@ -100,4 +100,18 @@ std::string plannedChange(const Asked& asked, std::uint32_t value, std::uint32_t
            fmt::format("write {:<16}  {}, the others as they were read\n", asked.reg.text(), change);
 }
 
+int tellPlan(Context& context, const std::string& lines) {
+    RecordSink& records = context.records({{"text"}, {}});
+    if (records.isText()) {
+        context.console.out.write(lines);
+        return kSuccess;
+    }
+    std::istringstream steps(lines);
+    for (std::string step; std::getline(steps, step);) {
+        Record record("step");
+        records.put(record.put("text", step));
+    }
+    return kSuccess;
+}
+
 } // namespace OrvaneTool

@@ -17,4 +17,7 @@ std::string planned(const std::vector<Access>& accesses, const KnownMaps& maps, 
 std::string plannedChange(const Asked& asked, std::uint32_t value, std::uint32_t mask, const KnownMaps& maps,
                           bool routed);
 
+// Prints such lines, as records where these are wanted: each a step. Returns the exit status.
+int tellPlan(Context& context, const std::string& lines);
+
 } // namespace OrvaneTool

@@ -1,7 +1,7 @@
 // Dumps beside PHYs.
 #include "tools/orvane/names/DumpedPhy.h"
 
-#include "tools/orvane/names/Identifier.h"
+#include "tools/orvane/board/Identifier.h"
 #include "tools/orvane/output/Errors.h"
 
 #include <fmt/format.h>

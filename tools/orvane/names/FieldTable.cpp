@@ -7,22 +7,16 @@ namespace OrvaneTool {
 namespace {
 
 std::vector<Column> columns(bool compares, bool manyPlaces) {
-    std::vector<Column> all{{"", ""},
-                            {"", "", true},
-                            {"address", "ADDRESS"},
-                            {"value", "VALUE"},
-                            {"register", "REGISTER"},
-                            {"bits", "BITS"},
-                            {"field", "FIELD"},
-                            {"raw", ""},
-                            {"meaning", "MEANING"},
-                            {"note", ""}};
-    if (manyPlaces) {
-        all[0] = {"device", "DEVICE"};
-        all[1] = {"phy", "PHY", true};
-    }
+    std::vector<Column> all{{"", manyPlaces ? "DEVICE" : ""},
+                            {"", manyPlaces ? "PHY" : "", true},
+                            {"", "ADDRESS"},
+                            {"", "VALUE"},
+                            {"", "REGISTER"},
+                            {"", "BITS"},
+                            {"", "FIELD"},
+                            {"", "MEANING"}};
     if (compares)
-        all.push_back({"before", "BEFORE"});
+        all.push_back({"", "BEFORE"});
     return all;
 }
 
@@ -33,8 +27,22 @@ std::string meaningOf(const Orvane::DecodedField& field) {
     return field.valueText() + (note.empty() ? "" : ": " + note);
 }
 
-FieldTable::FieldTable(const Stream& stream, Format format, bool compares, bool manyPlaces)
-    : stream_(stream), format_(format), compares_(compares), table_(columns(compares, manyPlaces)) {}
+Orvane::DecodedField decodedField(const Orvane::MapField& field, std::uint64_t value) {
+    const std::uint64_t raw = field.extract(value);
+    return {&field, raw, field.number(raw), field.scaled(raw), field.choice(raw)};
+}
+
+FieldTable::FieldTable(const Stream& stream, bool compares, bool manyPlaces)
+    : stream_(stream), compares_(compares), table_(columns(compares, manyPlaces)) {}
+
+void FieldTable::printAll(Stream& stream, bool compares, bool manyPlaces,
+                          const std::function<void(FieldTable&)>& produce) {
+    FieldTable table(stream, compares, manyPlaces);
+    printRows(stream, columns(compares, manyPlaces), [&](const std::function<void(const Row&)>& take) {
+        table.take_ = &take;
+        produce(table);
+    });
+}
 
 void FieldTable::setPlace(const std::string& device, unsigned phy) {
     device_ = device;
@@ -48,11 +56,9 @@ void FieldTable::add(const Asked& asked, std::uint64_t value, std::optional<std:
         for (const Orvane::DecodedField& each : Orvane::RegisterMap::decode(*asked.mapped, value)) {
             if (asked.field != nullptr && each.field != asked.field)
                 continue;
-            const std::uint64_t raw = before ? each.field->extract(*before) : each.raw;
-            if (onlyChanged && raw == each.raw)
+            const Orvane::DecodedField earlier = decodedField(*each.field, before.value_or(value));
+            if (onlyChanged && earlier.raw == each.raw)
                 continue;
-            const Orvane::DecodedField earlier{each.field, raw, each.field->number(raw),
-                                               each.field->scaled(raw), each.field->choice(raw)};
             addRow(asked, value, &each, before ? &earlier : nullptr, isFirst);
             isFirst = false;
         }
@@ -62,27 +68,23 @@ void FieldTable::add(const Asked& asked, std::uint64_t value, std::optional<std:
 
 void FieldTable::addRow(const Asked& asked, std::uint64_t value, const Orvane::DecodedField* decoded,
                         const Orvane::DecodedField* before, bool isFirst) {
-    const bool shown = isFirst || format_ != Format::Text;
-    const auto own = [&](const std::string& text) { return shown ? Cell(text) : Cell("", nullptr); };
-    const auto number = static_cast<std::uint32_t>(value);
-    Row row{own(device_), shown ? Cell(std::to_string(phy_), phy_) : Cell("", nullptr), own(asked.reg.text()),
-            shown ? hexCell(stream_, number, asked.reg.space) : Cell("", nullptr),
-            own(asked.mapped != nullptr ? asked.mapped->name() : "")};
+    const bool changed = before != nullptr && before->raw != decoded->raw;
+    Row row(5, Cell(""));
+    if (isFirst)
+        row = {device_, std::to_string(phy_), asked.reg.text(),
+               hexCell(stream_, static_cast<std::uint32_t>(value), asked.reg.space),
+               asked.mapped != nullptr ? asked.mapped->name() : ""};
     if (decoded == nullptr) {
-        row.insert(row.end(), {"", "", Cell("", nullptr), "", ""});
+        row.insert(row.end(), 3, Cell(""));
     } else {
-        const std::string meaning = format_ == Format::Text ? meaningOf(*decoded) : decoded->valueText();
-        const bool changed = before != nullptr && before->raw != decoded->raw;
-        row.insert(row.end(),
-                   {decoded->field->bitsText(), decoded->field->name,
-                    Cell(std::to_string(decoded->raw), decoded->raw),
-                    Cell(meaning, meaning, stream_.painted(changed ? Colour::Yellow : Colour::None, meaning)),
-                    decoded->note()});
+        const std::string meaning = meaningOf(*decoded);
+        row.insert(row.end(), {decoded->field->bitsText(), decoded->field->name,
+                               Cell(meaning, meaning,
+                                    stream_.painted(changed ? Colour::Yellow : Colour::None, meaning))});
     }
     if (compares_)
-        row.push_back(before != nullptr && before->raw != decoded->raw ? Cell(before->valueText())
-                                                                       : Cell("", nullptr));
-    table_.add(std::move(row));
+        row.emplace_back(changed ? before->valueText() : "");
+    take_ != nullptr ? (*take_)(row) : table_.add(std::move(row));
 }
 
 } // namespace OrvaneTool

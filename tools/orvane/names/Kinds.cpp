@@ -1,6 +1,7 @@
 // Identifiers of PHYs, and words made into registers.
 #include "tools/orvane/names/Kinds.h"
 
+#include "tools/orvane/board/Numbers.h"
 #include "tools/orvane/output/Errors.h"
 
 #include <fmt/format.h>
@@ -28,6 +29,19 @@ void tellLeftOut(Stream& err, std::vector<std::string> names) {
 
 Kinds::Kinds(Context& context) : context_(context) {
     maps_.push_back(std::make_unique<KnownMaps>(context));
+}
+
+const KnownMaps& Kinds::unasked(const std::string& identifier) {
+    if (wantsIdentifiers() && !identifier.empty()) {
+        maps_.front()->identify(
+            numberAs<std::uint32_t>(identifier, 0xFFFFFFFF, "the identifier of the dump"));
+    } else if (wantsIdentifiers()) {
+        Stream& err = context_.console.err;
+        err.write("orvane: no board is asked, so maps that are chosen by the PHY's identifier are left out "
+                  "(--phy-identifier says which PHY it is)\n");
+        err.flushIfPossible();
+    }
+    return maps(0);
 }
 
 void Kinds::sort(Places& places) {

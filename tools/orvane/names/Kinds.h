@@ -32,6 +32,11 @@ public:
         return made;
     }
 
+    // The maps of a dry run, which asks no board: those beside the user's configuration are chosen by this
+    // identifier of a PHY (0x00112233), as far as one is known; otherwise standard error says that they are
+    // not.
+    const KnownMaps& unasked(const std::string& identifier = "");
+
     std::size_t of(std::size_t place) const { return kinds_[place]; }
     const KnownMaps& maps(std::size_t kind) const { return *maps_[kind]; }
 

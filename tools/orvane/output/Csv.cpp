@@ -33,7 +33,7 @@ std::string asText(const std::string& text) {
 std::string csvField(const Cell& cell) {
     if (cell.value.is_number() || cell.value.is_boolean())
         return cell.value.dump();
-    if (!cell.value.is_array())
+    if (!cell.value.is_array() || (!cell.value.empty() && cell.value.front().is_object()))
         return csvTextField(cell.text);
     std::string items;
     for (const auto& item : cell.value)

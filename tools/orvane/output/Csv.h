@@ -8,7 +8,8 @@
 
 namespace OrvaneTool {
 
-// A cell as a field: its number, the items of its list with blanks between them, or its text. Text that a
+// A cell as a field: its number, the items of its list with blanks between them, or its text, also of
+// a list of objects. Text that a
 // spreadsheet would take for a formula has an apostrophe before it.
 std::string csvField(const Cell& cell);
 

@@ -82,20 +82,21 @@ void RecordSink::put(const Record& record) {
 void RecordSink::putAll(const Produce& produce) {
     if (!isText())
         return produce([this](const Record& record) { put(record); });
-    printRows(stream_, Format::Text, form_.columns,
-              [&](const auto& take) { produce([&](const Record& record) { take(rowOf(record)); }); });
+    printRows(stream_, form_.columns, [&](const auto& take) {
+        produce([&](const Record& record) {
+            if (!record.isError())
+                take(rowOf(record));
+        });
+    });
 }
 
 void RecordSink::finish() {
     if (finished_)
         return;
     finished_ = true;
-    if (isText()) {
-        if (table_.size() > 0)
-            table_.print(stream_, Format::Text);
-        return;
-    }
-    if (format_ == Format::Csv)
+    if (isText())
+        table_.print(stream_);
+    else if (format_ == Format::Csv)
         beginCsv();
     else if (pace_ == Pace::Together)
         stream_.writeAsIs(begun_ ? "\n]\n" : "[]\n");

@@ -9,6 +9,8 @@
 
 namespace OrvaneTool {
 
+enum class Format { Text, Json, Csv };
+
 // What is shown of a verb's records beside JSON, which has all of them.
 struct RecordForm {
     std::vector<std::string> members; // in CSV, between those of every record

@@ -1,4 +1,4 @@
-// Rows of results as aligned columns, JSON or CSV.
+// Rows of results as aligned columns of text.
 #pragma once
 
 #include "tools/orvane/output/Console.h"
@@ -10,8 +10,6 @@
 #include <vector>
 
 namespace OrvaneTool {
-
-enum class Format { Text, Json, Csv };
 
 // One result: as text, made visible, and as what it is in JSON (the text, when nothing else is given).
 struct Cell {
@@ -31,19 +29,19 @@ struct Cell {
 };
 
 struct Column {
-    std::string key;   // in JSON and CSV; empty: not there
+    std::string key;   // the member of a record that is shown; of a table without records empty
     std::string title; // over the text; empty: not there
     bool right = false;
 };
 
 using Row = std::vector<Cell>; // a cell for each column
 
-// Prints rows of any number: `rows` gives them one by one to what it is called with, and is called twice for
-// text, once to see how wide they are. Text columns are two blanks apart, under their titles in bold; JSON is
-// one array of objects; CSV begins with the keys, and text that a spreadsheet would take for a formula has an
-// apostrophe before it. Throws what flush() of the stream throws.
+// Prints rows of any number: `rows` gives them one by one to what it is called with, and is called twice,
+// once to see how wide they are. Columns are two blanks apart, under their titles in bold. What is wider than
+// the terminal goes on in further lines, between columns or, of the last one, between words. Without a row
+// there are no titles. Returns the number of lines. Throws what flush() of the stream throws.
 using Rows = std::function<void(const std::function<void(const Row&)>&)>;
-void printRows(Stream& stream, Format format, const std::vector<Column>& columns, const Rows& rows);
+std::size_t printRows(Stream& stream, const std::vector<Column>& columns, const Rows& rows);
 
 // Rows that are kept until they are printed.
 class Table {
@@ -54,9 +52,9 @@ public:
     std::size_t size() const { return rows_.size(); }
 
     // As printRows().
-    void print(Stream& stream, Format format) const;
-    // `count` rows from `first` on, as text as wide as that of all.
-    void printPart(Stream& stream, std::size_t first, std::size_t count) const;
+    std::size_t print(Stream& stream) const { return printPart(stream, 0, rows_.size()); }
+    // `count` rows from `first` on, in columns as wide as those of all.
+    std::size_t printPart(Stream& stream, std::size_t first, std::size_t count) const;
 
 private:
     std::vector<Column> columns_;

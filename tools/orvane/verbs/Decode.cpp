@@ -2,6 +2,7 @@
 #include "tools/orvane/board/Numbers.h"
 #include "tools/orvane/cli/RegisterOptions.h"
 #include "tools/orvane/names/FieldTable.h"
+#include "tools/orvane/names/RegisterRecord.h"
 #include "tools/orvane/output/Errors.h"
 #include "tools/orvane/verbs/Verbs.h"
 
@@ -19,16 +20,22 @@ int run(Context& context, const Options& options) {
         throw UsageError(fmt::format("there is no value for {}", options.words.back()));
     context.sideEffects = true; // nothing is read
     const KnownMaps maps(context);
-    FieldTable table(context.console.out, context.format());
+    RecordSink& records = context.records({{"space", "at", "name", "value", "fields"}, {}});
+    FieldTable table(context.console.out);
     std::vector<std::string> leftOut;
     for (std::size_t i = 0; i < options.words.size(); i += 2)
         for (const Asked& each : maps.parse(options.words[i], options.space(), options.distance(), leftOut)) {
             if (each.mapped == nullptr)
                 throw Failure(fmt::format("no map has {}", each.reg.text()));
-            table.add(each, numberAs<std::uint32_t>(options.words[i + 1], largestValue(each.reg.space),
-                                                    "the value"));
+            const auto value =
+                numberAs<std::uint32_t>(options.words[i + 1], largestValue(each.reg.space), "the value");
+            table.add(each, value);
+            Record record = registerRecord(each);
+            putFields(record.put("value", value), each, value);
+            records.put(record);
         }
-    table.print(context.console.out);
+    if (records.isText())
+        table.print(context.console.out);
     return kSuccess;
 }
 

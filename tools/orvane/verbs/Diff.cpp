@@ -1,8 +1,8 @@
 // orvane diff: dumps, and PHYs as they are now.
 #include "tools/orvane/board/Bits.h"
+#include "tools/orvane/board/Identifier.h"
 #include "tools/orvane/names/DumpedPhy.h"
 #include "tools/orvane/names/FieldTable.h"
-#include "tools/orvane/names/Identifier.h"
 #include "tools/orvane/names/Kinds.h"
 #include "tools/orvane/names/PhyAccess.h"
 #include "tools/orvane/names/RegisterRecord.h"
@@ -37,9 +37,9 @@ public:
           maps_(maps),
           dump_(dump),
           shownAsFields_(showsFields(context, maps, {})),
-          fields_(context.console.out, context.format(), true, many),
+          fields_(context.console.out, true, many),
           records_(context.records(registerForm(
-              many, {"before", "value", "changed"},
+              many, withFields({"before", "value", "changed"}, shownAsFields_),
               {{"before", "FIRST"}, {"value", "SECOND"}, {"changed", "CHANGED"}, {"digits", "BITS"}}))) {}
 
     // A row for each register that differs or is in one of them only.
@@ -51,19 +51,16 @@ public:
             if (found != other.values.end())
                 compare(other, reg, value, found->second);
             else if (other.whole)
-                addRow(other, reg, hex(value), none, none, Cell("", nullptr));
+                addMissing(other, reg, hex(value), none);
         }
         for (const auto& [reg, value] : other.values)
             if (dump_.values.count(reg) == 0)
-                addRow(other, reg, none, hex(value), none, Cell("", nullptr));
+                addMissing(other, reg, none, hex(value));
     }
 
     bool any() const { return any_; }
 
-    void print() {
-        if (fields_.size() > 0)
-            fields_.print(context_.console.out);
-    }
+    void print() { fields_.print(context_.console.out); }
 
 private:
     Cell hex(std::uint32_t value, std::uint32_t changed = 0) const {
@@ -74,21 +71,28 @@ private:
         const std::uint32_t changed = (value ^ now) & dump_.maskOf(reg);
         if (changed == 0)
             return;
-        addRow(other, reg, hex(value), hex(now, changed), hex(changed),
-               bitsCell(context_.console.out, now, dump_.header.space, changed));
+        const Asked asked{reg, maps_.find(reg)};
+        if (shownAsFields_ && records_.isText()) {
+            any_ = true;
+            return fields_.add(asked, now, now ^ changed, true);
+        }
+        Record record = recordOf(other, asked, hex(value), hex(now, changed));
+        record.put("changed", hex(changed))
+            .put("digits", bitsCell(context_.console.out, now, dump_.header.space, changed));
         if (shownAsFields_)
-            fields_.add({reg, maps_.find(reg)}, now, now ^ changed, true);
+            putFields(record, asked, now, now ^ changed, true);
+        records_.put(record);
     }
 
-    void addRow(const Other& other, const Register& reg, const Cell& first, const Cell& second,
-                const Cell& changed, const Cell& bits) {
+    Record recordOf(const Other& other, const Asked& asked, const Cell& first, const Cell& second) {
         any_ = true;
-        if (!shownAsFields_)
-            records_.put(registerRecord(other.device, other.phy, {reg, maps_.find(reg)})
-                             .put("before", first)
-                             .put("value", second)
-                             .put("changed", changed)
-                             .put("digits", bits));
+        return std::move(
+            registerRecord(other.device, other.phy, asked).put("before", first).put("value", second));
+    }
+
+    // That one of them does not have.
+    void addMissing(const Other& other, const Register& reg, const Cell& first, const Cell& second) {
+        records_.put(std::move(recordOf(other, {reg, maps_.find(reg)}, first, second).show("changed", "-")));
     }
 
     Context& context_;

@@ -1,10 +1,11 @@
 // orvane dump: many registers into files.
 #include "tools/orvane/board/DumpFile.h"
+#include "tools/orvane/board/Identifier.h"
 #include "tools/orvane/names/FieldTable.h"
 #include "tools/orvane/names/Gaps.h"
-#include "tools/orvane/names/Identifier.h"
 #include "tools/orvane/names/Kinds.h"
 #include "tools/orvane/names/PhyAccess.h"
+#include "tools/orvane/names/RegisterRecord.h"
 #include "tools/orvane/output/Errors.h"
 #include "tools/orvane/output/Progress.h"
 #include "tools/orvane/verbs/Verbs.h"
@@ -20,6 +21,8 @@ namespace OrvaneTool {
 namespace {
 
 constexpr std::size_t kLongestBlock = 256; // that grows in the file at a time
+
+const RecordForm kDumps{{"file", "registers"}, {}};
 
 struct Options : RegisterOptions {
     std::vector<std::string> ranges;
@@ -133,8 +136,12 @@ public:
     void all() {
         std::filesystem::create_directories(options_.file);
         places_.run("dump", [&](std::size_t place, const Orvane::Phy& phy) { saveInFolder(place, phy); });
-        context_.console.out.print("{}: {} dumps{}\n", options_.file, dumps_ + old_,
-                                   old_ > 0 ? fmt::format(", {} of them from before", old_) : "");
+        for (std::size_t place = 0; place < places_.size(); ++place)
+            if (places_.isGood(place))
+                putDump(place, fileOf(place));
+        if (context_.format() == Format::Text)
+            context_.console.out.print("{}: {} dumps{}\n", options_.file, dumps_ + old_,
+                                       old_ > 0 ? fmt::format(", {} of them from before", old_) : "");
     }
 
     bool hadGaps() const { return gaps_; }
@@ -163,24 +170,44 @@ private:
     }
 
     void print(std::size_t place, const Orvane::Phy& phy) {
+        RecordSink& records =
+            context_.records(registerForm(true, withFields({"value"}, context_.fields), {}));
         Stream& out = context_.console.out;
-        out.write(headerOf(place, phy).text());
-        Reading reads = reading(place, phy);
-        reads.run(
-            0, true,
-            [&](std::size_t done, const std::vector<std::uint32_t>& values) {
+        if (records.isText())
+            out.write(headerOf(place, phy).text());
+        const auto take = [&](std::size_t done, const std::vector<std::uint32_t>& values) {
+            if (records.isText())
                 out.write(valueLines(registersOf(listOf(place), done, values.size()), values));
-                out.flushWhenFull();
-            },
-            [](std::size_t) {});
+            for (std::size_t i = 0; !records.isText() && i < values.size(); ++i)
+                records.put(registerOf(place, done + i, values[i]));
+            out.flushWhenFull();
+        };
+        Reading reads = reading(place, phy);
+        reads.run(0, true, take, [](std::size_t) {});
         gaps_ = reads.gaps().count() > 0;
+    }
+
+    Record registerOf(std::size_t place, std::size_t at, std::uint32_t value) const {
+        const Asked& asked = listOf(place)[at];
+        Record record = registerRecord(places_.device(place), places_.phy(place), asked);
+        record.put("value", value);
+        if (context_.fields)
+            putFields(record, asked, value);
+        return record;
+    }
+
+    // Of a dump that is whole.
+    void putDump(std::size_t place, const std::string& file) {
+        Record record("dump");
+        record.device(places_.device(place)).phy(places_.phy(place)).put("file", file);
+        context_.records(kDumps).put(record.put("registers", listOf(place).size()));
     }
 
     void save(std::size_t place, const Orvane::Phy& phy) {
         const std::vector<Asked>& list = listOf(place);
         DumpWriter writer(options_.file, headerOf(place, phy), options_.force);
         const std::size_t resumedAt = std::min(writer.resumedAt(), list.size());
-        FieldTable fields(context_.console.out, Format::Text);
+        FieldTable fields(context_.console.out);
         Reading reads = reading(place, phy);
         {
             ProgressBar bar(context_.console.err, "dump", list.size());
@@ -193,8 +220,10 @@ private:
         }
         writer.complete();
         gaps_ = reads.gaps().count() > 0;
-        if (fields.size() > 0)
-            fields.print(context_.console.out);
+        putDump(place, options_.file);
+        if (context_.format() != Format::Text)
+            return;
+        fields.print(context_.console.out);
         context_.console.out.print(
             "{}: {} registers{}{}\n", options_.file, list.size(),
             resumedAt > 0 ? fmt::format(", {} of them from an earlier attempt", resumedAt) : "",
@@ -286,6 +315,7 @@ void addDump(CLI::App& app, Context& context) {
     verb.add_flag("--force", options->force, "Overwrite the file");
     verb.add_flag("--strict", options->strict, "Status 1 when the board was away meanwhile");
     addSideEffects(verb, context);
+    addFormatOptions(verb, context);
     setAction(verb, context, options, run);
 }
 

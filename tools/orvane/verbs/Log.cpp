@@ -2,8 +2,8 @@
 #include "tools/orvane/cli/Verb.h"
 #include "tools/orvane/log/HtmlReport.h"
 #include "tools/orvane/log/LogRecords.h"
-#include "tools/orvane/names/FieldTable.h"
 #include "tools/orvane/names/KnownMaps.h"
+#include "tools/orvane/names/RegisterRecord.h"
 #include "tools/orvane/output/Errors.h"
 #include "tools/orvane/output/OutputFile.h"
 #include "tools/orvane/output/RecordSink.h"
@@ -103,19 +103,6 @@ void printSummary(Context& context, const Options& options, const LogFile& log, 
             records.put(historyRecord(out, reg, history, maps));
 }
 
-// The fields of a value that differ from the value before; all of them when there is none.
-std::string fieldsText(const Asked& asked, std::optional<std::uint64_t> before, std::uint64_t value) {
-    std::string text;
-    if (asked.mapped == nullptr || before == value)
-        return text;
-    for (const Orvane::DecodedField& each : Orvane::RegisterMap::decode(*asked.mapped, value)) {
-        const bool changed = !before || each.field->extract(*before) != each.raw;
-        if (changed && (asked.field == nullptr || asked.field == each.field))
-            text += (text.empty() ? "" : ", ") + each.field->name + ' ' + meaningOf(each);
-    }
-    return text;
-}
-
 // A record for each access to one register, with its fields when they are to be decoded.
 void forEachAccess(const Stream& out, LogFile::Accesses accesses, const PhyRegister& reg,
                    const Asked* decoded, const std::function<void(const Record&)>& take) {
@@ -136,7 +123,7 @@ void forEachAccess(const Stream& out, LogFile::Accesses accesses, const PhyRegis
             record.put("changed", {bits, changed, out.painted(Colour::Yellow, bits)});
         }
         if (decoded != nullptr && access.value)
-            record.put("fields", fieldsText(*decoded, before, *access.value));
+            putFields(record, *decoded, *access.value, before, before.has_value());
         take(record);
         before = access.value ? access.value : before;
     }
@@ -215,6 +202,12 @@ void writeReport(Context& context, const Options& options, const LogFile& log, c
     context.console.err.flushIfPossible();
 }
 
+// For programs: where it is.
+void putReport(Context& context, const Options& options) {
+    Record record("report");
+    context.records({{"file"}, {}}).put(record.put("file", options.html));
+}
+
 int run(Context& context, const Options& options) {
     const KnownMaps maps(context);
     const LogFile log(options.file);
@@ -223,12 +216,14 @@ int run(Context& context, const Options& options) {
         return kSuccess;
     }
     const LogSummary summary = summaryOf(log, options.selection);
-    if (!options.html.empty())
+    if (!options.html.empty()) {
         writeReport(context, options, log, summary, maps);
-    else if (!options.reg.empty())
+        putReport(context, options);
+    } else if (!options.reg.empty()) {
         printHistory(context, options, log, summary, maps);
-    else
+    } else {
         printSummary(context, options, log, summary, maps);
+    }
     return kSuccess;
 }
 
@@ -249,8 +244,12 @@ void addLog(CLI::App& app, Context& context) {
     verb.add_option("FILE", options->file, "The log")->required()->type_name("");
     verb.add_option("--register", options->reg, "History of this register: an address or a name")
         ->type_name("ADDRESS");
-    verb.add_option("--adapter", options->selection.adapter, "Only this adapter")->type_name("N");
-    verb.add_option("--phy", options->selection.phy, "Only this PHY")->type_name("PHY");
+    verb.add_option("--adapter", options->selection.adapter, "Only this adapter")
+        ->type_name("N")
+        ->check(CLI::Range(0, 1000000).description(""));
+    verb.add_option("--phy", options->selection.phy, "Only this PHY")
+        ->type_name("PHY")
+        ->check(CLI::Range(0, 127).description(""));
     verb.add_option("--device", options->selection.device, "Only this port, in a log that names them")
         ->type_name("DEVICE");
     verb.add_flag("--timeline", options->timeline,

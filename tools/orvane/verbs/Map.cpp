@@ -22,10 +22,25 @@ struct Options {
     unsigned mmd = 0;
 };
 
-void put(Context& context, const Options& options, const std::string& text) {
+// A map that is good, or was written to a file.
+Record mapRecord(const Orvane::RegisterMap& map, const std::string& file) {
+    Record record("map");
+    return std::move(record.put("name", map.name()).put("registers", map.size()).put("file", file));
+}
+
+const RecordForm kMapFiles{{"name", "registers", "file", "text"}, {}};
+
+// A map in another form, on standard output where no file is given.
+void put(Context& context, const Options& options, const Orvane::RegisterMap& map, const std::string& text) {
     if (options.output.empty())
         return context.console.out.write(text);
     writeFile(options.output, text, options.force);
+    context.records(kMapFiles).put(mapRecord(map, options.output));
+}
+
+void requireFileForRecords(const Context& context, const Options& options) {
+    if (options.output.empty() && context.format() != Format::Text)
+        throw UsageError("--json and --csv tell what was written: -o FILE says where to");
 }
 
 Orvane::MapOptions loadingFor(const Context& context) {
@@ -35,11 +50,14 @@ Orvane::MapOptions loadingFor(const Context& context) {
 }
 
 int check(Context& context, const Options& options) {
+    RecordSink& records = context.records(kMapFiles);
     std::string wrong;
     for (const std::string& file : options.words) {
         try {
             const auto map = Orvane::RegisterMap::load(file, loadingFor(context));
-            context.console.out.print("{}: {}, {} registers\n", file, map.name(), map.size());
+            records.put(mapRecord(map, file));
+            if (records.isText())
+                context.console.out.print("{}: {}, {} registers\n", file, map.name(), map.size());
         } catch (const Orvane::MapError& error) {
             wrong += (wrong.empty() ? "" : "\n") + std::string(error.what());
         }
@@ -116,6 +134,7 @@ int search(Context& context, const Options& options) {
 }
 
 int import(Context& context, const Options& options) {
+    requireFileForRecords(context, options);
     Orvane::ImportOptions into;
     into.space = options.space == "c45"   ? Orvane::MapSpace::c45
                  : options.space == "c22" ? Orvane::MapSpace::c22
@@ -123,10 +142,14 @@ int import(Context& context, const Options& options) {
     into.mmd = static_cast<std::uint8_t>(options.mmd);
     try {
         const Orvane::ImportedMap imported = Orvane::RegisterMap::importFile(options.words.front(), into);
-        for (const Orvane::MapProblem& each : imported.notCarriedOver)
+        for (const Orvane::MapProblem& each : imported.notCarriedOver) {
             context.console.err.write("orvane: not carried over: " + each.text() + "\n");
+            Record record("left_out");
+            if (context.format() != Format::Text)
+                context.records(kMapFiles).put(record.put("text", each.text()));
+        }
         context.console.err.flushIfPossible();
-        put(context, options, imported.map.toJson());
+        put(context, options, imported.map, imported.map.toJson());
     } catch (const Orvane::MapError& error) {
         throw Failure(error.what());
     }
@@ -134,11 +157,12 @@ int import(Context& context, const Options& options) {
 }
 
 int exportMap(Context& context, const Options& options) {
+    requireFileForRecords(context, options);
     try {
         const auto map = options.words.front() == "ieee8023"
                              ? Orvane::RegisterMap::ieee8023()
                              : Orvane::RegisterMap::load(options.words.front(), loadingFor(context));
-        put(context, options,
+        put(context, options, map,
             options.form == "c"          ? map.toCHeader(options.prefix.empty() ? map.name() : options.prefix)
             : options.form == "markdown" ? map.toMarkdown()
                                          : map.toJson());
@@ -171,10 +195,11 @@ std::pair<CLI::App*, std::shared_ptr<Options>> add(CLI::App& map, Context& conte
 constexpr int kAny = 1000;
 
 void addFiles(CLI::App& map, Context& context) {
-    const auto output = [](const auto& added) {
+    const auto output = [&context](const auto& added) {
         added.first->add_option("-o,--output", added.second->output, "Write it to this file")
             ->type_name("FILE");
         added.first->add_flag("--force", added.second->force, "Overwrite the file");
+        addFormatOptions(*added.first, context);
     };
     const auto imported = add(map, context,
                               {"import", "Make a map of a CMSIS-SVD, uHAL or CSV file",
@@ -208,7 +233,8 @@ void addMap(CLI::App& app, Context& context) {
                                   "  orvane map check chip.json\n"
                                   "  orvane map show AN.STATUS\n"
                                   "  orvane map search link partner\n"});
-    add(map, context, {"check", "Tell everything that is wrong with maps", ""}, "FILE", 1, kAny, check);
+    const auto checked =
+        add(map, context, {"check", "Tell everything that is wrong with maps", ""}, "FILE", 1, kAny, check);
     const auto shown = add(map, context,
                            {"show", "List the maps, or the registers and fields that are named",
                             "  orvane map show 'AN.*' --map chip.json\n"},
@@ -220,7 +246,7 @@ void addMap(CLI::App& app, Context& context) {
     completed.first->group(""); // for the shell
     for (CLI::App* verb : {shown.first, searched.first, completed.first})
         addMapOptions(*verb, context);
-    for (CLI::App* verb : {shown.first, searched.first})
+    for (CLI::App* verb : {checked.first, shown.first, searched.first})
         addFormatOptions(*verb, context);
     addFiles(map, context);
 }

@@ -68,27 +68,30 @@ void print(Context& context, const Places& places, const std::vector<std::vector
     Stream& out = context.console.out;
     const bool many = !places.isOne();
     RecordSink& records = context.records(registerForm(
-        many, {"before", "written", "value"},
+        many, withFields({"before", "written", "value"}, fields),
         {{"before", "BEFORE"}, {"written", "WRITTEN"}, {"value", "READ BACK"}, {"digits", "BITS"}}));
-    FieldTable decoded(out, context.format(), true, many);
+    FieldTable decoded(out, true, many);
     for (std::size_t place = 0; place < all.size(); ++place) {
         decoded.setPlace(places.device(place), places.phy(place));
         for (const Modified& each : all[place]) {
             const Space space = each.asked.reg.space;
             Asked whole = each.asked;
             whole.field = nullptr;
-            if (fields)
+            if (fields && records.isText()) {
                 decoded.add(whole, each.after, each.before);
-            else
-                records.put(registerRecord(places.device(place), places.phy(place), each.asked)
-                                .put("before", hexCell(out, each.before, space))
-                                .put("written", hexCell(out, each.written, space, each.written ^ each.before))
-                                .put("value", hexCell(out, each.after, space, each.after ^ each.before))
-                                .put("digits", bitsCell(out, each.after, space, each.after ^ each.before)));
+                continue;
+            }
+            Record record = registerRecord(places.device(place), places.phy(place), each.asked);
+            record.put("before", hexCell(out, each.before, space))
+                .put("written", hexCell(out, each.written, space, each.written ^ each.before))
+                .put("value", hexCell(out, each.after, space, each.after ^ each.before))
+                .put("digits", bitsCell(out, each.after, space, each.after ^ each.before));
+            if (fields)
+                putFields(record, whole, each.after, each.before);
+            records.put(record);
         }
     }
-    if (decoded.size() > 0)
-        decoded.print(out);
+    decoded.print(out);
 }
 
 std::string dryRun(Context& context, const Options& options, const KnownMaps& maps) {
@@ -109,10 +112,8 @@ std::string dryRun(Context& context, const Options& options, const KnownMaps& ma
 int run(Context& context, const Options& options) {
     Kinds kinds(context);
     Places places = options.places(context);
-    if (options.dryRun) {
-        context.console.out.write(dryRun(context, options, kinds.maps(0)));
-        return kSuccess;
-    }
+    if (options.dryRun)
+        return tellPlan(context, dryRun(context, options, kinds.unasked()));
     const auto lists = kinds.settle(places, [&](const KnownMaps& maps) {
         std::vector<Asked> list = askedFor(context, maps, options, {options.address});
         for (const Asked& each : list)

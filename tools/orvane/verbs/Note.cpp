@@ -15,7 +15,10 @@ struct Options {
 int run(Context& context, const Options& options) {
     if (context.logFile.empty())
         throw UsageError("note: say which log: --log FILE, or ORVANE_LOG");
-    context.rack().note(fmt::format("{}", fmt::join(options.words, " ")));
+    const std::string text = fmt::format("{}", fmt::join(options.words, " "));
+    context.rack().note(text);
+    Record record("note");
+    context.records({{"text", "file"}, {}}).put(record.put("text", text).put("file", context.logFile));
     return kSuccess;
 }
 
@@ -28,6 +31,7 @@ void addNote(CLI::App& app, Context& context) {
     auto options = std::make_shared<Options>();
     verb.add_option("TEXT", options->words, "The line")->required()->type_name("");
     addLogOption(verb, context);
+    addFormatOptions(verb, context);
     setAction(verb, context, options, run);
 }
 

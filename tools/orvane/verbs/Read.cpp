@@ -36,13 +36,15 @@ public:
         const auto listOf = [&](std::size_t place) -> const std::vector<Asked>& {
             return lists[kinds.of(place)];
         };
-        const bool text = context_.format() == Format::Text;
         const std::vector<Asked>& list = lists.front();
-        if (options_.twice || (showsFields(context_, kinds.maps(0), list) && !options_.grid))
+        const bool fields = options_.twice || (showsFields(context_, kinds.maps(0), list) && !options_.grid);
+        if (context_.format() != Format::Text)
+            putRecords(listOf, fields);
+        else if (fields)
             printFields(listOf);
-        else if (text && places_.isOne() && list.size() == 1 && !options_.grid)
+        else if (places_.isOne() && list.size() == 1 && !options_.grid)
             printOne(list.front());
-        else if (text && (options_.grid || (list.size() > kMostRows && !isNamed(list))))
+        else if (options_.grid || (list.size() > kMostRows && !isNamed(list)))
             printGrids(listOf);
         else
             printRows(listOf, isNamed(list));
@@ -63,23 +65,43 @@ private:
                 out().print("{}\n", each.valueText());
     }
 
-    // With what each held at the read before, when it was read twice: the difference is what was latched.
-    template <class ListOf>
-    void printFields(const ListOf& listOf) const {
-        FieldTable table(out(), context_.format(), options_.twice, !places_.isOne());
+    // Calls `take` with each register that was read: its place, what was asked for, what it holds and, where
+    // it was read twice, what it held at first: the difference is what was latched.
+    template <class ListOf, class Take>
+    void forEach(const ListOf& listOf, const Take& take) const {
         const std::size_t reads = options_.twice ? 2 : 1; // of each register
-        for (std::size_t place = 0; place < values_.size(); ++place) {
-            table.setPlace(places_.device(place), places_.phy(place));
+        for (std::size_t place = 0; place < values_.size(); ++place)
             for (std::size_t i = 0; i < values_[place].size(); i += reads) {
                 const auto& first = values_[place][i];
                 const auto& last = values_[place][i + reads - 1];
                 if (first && last)
-                    table.add(listOf(place)[i / reads], *last,
-                              options_.twice ? std::optional<std::uint64_t>(*first) : std::nullopt);
+                    take(place, listOf(place)[i / reads], *last,
+                         options_.twice ? first : std::optional<std::uint32_t>());
             }
-        }
-        if (table.size() > 0 || context_.format() != Format::Text)
-            table.print(out());
+    }
+
+    template <class ListOf>
+    void printFields(const ListOf& listOf) const {
+        FieldTable::printAll(out(), options_.twice, !places_.isOne(), [&](FieldTable& table) {
+            forEach(listOf,
+                    [&](std::size_t place, const Asked& asked, std::uint32_t value, const auto& first) {
+                        table.setPlace(places_.device(place), places_.phy(place));
+                        table.add(asked, value, first);
+                    });
+        });
+    }
+
+    template <class ListOf>
+    void putRecords(const ListOf& listOf, bool fields) const {
+        RecordSink& records = context_.records(registerForm(true, withFields({"value"}, fields), {}));
+        forEach(listOf, [&](std::size_t place, const Asked& asked, std::uint32_t value, const auto& first) {
+            Record one = record(place, asked, value);
+            if (first)
+                one.put("before", *first);
+            if (fields || asked.field != nullptr)
+                putFields(one, asked, value, first);
+            records.put(one);
+        });
     }
 
     template <class ListOf>
@@ -119,19 +141,19 @@ private:
         if (named)
             columns.insert(columns.begin(), {"name", "REGISTER"});
         RecordSink& records = context_.records(registerForm(!places_.isOne(), {"value"}, columns));
-        for (std::size_t place = 0; place < values_.size(); ++place)
-            for (std::size_t i = 0; i < values_[place].size(); ++i)
-                if (values_[place][i])
-                    records.put(record(place, listOf(place)[i], *values_[place][i]));
+        records.putAll([&](const auto& take) {
+            forEach(listOf, [&](std::size_t place, const Asked& asked, std::uint32_t value, const auto&) {
+                const Space space = asked.reg.space;
+                take(record(place, asked, value)
+                         .put("digits", bitsCell(out(), value, space))
+                         .show("decimal", std::to_string(value)));
+            });
+        });
     }
 
     Record record(std::size_t place, const Asked& asked, std::uint32_t value) const {
-        const Space space = asked.reg.space;
-        Record one = registerRecord(places_.device(place), places_.phy(place), asked);
-        one.put("value", hexCell(out(), value, space));
-        if (context_.format() == Format::Text)
-            one.put("digits", bitsCell(out(), value, space)).show("decimal", std::to_string(value));
-        return one;
+        return std::move(registerRecord(places_.device(place), places_.phy(place), asked)
+                             .put("value", hexCell(out(), value, asked.reg.space)));
     }
 
     Context& context_;
@@ -156,12 +178,12 @@ int run(Context& context, const Options& options) {
     Kinds kinds(context);
     Places places = options.places(context);
     if (options.dryRun) {
-        const std::vector<Asked> list = askedFor(context, kinds.maps(0), options, options.addresses);
+        const KnownMaps& maps = kinds.unasked();
         std::vector<Access> reads;
-        for (const Asked& each : repeated(list, options.twice ? 2 : 1))
+        for (const Asked& each :
+             repeated(askedFor(context, maps, options, options.addresses), options.twice ? 2 : 1))
             reads.push_back({each.reg, std::nullopt});
-        context.console.out.write(planned(reads, kinds.maps(0), options.routed));
-        return kSuccess;
+        return tellPlan(context, planned(reads, maps, options.routed));
     }
     const auto lists = kinds.settle(
         places, [&](const KnownMaps& maps) { return askedFor(context, maps, options, options.addresses); });

@@ -23,6 +23,10 @@ struct Options {
     bool keepGoing = false;
 };
 
+const RecordForm kForm{{"place", "space", "at", "access", "operation", "arguments", "value", "logged",
+                        "result", "writes", "reads", "calls", "differing", "skipped", "total"},
+                       {}};
+
 struct Counts {
     std::size_t writes = 0;
     std::size_t reads = 0;
@@ -105,15 +109,41 @@ unsigned phyOf(const Options& options, const LoggedAccess& access) {
     return options.phy >= 0 ? static_cast<unsigned>(options.phy) : access.phy;
 }
 
-void printPlan(Stream& out, const Options& options, const Plan& plan) {
+// A step as a record: an access or a call, with what the log has of it.
+Record stepRecord(const Options& options, const LogRecord& entry, std::size_t place) {
+    const LoggedAccess& access = entry.access;
+    const bool call = entry.kind == LogRecord::Kind::Service;
+    Record record(call ? "call" : "access");
+    if (!options.to.empty())
+        record.device(options.to);
+    record.phy(phyOf(options, access)).put("place", place);
+    if (call)
+        return std::move(record.put("operation", entry.operation).put("arguments", entry.arguments));
+    return std::move(
+        record.at(nameOf(access.reg.space), access.reg.mmd, access.reg.address, access.reg.text())
+            .put("access", access.write ? "write" : "read"));
+}
+
+void printPlan(Context& context, const Options& options, const Plan& plan) {
+    RecordSink& records = context.records(kForm);
+    Stream& out = context.console.out;
+    std::size_t place = 0;
     plan.forEach([&](const LogRecord& entry) {
         const LoggedAccess& access = entry.access;
         const unsigned phy = phyOf(options, access);
-        if (entry.kind == LogRecord::Kind::Service)
+        const bool call = entry.kind == LogRecord::Kind::Service;
+        ++place;
+        if (!records.isText()) {
+            Record record = stepRecord(options, entry, place);
+            if (!call)
+                record.put("value", *access.value);
+            records.put(record);
+        } else if (call) {
             out.print("call  PHY {} {} {}\n", phy, entry.operation, entry.arguments);
-        else
+        } else {
             out.print("{} PHY {} {} {}\n", access.write ? "write" : "read ", phy, access.reg.text(),
                       access.valueText());
+        }
         out.flushWhenFull();
         return true;
     });
@@ -130,12 +160,15 @@ Orvane::RegisterAddress addressOf(const Register& reg) {
 class Replay {
 public:
     Replay(Context& context, const Options& options)
-        : context_(context), options_(options), target_(findTarget(context, options.to)) {}
+        : context_(context),
+          options_(options),
+          records_(context.records(kForm)),
+          target_(findTarget(context, options.to)) {}
 
     // Whether the board still answers as in the log.
     bool repeat(const LogRecord& entry) {
         context_.interrupts().check();
-        return entry.kind == LogRecord::Kind::Service ? repeatCall(entry) : repeatAccess(entry.access);
+        return entry.kind == LogRecord::Kind::Service ? repeatCall(entry) : repeatAccess(entry);
     }
 
     const Counts& counts() const { return counts_; }
@@ -148,7 +181,8 @@ private:
         return found != phys_.end() ? found->second : phys_.emplace(id, target_.port->phy(id)).first->second;
     }
 
-    bool repeatAccess(const LoggedAccess& access) {
+    bool repeatAccess(const LogRecord& entry) {
+        const LoggedAccess& access = entry.access;
         const Orvane::RegisterAddress address = addressOf(access.reg);
         const auto logged = static_cast<std::uint32_t>(*access.value);
         if (access.write) {
@@ -161,9 +195,13 @@ private:
         if (now == logged)
             return true;
         ++counts_.differing;
-        context_.console.out.print("access {}: read PHY {} {}: {} in the log, 0x{:0{}X} now\n",
-                                   counts_.steps(), phyOf(options_, access), access.reg.text(),
-                                   access.valueText(), now, access.digits);
+        if (!records_.isText())
+            records_.put(
+                stepRecord(options_, entry, counts_.steps()).put("value", now).put("logged", logged));
+        else
+            context_.console.out.print("access {}: read PHY {} {}: {} in the log, 0x{:0{}X} now\n",
+                                       counts_.steps(), phyOf(options_, access), access.reg.text(),
+                                       access.valueText(), now, access.digits);
         return false;
     }
 
@@ -173,36 +211,56 @@ private:
         if (now.empty() || now == call.result)
             return true;
         ++counts_.differing;
-        context_.console.out.print("access {}: {} PHY {} {}: {} in the log, {} now\n", counts_.steps(),
-                                   call.operation, phyOf(options_, call.access), call.arguments, call.result,
-                                   now);
+        if (!records_.isText())
+            records_.put(
+                stepRecord(options_, call, counts_.steps()).put("result", now).put("logged", call.result));
+        else
+            context_.console.out.print("access {}: {} PHY {} {}: {} in the log, {} now\n", counts_.steps(),
+                                       call.operation, phyOf(options_, call.access), call.arguments,
+                                       call.result, now);
         return false;
     }
 
     Context& context_;
     const Options& options_;
+    RecordSink& records_;
     Target target_;
     std::map<unsigned, Orvane::Phy> phys_;
     Counts counts_;
 };
 
+// What came of all of it, as a line or a record.
+void tell(Context& context, const Options& options, const Plan& plan, const Counts& counts) {
+    RecordSink& records = context.records(kForm);
+    if (!records.isText()) {
+        Record record("summary");
+        record.device(options.to);
+        records.put(record.put("writes", counts.writes)
+                        .put("reads", counts.reads)
+                        .put("calls", counts.calls)
+                        .put("differing", counts.differing)
+                        .put("skipped", plan.skipped())
+                        .put("total", plan.size()));
+        return;
+    }
+    context.console.out.print(
+        "{} of {} accesses: {} writes, {} reads, {}{} differ{}\n", counts.steps(), plan.size(), counts.writes,
+        counts.reads, counts.calls > 0 ? fmt::format("{} calls of services, ", counts.calls) : "",
+        counts.differing, plan.skipped() > 0 ? fmt::format("; {} cannot be repeated", plan.skipped()) : "");
+}
+
 int run(Context& context, const Options& options) {
     const Plan plan(options);
-    Stream& out = context.console.out;
     if (options.dryRun) {
-        printPlan(out, options, plan);
+        printPlan(context, options, plan);
         return kSuccess;
     }
     if (options.to.empty())
         throw UsageError("replay: say where to: --to DEVICE, or --dry-run");
     Replay replay(context, options);
     plan.forEach([&](const LogRecord& entry) { return replay.repeat(entry) || options.keepGoing; });
-    const Counts& counts = replay.counts();
-    out.print("{} of {} accesses: {} writes, {} reads, {}{} differ{}\n", counts.steps(), plan.size(),
-              counts.writes, counts.reads,
-              counts.calls > 0 ? fmt::format("{} calls of services, ", counts.calls) : "", counts.differing,
-              plan.skipped() > 0 ? fmt::format("; {} cannot be repeated", plan.skipped()) : "");
-    return counts.differing == 0 ? kSuccess : kFailed;
+    tell(context, options, plan, replay.counts());
+    return replay.counts().differing == 0 ? kSuccess : kFailed;
 }
 
 } // namespace
@@ -221,13 +279,16 @@ void addReplay(CLI::App& app, Context& context) {
     verb.add_option("FILE", options->file, "The log")->required()->type_name("");
     verb.add_option("--to", options->to, "Device that the accesses go to")->type_name("DEVICE");
     verb.add_option("--adapter", options->selection.adapter, "Repeat the accesses of this adapter of the log")
-        ->type_name("N");
+        ->type_name("N")
+        ->check(CLI::Range(0, 1000000).description(""));
     verb.add_option("--device", options->selection.device, "Or those of this port, in a log that names them")
         ->type_name("DEVICE");
     verb.add_option("--phy", options->phy, "Send them to this PHY instead of those in the log")
-        ->type_name("PHY");
+        ->type_name("PHY")
+        ->check(CLI::Range(0, 127).description(""));
     verb.add_flag("--dry-run", options->dryRun, "Print what would be sent, and send nothing");
     verb.add_flag("--keep-going", options->keepGoing, "Go on behind differences, and count them");
+    addFormatOptions(verb, context);
     addBoardOptions(verb, context);
     setAction(verb, context, options, run);
 }

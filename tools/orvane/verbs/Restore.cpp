@@ -78,14 +78,24 @@ std::vector<Refused> carryOut(PhyAccess phy, const std::vector<Step>& steps) {
 }
 
 void print(Context& context, const Places& places, const std::vector<std::vector<Refused>>& all) {
-    RecordSink& records = context.records(
-        registerForm(!places.isOne(), {"written", "value"}, {{"written", "WANTED"}, {"value", "READ BACK"}}));
+    RecordSink& records =
+        context.records(registerForm(!places.isOne(), {"written", "value", "operation", "registers"},
+                                     {{"written", "WANTED"}, {"value", "READ BACK"}}));
     Stream& out = context.console.out;
     for (std::size_t place = 0; place < all.size(); ++place)
         for (const Refused& each : all[place])
             records.put(registerRecord(places.device(place), places.phy(place), {each.reg})
                             .put("written", hexCell(out, each.wanted, each.reg.space))
                             .put("value", hexCell(out, each.held, each.reg.space, each.held ^ each.wanted)));
+}
+
+// For programs: that all of it took.
+void putRestored(Context& context, const Places& places, std::size_t place, std::size_t registers) {
+    if (context.format() == Format::Text)
+        return;
+    Record record("done");
+    record.device(places.device(place)).phy(places.phy(place)).put("operation", "restore");
+    context.records({}).put(record.put("registers", registers));
 }
 
 int run(Context& context, const Options& given) {
@@ -97,9 +107,9 @@ int run(Context& context, const Options& given) {
     options.ext32 = dump.header.space == Space::Ext32;
     Kinds kinds(context);
     if (options.dryRun) {
-        context.console.out.write(
-            planned(writesOf(stepsOf(context, options, dump, kinds.maps(0))), kinds.maps(0), options.routed));
-        return kSuccess;
+        const KnownMaps& maps = kinds.unasked(dump.header.identifier);
+        return tellPlan(context,
+                        planned(writesOf(stepsOf(context, options, dump, maps)), maps, options.routed));
     }
     Places places = options.places(context);
     const auto steps =
@@ -117,6 +127,9 @@ int run(Context& context, const Options& given) {
     });
     print(context, places, refused);
     const int status = places.finish("restore");
+    for (std::size_t place = 0; place < places.size(); ++place)
+        if (places.isGood(place))
+            putRestored(context, places, place, steps[kinds.of(place)].size());
     if (status == kSuccess && context.format() == Format::Text)
         context.console.out.print("{}: {} registers written\n", options.file, steps.front().size());
     return status;

@@ -1,8 +1,8 @@
 // orvane scan: which PHYs, or devices of an I2C bus, answer.
 #include "tools/orvane/board/DeviceNames.h"
+#include "tools/orvane/board/Identifier.h"
 #include "tools/orvane/board/Places.h"
 #include "tools/orvane/cli/RegisterOptions.h"
-#include "tools/orvane/names/Identifier.h"
 #include "tools/orvane/names/KnownMaps.h"
 #include "tools/orvane/output/Errors.h"
 #include "tools/orvane/output/RecordSink.h"
@@ -70,24 +70,18 @@ private:
         return smbus ? fmt::format("{}-{}", kFirstOfBus, kLastOfBus) : "0-31";
     }
 
-    // By its identifier, which no read changes; a bus that nobody drives gives ones.
     Answer phyAt(const Orvane::Phy& phy) {
         Answer answer;
         answer.address = phy.id();
         try {
-            for (const Space space : {Space::C45, Space::C22}) {
-                const std::string identifier = identifierOf(phy, space, context_.within()).value_or("");
-                if (identifier.empty() || identifier == "0xFFFFFFFF" || identifier == "0x00000000")
-                    continue;
-                answer.identifier = identifier;
+            if (const auto identifier = identifierIfThere(phy, context_.within())) {
+                answer.identifier = *identifier;
                 answer.sign = fmt::format("{:02x}", answer.address);
-                break;
             }
         } catch (const Orvane::Failure& failure) {
-            if (failure.kind() == Orvane::FailureKind::Refused)
-                answer.sign = "UU";                                          // somebody else has it
-            else if (failure.kind() != Orvane::FailureKind::InvalidArgument) // no Clause 22 over SMBus
+            if (failure.kind() != Orvane::FailureKind::Refused)
                 throw;
+            answer.sign = "UU"; // somebody else has it
         }
         return answer;
     }

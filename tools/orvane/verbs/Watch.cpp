@@ -52,7 +52,9 @@ public:
 
     int run() {
         records_ = &context_.records(
-            registerForm(true, {"sequence", "value", "before", "changes", "from", "until"}, {}),
+            registerForm(
+                true,
+                withFields({"sequence", "value", "before", "changes", "from", "until"}, context_.fields), {}),
             Pace::OneByOne);
         Places places = options_.places(context_);
         const std::vector<Wanted> wanted =

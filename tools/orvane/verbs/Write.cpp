@@ -86,26 +86,35 @@ Written carryOut(PhyAccess& phy, const std::vector<Write>& writes, bool readback
 void print(Context& context, const Places& places, const std::vector<Written>& all, bool fields) {
     Stream& out = context.console.out;
     const bool many = !places.isOne();
-    RecordSink& records = context.records(registerForm(
-        many, {"written", "value"}, {{"written", "WRITTEN"}, {"value", "READ BACK"}, {"digits", "BITS"}}));
-    FieldTable decoded(out, context.format(), true, many);
+    RecordSink& records =
+        context.records(registerForm(many, withFields({"written", "value"}, fields),
+                                     {{"written", "WRITTEN"}, {"value", "READ BACK"}, {"digits", "BITS"}}));
+    FieldTable decoded(out, true, many);
     for (std::size_t place = 0; place < all.size(); ++place) {
         const Written& one = all[place];
         decoded.setPlace(places.device(place), places.phy(place));
-        for (std::size_t i = 0; i < one.readBack.size(); ++i) {
+        for (std::size_t i = 0; i < one.list.size(); ++i) {
             const Space space = one.list[i].reg.space;
-            const std::uint32_t changed = one.readBack[i] ^ one.values[i];
-            if (fields)
+            Record record = registerRecord(places.device(place), places.phy(place), one.list[i]);
+            record.put("written", hexCell(out, one.values[i], space));
+            if (one.readBack.empty()) {
+                if (!records.isText()) // people see what was read back
+                    records.put(record);
+                continue;
+            }
+            if (fields && records.isText()) {
                 decoded.add(one.list[i], one.readBack[i], one.values[i]);
-            else
-                records.put(registerRecord(places.device(place), places.phy(place), one.list[i])
-                                .put("written", hexCell(out, one.values[i], space))
-                                .put("value", hexCell(out, one.readBack[i], space, changed))
-                                .put("digits", bitsCell(out, one.readBack[i], space, changed)));
+                continue;
+            }
+            const std::uint32_t changed = one.readBack[i] ^ one.values[i];
+            record.put("value", hexCell(out, one.readBack[i], space, changed))
+                .put("digits", bitsCell(out, one.readBack[i], space, changed));
+            if (fields)
+                putFields(record, one.list[i], one.readBack[i], one.values[i]);
+            records.put(record);
         }
     }
-    if (decoded.size() > 0)
-        decoded.print(out);
+    decoded.print(out);
 }
 
 std::string dryRun(const std::vector<Write>& writes, const KnownMaps& maps, const Options& options) {
@@ -123,9 +132,8 @@ int run(Context& context, const Options& options) {
     Kinds kinds(context);
     Places places = options.places(context);
     if (options.dryRun) {
-        const KnownMaps& maps = kinds.maps(0);
-        context.console.out.write(dryRun(writesOf(context, maps, options), maps, options));
-        return kSuccess;
+        const KnownMaps& maps = kinds.unasked();
+        return tellPlan(context, dryRun(writesOf(context, maps, options), maps, options));
     }
     const auto writes =
         kinds.settle(places, [&](const KnownMaps& maps) { return writesOf(context, maps, options); });

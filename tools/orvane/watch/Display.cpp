@@ -15,12 +15,6 @@ std::string placeOf(const WatchedPhy& phy) {
     return fmt::format("{} PHY {}", phy.device, phy.phy);
 }
 
-// The field as a value of its register says.
-Orvane::DecodedField decoded(const Orvane::MapField& field, std::uint64_t value) {
-    const std::uint64_t raw = field.extract(value);
-    return {&field, raw, field.number(raw), field.scaled(raw), field.choice(raw)};
-}
-
 } // namespace
 
 void Display::show(unsigned long sample, const std::vector<WatchedPhy>& phys) {
@@ -51,6 +45,9 @@ void Display::putChanges(unsigned long sample, const WatchedPhy& phy) {
         if (!phy.firstNow)
             record.put("before", hexCell(out_, each.value ^ each.changed, space))
                 .put("changes", each.changes);
+        if (fields_)
+            putFields(record, each.asked, each.value,
+                      phy.firstNow ? std::nullopt : std::optional<std::uint64_t>(each.value ^ each.changed));
         records_.put(record);
     }
 }
@@ -90,7 +87,7 @@ void Display::redraw(unsigned long sample, const std::vector<WatchedPhy>& phys) 
             away += fmt::format(", {} is away: {}", placeOf(each), each.away);
     }
     const bool many = phys.size() > 1;
-    FieldTable fields(out_, Format::Text, true, many);
+    FieldTable fields(out_, true, many);
     Table values({{"", many ? "DEVICE" : ""},
                   {"", many ? "PHY" : "", true},
                   {"", "ADDRESS"},
@@ -119,8 +116,7 @@ void Display::redraw(unsigned long sample, const std::vector<WatchedPhy>& phys) 
     out_.print("{}, sample {}{}{}\n", title_, sample,
                shown < rows_ ? fmt::format(", rows {} to {} of {}", top_ + 1, top_ + shown, rows_) : "",
                away);
-    fields_ ? fields.printPart(out_, top_, shown) : values.printPart(out_, top_, shown);
-    lines_ = shown + 2;
+    lines_ = 1 + (fields_ ? fields.printPart(out_, top_, shown) : values.printPart(out_, top_, shown));
 }
 
 // Everything at first, then what changed.
@@ -151,7 +147,7 @@ void Display::printFields(const std::string& before, const Watched& each, bool f
         if ((!first && !changed) || (each.asked.field != nullptr && field.field != each.asked.field))
             continue;
         out_.print("{} {}.{} {}{}\n", before, each.asked.mapped->name(), field.field->name, meaningOf(field),
-                   first ? "" : " was " + decoded(*field.field, each.value ^ each.changed).valueText());
+                   first ? "" : " was " + decodedField(*field.field, each.value ^ each.changed).valueText());
     }
 }
 

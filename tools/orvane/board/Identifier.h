@@ -13,4 +13,8 @@ namespace OrvaneTool {
 // them. Throws Orvane::Failure for all other failures.
 std::optional<std::string> identifierOf(const Orvane::Phy& phy, Space space, const Orvane::Within& within);
 
+// The same, by Clause 45 or else by Clause 22, of a PHY that may not be there: nothing then, for a bus that
+// nobody drives gives ones. No read changes anything.
+std::optional<std::string> identifierIfThere(const Orvane::Phy& phy, const Orvane::Within& within);
+
 } // namespace OrvaneTool

@@ -1,5 +1,5 @@
 // Reading of a PHY's identifier.
-#include "tools/orvane/names/Identifier.h"
+#include "tools/orvane/board/Identifier.h"
 
 #include <fmt/format.h>
 
@@ -16,6 +16,20 @@ std::optional<std::string> identifierOf(const Orvane::Phy& phy, Space space, con
             return std::nullopt;
         throw;
     }
+}
+
+std::optional<std::string> identifierIfThere(const Orvane::Phy& phy, const Orvane::Within& within) {
+    for (const Space space : {Space::C45, Space::C22}) {
+        try {
+            const std::string identifier = identifierOf(phy, space, within).value_or("");
+            if (!identifier.empty() && identifier != "0xFFFFFFFF" && identifier != "0x00000000")
+                return identifier;
+        } catch (const Orvane::Failure& failure) {
+            if (failure.kind() != Orvane::FailureKind::InvalidArgument) // no Clause 22 over SMBus
+                throw;
+        }
+    }
+    return std::nullopt;
 }
 
 } // namespace OrvaneTool

@@ -4,6 +4,7 @@ from __future__ import annotations
 import argparse
 import os
 import runpy
+import sqlite3
 import sys
 from collections import abc
 from typing import Any, List, Optional
@@ -48,7 +49,7 @@ def main(arguments: Optional[abc.Sequence[str]] = None) -> int:
         return SUCCESS
     except NotSafe as problem:
         return _complain(problem, NOT_SAFE)
-    except (DataSetError, RecipeError, Error, OSError) as problem:
+    except (DataSetError, RecipeError, Error, OSError, sqlite3.Error) as problem:
         return _complain(problem, FAILED)
     except KeyboardInterrupt:
         return INTERRUPTED

@@ -49,7 +49,10 @@ class Recipe:
     @classmethod
     def parse(cls, text: str) -> Recipe:
         """The recipe of json(). Raises RecipeError for fields that are missing or not known."""
-        told = json.loads(text)
+        try:
+            told = json.loads(text)
+        except ValueError as broken:
+            raise RecipeError(f"recipe: {broken}") from broken
         known = {field.name for field in dataclasses.fields(cls)}
         for problem, names in (("unknown field", set(told) - known), ("missing field", known - set(told))):
             if names:

@@ -7,6 +7,8 @@ from typing import Any, Dict, List, Tuple
 
 import numpy
 
+from orvane.run.storage import DataSetError
+
 __all__ = ["array_from_row", "array_row", "checked", "value_from_row", "value_row"]
 
 _KINDS = {bool: "bool", int: "int", float: "float", str: "text", bytes: "bytes", type(None): "none"}
@@ -55,8 +57,11 @@ def array_row(array: Any) -> Tuple[str, str, bytes]:
 
 
 def array_from_row(dtype: str, shape: str, data: bytes) -> Any:
-    """The same back, to be changed at will."""
-    return numpy.frombuffer(data, numpy.dtype(dtype)).reshape(json.loads(shape)).copy()
+    """The same back, to be changed at will. Raises DataSetError for what is no array."""
+    try:
+        return numpy.frombuffer(data, numpy.dtype(dtype)).reshape(json.loads(shape)).copy()
+    except (TypeError, ValueError) as problem:
+        raise DataSetError(f"an array of {shape} {dtype} in {len(data)} bytes: {problem}") from problem
 
 
 def split(values: Dict[str, Any]) -> Tuple[List[Tuple[str, Any]], List[Tuple[str, Any]]]:

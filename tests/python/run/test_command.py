@@ -143,6 +143,20 @@ def test_what_cannot_be_done_is_told_on_one_line(orvane_run, words, status, told
     assert (ended.returncode, ended.stderr) == (status, told)
 
 
+def test_data_set_that_is_damaged_is_told_on_one_line_and_left_as_it_was(orvane_run):
+    orvane_run("sweep.py", "--out", "a.orvrun")
+    file = orvane_run.folder / "a.orvrun"
+    damaged = bytearray(file.read_bytes())
+    damaged[4096:] = b"\xff" * (len(damaged) - 4096)
+    file.write_bytes(damaged)
+    for words in (["show", "a.orvrun"], ["sweep.py", "--out", "a.orvrun", "--resume"]):
+        ended = orvane_run(*words)
+        assert (ended.returncode, ended.stdout) == (1, "")
+        assert ended.stderr.splitlines()[-1].endswith("database disk image is malformed")
+        assert ended.stderr.count("\n") == 1
+    assert file.read_bytes()[4096:] == damaged[4096:]
+
+
 def test_program_without_a_run_is_told(orvane_run):
     (orvane_run.folder / "empty.py").write_text("import orvane\n")
     assert orvane_run("empty.py").stderr == "orvane: run: empty.py: it makes no runs, and calls go() of none\n"

@@ -221,6 +221,31 @@ def test_recipe_with_a_field_of_another_program_is_refused(sweep, out):
         orvane.DataSet(out)
 
 
+@pytest.mark.parametrize("change, told", [
+    ("UPDATE array SET dtype = 'O'", r"an array of \[2\] O in 2 bytes: cannot create an OBJECT array"),
+    ("UPDATE array SET shape = '[3]'", r"an array of \[3\] \|u1 in 2 bytes: cannot reshape array"),
+    ("UPDATE array SET dtype = 'nonsense'", "an array of .* nonsense in 2 bytes: data type 'nonsense' not understood"),
+])
+def test_array_of_another_make_is_refused(sweep, out, change, told):
+    sweep(boards="OV0001:0", drive=[0], measure=lambda p, drive: p.record(it=numpy.zeros(2, numpy.uint8))).go(out)
+    base = sqlite3.connect(out)
+    base.execute(change)
+    base.commit()
+    base.close()
+    with orvane.DataSet(out) as data, pytest.raises(DataSetError, match=told):
+        list(data.points())
+
+
+def test_recipe_that_is_cut_is_refused(sweep, out):
+    sweep().go(out)
+    base = sqlite3.connect(out)
+    base.execute("UPDATE recipe SET json = substr(json, 1, 20)")
+    base.commit()
+    base.close()
+    with pytest.raises(orvane.run.RecipeError, match="^recipe: Unterminated string"):
+        orvane.DataSet(out)
+
+
 def test_second_program_is_refused_while_one_is_at_work(sweep, out):
     found = []
 

@@ -160,6 +160,24 @@ const tests = {
     await look(page, "phy");
   },
 
+  async "a page that nobody sees asks the boards for nothing, and goes on when it is seen"({ page }) {
+    const hide = (hidden) => page.evaluate((now) => {
+      Object.defineProperty(document, "hidden", { value: now, configurable: true });
+      document.dispatchEvent(new Event("visibilitychange"));
+    }, hidden);
+    const reads = async () => (await lab("OV0001", "counts")).filter((each) => each.procedure.startsWith("mdio"))
+      .reduce((sum, each) => sum + each.received, 0);
+    await hide(true);
+    await page.getByText("not connected").waitFor();
+    await page.waitForTimeout(500); // what was under way
+    const before = await reads();
+    await page.waitForTimeout(1500); // fifteen reads, if it went on
+    assert.equal(await reads(), before);
+    await lab("OV0001", "set", { register: "0x10000", value: 0x0002, device: 0, phy: 3 });
+    await hide(false);
+    await page.getByRole("region", { name: "PMA.CONTROL1" }).getByText("0x0002", { exact: true }).first().waitFor();
+  },
+
   async "a register that a read changes waits for a click"({ page }) {
     await page.getByLabel("Find registers").fill("PMA.STATUS1");
     const row = page.getByRole("row").filter({ hasText: "1.0x0001" });

@@ -30,12 +30,24 @@ export class Live {
   private inSight: readonly string[] = [];
   private pause = patience;
 
-  connect(): void {
+  // From now on, while the page is to be seen: boards are not asked for what nobody looks at.
+  begin(): void {
+    document.addEventListener("visibilitychange", () => {
+      if (document.hidden) this.socket?.close();
+      else this.connect();
+    });
+    this.connect();
+  }
+
+  private connect(): void {
+    const open = this.socket !== undefined && this.socket.readyState <= WebSocket.OPEN;
+    if (document.hidden || open) return;
     const scheme = location.protocol === "https:" ? "wss" : "ws";
     this.socket = new WebSocket(`${scheme}://${location.host}/live`);
-    this.socket.onopen = () => this.opened();
-    this.socket.onmessage = (event) => this.take(JSON.parse(String(event.data)));
-    this.socket.onclose = () => this.closed();
+    const socket = this.socket;
+    socket.onopen = () => this.opened();
+    socket.onmessage = (event) => this.take(JSON.parse(String(event.data)));
+    socket.onclose = () => socket === this.socket && this.closed();
   }
 
   // The answer to a request; an error is what the server says.
@@ -55,7 +67,7 @@ export class Live {
   watch(kind: string, members: Members, listener: Listener, onProblem: (text: string) => void): () => void {
     const watch: Watch = { kind, members, listener, values: {} };
     this.watches.add(watch);
-    this.begin(watch).catch((problem: Error) => onProblem(problem.message));
+    this.start(watch).catch((problem: Error) => onProblem(problem.message));
     return () => {
       this.watches.delete(watch);
       if (watch.topic !== undefined && ![...this.watches].some((each) => each.topic === watch.topic))
@@ -69,7 +81,7 @@ export class Live {
     this.ask("look", { boards }).catch(() => undefined);
   }
 
-  private async begin(watch: Watch): Promise<void> {
+  private async start(watch: Watch): Promise<void> {
     if (this.socket?.readyState !== WebSocket.OPEN) return; // it begins when the connection does
     const { topic } = await this.ask<{ topic: number }>("watch", { ...watch.members, kind: watch.kind });
     if (!this.watches.has(watch)) {
@@ -86,14 +98,18 @@ export class Live {
   private opened(): void {
     this.pause = patience;
     this.onState(true);
-    for (const watch of this.watches) this.begin(watch).catch(() => undefined);
+    for (const watch of this.watches) this.start(watch).catch(() => undefined);
     if (this.inSight.length) this.look(this.inSight);
   }
 
   private closed(): void {
     for (const each of this.waiting.values()) each.reject(new Error("the server is not reached"));
     this.waiting.clear();
-    for (const watch of this.watches) delete watch.topic;
+    this.early.clear();
+    for (const watch of this.watches) {
+      delete watch.topic;
+      watch.values = {}; // the server begins anew, and numbers what it tells anew
+    }
     this.onState(false);
     setTimeout(() => this.connect(), this.pause);
     this.pause = Math.min(longest, this.pause * 2);

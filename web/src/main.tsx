@@ -21,7 +21,7 @@ function App(): JSX.Element {
       setConnected(now);
       if (now) live.ask<Hello>("hello").then(setHello, () => undefined);
     };
-    live.connect();
+    live.begin();
   }, []);
   return (
     <>

@@ -32,6 +32,7 @@ class Cluster:
         self.address = str(self.client.scheduler.address)
         self.reached: Dict[str, Set[str]] = {}
         """workers by the port that they have announced, as look() has found it"""
+        self._processes: Dict[str, str] = {}
         try:
             self.call(lambda: self.client.register_worker_plugin(host, name), ANSWER)
         except Exception as problem:
@@ -48,11 +49,16 @@ class Cluster:
         """The workers that are connected, by address."""
         workers: Dict[str, Any] = self.call(lambda: self.client.scheduler.identity(), CONNECT)["workers"]
         self.reached = {}
+        self._processes = {address: worker["local_directory"] for address, worker in workers.items()}
         for address, worker in workers.items():
             for resource, count in worker["resources"].items():
                 if count and resource.startswith(resource_of("")):
                     self.reached.setdefault(resource[len(resource_of("")):], set()).add(address)
         return workers
+
+    def processes(self, workers: abc.Iterable[str]) -> Set[str]:
+        """Names of those that are connected: another one for each process, also when it is begun again."""
+        return {self._processes[each] for each in workers if each in self._processes}
 
     def ask(self, function: Callable[..., Any], arguments: abc.Mapping[str, Tuple[Any, ...]], within: float
             ) -> Dict[str, Any]:

@@ -30,11 +30,11 @@ _BEAT = 1.0
 class _Going:
     """A point that was sent to the workers."""
 
-    def __init__(self, task: Task, future: Any, pinned: Optional[str]) -> None:
+    def __init__(self, task: Task, future: Any, able: Set[str]) -> None:
         self.task = task
         self.future = future
-        self.pinned = pinned
-        """the one worker that may measure it"""
+        self.able = able
+        """processes that may measure it: Dask does not give it to one that announces the board later"""
 
 
 class HostsBench:
@@ -155,7 +155,8 @@ class HostsBench:
         future = self._cluster.client.submit(
             measure_there, self._name, *what, key=f"{self._name} {port} {self._sent}",
             resources={resource_of(port): 1}, workers=pinned, pure=False)
-        self._going[port] = _Going(tasks[-1], future, pinned)
+        able = self._cluster.processes(workers if pinned is None else [pinned])
+        self._going[port] = _Going(tasks[-1], future, able)
         future.add_done_callback(lambda _: self._news.set())
 
     def wait(self, seconds: float) -> bool:
@@ -220,7 +221,7 @@ class HostsBench:
         self._unreached = [port for port in self._todo if port not in self._cluster.reached]
         for port in list(self._todo):
             going, reached = self._going.get(port), self._cluster.reached.get(port, set())
-            if going is not None and (not reached or going.pinned not in (None, *reached)):
+            if going is not None and not going.able & self._cluster.processes(reached):
                 going.future.cancel()
                 del self._going[port]
                 going = None

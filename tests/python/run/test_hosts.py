@@ -142,6 +142,19 @@ def test_three_hosts_measure_a_hundred_boards_each_while_a_worker_is_killed_and_
     assert all(board.value((30, 0xC052), phy=3) == 1 for host in hosts for board in host.lab.boards())
 
 
+def test_worker_that_is_back_before_it_is_missed_goes_on(hosts, begin):
+    worker = hosts[0].worker()
+    slow_look = "\norvane.run.hosts._BEAT, orvane.run.hosts.SILENCE = 15.0, 60.0\n"
+    run, out = begin("OV?0[1-2]?:0", drives=20, safe=SAFE + slow_look)
+    wait_for_points(run, out, 20)
+    worker.kill()
+    again = hosts[0].worker()
+    status, told = ended(run)
+    again.end()
+    assert status == 0, told
+    assert_whole(out, 20, 20)
+
+
 def test_plan_tells_how_many_boards_are_measured_at_a_time(workers, begin):
     run, _ = begin("OV?00[1-3]:0", "--plan")
     assert ended(run)[1].splitlines()[1] == (

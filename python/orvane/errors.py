@@ -87,7 +87,7 @@ class Refused(Error):
     @property
     def holder(self) -> str:
         """"place wren, acquired by desk/ann", as the coordinator says; empty when nothing is known. The coordinator is
-        asked once, when this is looked at or the error is shown, and waited for 5 s at most."""
+        asked once, when this is looked at or the error is shown, and waited for 10 s at most."""
         if self._holder is None:
             named = any(os.environ.get(name) for name in ("LG_CROSSBAR", "LG_COORDINATOR"))
             self._holder = _ask_labgrid(f"{self.board}:{self.port}", str(self.phy)) if named else ""
@@ -125,7 +125,7 @@ def _ask_labgrid(*what: str) -> str:
     """A process of its own asks: labgrid's client has an event loop, which would be in the way of the program's."""
     try:
         asked = subprocess.run([sys.executable, "-m", "orvane.labgrid.holder", *what], stdin=subprocess.DEVNULL,
-                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=5, text=True)
+                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=10, text=True)
     except (OSError, subprocess.TimeoutExpired):
         return ""
     return asked.stdout.strip() if asked.returncode == 0 else ""

@@ -5,11 +5,12 @@ from __future__ import annotations
 import argparse
 import os
 import pathlib
+import re
 import socket
 import sys
 import tempfile
 from collections import abc
-from typing import Any, ClassVar, Dict, List, Optional, Type
+from typing import Any, ClassVar, Dict, List, Optional, Tuple, Type
 
 import attr
 import labgrid.remote.exporter as exporter  # type: ignore[import]
@@ -61,7 +62,8 @@ class OrvanePortExport(ResourceExport):
                 self.lock.take(place_name, self.local.address)
             except Refused as refusal:
                 self.release()
-                raise BrokenResourceError(f"{place_name} cannot be locked: {refusal.args[0]}") from refusal
+                # Alone: to show the refusal itself would ask the coordinator, which waits for this.
+                raise BrokenResourceError(f"{place_name} cannot be locked: {refusal.args[0]}") from None
             except Error:
                 pass  # it has just gone
         self.poll()
@@ -130,6 +132,8 @@ def _parser() -> argparse.ArgumentParser:
                         help="ports by name ('OV*:0', '*:0' unless told) and addresses (10.0.0.5, 10.0.0.5-20, "
                              "10.0.0.0/28); without addresses, boards are searched for")
     parser.add_argument("--phy", type=int, action="append", metavar="N", help="PHY of each port (0); may be repeated")
+    parser.add_argument("--tag", type=_tag, action="append", default=[], metavar="KEY=VALUE",
+                        help="another tag of each port, such as board=wren; may be repeated")
     parser.add_argument("--every", type=float, default=5.0, metavar="S",
                         help="look for new and moved boards every S seconds (5)")
     parser.add_argument("--state", type=pathlib.Path, metavar="FILE",
@@ -148,6 +152,13 @@ def _parser() -> argparse.ArgumentParser:
     theirs.add_argument("-i", "--isolated", action="store_true")
     theirs.add_argument("-d", "--debug", action="store_true")
     return parser
+
+
+def _tag(text: str) -> Tuple[str, str]:
+    told = re.fullmatch("([a-z][a-z0-9_]+)=([a-z0-9_]+)", text)
+    if told is None:
+        raise argparse.ArgumentTypeError(f"{text}: a tag is of lower-case letters, digits, underscores: board=wren")
+    return told[1], told[2]
 
 
 def _theirs(arguments: argparse.Namespace, resources: str) -> List[str]:
@@ -175,7 +186,7 @@ def _scout(arguments: argparse.Namespace, rack: Rack) -> Scout:
             patterns.append(each)
         else:
             addresses += row
-    return Scout(rack, patterns, addresses, arguments.phy or [0], arguments.every)
+    return Scout(rack, patterns, addresses, arguments.phy or [0], arguments.every, dict(arguments.tag))
 
 
 def _serve(arguments: argparse.Namespace, rack: Rack, scout: Scout, name: str) -> None:

@@ -29,10 +29,12 @@ class FoundPort:
     phy: int
     identifier: Optional[int]
     """registers 2 and 3 of the PHY's PMA, if they could be read"""
+    more: Tuple[Tuple[str, str], ...] = ()
+    """tags that the exporter was told"""
 
     def tags(self) -> Dict[str, str]:
         """As labgrid's reservations can ask for them: lower-case letters, digits, underscores."""
-        told = {"serial": self.device, "port": str(self.port), "phy": str(self.phy)}
+        told = {**dict(self.more), "serial": self.device, "port": str(self.port), "phy": str(self.phy)}
         if self.identifier is not None:
             told["phy_id"] = f"{self.identifier:08x}"
         return {name: re.sub("[^a-z0-9_]", "_", value.lower()) for name, value in told.items()}
@@ -56,12 +58,13 @@ class Scout:
     """Looks for ports whose names fit, and keeps in mind what it has found. Any thread may ask it."""
 
     def __init__(self, rack: Rack, patterns: abc.Sequence[str], addresses: abc.Sequence[str], phys: abc.Sequence[int],
-                 pause: float = 5.0) -> None:
+                 pause: float = 5.0, tags: abc.Mapping[str, str] = {}) -> None:
         self._rack = rack
         self._patterns = [each.upper() for each in patterns] or ["*:0"]
         self._addresses = list(addresses)
         self._phys = list(phys)
         self._pause = pause
+        self._tags = tuple(tags.items())
         self._lock = threading.Lock()
         self._found: Dict[Tuple[str, int, int], FoundPort] = {}
         self._ends = threading.Event()
@@ -110,7 +113,8 @@ class Scout:
         if identifier is None:
             identifier = self._identifier(board, port, phy)
         with self._lock:
-            self._found[board.serial, port, phy] = FoundPort(board.serial, board.address, port, phy, identifier)
+            self._found[board.serial, port, phy] = FoundPort(board.serial, board.address, port, phy, identifier,
+                                                             self._tags)
 
     def _identifier(self, board: FoundBoard, port: int, phy: int) -> Optional[int]:
         try:

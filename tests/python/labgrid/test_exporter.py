@@ -79,6 +79,17 @@ def test_program_prints_the_configuration(capsys, board):
     assert "host: lab1" in capsys.readouterr().out
 
 
+def test_program_adds_tags_that_it_is_told(capsys, board):
+    assert main(["--places", "-n", "lab1", "--tag", "board=wren", "--tag", "room=b12", "10.83.0.1"]) == 0
+    assert "set-tags board=wren room=b12 serial=ov0001 port=0 phy=0 phy_id=" in capsys.readouterr().out
+
+
+def test_program_refuses_a_tag_that_no_reservation_could_ask_for(capsys):
+    with pytest.raises(SystemExit):
+        main(["--places", "--tag", "Board=Wren", "10.83.0.1"])
+    assert "Board=Wren: a tag is of lower-case letters" in capsys.readouterr().err
+
+
 def test_program_refuses_too_many_addresses(capsys):
     with pytest.raises(SystemExit) as ended:
         main(["--write", "10.0.0.0/8"])
@@ -135,8 +146,9 @@ def test_board_that_somebody_holds_is_not_acquired(export, board):
     with orvane.Rack() as other:
         holder = other.open("OV0001:0", exclusive=0x4711).phy(3)
         holder.open()
-        with pytest.raises(BrokenResourceError, match="wren cannot be locked: OV0001:0 PHY 3: open: refused"):
+        with pytest.raises(BrokenResourceError, match="wren cannot be locked: OV0001:0 PHY 3: open: refused") as raised:
             export.acquire("wren")
+        assert raised.value.__cause__ is None and raised.value.__suppress_context__
         assert export.acquired is None and export.broken is None
         assert export.params["extra"]["lock"].startswith("refused since")
     export.acquire("wren")

@@ -11,14 +11,14 @@ import { mkdirSync, mkdtempSync, readFileSync, writeFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import { connect } from "node:net";
 import { tmpdir } from "node:os";
-import { dirname, join } from "node:path";
+import { dirname, join, resolve } from "node:path";
 import { createInterface } from "node:readline";
 import { fileURLToPath } from "node:url";
 
 const [modules, shots] = process.argv.slice(2);
 const patience = 30_000; // ms for what happens at once on a quiet machine
 const here = dirname(fileURLToPath(import.meta.url));
-const load = createRequire(join(modules, "package.json"));
+const load = createRequire(resolve(modules, "package.json"));
 const { chromium } = load("playwright-core");
 const axe = readFileSync(load.resolve("axe-core/axe.min.js"), "utf8");
 const folder = mkdtempSync(join(tmpdir(), "orvane-web-"));

@@ -2,6 +2,7 @@
 from __future__ import annotations
 
 import collections
+import contextlib
 import dataclasses
 import math
 import time
@@ -30,7 +31,7 @@ class Answers:
     seconds: Optional[float] = None
     """of the ping"""
     temperatures: Optional[List[Optional[float]]] = None
-    """None: the board has none, or was not asked"""
+    """None: not asked; empty: the board tells none"""
     services: Optional[Dict[str, int]] = None
 
 
@@ -83,18 +84,17 @@ class Board:
             return Answers("away", str(problem))
         return Answers("held" if isinstance(problem, Refused) else "trouble", str(problem))
 
-    def _temperatures(self, phy: Phy, channels: int) -> Optional[List[Optional[float]]]:
-        found: List[Optional[float]] = []
-        for channel in range(channels):
-            try:
-                celsius = phy.thermal[channel].temperature
-                found.append(round(celsius, 2) if math.isfinite(celsius) else None)
-            except Error:
-                found.append(None)
+    def _temperatures(self, phy: Phy, channels: int) -> List[Optional[float]]:
+        """Of the channels; nothing when the board tells none, which is asked again a while later."""
+        found = [_temperature(phy, channel) for channel in range(channels)]
+        if all(each is None for each in found):
+            with contextlib.suppress(Error):  # somebody may have disconnected the unit
+                phy.thermal.connect(within=1.0)
+            found = [_temperature(phy, channel) for channel in range(channels)]
         if any(each is not None for each in found):
             return found
         self._no_temperatures_until = time.monotonic() + _ASK_AGAIN
-        return None
+        return []
 
     def take(self, answers: Answers) -> None:
         """Keeps what a round of questions came to."""
@@ -104,7 +104,7 @@ class Board:
         if answers.services is not None:
             self.services = answers.services
         if answers.temperatures is not None:
-            kept = self.temperatures[len(answers.temperatures):]
+            kept = self.temperatures[len(answers.temperatures):] if answers.temperatures else []
             self.temperatures = answers.temperatures + kept
 
     def happened(self, event: Event) -> None:
@@ -122,13 +122,14 @@ class Board:
         self.requests.append((round(time.time(), 3), what, outcome, round(seconds * 1000, 2)))
 
     def row(self) -> Dict[str, Any]:
-        """For the table of the rack; times in milliseconds."""
+        """For the table of the rack; times in milliseconds. What a board that is away told last is not true now."""
         times = sorted(self._round_trips)
+        now = list(self._round_trips)[-1:] if self.state == "up" else []
         return {"address": self.address, "ports": list(self.ports), "state": self.state, "problem": self.problem,
                 "sessions": sorted(self.sessions),
-                "now": _milliseconds(list(self._round_trips)[-1:], 0),
+                "now": _milliseconds(now, 0),
                 "median": _milliseconds(times, 50), "p99": _milliseconds(times, 99),
-                "temperatures": self.temperatures}
+                "temperatures": self.temperatures if self.state == "up" else []}
 
     def details(self) -> Dict[str, Any]:
         """For the board's page."""
@@ -148,6 +149,14 @@ class BoardTopic(Topic):
     def refresh(self) -> None:
         """Takes what is known now."""
         self.put(self.board.details())
+
+
+def _temperature(phy: Phy, channel: int) -> Optional[float]:
+    try:
+        celsius = phy.thermal[channel].temperature
+    except Error:  # a board without that channel, or without control
+        return None
+    return round(celsius, 2) if math.isfinite(celsius) else None
 
 
 def _milliseconds(times: abc.Sequence[float], percent: int) -> Optional[float]:

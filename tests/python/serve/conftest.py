@@ -50,8 +50,10 @@ class Viewer:
 
     async def until(self, topic, holds):
         """Waits for values of a topic; what they are then."""
-        while not (topic in self.values and holds(self.values[topic])):
-            await self.receive()
+        async def wait():
+            while not (topic in self.values and holds(self.values[topic])):
+                await self.receive()
+        await asyncio.wait_for(wait(), WAIT)
         return self.values[topic]
 
     async def find(self, *boards):

@@ -70,6 +70,22 @@ def test_board_that_goes_and_comes_back_is_seen_doing_so(serve, board):
             return away
     away = asyncio.run(act(serve()))
     assert "OV0001" in away["problem"]
+    assert (away["now"], away["temperatures"]) == (None, [])  # what it told before is not true now
+
+
+def test_temperatures_go_on_after_somebody_disconnected_the_unit(serve, board, rack):
+    async def act(served):
+        async with served.viewer() as viewer:
+            topic = await viewer.find("OV0001")
+            await viewer.ask("look", boards=["OV0001"])
+            await viewer.until(topic, lambda rows: rows["OV0001"]["temperatures"])
+            other = rack.open("OV0001:0").phy(5).thermal
+            other.connect()
+            connected = board.executions("thrm_connect")
+            other.disconnect()
+            await viewer.until(topic, lambda rows: board.executions("thrm_connect") > connected)
+            return (await viewer.until(topic, lambda rows: rows["OV0001"]["temperatures"]))["OV0001"]
+    assert asyncio.run(act(serve()))["temperatures"] == [25.0]
 
 
 def test_value_that_changes_on_the_board_is_told_with_its_time(serve, board):

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import argparse
+import importlib
 import os
 import pathlib
 import re
@@ -14,7 +15,6 @@ from typing import Any, ClassVar, Dict, List, Optional, Tuple, Type
 
 import attr
 import labgrid.remote.exporter as exporter  # type: ignore[import]
-import yaml
 from labgrid.remote.exporter import BrokenResourceError, ResourceExport
 
 from orvane.errors import Error, Refused
@@ -108,6 +108,7 @@ def parameters(found: FoundPort) -> Dict[str, Any]:
 
 def configuration(ports: abc.Iterable[FoundPort], host: str) -> str:
     """The same for labgrid's own exporter, which tells of boards as they are when it starts and locks none."""
+    yaml: Any = importlib.import_module("yaml")  # labgrid needs it; its types need not be there
     groups: Dict[str, Dict[str, Any]] = {}
     for found in ports:
         groups.setdefault(found.device, {})[resource_name(found)] = {

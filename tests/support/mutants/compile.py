@@ -33,7 +33,7 @@ ARGUMENT = re.compile(r"(i1|i8|i16|i32|i64)((?: noundef| signext| zeroext)*) (-?
 OF_THE_COMPILER = re.compile(r"^(llvm\.|_Zn[wa]m|_Zd[la]Pv|__cxa_|__clang|__gxx|_ZSt9terminatev)|12memory_order")
 ITS_OWN = re.compile(r"^%(retval|cleanup\.|ehselector|exn)")
 
-META = re.compile(r"^!(\d+) = (?:distinct )?!(DILocation|DISubprogram|DILexicalBlock|DILexicalBlockFile|DIFile)\((.*)\)$")
+META = re.compile(r"^!(\d+) = (?:distinct )?!(DILocation|DISubprogram|DILexicalBlock(?:File)?|DIFile)\((.*)\)$")
 
 
 class Places:

@@ -13,7 +13,7 @@ namespace {
 using namespace Orvane;
 
 py::tuple tupleOf(const FoundBoard& board) {
-    return py::make_tuple(board.serial, board.address, board.ports);
+    return py::make_tuple(board.serial, board.address, board.ports, board.kind);
 }
 
 // The boards, and how many answers were malformed.

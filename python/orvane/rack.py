@@ -31,6 +31,8 @@ class FoundBoard:
     serial: str
     address: str
     ports: abc.Sequence[int]
+    kind: str = ""
+    """the word that its answer begins with: what sort of board it is"""
 
     def __str__(self) -> str:
         return f"{self.serial} at {self.address}, ports {', '.join(map(str, self.ports))}"
@@ -294,11 +296,11 @@ def discover(*, within: WithinLike = None) -> Discovery:
     return rack().discover(within=within)
 
 
-def _found(serial: str, address: str, ports: abc.Iterable[int]) -> FoundBoard:
-    return FoundBoard(serial, address, tuple(ports))
+def _found(serial: str, address: str, ports: abc.Iterable[int], kind: str) -> FoundBoard:
+    return FoundBoard(serial, address, tuple(ports), kind)
 
 
-def _discovery(told: Tuple[List[Tuple[str, str, List[int]]], int]) -> Discovery:
+def _discovery(told: Tuple[List[Tuple[str, str, List[int], str]], int]) -> Discovery:
     boards, malformed = told
     return Discovery((_found(*each) for each in boards), malformed)
 

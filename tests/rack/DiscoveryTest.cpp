@@ -54,6 +54,7 @@ TEST_F(RackDiscovery, FindsEveryBoardWithItsPortsAndAddress) {
     OrvaneSim::BoardOptions options;
     options.serial = "zz9";
     options.devices = {"zz9:3", "zz9:0", "zz9:10"};
+    options.firstWord = "wren";
     const std::string address = lab.add(options).address();
     const std::string first = addBoard("aa1").address();
     const Discovery found = Rack().discover();
@@ -63,6 +64,7 @@ TEST_F(RackDiscovery, FindsEveryBoardWithItsPortsAndAddress) {
     EXPECT_EQ(found.boards[1].serial, "ZZ9");
     EXPECT_EQ(found.boards[1].address, address);
     EXPECT_EQ(found.boards[1].ports, (std::vector<unsigned>{0, 3, 10}));
+    EXPECT_EQ(found.boards[1].kind, "wren");
     EXPECT_EQ(found.malformed, 0U);
 }
 

@@ -25,10 +25,10 @@ bool isPrintable(const std::string& text) {
 
 using Ports = std::map<std::string, std::set<unsigned>>;
 
-bool readPorts(const std::string& name, Ports& ports) {
+bool readPorts(const std::string& name, Ports& ports, std::string& kind) {
     std::istringstream words(name);
     std::string word;
-    words >> word; // what the board is; its devices follow
+    words >> kind; // its devices follow
     if (PortName::upper(name) == kTypeWord)
         ports[kTypeWord].insert(0);
     while (words >> word) {
@@ -45,12 +45,13 @@ bool readPorts(const std::string& name, Ports& ports) {
 std::vector<FoundBoard> boardsOf(const Answer& answer) {
     const std::size_t bar = answer.text.find('|');
     Ports ports;
+    std::string kind;
     if (bar == std::string::npos || !isPrintable(answer.text) ||
-        !readPorts(answer.text.substr(bar + 1), ports))
+        !readPorts(answer.text.substr(bar + 1), ports, kind))
         return {};
     std::vector<FoundBoard> boards;
     for (const auto& [serial, numbers] : ports)
-        boards.push_back({serial, RackLink::dotted(answer.from), {numbers.begin(), numbers.end()}});
+        boards.push_back({serial, RackLink::dotted(answer.from), {numbers.begin(), numbers.end()}, kind});
     return boards;
 }
 

@@ -12,6 +12,7 @@ struct FoundBoard {
     std::string serial;          // upper case, printable ASCII without blanks
     std::string address;         // dotted IPv4
     std::vector<unsigned> ports; // ascending; opened as "SERIAL:PORT"
+    std::string kind;            // the word that its answer begins with: what sort of board it is
 };
 
 // Plain values.

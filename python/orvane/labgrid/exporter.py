@@ -134,7 +134,7 @@ def _parser() -> argparse.ArgumentParser:
                              "10.0.0.0/28); without addresses, boards are searched for")
     parser.add_argument("--phy", type=int, action="append", metavar="N", help="PHY of each port (0); may be repeated")
     parser.add_argument("--tag", type=_tag, action="append", default=[], metavar="KEY=VALUE",
-                        help="another tag of each port, such as board=wren; may be repeated")
+                        help="another tag of each port, such as bench=7; may be repeated")
     parser.add_argument("--every", type=float, default=5.0, metavar="S",
                         help="look for new and moved boards every S seconds (5)")
     parser.add_argument("--state", type=pathlib.Path, metavar="FILE",
@@ -158,7 +158,7 @@ def _parser() -> argparse.ArgumentParser:
 def _tag(text: str) -> Tuple[str, str]:
     told = re.fullmatch("([a-z][a-z0-9_]+)=([a-z0-9_]+)", text)
     if told is None:
-        raise argparse.ArgumentTypeError(f"{text}: a tag is of lower-case letters, digits, underscores: board=wren")
+        raise argparse.ArgumentTypeError(f"{text}: a tag is of lower-case letters, digits, underscores: bench=7")
     return told[1], told[2]
 
 

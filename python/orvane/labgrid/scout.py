@@ -31,10 +31,13 @@ class FoundPort:
     """registers 2 and 3 of the PHY's PMA, if they could be read"""
     more: Tuple[Tuple[str, str], ...] = ()
     """tags that the exporter was told"""
+    kind: str = ""
+    """the board's type, as it says when it is looked for"""
 
     def tags(self) -> Dict[str, str]:
         """As labgrid's reservations can ask for them: lower-case letters, digits, underscores."""
-        told = {**dict(self.more), "serial": self.device, "port": str(self.port), "phy": str(self.phy)}
+        kind = {"board": self.kind} if self.kind else {}
+        told = {**kind, **dict(self.more), "serial": self.device, "port": str(self.port), "phy": str(self.phy)}
         if self.identifier is not None:
             told["phy_id"] = f"{self.identifier:08x}"
         return {name: re.sub("[^a-z0-9_]", "_", value.lower()) for name, value in told.items()}
@@ -114,7 +117,7 @@ class Scout:
             identifier = self._identifier(board, port, phy)
         with self._lock:
             self._found[board.serial, port, phy] = FoundPort(board.serial, board.address, port, phy, identifier,
-                                                             self._tags)
+                                                             self._tags, board.kind)
 
     def _identifier(self, board: FoundBoard, port: int, phy: int) -> Optional[int]:
         try:

@@ -34,7 +34,7 @@ def test_search_finds_ports_whose_names_fit_with_their_tags(rack, board):
     found = Scout(rack, ["ov000[12]:0", "OV0003:1"], [], [3]).look()
     assert [(each.device, each.address, each.port, each.phy) for each in found] == [
         ("OV0001", "10.83.0.1", 0, 3), ("OV0002", "10.83.0.2", 0, 3), ("OV0003", "10.83.0.3", 1, 3)]
-    assert found[0].tags() == {"serial": "ov0001", "port": "0", "phy": "3", "phy_id": "0a5c1e83"}
+    assert found[0].tags() == {"board": "host", "serial": "ov0001", "port": "0", "phy": "3", "phy_id": "0a5c1e83"}
 
 
 def test_boards_at_addresses_are_found_without_a_search(rack, lab):
@@ -70,7 +70,7 @@ def test_places_are_made_by_these_commands(rack, board):
     assert place_commands(Scout(rack, [], ["10.83.0.1"], [3]).look(), "lab1") == """\
 labgrid-client -p ov0001-0-3 create
 labgrid-client -p ov0001-0-3 add-match lab1/OV0001/NetworkOrvanePort/port0-phy3
-labgrid-client -p ov0001-0-3 set-tags serial=ov0001 port=0 phy=3 phy_id=0a5c1e83
+labgrid-client -p ov0001-0-3 set-tags board=host serial=ov0001 port=0 phy=3 phy_id=0a5c1e83
 """
 
 

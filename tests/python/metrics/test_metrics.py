@@ -69,20 +69,20 @@ def test_histogram_has_every_call_and_grows_with_its_bounds(rack, phy):
 
 def test_sessions_are_counted_while_they_are_open(rack, board):
     events = EventCounts()
-    closed = threading.Event()
+    told = {kind: threading.Event() for kind in (orvane.EventKind.OPENED, orvane.EventKind.CLOSED)}
 
     def take(event):
         events.take(event)
-        if event.kind is orvane.EventKind.CLOSED:
-            closed.set()
+        if event.kind in told:
+            told[event.kind].set()
 
     rack.on_event(take)
     phy = rack.open("OV0001:0").phy(3)
     phy.open()
-    phy[1, 2]
+    assert told[orvane.EventKind.OPENED].wait(30)
     opened = exposed(rack, events)['orvane_sessions{board="OV0001"}']
     phy.close()
-    assert closed.wait(30)
+    assert told[orvane.EventKind.CLOSED].wait(30)
     assert (opened, exposed(rack, events)['orvane_sessions{board="OV0001"}']) == (1, 0)
 
 

@@ -64,14 +64,31 @@ def folder_of(room):
     sys.exit(f"mutants: ov_sys has no room {room}")
 
 
-def known_survivors():
-    """The rows of tests/mutants.md: (file, line, change)."""
-    rows = set()
-    for row in KNOWN.read_text().splitlines():
-        cells = re.match(r"\| `([^`]+)` \| `(.+?)` \| `(.+?)` \| .+ \|$", row)
-        if cells:
-            rows.add(cells.groups())
-    return rows
+class Survivors:
+    """What tests/mutants.md lists: cells of text, or patterns between slashes."""
+
+    def __init__(self):
+        self.rows = []
+        for row in KNOWN.read_text().splitlines():
+            cells = re.match(r"\| `([^`]+)` \| `(.+?)` \| `(.+?)` \| .+ \|$", row)
+            if cells:
+                self.rows.append([cell.replace("\\|", "|") for cell in cells.groups()])
+        self.met = [0] * len(self.rows)
+
+    @staticmethod
+    def holds(cell, text):
+        pattern = re.fullmatch("/(.+)/", cell)
+        return re.search(pattern.group(1), text) is not None if pattern else cell == text
+
+    def __contains__(self, mutant):
+        for index, row in enumerate(self.rows):
+            if all(map(self.holds, row, (mutant.file, mutant.source(), mutant.change))):
+                self.met[index] += 1
+                return True
+        return False
+
+    def stale(self, folder):
+        return [row for row, met in zip(self.rows, self.met) if row[0].startswith(folder) and not met]
 
 
 # The build -----------------------------------------------------------------------------------------------------
@@ -203,9 +220,11 @@ def main():
     options = arguments()
     rooms = [options.room] if options.alone else [options.room, *(room for room in ROOMS if room != options.room)]
     build(rooms, options.jobs)
-    known = known_survivors()
+    known = Survivors()
     mutants = [one for one in mutants_of(folder_of(options.room))
-               if options.file in one.file and (one.file, one.source(), one.change) not in known]
+               if options.file in one.file and one not in known]
+    for row in known.stale(options.file or folder_of(options.room)):
+        print("mutants: tests/mutants.md lists what is no change any more:", " | ".join(row))
     if options.limit is not None and options.limit < len(mutants):
         mutants = sorted(random.Random(options.seed).sample(mutants, options.limit), key=mutants.index)
     if options.list:

@@ -6,11 +6,16 @@
 The compiler's output is changed between the compiler and the assembler: where the source compares two numbers, or
 where a constant stands, code is put that asks orvane_mutant() which of the two ways to go. What was changed is told in
 OBJECT.mutants. Sources that are not of the library are compiled as they are.
+
+Left alone is what cannot matter: the constant that an implicit comparison with zero has, a bound moved by one where
+that is the same as another sign, sizes of objects, and what a variable holds until a call writes over it.
 """
 
+import functools
 import json
 import os
 import re
+import shutil
 import subprocess
 import sys
 import zlib
@@ -32,6 +37,8 @@ ARGUMENT = re.compile(r"(i1|i8|i16|i32|i64)((?: noundef| signext| zeroext)*) (-?
 # Room for objects, what the compiler itself calls, and orders of memory: no test can tell them from stronger ones.
 OF_THE_COMPILER = re.compile(r"^(llvm\.|_Zn[wa]m|_Zd[la]Pv|__cxa_|__clang|__gxx|_ZSt9terminatev)|12memory_order")
 ITS_OWN = re.compile(r"^%(retval|cleanup\.|ehselector|exn)")
+# One more or less here is the same as the other sign.
+SAME_AS_SIGN = {"slt": 1, "ult": 1, "sge": 1, "uge": 1, "sle": -1, "ule": -1, "sgt": -1, "ugt": -1}
 
 META = re.compile(r"^!(\d+) = (?:distinct )?!(DILocation|DISubprogram|DILexicalBlock(?:File)?|DIFile)\((.*)\)$")
 
@@ -70,8 +77,23 @@ class Places:
         inside = os.path.relpath(path, self.root)
         return inside if inside.startswith("ov_sys/") else None
 
+    @functools.lru_cache(None)
+    def source(self, file):
+        with open(os.path.join(self.root, file), encoding="utf-8") as text:
+            return text.read().splitlines()
 
-def others(kind, value, masks):
+    def text(self, place):
+        """The line, from the place on."""
+        file, line, column = place
+        return self.source(file)[line - 1][column - 1:]
+
+    def of_a_size(self, place, value):
+        """Whether the line takes a size of an object that is this number."""
+        line = self.source(place[0])[place[1] - 1]
+        return "sizeof" in line and not re.search(rf"(?<!\w){value}(?!\w)", line)
+
+
+def others(kind, value, masks=False, zero=False):
     """What a constant becomes."""
     if kind == "i1" or value in ("true", "false"):
         return ["false" if value == "true" else "true"]
@@ -81,6 +103,8 @@ def others(kind, value, masks):
     changed = [number + 1, number - 1]
     if masks and number > 3:
         changed.append(number & ~(1 << (number.bit_length() - 1)))
+    if zero and number > 9:
+        changed.append(0)
     return [str(each) for each in dict.fromkeys(changed)]
 
 
@@ -121,10 +145,10 @@ class Rewriter:
                         f"{self.debug}")
         return name
 
-    def constant(self, place, kind, value, masks=False):
+    def constant(self, place, kind, value, changed):
         """The name of what takes the constant's place."""
         name = value
-        for other in others(kind, value, masks):
+        for other in changed if not self.places.of_a_size(place, value) else ():
             asked = self.asked(place, f"{value} -> {other}")
             self.names += 1
             self.out.append(f"  %other.{self.names} = select i1 {asked}, {kind} {other}, {kind} {name}{self.debug}")
@@ -151,33 +175,57 @@ class Rewriter:
             operation, kind, first, second = found.groups()
             for operand in (first, second):
                 if re.fullmatch(r"-?\d+|true|false", operand) and kind != "i1":
-                    name = self.constant(place, kind, operand, operation in ("and", "or"))
+                    name = self.constant(place, kind, operand, self.operands(place, operation, kind, operand))
                     line = re.sub(rf"(?<=[ ]){re.escape(operand)}(?=, )", name, line, count=1) \
                         if operand == first else line.replace(f", {operand}, !dbg", f", {name}, !dbg")
         if COMPARISON.match(line):
             return self.comparison(line, place)
         found = STORE.match(line) or RETURN.match(line)
-        if found and not (len(found.groups()) == 3 and ITS_OWN.match(found.group(3))):
+        if found and not (len(found.groups()) == 3 and self.of_no_use(found.group(3))):
             kind, value = found.groups()[:2]
-            line = line.replace(f" {kind} {value}", f" {kind} {self.constant(place, kind, value)}", 1)
+            name = self.constant(place, kind, value, others(kind, value))
+            line = line.replace(f" {kind} {value}", f" {kind} {name}", 1)
         found = CALL.match(line)
         if found and not OF_THE_COMPILER.search(found.group(1)):
             begin, end = found.span(2)
             line = line[:begin] + self.arguments(line[begin:end], place) + line[end:]
         self.out.append(line)
 
+    def operands(self, place, operation, kind, value):
+        """What the constant of an operation becomes."""
+        if not operation.startswith("icmp "):
+            return others(kind, value, masks=operation in ("and", "or"))
+        if not re.match(r"[=!]=|[<>]", self.places.text(place)):
+            return ()
+        same = int(value) + SAME_AS_SIGN.get(operation[len("icmp "):], 0)
+        return [other for other in others(kind, value) if int(other) != same]
+
+    def of_no_use(self, variable):
+        """Whether nothing reads what is stored here: a call gets the variable's address first."""
+        if ITS_OWN.match(variable):
+            return True
+        name = re.compile(re.escape(variable) + r"(?![\w.])")
+        for line in self.lines[self.at + 1:]:
+            if line == "}":
+                return False
+            if name.search(line):
+                return CALL.match(line) is not None
+        return False
+
     def arguments(self, text, place):
         """Those of a call; what stands in brackets is the compiler's."""
         result = []
         for one in split(text):
             found = ARGUMENT.fullmatch(one)
-            result.append(f"{found.group(1)}{found.group(2)} {self.constant(place, found.group(1), found.group(3))}"
-                          if found else one)
+            if found:
+                kind, marks, value = found.groups()
+                one = f"{kind}{marks} {self.constant(place, kind, value, others(kind, value, zero=True))}"
+            result.append(one)
         return ", ".join(result)
 
     def run(self):
         self.out, self.function, inside = [], "", False
-        for line in self.lines:
+        for self.at, line in enumerate(self.lines):
             if line.startswith("define "):
                 inside, self.function, self.names = True, line, 0
             elif line == "}":
@@ -208,7 +256,8 @@ def main():
     root, *command = sys.argv[1:]
     target = command[command.index("-o") + 1] if "-o" in command else ""
     if "-c" not in command or "orvane_objects.dir" not in target:
-        return subprocess.run(command, check=False).returncode
+        cached = [shutil.which("ccache")] if shutil.which("ccache") else []
+        return subprocess.run(cached + command, check=False).returncode
     text = target + ".ll"
     flags = ["-S", "-emit-llvm", "-gline-tables-only", "-gcolumn-info", "-fno-discard-value-names"]
     emitted = [text if word == target else word for word in command]

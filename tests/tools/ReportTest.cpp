@@ -1,6 +1,7 @@
 // The page that orvane log --html writes, as a browser shows it.
 #include "tests/support/tools/Program.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -40,8 +41,17 @@ TEST_F(OrvaneReport, ReferencesNothingOutsideItself) {
     const std::string page = folder.content("report.html");
     EXPECT_THAT(page, StartsWith("<!DOCTYPE html>"));
     EXPECT_THAT(page, Not(HasSubstr("src=")));
-    EXPECT_THAT(page, Not(HasSubstr("href=")));
-    EXPECT_THAT(page, HasSubstr("link \\u003cb>up\\u003c/b>"));
+    EXPECT_THAT(page, Not(HasSubstr("<link rel=\"stylesheet")));
+    EXPECT_THAT(page, HasSubstr("content=\"default-src 'none'; script-src 'sha256-"));
+    EXPECT_THAT(page, HasSubstr("link \\u003cb>up\\u003c/b> \\u003c/script>"));
+}
+
+TEST_F(OrvaneReport, IsPlainAsciiWhateverStandsInTheLog) {
+    const std::string log = folder.write("odd.csv", "0,3,MR,1E,C010,CAFE\n\xE2\x80\xA8 \xFF\n");
+    EXPECT_EQ(orvane({"log", log, "--html", folder.path("odd.html")}), prints(""));
+    const std::string page = folder.content("odd.html");
+    EXPECT_THAT(page, HasSubstr("\"note\",\"\\u2028 \\ufffd\""));
+    EXPECT_TRUE(std::all_of(page.begin(), page.end(), [](char each) { return each >= 0; }));
 }
 
 TEST_F(OrvaneReport, HasTheNamesAndFieldsOfRegistersThatAMapHas) {
@@ -55,9 +65,10 @@ TEST_F(OrvaneReport, HasTheNamesAndFieldsOfRegistersThatAMapHas) {
         folder.content("named.html"),
         HasSubstr(
             R"("name":"CONTROL","fields":[)"
-            R"({"name":"LEVEL","text":"of \u003cb>it\u003c/b>","bits":[[11,8]],"signed":true,"scale":0.5,)"
-            R"("offset":0,"unit":"V"},)"
-            R"({"name":"SPEED","text":"","bits":[[6,6],[13,13]],"choices":{"2":"1000 Mb/s"}}])"));
+            R"({"name":"LEVEL","text":"of \u003cb>it\u003c/b>","bits":[[11,8]],"signed":true,"scaled":true,)"
+            R"("scale":0.5,"offset":0,"unit":"V","choices":[]},)"
+            R"({"name":"SPEED","text":"","bits":[[6,6],[13,13]],"signed":false,"scaled":false,"scale":1,)"
+            R"("offset":0,"unit":"","choices":[[2,"1000 Mb/s"]]}])"));
 }
 
 TEST_F(OrvaneReport, ShowsFieldsAndTheirHistory) {
@@ -69,25 +80,26 @@ TEST_F(OrvaneReport, ShowsFieldsAndTheirHistory) {
                       "--force"}),
               prints(""));
     const std::string page = browse("--dump-dom");
-    EXPECT_THAT(page, HasSubstr("<td>MODE</td><td>both</td>"));
-    EXPECT_THAT(page, HasSubstr("<td>LED</td><td class=\"changed\">1</td><td class=\"n\">1 changes</td>"));
-    EXPECT_THAT(page, HasSubstr("LED 1<span class=\"bits\"> was 0</span>"));
+    EXPECT_THAT(page, HasSubstr("<th scope=\"row\">MODE</th><td class=\"\">both</td><td class=\"\"></td>"));
+    EXPECT_THAT(
+        page,
+        HasSubstr("<th scope=\"row\">LED</th><td class=\"changed\">1</td><td class=\"\">1 change</td>"));
+    EXPECT_THAT(page, HasSubstr("<span class=\"changed\">LED 1 was 0</span>"));
 }
 
 TEST_F(OrvaneReport, ShowsTotalsRegistersAndTheHistoryThatChangedMost) {
     NEEDS_CHROMIUM();
     const std::string page = browse("--dump-dom");
-    EXPECT_THAT(page, HasSubstr("<title>session.csv</title>"));
-    EXPECT_THAT(page, HasSubstr("<b>5</b><span>accesses</span>"));
-    EXPECT_THAT(page, HasSubstr("<b>2</b><span>writes</span>"));
-    EXPECT_THAT(page, HasSubstr("<b>1</b><span>changed between reads</span>"));
-    EXPECT_THAT(
-        page,
-        HasSubstr("<td class=\"v\">0x80004000</td><td></td><td class=\"n\">0</td><td class=\"n\">1</td>"));
-    EXPECT_THAT(page, HasSubstr("<td class=\"v\">1.0x0002</td><td>PMA.ID1</td>"));
-    EXPECT_THAT(page, HasSubstr("<b>30.0xC010</b> on PHY 3 of adapter 0"));
-    EXPECT_THAT(page, HasSubstr("<td class=\"v changed\">0xCAFF</td>"
-                                "<td class=\"bits\">1100 1010 1111 111<b>1</b></td>"));
+    EXPECT_THAT(page, HasSubstr("<title>session.csv - Orvane</title>"));
+    EXPECT_THAT(page, HasSubstr("<b>5</b> <span>accesses</span>"));
+    EXPECT_THAT(page, HasSubstr("<b>2</b> <span>writes</span>"));
+    EXPECT_THAT(page, HasSubstr("<b>1</b> <span>changed between reads</span>"));
+    EXPECT_THAT(page, HasSubstr("<code>0x80004000</code></button></td><td></td><td class=\"number\">0</td>"
+                                "<td class=\"number\">1</td>"));
+    EXPECT_THAT(page, HasSubstr("<code>1.0x0002</code></button></td><td>PMA.ID1</td>"));
+    EXPECT_THAT(page, HasSubstr("<h2>30.0xC010</h2><p class=\"soft\">on PHY 3 of adapter 0</p>"));
+    EXPECT_THAT(page, HasSubstr("<code class=\"changed\">0xCAFF</code>"));
+    EXPECT_THAT(page, HasSubstr("<span class=\"\">1</span><span class=\"changed\">1</span></span></td>"));
     EXPECT_THAT(page, HasSubstr("link &lt;b&gt;up&lt;/b&gt; &lt;/script&gt;</td>"));
 }
 

@@ -2,29 +2,17 @@
 //
 //     orvane-lab --lab tests/web/rack.json -- node tests/web/pages.mjs MODULES SHOTS
 //
-// MODULES is the folder of npm's packages, SHOTS takes the screenshots. ORVANE_WEB and PYTHONPATH lead to the pages and
-// the package. The browser is CHROMIUM, or chromium.
+// ORVANE_WEB and PYTHONPATH lead to the pages and the package; the rest is as browser.mjs says.
 import assert from "node:assert/strict";
 import { spawn } from "node:child_process";
 import { once } from "node:events";
-import { mkdirSync, mkdtempSync, readFileSync, writeFileSync } from "node:fs";
-import { createRequire } from "node:module";
+import { writeFileSync } from "node:fs";
 import { connect } from "node:net";
-import { tmpdir } from "node:os";
-import { dirname, join, resolve } from "node:path";
+import { join } from "node:path";
 import { createInterface } from "node:readline";
-import { fileURLToPath } from "node:url";
+import { accessibility, folder, launch, look, openPage, runTests, saved } from "./browser.mjs";
 
-const [modules, shots] = process.argv.slice(2);
-const patience = 30_000; // ms for what happens at once on a quiet machine
-const here = dirname(fileURLToPath(import.meta.url));
-const load = createRequire(resolve(modules, "package.json"));
-const { chromium } = load("playwright-core");
-const axe = readFileSync(load.resolve("axe-core/axe.min.js"), "utf8");
-const folder = mkdtempSync(join(tmpdir(), "orvane-web-"));
-const widths = [400, 900, 1400];
 const hostile = "<IMG/SRC=X/ONERROR=ALERT(1)>"; // board names are capitals
-mkdirSync(shots, { recursive: true });
 
 // A running server: the address that it prints.
 async function serve(...words) {
@@ -44,43 +32,7 @@ async function lab(board, action, members = {}) {
   return answer.result ?? [];
 }
 
-// A page whose console must stay silent.
-async function openPage(browser, address, how = {}) {
-  const context = await browser.newContext({ viewport: { width: 1400, height: 900 }, ...how });
-  await context.addInitScript(axe);
-  const page = await context.newPage();
-  page.complaints = [];
-  page.on("console", (message) => ["error", "warning"].includes(message.type()) && page.complaints.push(message.text()));
-  page.on("pageerror", (problem) => page.complaints.push(String(problem)));
-  page.on("dialog", (dialog) => (page.complaints.push(`dialog: ${dialog.message()}`), dialog.dismiss()));
-  page.on("request", (request) => {
-    if (!request.url().startsWith(new URL(address).origin) && !request.url().startsWith("data:") && !request.url().startsWith("blob:"))
-      page.complaints.push(`loads ${request.url()}`);
-  });
-  await page.goto(address);
-  return page;
-}
-
 const go = (page, hash) => page.evaluate((to) => { location.hash = to; }, hash);
-
-// What axe finds wrong.
-async function accessibility(page, name) {
-  const { violations } = await page.evaluate(() => window.axe.run(document, { resultTypes: ["violations"] }));
-  assert.deepEqual(violations.map((each) => [each.id, each.nodes.map((node) => node.html).slice(0, 3)]), [], `axe on ${name}`);
-}
-
-// Looks at a page at each width: nothing sticks out, nothing is inaccessible; keeps a picture.
-async function look(page, name) {
-  for (const width of widths) {
-    await page.setViewportSize({ width, height: width === 400 ? 800 : 900 });
-    await page.waitForTimeout(300); // plots follow the width a frame later
-    const over = await page.evaluate(() => document.documentElement.scrollWidth - innerWidth);
-    assert.ok(over <= 0, `${name} is ${over} px too wide at ${width}`);
-    await accessibility(page, `${name} at ${width}`);
-    await page.screenshot({ path: join(shots, `${name}-${width}.png`) });
-  }
-  await page.setViewportSize({ width: 1400, height: 900 });
-}
 
 const tests = {
   async "the rack has every board with its round trip, temperature and state"({ page }) {
@@ -135,12 +87,8 @@ const tests = {
   },
 
   async "a plot is saved as a picture and as CSV"({ page }) {
-    for (const [name, start] of [["CSV", "time,channel 0"], ["PNG", "\x89PNG"]]) {
-      const saving = page.waitForEvent("download");
-      await page.getByRole("button", { name }).click();
-      const file = await (await saving).path();
-      assert.ok(readFileSync(file, "latin1").startsWith(start), name);
-    }
+    for (const [name, start] of [["CSV", "time,channel 0"], ["PNG", "\x89PNG"]])
+      assert.ok((await saved(page, page.getByRole("button", { name }))).startsWith(start), name);
   },
 
   async "a PHY's registers are named, decoded and follow the board, with changed bits marked"({ page }) {
@@ -309,27 +257,13 @@ run.go("${join(folder, "sweep.orvrun")}")
 
 const server = await serve("--log", makeLog(), "--run", await makeRun());
 const writing = await serve("--write");
-const browser = await chromium.launch({ executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium", args: ["--no-sandbox"] });
-let failed = 0;
+const browser = await launch();
 try {
   const page = await openPage(browser, server.address);
-  page.setDefaultTimeout(patience);
-  for (const [name, test] of Object.entries(tests)) {
-    try {
-      await test({ page, browser, server, writing });
-      assert.deepEqual(page.complaints, [], "the console");
-      console.log(`passed: ${name}`);
-    } catch (problem) {
-      ++failed;
-      page.complaints.length = 0;
-      await page.screenshot({ path: join(shots, `failed-${failed}.png`) });
-      console.log(`FAILED: ${name}\n${problem.stack}`);
-    }
-  }
+  const passed = await runTests(tests, "the pages", { page, browser, server, writing });
+  process.exitCode = passed ? 0 : 1;
 } finally {
   await browser.close();
   server.end();
   writing.end();
 }
-console.log(`${Object.keys(tests).length - failed} of ${Object.keys(tests).length} tests of the pages passed`);
-process.exitCode = failed ? 1 : 0;

@@ -3,7 +3,7 @@ import type { Field } from "./types";
 
 export const widthOf = (field: Field): number => field.bits.reduce((width, [high, low]) => width + high - low + 1, 0);
 
-export function rawOf(field: Field, value: number): bigint {
+export function rawOf(field: Field, value: number | bigint): bigint {
   return field.bits.reduce((raw, [high, low]) => {
     const width = BigInt(high - low + 1);
     return (raw << width) | ((BigInt(value) >> BigInt(low)) & ((1n << width) - 1n));
@@ -11,14 +11,14 @@ export function rawOf(field: Field, value: number): bigint {
 }
 
 // As a number in the field's unit.
-export function numberOf(field: Field, value: number): number {
+export function numberOf(field: Field, value: number | bigint): number {
   const raw = rawOf(field, value);
   const number = Number(field.signed ? BigInt.asIntN(widthOf(field), raw) : raw);
   return field.scaled ? number * field.scale + field.offset : number;
 }
 
 // In words: its choice, in its unit, or as a number.
-export function meaningOf(field: Field, value: number): string {
+export function meaningOf(field: Field, value: number | bigint): string {
   const raw = rawOf(field, value);
   const choice = field.choices.find(([number]) => BigInt(number) === raw);
   if (choice) return choice[1];
@@ -30,5 +30,5 @@ export function meaningOf(field: Field, value: number): string {
 export const bitsText = (field: Field): string =>
   field.bits.map(([high, low]) => (high === low ? `${high}` : `${high}:${low}`)).join(",");
 
-export const hex = (value: number, bits: number): string =>
+export const hex = (value: number | bigint, bits: number): string =>
   `0x${value.toString(16).toUpperCase().padStart(Math.ceil(bits / 4), "0")}`;

@@ -35,7 +35,6 @@ export interface Field {
   name: string;
   text: string;
   bits: [number, number][];
-  access: string;
   signed: boolean;
   scaled: boolean;
   scale: number;
@@ -44,8 +43,12 @@ export interface Field {
   choices: [number, string][];
 }
 
+export interface AccessedField extends Field {
+  access: string;
+}
+
 export interface Described {
   text: string;
   reset: number | null;
-  fields: Field[];
+  fields: AccessedField[];
 }

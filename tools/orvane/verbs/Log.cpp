@@ -1,12 +1,12 @@
 // orvane log: what is in a transaction log.
 #include "tools/orvane/cli/Verb.h"
-#include "tools/orvane/log/HtmlReport.h"
 #include "tools/orvane/log/LogRecords.h"
 #include "tools/orvane/names/KnownMaps.h"
 #include "tools/orvane/names/RegisterRecord.h"
 #include "tools/orvane/output/Errors.h"
 #include "tools/orvane/output/OutputFile.h"
 #include "tools/orvane/output/RecordSink.h"
+#include "tools/orvane/report/LogReport.h"
 #include "tools/orvane/verbs/Verbs.h"
 
 #include <cerrno>
@@ -191,8 +191,10 @@ void writeReport(Context& context, const Options& options, const LogFile& log, c
                  const KnownMaps& maps) {
     requireNewFile(options.html, options.force);
     std::ofstream file(options.html, std::ios::binary | std::ios::trunc);
-    writeHtmlReport(file, options.file.substr(options.file.rfind('/') + 1), log, options.selection, summary,
-                    maps);
+    const std::string title = options.file.substr(options.file.rfind('/') + 1);
+    ReportPage page(file, title);
+    addLogReport(page, title, log, options.selection, summary, maps);
+    page.finish();
     if (!file.flush())
         throw Failure(fmt::format("{}: cannot write: {}", options.html, errorText(errno)));
     if (const ReportLimits limits = limitsFor(summary); limits.thinned)

@@ -3,10 +3,10 @@ import type { JSX } from "preact";
 import { useMemo, useRef, useState } from "preact/hooks";
 import { hex, meaningOf, numberOf, rawOf } from "../decode";
 import { useAnswer, useTopic } from "../hooks";
+import { FieldHistory, type Samples } from "../parts/FieldHistory";
 import { Page, Problem, counted } from "../parts/Page";
 import { type Column, Table } from "../parts/Table";
 import type { Described, Hello, Listed } from "../types";
-import { FieldHistory, type Samples } from "./FieldHistory";
 import { RegisterDetail } from "./RegisterDetail";
 
 interface Seen {

@@ -1,10 +1,12 @@
 // One register: bits, fields with their meanings, reading by a click, writing.
 import type { JSX } from "preact";
 import { useState } from "preact/hooks";
-import { bitsText, hex, meaningOf, rawOf } from "../decode";
+import { hex, meaningOf, rawOf } from "../decode";
 import { live } from "../live";
+import { FieldTable, plotColumn } from "../parts/Fields";
+import { Bits } from "../parts/Bits";
 import { Problem } from "../parts/Page";
-import type { Described, Field, Listed } from "../types";
+import type { AccessedField, Described, Field, Listed } from "../types";
 
 interface Props {
   place: { port: string; phy: number; map: string };
@@ -53,60 +55,29 @@ export function RegisterDetail(props: Props): JSX.Element {
         {props.write && writable && <WriteForm label={`Value for ${name}`} onWrite={(text) => void write(name, Number(text))} />}
       </div>
       {value !== null && <Bits value={value} bits={bits} changed={changed} />}
-      <table class="plain">
-        <thead>
-          <tr>
-            <th scope="col">Bits</th>
-            <th scope="col">Field</th>
-            <th scope="col">Value</th>
-            <th scope="col">Plot</th>
-          </tr>
-        </thead>
-        <tbody>
-          {described.fields.map((field) => (
-            <tr key={field.name} title={field.text}>
-              <td>
-                <code>{bitsText(field)}</code>
-              </td>
-              <th scope="row">{field.name}</th>
-              <td class={rawOf(field, changed) ? "changed" : ""}>
+      <FieldTable
+        fields={described.fields}
+        columns={[
+          {
+            head: "Value",
+            changed: (field) => rawOf(field, changed) !== 0n,
+            cell: (field) => (
+              <>
                 {value === null ? "" : meaningOf(field, value)}
                 {props.write && writable && isWritable(field) && (
                   <FieldForm field={field} label={`${name}.${field.name}`} onWrite={(next) => void write(`${name}.${field.name}`, next)} />
                 )}
-              </td>
-              <td>
-                {safe && readable && (
-                  <input
-                    type="checkbox"
-                    aria-label={`Plot ${name}.${field.name}`}
-                    checked={props.plotted.includes(`${name}.${field.name}`)}
-                    onChange={() => props.onPlot(`${name}.${field.name}`)}
-                  />
-                )}
-              </td>
-            </tr>
-          ))}
-        </tbody>
-      </table>
+              </>
+            ),
+          },
+          ...(safe && readable ? [plotColumn(name, props.plotted, props.onPlot)] : []),
+        ]}
+      />
     </section>
   );
 }
 
-const isWritable = (field: Field): boolean => ["rw", "wo", "w1c", "self-clearing"].includes(field.access);
-
-function Bits({ value, bits, changed }: { value: number; bits: number; changed: number }): JSX.Element {
-  const digits = [...Array(bits).keys()].reverse();
-  return (
-    <p class="bits" aria-hidden="true">
-      {digits.map((bit) => (
-        <span key={bit} class={(BigInt(changed) >> BigInt(bit)) & 1n ? "changed" : bit % 4 === 3 ? "nibble" : ""}>
-          {String((BigInt(value) >> BigInt(bit)) & 1n)}
-        </span>
-      ))}
-    </p>
-  );
-}
+const isWritable = (field: AccessedField): boolean => ["rw", "wo", "w1c", "self-clearing"].includes(field.access);
 
 function WriteForm({ label, onWrite }: { label: string; onWrite: (text: string) => void }): JSX.Element {
   const [text, setText] = useState("");

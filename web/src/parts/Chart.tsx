@@ -8,7 +8,7 @@ export interface Curve {
   name: string;
   values: (number | null)[];
   dashed?: boolean;
-  points?: boolean;
+  shape?: "line" | "points" | "steps" | "dots"; // a line unless told; points: with its points, dots: those alone
 }
 
 interface Props {
@@ -26,7 +26,7 @@ export function Chart({ title, across, time = false, x, curves }: Props): JSX.El
   const box = useRef<HTMLDivElement>(null);
   const plot = useRef<uPlot | null>(null);
   const zoomed = useRef(false);
-  const shape = JSON.stringify([across, time, curves.map((each) => [each.name, each.dashed, each.points])]);
+  const shape = JSON.stringify([across, time, curves.map((each) => [each.name, each.dashed, each.shape])]);
   useEffect(() => {
     const element = box.current;
     if (!element) return undefined;
@@ -61,6 +61,13 @@ export function Chart({ title, across, time = false, x, curves }: Props): JSX.El
   );
 }
 
+const shapes: Record<NonNullable<Curve["shape"]>, Partial<uPlot.Series>> = {
+  line: {},
+  points: { points: { show: true, size: 6 } },
+  steps: { paths: uPlot.paths.stepped!({ align: 1 }) },
+  dots: { paths: () => null, points: { show: true, size: 7 } },
+};
+
 const dataOf = (x: number[], curves: Curve[]): uPlot.AlignedData => [x, ...curves.map((each) => each.values)];
 
 function optionsOf(element: HTMLElement, across: string, time: boolean, curves: Curve[]): uPlot.Options {
@@ -81,7 +88,7 @@ function optionsOf(element: HTMLElement, across: string, time: boolean, curves: 
         width: 1.5,
         spanGaps: false,
         ...(curve.dashed ? { dash: [6, 4] } : {}),
-        ...(curve.points ? { points: { show: true, size: 6 } } : {}),
+        ...shapes[curve.shape ?? "line"],
       })),
     ],
   };

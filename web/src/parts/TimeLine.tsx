@@ -1,20 +1,18 @@
 // A lane for each service, a mark for each access at its time.
 import type { JSX } from "preact";
 import { useState } from "preact/hooks";
-import type { Entry } from "../pages/Log";
+import { type Line, isBad } from "../lines";
 
 const width = 1000;
 const laneHeight = 22;
 const left = 90;
 
-export function TimeLine({ entries }: { entries: Entry[] }): JSX.Element | null {
+export function TimeLine({ lines }: { lines: Line[] }): JSX.Element | null {
   const [told, tell] = useState("");
-  const marks = entries
-    .map(([number, row]) => ({ number, row, at: Date.parse(row[6] ?? ""), lane: laneOf(row[2] ?? "") }))
-    .filter((mark) => !Number.isNaN(mark.at));
+  const marks = lines.map((line) => ({ line, at: Date.parse(line.time) })).filter((mark) => !Number.isNaN(mark.at));
   if (marks.length < 2) return null;
   const [begin, end] = marks.reduce(([low, high], { at }) => [Math.min(low, at), Math.max(high, at)], [Infinity, -Infinity]);
-  const lanes = [...new Set(marks.map((mark) => mark.lane))].sort();
+  const lanes = [...new Set(marks.map((mark) => mark.line.lane))].sort();
   const x = (at: number) => left + ((at - begin) / Math.max(1, end - begin)) * (width - left - 10);
   const height = lanes.length * laneHeight + 18;
   return (
@@ -29,15 +27,15 @@ export function TimeLine({ entries }: { entries: Entry[] }): JSX.Element | null 
             </text>
           </g>
         ))}
-        {marks.map(({ number, row, at, lane }) => (
+        {marks.map(({ line, at }) => (
           <rect
-            key={number}
-            class={`mark ${kindOf(row)}`}
+            key={line.number}
+            class={`mark ${isBad(line) ? "bad" : line.write ? "write" : "read"}`}
             x={x(at) - 1.5}
-            y={middle(lanes.indexOf(lane)) - 7}
+            y={middle(lanes.indexOf(line.lane)) - 7}
             width={3}
             height={14}
-            onMouseEnter={() => tell(`${row[6]} ${row[7]} ${row[2]} ${row[9] || row[5]} ${row[8]}`)}
+            onMouseEnter={() => tell(`${line.time} ${line.port} ${line.access} ${line.where || line.words} ${line.value} ${line.outcome}`)}
           />
         ))}
         <text x={left} y={height - 2}>
@@ -54,13 +52,3 @@ export function TimeLine({ entries }: { entries: Entry[] }): JSX.Element | null 
 }
 
 const middle = (lane: number): number => lane * laneHeight + laneHeight / 2;
-
-function laneOf(op: string): string {
-  if (["MW", "MR", "2W", "2R"].includes(op)) return "registers";
-  return op.split(".")[0] || "notes";
-}
-
-function kindOf(row: string[]): string {
-  if (row[8] && row[8] !== "done") return "bad";
-  return row[2]?.endsWith("W") ? "write" : "read";
-}

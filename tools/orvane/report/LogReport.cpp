@@ -1,30 +1,18 @@
-// The page's data as JSON, written while the log is read.
-#include "tools/orvane/log/HtmlReport.h"
+// The part's data as JSON, written while the log is read.
+#include "tools/orvane/report/LogReport.h"
 
 #include <algorithm>
 #include <array>
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 #include <string_view>
 #include <vector>
 
 namespace OrvaneTool {
 
-// Made from report.html at build time.
-extern const char* const kReportPage;
-
 namespace {
 
 constexpr std::size_t kMostTimelineBytes = std::size_t{4} * 1024 * 1024;
 constexpr std::size_t kBars = 120; // of the picture of the activity
-
-// JSON text. Nothing in it may end the script element that it stands in.
-std::string jsonText(std::string_view text) {
-    std::string json = nlohmann::json(text).dump(-1, ' ', true, nlohmann::json::error_handler_t::replace);
-    for (std::size_t found = 0; (found = json.find('<', found)) != std::string::npos;)
-        json.replace(found, 1, "\\u003c");
-    return json;
-}
 
 template <class List>
 std::string listed(const List& list) {
@@ -42,8 +30,8 @@ public:
           maps_(maps),
           limits_(limitsFor(summary)) {}
 
-    void write(const std::string& title) {
-        page_ << "{\"title\":" << jsonText(title) << ",\"accesses\":[";
+    void write() {
+        page_ << ",\"accesses\":[";
         writeAccesses();
         page_ << "],\"registers\":[";
         writeRegisters();
@@ -100,41 +88,10 @@ private:
                          reg.phy, reg.reg.text(), history.reads, history.writes, history.changes,
                          history.first.text(), history.last.text(), listed(shown_[reg].at));
             if (const Orvane::MapRegister* const mapped = maps_.find(reg.reg))
-                writeMeaning(*mapped);
+                writeMeaning(page_, *mapped);
             page_ << "}";
             comma = ",";
         }
-    }
-
-    // Bits are [high, low], the most significant first.
-    void writeMeaning(const Orvane::MapRegister& reg) {
-        page_ << ",\"name\":" << jsonText(reg.name()) << ",\"fields\":[";
-        const char* comma = "";
-        for (const Orvane::DecodedField& each : Orvane::RegisterMap::decode(reg, 0)) {
-            const Orvane::MapField& field = *each.field;
-            page_ << comma << "{\"name\":" << jsonText(field.name) << ",\"text\":" << jsonText(field.text)
-                  << ",\"bits\":[";
-            for (std::size_t i = 0; i < field.bits.size(); ++i)
-                page_ << (i > 0 ? "," : "") << fmt::format("[{},{}]", field.bits[i].high, field.bits[i].low);
-            page_ << "]";
-            if (field.isScaled || field.isSigned)
-                page_ << fmt::format(R"(,"signed":{},"scale":{},"offset":{},"unit":{})", field.isSigned,
-                                     field.scale, field.offset, jsonText(field.unit));
-            writeChoices(field);
-            page_ << "}";
-            comma = ",";
-        }
-        page_ << "]";
-    }
-
-    void writeChoices(const Orvane::MapField& field) {
-        if (field.choices.empty())
-            return;
-        page_ << ",\"choices\":{";
-        for (std::size_t i = 0; i < field.choices.size(); ++i)
-            page_ << (i > 0 ? "," : "") << fmt::format("\"{}\":", field.choices[i].value)
-                  << jsonText(field.choices[i].name);
-        page_ << "}";
     }
 
     // Services, events and notes, each behind the accesses that went before.
@@ -209,14 +166,9 @@ ReportLimits limitsFor(const LogSummary& summary) {
     return {low, low < busiest};
 }
 
-void writeHtmlReport(std::ostream& page, const std::string& title, const LogFile& log,
-                     const Selection& selection, const LogSummary& summary, const KnownMaps& maps) {
-    const std::string_view frame = kReportPage;
-    const std::string_view mark = "ORVANE_REPORT_DATA";
-    const std::size_t place = frame.find(mark);
-    page << frame.substr(0, place);
-    Report(page, log, selection, summary, maps).write(title);
-    page << frame.substr(place + mark.size());
+void addLogReport(ReportPage& page, const std::string& title, const LogFile& log, const Selection& selection,
+                  const LogSummary& summary, const KnownMaps& maps) {
+    Report(page.part("log", title), log, selection, summary, maps).write();
 }
 
 } // namespace OrvaneTool

@@ -36,7 +36,7 @@ CALL = re.compile(r"^  (?:\S+ = )?(?:tail |musttail |notail )?(?:call|invoke) .*
 ARGUMENT = re.compile(r"(i1|i8|i16|i32|i64)((?: noundef| signext| zeroext)*) (-?\d+|true|false)")
 # Room for objects, what the compiler itself calls, and orders of memory: no test can tell them from stronger ones.
 OF_THE_COMPILER = re.compile(r"^(llvm\.|_Zn[wa]m|_Zd[la]Pv|__cxa_|__clang|__gxx|_ZSt9terminatev)|12memory_order")
-ITS_OWN = re.compile(r"^%(retval|cleanup\.|ehselector|exn)")
+ITS_OWN = re.compile(r"^%(retval|cleanup\.|ehselector|exn|nrvo)")
 # One more or less here is the same as the other sign.
 SAME_AS_SIGN = {"slt": 1, "ult": 1, "sge": 1, "uge": 1, "sle": -1, "ule": -1, "sgt": -1, "ugt": -1}
 
@@ -201,10 +201,13 @@ class Rewriter:
         return [other for other in others(kind, value) if int(other) != same]
 
     def of_no_use(self, variable):
-        """Whether nothing reads what is stored here: a call gets the variable's address first."""
+        """Whether nothing reads what is stored here: a call gets the variable's address first, or nothing does."""
         if ITS_OWN.match(variable):
             return True
         name = re.compile(re.escape(variable) + r"(?![\w.])")
+        uses = [line for line in self.lines[self.begin:self.lines.index("}", self.at)] if name.search(line)]
+        if len(uses) == 2 and re.match(rf"  {name.pattern} = alloca ", uses[0]):
+            return True
         for line in self.lines[self.at + 1:]:
             if line == "}":
                 return False
@@ -227,7 +230,7 @@ class Rewriter:
         self.out, self.function, inside = [], "", False
         for self.at, line in enumerate(self.lines):
             if line.startswith("define "):
-                inside, self.function, self.names = True, line, 0
+                inside, self.function, self.names, self.begin = True, line, 0, self.at
             elif line == "}":
                 inside = False
             if inside and "!dbg" in line and not line.startswith("define "):

@@ -126,13 +126,11 @@ void Named::write(std::string_view choice, const Within& within) const {
 }
 
 void Named::writeScaled(double value, const Within& within) const {
-    std::uint64_t raw = 0;
     try {
-        raw = field("write").rawOf(value);
+        write(field("write").rawOf(value), within);
     } catch (const MapError& error) {
         refuse("write", error.what());
     }
-    write(raw, within);
 }
 
 void Named::refuse(const char* operation, std::string why) const {

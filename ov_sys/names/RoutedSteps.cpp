@@ -8,8 +8,6 @@
 namespace Orvane {
 namespace {
 
-using Routing::Trouble;
-
 // Records what a path asks for, and answers as registers would that keep what is written to them.
 class RecordedAccess final : public Routing::Access {
 public:
@@ -18,9 +16,7 @@ public:
     Routing::Value readClause22(unsigned reg) override { return readAt(clause22(reg)); }
     bool writeClause22(unsigned reg, unsigned value) override { return writeAt(clause22(reg), value); }
     bool keepsWaiting() override { return false; }
-    bool goesOnAfter(const Trouble& trouble) override {
-        return trouble.kind != Trouble::UnknownTgeBlock && trouble.kind != Trouble::UnknownPagedAddress;
-    }
+    bool goesOnAfter(const Routing::Trouble& /*trouble*/) override { return true; }
 
     const Batch& steps() const noexcept { return steps_; }
 
@@ -49,9 +45,11 @@ Batch routedSteps(RegisterAddress address, std::optional<std::uint32_t> value, c
                                  : value
                                      ? Routing::routeOfWrite(paths.byFirmware, address.mmd)
                                      : Routing::routeOfRead(paths.byFirmware, address.mmd, address.number);
-    const bool leads = value ? Routing::write(recorded, route, address.mmd, address.number, *value)
-                             : Routing::read(recorded, route, address.mmd, address.number).has_value();
-    return leads ? recorded.steps() : Batch();
+    if (value)
+        Routing::write(recorded, route, address.mmd, address.number, *value);
+    else
+        Routing::read(recorded, route, address.mmd, address.number);
+    return recorded.steps();
 }
 
 } // namespace Orvane

@@ -117,6 +117,8 @@ TEST_F(CNames, PutAValueIntoWords) {
     EXPECT_THAT(taken(text), testing::HasSubstr("CHIP.STATUS.LINK: 0: was low since the last read\n"));
     ASSERT_EQ(orvane_phy_decode(cphy, {ORVANE_CLAUSE45, 1, 1}, 5, &text, &failure), ORVANE_DONE);
     EXPECT_EQ(taken(text), "");
+    ASSERT_EQ(orvane_phy_decode(cphy, {ORVANE_CLAUSE45, 30, 0xC005}, 0x12, &text, &failure), ORVANE_DONE);
+    EXPECT_EQ(taken(text), "CHIP.KEY: 0x0012\n");
     EXPECT_EQ(orvane_phy_decode(cphy, {99, 1, 1}, 5, &text, &failure), ORVANE_INVALID_ARGUMENT);
 }
 
@@ -135,6 +137,54 @@ TEST_F(CNames, AreInThePlanOfARoutedAccess) {
     ASSERT_EQ(orvane_routed_plan({ORVANE_CLAUSE45, 7, 0x10}, &value, &over, nullptr, &text, &failure),
               ORVANE_DONE);
     EXPECT_THAT(taken(text), testing::EndsWith("write c22.14 0xABCD     C22.MMD_DATA: DATA 0xABCD\n"));
+}
+
+TEST_F(CNames, RefuseANullWhereOneIsNeeded) {
+    const char* const name = "CHIP.CONTROL";
+    const char* const noName = nullptr;
+    const char* found = nullptr;
+    const orvane_operation operation{};
+    uint64_t raw = 0;
+    size_t written = 0;
+    char* text = nullptr;
+    orvane_snapshot* other = nullptr;
+    orvane_snapshot* const snapshot = snapshotOf(name);
+    board.forgetRequests();
+    const std::vector<int> outcomes{
+        orvane_phy_use(nullptr, nullptr, &failure),
+        orvane_phy_use(cphy, nullptr, &failure),
+        orvane_phy_read_name(cphy, nullptr, nullptr, &raw, &failure),
+        orvane_phy_read_name(cphy, name, nullptr, nullptr, &failure),
+        orvane_phy_read_text(cphy, nullptr, nullptr, &text, &failure),
+        orvane_phy_read_text(cphy, name, nullptr, nullptr, &failure),
+        orvane_phy_read_twice(cphy, name, nullptr, nullptr, &raw, &failure),
+        orvane_phy_read_twice(cphy, name, nullptr, &raw, nullptr, &failure),
+        orvane_phy_write_name(cphy, nullptr, 1, nullptr, &failure),
+        orvane_phy_write_choice(cphy, nullptr, "10 Mb/s", nullptr, &failure),
+        orvane_phy_write_choice(cphy, name, nullptr, nullptr, &failure),
+        orvane_phy_decode(nullptr, {ORVANE_CLAUSE45, 1, 1}, 0, &text, &failure),
+        orvane_phy_decode(cphy, {ORVANE_CLAUSE45, 1, 1}, 0, nullptr, &failure),
+        orvane_phy_snapshot(cphy, nullptr, 0, 0, nullptr, &other, &failure),
+        orvane_phy_snapshot(cphy, &name, 1, 0, nullptr, nullptr, &failure),
+        orvane_phy_snapshot(cphy, &noName, 1, 0, nullptr, &other, &failure),
+        orvane_snapshot_at(nullptr, 0, &found, &raw, &failure),
+        orvane_snapshot_at(snapshot, 0, nullptr, &raw, &failure),
+        orvane_snapshot_at(snapshot, 0, &found, nullptr, &failure),
+        orvane_snapshot_diff(snapshot, nullptr, &text, &failure),
+        orvane_snapshot_diff(snapshot, snapshot, nullptr, &failure),
+        orvane_phy_restore(cphy, nullptr, nullptr, &written, &text, &failure),
+        orvane_phy_restore(cphy, snapshot, nullptr, nullptr, &text, &failure),
+        orvane_phy_restore(cphy, snapshot, nullptr, &written, nullptr, &failure),
+        orvane_plan(nullptr, 1, nullptr, &text, &failure),
+        orvane_plan(&operation, 0, nullptr, nullptr, &failure),
+        orvane_routed_plan({ORVANE_CLAUSE45, 28, 1}, nullptr, nullptr, nullptr, nullptr, &failure)};
+    EXPECT_THAT(outcomes, testing::Each(ORVANE_INVALID_ARGUMENT));
+    EXPECT_EQ(accesses(), OrvaneTest::Names{});
+    orvane_snapshot_free(snapshot);
+}
+
+TEST_F(CNames, OfASnapshotThatIsNullAreNone) {
+    EXPECT_EQ(orvane_snapshot_size(nullptr), 0U);
 }
 
 } // namespace

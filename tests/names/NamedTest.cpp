@@ -17,6 +17,20 @@ protected:
         EXPECT_EQ(accesses(), Names{});
         return failure.what();
     }
+    // What the board was asked to write, in order.
+    Names written() const {
+        Names values;
+        for (const Request& request : board.requestsOf("mdio_write"))
+            values.push_back(argumentsOf(request)["values"].dump());
+        return values;
+    }
+    // How many registers each read asked for.
+    Names lengthsOfReads() const {
+        Names lengths;
+        for (const Request& request : board.requestsOf("mdio_read"))
+            lengths.push_back(std::to_string(argumentsOf(request)["addresses"].size()));
+        return lengths;
+    }
 };
 
 TEST_F(NamedTest, AFieldInPiecesIsReadAsItsNumber) {
@@ -36,6 +50,18 @@ TEST_F(NamedTest, AFieldIsShownByItsChoice) {
 
 TEST_F(NamedTest, AWholeRegisterIsShownInHexadecimal) {
     EXPECT_EQ(phy["WORD"].text(), "0x12345678");
+}
+
+TEST_F(NamedTest, AWholeRegisterIsShownInAllItsDigits) {
+    phy["WORD"] = 5;
+    EXPECT_EQ(phy["WORD"].text(), "0x00000005");
+}
+
+TEST_F(NamedTest, AReadAsksForTheRegisterOnce_AndTwiceForItTwice) {
+    phy["CHIP.ERRORS"].read();
+    phy["CHIP.CONTROL.SPEED"].twice();
+    phy["CHIP.CONTROL.LED"] = 1;
+    EXPECT_EQ(lengthsOfReads(), (Names{"1", "2", "1"}));
 }
 
 TEST_F(NamedTest, AScaledFieldIsReadAndWrittenInItsUnit) {
@@ -65,6 +91,33 @@ TEST_F(NamedTest, AnAssignmentLeavesOtherAlarmsAlone_WhichOnesWouldClear) {
 TEST_F(NamedTest, AnAlarmIsClearedAlone) {
     phy["CHIP.ALARMS.HOT"] = 1;
     EXPECT_EQ(held(2), 0x0002U);
+}
+
+TEST_F(NamedTest, AnAssignmentStartsNothingThatClearsItself) {
+    set(0, 0xA000);
+    phy["CHIP.CONTROL.LED"] = 1;
+    EXPECT_EQ(written(), Names{"[8193]"}); // 0x2001
+}
+
+TEST_F(NamedTest, AnAssignmentGivesWriteOnlyBitsTheirResetValue_WithoutARead) {
+    phy["CHIP.MODE.LEVEL"] = 0x22;
+    EXPECT_EQ(written(), Names{"[290]"}); // 0x0122
+    EXPECT_EQ(accesses(), Names{"mdio_write"});
+}
+
+TEST_F(NamedTest, AnAssignmentKeepsWhatIsReadAndResetsWhatIsNot) {
+    give(R"("registers": {"MIXED": {"at": "30.16", "reset": "0xF1F0",
+        "fields": {"SECRET": "15:8 wo", "HIGH": "7:4", "LOW": "3:0"}}})");
+    phy["MIXED"] = 0x0005;
+    phy["MIXED.HIGH"] = 2;
+    EXPECT_EQ(written(), (Names{"[5]", "[61733]"})); // 0xF125
+}
+
+TEST_F(NamedTest, AnAssignmentReadsARegisterOfWhichOnlyTheLowestBitIsKept) {
+    give(R"("registers": {"SWITCH": {"at": "30.16", "fields": {"LEVEL": "15:1", "ON": 0}}})");
+    phy["SWITCH"] = 1;
+    phy["SWITCH.LEVEL"] = 2;
+    EXPECT_EQ(written(), (Names{"[1]", "[5]"}));
 }
 
 TEST_F(NamedTest, AWholeRegisterIsWrittenWithoutARead) {
@@ -98,6 +151,23 @@ TEST_F(NamedTest, ARegisterThatAReadClearsIsAskedForOnce_WhenTheAnswerIsLost) {
     EXPECT_EQ(failure.location(), "CHIP.ERRORS (30.0xC003)");
 }
 
+TEST_F(NamedTest, AWriteOfARegisterThatAReadChangesIsSentOnce_WhenTheAnswerIsLost) {
+    give(R"("registers": {"MIXED": {"at": "30.16", "fields": {"LEVEL": "7:0", "SEEN": "8 latching-high"}}})");
+    phy.open();
+    inject(Fault::Kind::LoseReply, "mdio", "mdio_write", 1);
+    EXPECT_EQ(failureOf([&] { phy["MIXED"].write(7, Orvane::within(300ms)); }).kind(), FailureKind::TimedOut);
+    EXPECT_EQ(count("mdio_write"), 1U);
+}
+
+TEST_F(NamedTest, ARegisterOnAPageThatAWholeRegisterSelectsIsReached) {
+    give(R"("registers": {"PAGE": {"at": "30.31"}},
+        "blocks": {"THREE": {"at": "30.16", "page": {"select": "PAGE", "value": "0x1003"},
+                             "registers": {"HEIGHT": {"at": 0, "reset": 33}}}})");
+    phy["PAGE"] = 0x2001;
+    EXPECT_EQ(phy["THREE.HEIGHT"].read(), 33U);
+    EXPECT_EQ(phy["PAGE"].read(), 0x2001U);
+}
+
 TEST_F(NamedTest, ARegisterOnAPageIsReached_AndThePageIsAsBefore) {
     set(0x1F, 0xAB01);
     EXPECT_EQ(phy["CHIP.TWO.HEIGHT"].read(), 22U);
@@ -124,6 +194,19 @@ TEST_F(NamedTest, AReadOnlyFieldIsNotWritten) {
         "is latching-low.");
 }
 
+TEST_F(NamedTest, AReadOnlyFieldOfAWritableRegisterIsNotWritten) {
+    EXPECT_EQ(refusalOf([&] { phy["CHIP.CONTROL.MODEL"] = 1; }),
+              "BOARD7:1 PHY 3: write CHIP.CONTROL.MODEL: invalid argument. Nothing can be written to it: its "
+              "access is ro.");
+}
+
+TEST_F(NamedTest, ARegisterOfReadOnlyFieldsIsNotWritten_ThoughItsOwnAccessAllowsIt) {
+    give(R"("registers": {"STATE": {"at": "30.16", "access": "rw", "fields": {"UP": "0 ro"}}})");
+    EXPECT_EQ(refusalOf([&] { phy["STATE"] = 1; }),
+              "BOARD7:1 PHY 3: write STATE: invalid argument. Nothing can be written to it: its access is "
+              "rw.");
+}
+
 TEST_F(NamedTest, AValueThatDoesNotFitIsNotWritten) {
     EXPECT_EQ(refusalOf([&] { phy["CHIP.CONTROL.SPEED"] = 4; }),
               "BOARD7:1 PHY 3: write CHIP.CONTROL.SPEED: invalid argument. 0x4 does not fit: it has 2 bits.");
@@ -132,6 +215,31 @@ TEST_F(NamedTest, AValueThatDoesNotFitIsNotWritten) {
 TEST_F(NamedTest, AChoiceThatIsNoneIsNotWritten) {
     EXPECT_EQ(refusalOf([&] { phy["CHIP.CONTROL.SPEED"] = "warp"; }),
               "BOARD7:1 PHY 3: write CHIP.CONTROL.SPEED: invalid argument. It has no value 'warp'.");
+}
+
+TEST_F(NamedTest, AValueThatDoesNotFitIntoABitIsNotWritten) {
+    EXPECT_EQ(refusalOf([&] { phy["CHIP.CONTROL.LED"] = 2; }),
+              "BOARD7:1 PHY 3: write CHIP.CONTROL.LED: invalid argument. 0x2 does not fit: it has 1 bit.");
+}
+
+TEST_F(NamedTest, AScaledValueThatDoesNotFitIsNotWritten) {
+    EXPECT_EQ(refusalOf([&] { phy["CHIP.TEMPERATURE.VALUE"].writeScaled(64); }),
+              "BOARD7:1 PHY 3: write CHIP.TEMPERATURE.VALUE: invalid argument. VALUE: 64 C does not fit into "
+              "8 bits");
+}
+
+TEST_F(NamedTest, AWholeRegisterHasNoUnit) {
+    EXPECT_EQ(
+        refusalOf([&] { phy["CHIP.ALARMS"].scaled(); }),
+        "BOARD7:1 PHY 3: read CHIP.ALARMS: invalid argument. It is a whole register: name a field of it.");
+}
+
+TEST_F(NamedTest, OfALongNameAndChoiceTheFirst128CharactersAreTold) {
+    const std::string longText(129, 'X');
+    const std::string told = longText.substr(1);
+    EXPECT_EQ(failureOf([&] { phy[longText].read(); }).location(), told);
+    EXPECT_EQ(failureOf([&] { phy["CHIP.CONTROL.SPEED"] = longText; }).advice(),
+              "It has no value '" + told + "'.");
 }
 
 TEST_F(NamedTest, AWriteOnlyRegisterIsNotRead) {
@@ -173,11 +281,12 @@ TEST_F(NamedTest, AMapServesEveryHandleOfTheSession_AndNoOther) {
 }
 
 TEST_F(NamedTest, ValuesAreDecodedByTheirAddresses) {
-    const auto decoded = phy.decode({{{30, 0xC000}, 0x2000}, {{1, 1}, 5}});
-    ASSERT_EQ(decoded.size(), 2U);
+    const auto decoded = phy.decode({{{30, 0xC000}, 0x2000}, {{1, 1}, 5}, {Orvane::ext32(0x100), 7}});
+    ASSERT_EQ(decoded.size(), 3U);
     EXPECT_EQ(decoded[0].reg->name(), "CHIP.CONTROL");
     EXPECT_EQ(decoded[0].fields[2].valueText(), "100 Mb/s");
     EXPECT_EQ(decoded[1].reg, nullptr);
+    EXPECT_EQ(decoded[2].reg->name(), "WORD");
 }
 
 } // namespace

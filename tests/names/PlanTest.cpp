@@ -41,6 +41,24 @@ TEST_F(PlanTest, NamesWhatWouldBeSent_OnEachPage) {
     EXPECT_EQ(accesses(), Names{});
 }
 
+TEST_F(PlanTest, NamesARegisterOnThePageThatAWholeRegisterSelects) {
+    give(R"("registers": {"PAGE": {"at": "30.31"}},
+        "blocks": {"THREE": {"at": "30.16", "page": {"select": "PAGE", "value": 3}, "registers": {"HEIGHT": {"at": 0}}}})");
+    Batch batch;
+    batch.read({30, 16});
+    batch.write({30, 31}, 3);
+    batch.read({30, 16});
+    EXPECT_EQ(plan(batch, map), "read  30.0x0010\n"
+                                "write 30.0x001F 0x0003  PAGE\n"
+                                "read  30.0x0010         THREE.HEIGHT\n");
+}
+
+TEST_F(PlanTest, NamesAWordBehindItsAddressAndValue) {
+    Batch batch;
+    batch.write(ext32(0x100), 0x5);
+    EXPECT_EQ(plan(batch, map), "write ext32.0x00000100 0x00000005  WORD\n");
+}
+
 TEST_F(PlanTest, ExpandsAReadByFirmware) {
     EXPECT_EQ(plan(routedSteps({28, 0x0123}), RegisterMap()), "write 30.0xC47F 0x0000\n"
                                                               "write 30.0xC47C 0x0123\n"
@@ -76,7 +94,14 @@ TEST_F(PlanTest, IsEmpty_WhereNoPathLeads) {
     RegisterPaths noFirmware;
     noFirmware.byFirmware = {false, false, false, false, false};
     EXPECT_EQ(routedSteps({28, 0x0700}, std::nullopt, noFirmware).size(), 0U);
+    EXPECT_EQ(routedSteps({11, 0x4000}, std::nullopt, noFirmware).size(), 0U);
+    EXPECT_EQ(routedSteps({11, 0x4000}, 1, noFirmware).size(), 0U);
     EXPECT_EQ(routedSteps(clause22(3)).size(), 0U);
+}
+
+TEST_F(PlanTest, OfARoutedWriteTakesValuesOf16Bits) {
+    EXPECT_GT(routedSteps({28, 0x0123}, 0xFFFF).size(), 0U);
+    EXPECT_EQ(routedSteps({28, 0x0123}, 0x10000).size(), 0U);
 }
 
 } // namespace

@@ -38,14 +38,24 @@ TEST_F(SnapshotTest, HoldsEveryRegisterThatIsSafeToRead_AndReadsThemInTwoCalls) 
     EXPECT_EQ(held(0x1F), 0U);
 }
 
-TEST_F(SnapshotTest, HoldsWhatASelectRegisterHeld_ThoughItIsReadAfterItsPages) {
-    set(0x1F, 0x0047);
-    NamedBatch batch({{map.find("CHIP.PAGE"), 0x0047}});
-    const auto height = batch.read(*map.find("CHIP.TWO.HEIGHT"));
-    const auto page = batch.read(*map.find("CHIP.PAGE"));
-    const BatchResult result = phy.run(batch.finish());
-    EXPECT_EQ(result[height], 22U);
-    EXPECT_EQ(result[page], 0x0047U);
+TEST_F(SnapshotTest, HoldsRegistersOnThePagesOfSeveralSelects) {
+    give(R"("registers": {"NEAR": {"at": "30.30"}, "FAR": {"at": "30.31"}},
+        "blocks": {"A": {"at": "30.16", "page": {"select": "NEAR", "value": 1}, "registers": {"X": {"at": 0, "reset": 11}}},
+                   "B": {"at": "30.17", "page": {"select": "FAR", "value": 2}, "registers": {"Y": {"at": 0, "reset": 22}}}})");
+    phy["NEAR"] = 5;
+    phy["FAR"] = 6;
+    const Snapshot both = phy.snapshot({"A", "B"});
+    EXPECT_EQ(both.find("A.X")->value, 11U);
+    EXPECT_EQ(both.find("B.Y")->value, 22U);
+    EXPECT_EQ(phy["NEAR"].read(), 5U);
+    EXPECT_EQ(phy["FAR"].read(), 6U);
+}
+
+TEST_F(SnapshotTest, OfWhatNoBoardReachesSendsNothing) {
+    const Snapshot none = phy.snapshot("DEVICE");
+    EXPECT_EQ(none.values.size(), 0U);
+    EXPECT_EQ(namesOf(none.leftOut), Names{"DEVICE"});
+    EXPECT_EQ(accesses(), Names{});
 }
 
 TEST_F(SnapshotTest, LeavesWhatAReadWouldChangeAsItIs) {
@@ -103,6 +113,29 @@ TEST_F(SnapshotTest, RestoredGivesWriteOnlyBitsTheirResetValue) {
     EXPECT_EQ(held(6), 0x0110U);
 }
 
+TEST_F(SnapshotTest, RestoredStartsNothingThatClearsItself) {
+    Snapshot snapshot{map, {{map.find("CHIP.CONTROL"), 0xA041}}, {}};
+    EXPECT_EQ(toRestore(snapshot).at(0).value, 0x2041U);
+}
+
+TEST_F(SnapshotTest, RestoredWritesNoRegisterWithSideEffects_ButOneOfWhichOnlyTheLowestBitCanBeWritten) {
+    give(R"("registers": {
+        "TRIGGER": {"at": "30.0", "side-effects": true}, "SWITCH": {"at": "30.1", "fields": {"ON": 0}},
+        "LATCH": {"at": "30.2", "fields": {"LEVEL": "7:0", "SEEN": "8 latching-high"}}})");
+    Names restored;
+    for (const Snapshot::Value& each : toRestore(phy.snapshot(Scope("**").sideEffects())))
+        restored.push_back(each.reg->name());
+    EXPECT_EQ(restored, (Names{"SWITCH", "LATCH"}));
+}
+
+TEST_F(SnapshotTest, RestoredSendsNothing_WhenNothingCanBeWritten) {
+    const Snapshot before = phy.snapshot("CHIP.ERRORS");
+    board.forgetRequests();
+    const Restored restored = phy.restore(before);
+    EXPECT_EQ(restored.written, 0U);
+    EXPECT_EQ(accesses(), Names{});
+}
+
 TEST_F(SnapshotTest, RestoredWritesInTheMapsOrder) {
     const Snapshot before = phy.snapshot({"CHIP.TEMPERATURE", "CHIP.CONTROL"});
     board.forgetRequests();
@@ -127,10 +160,13 @@ TEST_F(SnapshotTest, RestoredWritesWhatIsToldBefore) {
 }
 
 TEST_F(SnapshotTest, RestoredNamesWhatDidNotTake) {
-    const Snapshot before = phy.snapshot("CHIP.CONTROL");
+    set(4, 2);
+    const Snapshot before = phy.snapshot({"CHIP.CONTROL", "CHIP.TEMPERATURE"});
     board.useMap({1, 3, 0, OrvaneSim::mappedRegisters(RegisterMap::parse(R"({"format": "orvane-map-1",
-        "name": "stuck", "registers": {"CONTROL": {"at": "30.0xC000", "access": "ro", "reset": 0}}})"))});
-    EXPECT_EQ(textsOf(phy.restore(before).notTaken), Names{"CHIP.CONTROL.SPEED: 3 -> 10 Mb/s"});
+        "name": "stuck", "registers": {"CONTROL": {"at": "30.0xC000", "access": "ro", "reset": 0},
+        "TEMPERATURE": {"at": "30.0xC004", "access": "ro", "reset": 0}}})"))});
+    EXPECT_EQ(textsOf(phy.restore(before).notTaken),
+              (Names{"CHIP.CONTROL.SPEED: 3 -> 10 Mb/s", "CHIP.TEMPERATURE.VALUE: 1 C -> 0 C"}));
 }
 
 TEST_F(SnapshotTest, EndsWithinItsTime_WhenTheBoardIsMute) {

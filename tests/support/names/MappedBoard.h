@@ -38,6 +38,13 @@ struct MappedBoard : RackOnBoard {
         phy.use(map);
     }
 
+    // Another map for PHY 3, which then behaves as that says; `members` are its registers and blocks.
+    void give(const std::string& members) {
+        map = Orvane::RegisterMap::parse(R"({"format": "orvane-map-1", "name": "wagtail", )" + members + "}");
+        board.useMap({1, 3, OrvaneSim::MdioPorts::kIdentifier, OrvaneSim::mappedRegisters(map)});
+        phy.use(map);
+    }
+
     // Register `number` of the chip.
     void set(std::uint32_t number, std::uint32_t value) {
         board.setRegister(Space::C45, 1, 3, 0x1EC000 + number, value);

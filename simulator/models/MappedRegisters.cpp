@@ -66,10 +66,8 @@ void MappedRegisters::remove(PhyAddress where) {
                                                                                   : std::next(each);
 }
 
-MappedRegisters::Cell* MappedRegisters::find(const MdioPorts& ports, PhyAddress where, Space space,
-                                             std::uint32_t address) {
-    if (cells_.empty())
-        return nullptr;
+MappedRegisters::Cell* MappedRegisters::findAmong(const MdioPorts& ports, PhyAddress where, Space space,
+                                                  std::uint32_t address) {
     const auto found = cells_.find({where.device, where.phy, space, address});
     if (found == cells_.end())
         return nullptr;

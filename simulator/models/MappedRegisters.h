@@ -69,11 +69,15 @@ public:
     void remove(PhyAddress where);
     // The register that is reached at an address; null when none was declared there, or none for the page
     // that is selected. `address` as a frame of the space carries it.
-    Cell* find(const MdioPorts& ports, PhyAddress where, Space space, std::uint32_t address);
+    Cell* find(const MdioPorts& ports, PhyAddress where, Space space, std::uint32_t address) {
+        return cells_.empty() ? nullptr : findAmong(ports, where, space, address);
+    }
     // What those hold that are on no page.
     std::vector<RegisterValue> values() const;
 
 private:
+    Cell* findAmong(const MdioPorts& ports, PhyAddress where, Space space, std::uint32_t address);
+
     struct Place {
         unsigned device;
         unsigned phy;

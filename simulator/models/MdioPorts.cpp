@@ -45,18 +45,25 @@ MdioPorts::MdioPorts()
 
 MdioPorts::~MdioPorts() = default;
 
+std::uint32_t MdioPorts::identifier(PhyAddress where) const {
+    const auto own = identifiers_.find(phyKey(where));
+    return own != identifiers_.end() ? own->second : kIdentifier;
+}
+
 std::uint32_t MdioPorts::initialValue(PhyAddress where, Space space, std::uint32_t address) const {
     const std::uint32_t number = significant(space, address) & 0xFFFF;
     if (space == Space::Ext32 || (number != 2 && number != 3))
         return 0;
-    const auto own = identifiers_.find(phyKey(where));
-    const std::uint32_t identifier = own != identifiers_.end() ? own->second : kIdentifier;
-    return number == 2 ? identifier >> 16 : identifier & 0xFFFF;
+    return number == 2 ? identifier(where) >> 16 : identifier(where) & 0xFFFF;
 }
 
 std::uint32_t MdioPorts::peek(PhyAddress where, Space space, std::uint32_t address) const {
     if (const auto* cell = mapped_->find(*this, where, space, significant(space, address)))
         return cell->value();
+    return unmapped(where, space, address);
+}
+
+std::uint32_t MdioPorts::unmapped(PhyAddress where, Space space, std::uint32_t address) const {
     const auto found = registers_.find(registerKey(where, space, address));
     return found != registers_.end() ? found->second : initialValue(where, space, address);
 }
@@ -134,7 +141,7 @@ std::uint32_t MdioPorts::read(PhyAddress where, Space space, std::uint32_t addre
         paths_->beforeRead({*this, where}, significant(space, address));
     if (!reachesIndirectData(where, space, address)) {
         auto* const cell = mapped_->find(*this, where, space, significant(space, address));
-        return cell != nullptr ? cell->read() : peek(where, space, address);
+        return cell != nullptr ? cell->read() : unmapped(where, space, address);
     }
     const std::uint32_t value = read(where, Space::C45, indirectRegister(where));
     advanceIndirect(where, false);

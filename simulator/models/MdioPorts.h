@@ -73,6 +73,8 @@ private:
     bool reachesIndirectData(PhyAddress where, Space space, std::uint32_t address) const;
     std::uint32_t indirectRegister(PhyAddress where);
     void advanceIndirect(PhyAddress where, bool written);
+    std::uint32_t identifier(PhyAddress where) const;
+    std::uint32_t unmapped(PhyAddress where, Space space, std::uint32_t address) const;
     std::uint32_t initialValue(PhyAddress where, Space space, std::uint32_t address) const;
 
     std::unique_ptr<RegisterPaths> paths_;

@@ -79,16 +79,16 @@ void* __libc_malloc(std::size_t size);                     // NOLINT(bugprone-re
 void* __libc_calloc(std::size_t number, std::size_t size); // NOLINT(bugprone-reserved-identifier)
 void* __libc_realloc(void* memory, std::size_t size);      // NOLINT(bugprone-reserved-identifier)
 
-// The C++ library's `new` asks malloc().
-void* malloc(std::size_t size) {
+// The C++ library's `new` asks malloc(). Seen by other libraries although our own names are hidden.
+[[gnu::visibility("default")]] void* malloc(std::size_t size) {
     return failsNow() ? nullptr : __libc_malloc(size);
 }
 
-void* calloc(std::size_t number, std::size_t size) {
+[[gnu::visibility("default")]] void* calloc(std::size_t number, std::size_t size) {
     return failsNow() ? nullptr : __libc_calloc(number, size);
 }
 
-void* realloc(void* memory, std::size_t size) {
+[[gnu::visibility("default")]] void* realloc(void* memory, std::size_t size) {
     return failsNow() ? nullptr : __libc_realloc(memory, size);
 }
 }

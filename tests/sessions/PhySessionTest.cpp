@@ -34,10 +34,12 @@ TEST(PhySession, FromANameHasItsInitialValues) {
     EXPECT_EQ(session.phyAddressCopy, 3U);
     EXPECT_EQ(session.pingSequence, 0);
     EXPECT_FALSE(session.keepAliveRunning);
+    EXPECT_NE(session.keepAliveThread.status, 0);
     EXPECT_EQ(session.state, PhySession::SESSION_VALID);
     EXPECT_EQ(session.sessionId, 4294967295U);
     EXPECT_EQ(session.callSequence, 65535);
     EXPECT_EQ(session.busyTimeoutMs, 0);
+    EXPECT_EQ(session.lastResult(), 0);
     EXPECT_NE(session.connection, nullptr);
 }
 

@@ -92,6 +92,19 @@ TEST_F(ResultError, AnyOtherCodeThrowsStandard) {
     }
 }
 
+TEST_F(ResultError, IsTheLastResultUntilTheNext) {
+    for (const int code : {-16, -1, 7}) {
+        handle(code);
+        EXPECT_EQ(session.lastResult(), code);
+    }
+}
+
+TEST_F(ResultError, OfZeroLeavesTheLastResult) {
+    handle(-16);
+    handle(0);
+    EXPECT_EQ(session.lastResult(), -16);
+}
+
 TEST_F(ResultError, CodesThrowTheirOwnExceptionClasses) {
     EXPECT_THROW(session.onRPCResultError(-13, "mdio"), Exceptions::AccessDenied);
     EXPECT_THROW(session.onRPCResultError(-56, "mdio"), Exceptions::InvalidSession);
@@ -156,6 +169,13 @@ TEST_F(CallError, WhileAnotherThreadHandlesOneWaitsInSilenceAndGivesUp) {
         EXPECT_EQ(session.getSessionState(), state);
     }
     EXPECT_EQ(count("ping"), 0U);
+}
+
+TEST_F(CallError, WhileAnotherThreadHandlesOneWaitsForOnePause) {
+    session.setSessionState(PhySession::SESSION_ERROR_HANDLING);
+    const auto start = std::chrono::steady_clock::now();
+    handle(5);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(50));
 }
 
 TEST_F(CallError, WithoutDeviceEndsTheSession) {

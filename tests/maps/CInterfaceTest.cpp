@@ -1,7 +1,10 @@
 // The maps of C: statuses, records, texts, and what is refused.
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <orvane/maps.h>
 #include <string>
+#include <tuple>
+#include <vector>
 
 namespace OrvaneTest {
 namespace {
@@ -129,10 +132,39 @@ TEST_F(CMaps, ImportFilesAndTellWhatIsLeftBehind) {
     char* problems = nullptr;
     const std::string path = std::string(ORVANE_MAP_FILES) + "/imported/board.xml";
     ASSERT_EQ(orvane_map_import(path.c_str(), ORVANE_MAP_EXT32, 0, &own, &problems), ORVANE_MAP_OK);
-    EXPECT_NE(take(problems).find("TWICE: its place at ext32:0x00004000 is taken; left out"),
-              std::string::npos);
+    const std::string reports = take(problems);
+    EXPECT_NE(reports.find("TWICE: its place at ext32:0x00004000 is taken; left out\n"), std::string::npos);
+    EXPECT_EQ(std::count(reports.begin(), reports.end(), '\n'), 4);
     orvane_map_release(own);
     EXPECT_EQ(orvane_map_import("/nowhere", ORVANE_MAP_EXT32, 0, &own, nullptr), ORVANE_MAP_INVALID);
+}
+
+TEST_F(CMaps, TakeTheFourSpacesAndMmdsUpTo31) {
+    orvane_map_register reg;
+    for (const auto& [space, mmd, status] :
+         std::vector<std::tuple<int, unsigned, int>>{{ORVANE_MAP_C45, 31, ORVANE_MAP_NOT_FOUND},
+                                                     {ORVANE_MAP_SMBUS, 0, ORVANE_MAP_NOT_FOUND},
+                                                     {-1, 0, ORVANE_MAP_INVALID},
+                                                     {ORVANE_MAP_SMBUS + 1, 0, ORVANE_MAP_INVALID},
+                                                     {ORVANE_MAP_C45, 32, ORVANE_MAP_INVALID}}) {
+        SCOPED_TRACE(std::to_string(space) + ' ' + std::to_string(mmd));
+        EXPECT_EQ(orvane_map_find(map, space, mmd, 0xFFFF, -1, &reg), status);
+        orvane_map* own = nullptr;
+        const std::string path = std::string(ORVANE_MAP_FILES) + "/imported/board.csv";
+        EXPECT_EQ(orvane_map_import(path.c_str(), space, mmd, &own, nullptr),
+                  status == ORVANE_MAP_INVALID ? ORVANE_MAP_INVALID : ORVANE_MAP_OK);
+        orvane_map_release(own);
+    }
+}
+
+TEST_F(CMaps, TellTheIndexOfARegisterAndOfAField) {
+    orvane_map_register reg;
+    orvane_map_field field;
+    ASSERT_EQ(orvane_map_resolve(map, "C22.STATUS.LINK", &reg, &field, nullptr, nullptr), ORVANE_MAP_OK);
+    orvane_map_field same;
+    ASSERT_EQ(orvane_map_field_at(map, reg.index, field.index, &same), ORVANE_MAP_OK);
+    EXPECT_EQ(field.register_index, reg.index);
+    EXPECT_STREQ(same.name, "LINK");
 }
 
 } // namespace

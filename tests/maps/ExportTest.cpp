@@ -90,5 +90,75 @@ TEST(Export, ToMarkdownHasATableForEachRegister) {
                                 "| 1:0 | M | ro | 1: one |\n");
 }
 
+TEST(Export, ToJsonIsIndentedAndInHexadecimal) {
+    const RegisterMap map = mapOf(R"("text": "T", "identifiers": ["0x10/0xFFFFFFF0"],
+        "registers": {"PAGE": {"at": "c22:31"}},
+        "blocks": {"B": {"at": "30.0", "count": 2, "stride": 1, "page": {"select": "PAGE", "value": 1},
+            "registers": {"R": {"at": 12, "reset": 5}}}})");
+    EXPECT_EQ(map.toJson(), R"({
+  "format": "orvane-map-1",
+  "name": "test",
+  "text": "T",
+  "identifiers": ["0x00000010/0xFFFFFFF0"],
+  "registers": {
+    "PAGE": {
+      "at": "c22:0x1F",
+      "width": 16
+    }
+  },
+  "blocks": {
+    "B": {
+      "at": "30.0x0000",
+      "count": 2,
+      "stride": "0x1",
+      "page": {
+        "select": "PAGE",
+        "value": 1
+      },
+      "registers": {
+        "R": {
+          "at": "0x000C",
+          "width": 16,
+          "reset": "0x0005"
+        }
+      }
+    }
+  }
+}
+)");
+}
+
+TEST(Export, ToCHeaderKeepsEqualNamesApart_AndCommentsClosed) {
+    const RegisterMap map = mapOf(R"("registers": {"PAGE": {"at": "ext32:0"}}, "blocks": {
+        "P": {"at": "ext32:8", "page": {"select": "PAGE", "value": 0}, "registers": {
+            "R": {"at": 0, "width": 64, "text": "/* a\u001fb", "fields": {
+                "LOW": "31:0", "A": {"bits": "63:62", "values": {"0": "-a--b-", "1": "A B", "2": "a/b"}}}}}}})");
+    EXPECT_EQ(map.toCHeader("X"), "/* Registers of the map test */\n"
+                                  "#ifndef X_REGISTERS_H\n"
+                                  "#define X_REGISTERS_H\n"
+                                  "\n/* PAGE at ext32:0x00000000 */\n"
+                                  "#define X_PAGE_ADDRESS 0x0000U\n"
+                                  "\n/* P.R at ext32:0x00000008@0: / * a b */\n"
+                                  "#define X_P_R_ADDRESS 0x0008U\n"
+                                  "#define X_P_R_PAGE 0\n"
+                                  "#define X_P_R_LOW_MASK 0xFFFFFFFFU\n"
+                                  "#define X_P_R_LOW_SHIFT 0\n"
+                                  "#define X_P_R_A_MASK 0xC000000000000000ULL\n"
+                                  "#define X_P_R_A_SHIFT 62\n"
+                                  "#define X_P_R_A_IS_A_B 0x0000U\n"
+                                  "#define X_P_R_A_IS_A_B_2 0x4000000000000000ULL\n"
+                                  "#define X_P_R_A_IS_A_B_3 0x8000000000000000ULL\n"
+                                  "\n#endif\n");
+}
+
+TEST(Export, ToMarkdownHasUnitsAndNoControlCharacters) {
+    const RegisterMap map = registerOf(R"("text": "a\u001fb !", "fields": {
+        "T": {"bits": "7:0", "scale": 0.5, "offset": 20, "unit": "C"}})");
+    EXPECT_EQ(map.toMarkdown(), "# test\n\n\n\n## R\n\n"
+                                "7.0x0001, 16 bits, rw. a b !\n\n"
+                                "| bits | field | access | meaning |\n|---|---|---|---|\n"
+                                "| 7:0 | T | rw | x 0.5 + 20 C |\n");
+}
+
 } // namespace
 } // namespace OrvaneTest

@@ -151,5 +151,48 @@ TEST(Field, WithAScaleOfNothingIsRefused) {
               ".fields.A.scale: must not be 0");
 }
 
+TEST(Field, OfAPieceOf63BitsIsTakenOutAndPutIn) {
+    const RegisterMap map =
+        mapOf(R"("registers": {"R": {"at": "ext32:0", "width": 64, "fields": {"A": "0,63:1"}}})");
+    const MapField& field = *map.at("R.A").field;
+    EXPECT_EQ(field.extract(1), std::uint64_t{1} << 63U);
+    EXPECT_EQ(field.insert(0, std::uint64_t{1} << 63U), 1U);
+}
+
+TEST(Field, SignedIsNegativeWhereItsHighestBitIsSet) {
+    const RegisterMap map =
+        registerOf(R"("fields": {"A": {"bits": "7:0", "signed": true}, "B": {"bits": "8", "signed": true}})");
+    EXPECT_EQ(map.at("R.A").field->number(0x80), -128);
+    EXPECT_EQ(map.at("R.A").field->number(0x40), 64);
+    EXPECT_EQ(map.at("R.B").field->number(1), -1);
+    EXPECT_EQ(map.at("R.B").field->number(0), 0);
+}
+
+TEST(Field, OfUpToThreeBitsIsShownInDecimal) {
+    const RegisterMap map = registerOf(R"("fields": {"A": "6:4", "B": "3:0"})");
+    EXPECT_EQ(RegisterMap::decode(*map.find("R"), 0x75)[0].valueText(), "7");
+    EXPECT_EQ(RegisterMap::decode(*map.find("R"), 0x75)[1].valueText(), "0x5");
+}
+
+TEST(Field, OfOneBitWithAValueThatDoesNotFitIsRefused) {
+    EXPECT_EQ(problemsOfRegister(R"("fields": {"A": {"bits": 3, "values": {"2": "two"}}})"),
+              ".fields.A: names the value 2, which needs more than 1 bit");
+}
+
+TEST(Field, HasNamesOf200BytesForItsValuesAtMost) {
+    const auto problemsOfName = [](std::size_t size) {
+        return problemsOfRegister(R"("fields": {"A": {"bits": 3, "values": {"0": ")" +
+                                  std::string(size, 'x') + "\"}}}");
+    };
+    EXPECT_EQ(problemsOfName(200), "");
+    EXPECT_EQ(problemsOfName(201), ".fields.A.values.0: has to be a string of 1 to 200 bytes");
+}
+
+TEST(Field, WithTwoNamesForALaterValueIsRefused) {
+    EXPECT_EQ(problemsOfRegister(
+                  R"("fields": {"A": {"bits": "3:2", "values": {"0": "a", "2": "b", "0b10": "c"}}})"),
+              ".fields.A.values: has two names for 2");
+}
+
 } // namespace
 } // namespace OrvaneTest

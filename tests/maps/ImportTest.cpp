@@ -48,6 +48,15 @@ std::string importError(const std::string& text) {
     return error.substr(error.find(path) == 0 ? path.size() : 0);
 }
 
+// A text that is imported as a file.
+ImportedMap importText(const std::string& text) {
+    const std::string path = "/tmp/orvane-import-" + std::to_string(getpid());
+    std::ofstream(path) << text;
+    ImportedMap imported = RegisterMap::importFile(path);
+    std::filesystem::remove(path);
+    return imported;
+}
+
 TEST(ImportSvd, PlacesPeripheralsClustersAndArrays) {
     EXPECT_THAT(linesOf(importOf("board.svd").map),
                 ElementsAre("TIMER0.CTRL ext32:0x80001000", "TIMER0.COUNT ext32:0x80001004",
@@ -165,6 +174,110 @@ TEST(Import, EndsOnHostileXml) {
                             "<register><name>R</name></register>" + times(7, "</cluster>") +
                             "</registers></peripheral></peripherals></device>"),
                 HasSubstr("becomes more than a map may have"));
+}
+
+TEST(Import, TakesUnitsOfUpTo8BytesAndMmdsUpTo31) {
+    ImportOptions options;
+    options.space = MapSpace::c45;
+    options.mmd = 31;
+    options.addressUnit = 8;
+    EXPECT_EQ(importOf("board.svd", options).map.find("TIMER0.MATCH[0]"), nullptr) << "beyond 7.0xFFFF";
+    options.mmd = 32;
+    EXPECT_THROW(importOf("board.svd", options), MapError);
+    options.mmd = 31;
+    options.addressUnit = 9;
+    EXPECT_THROW(importOf("board.svd", options), MapError);
+}
+
+TEST(ImportCsv, MakesNamesAndTextsThatAMapTakes) {
+    const ImportedMap imported =
+        importText("register,address,text\n"
+                   "0B,7.1,  Hi!\tthere  \n"
+                   "9a-b,7.2," +
+                   std::string(1025, 'x') + "\n,7.3,\n" + std::string(61, 'N') + ",7.4,\nSHORT,7.5\n\n");
+    EXPECT_THAT(linesOf(imported.map), ElementsAre("_0B 7.0x0001", "_9a_b 7.0x0002", "_ 7.0x0003",
+                                                   std::string(60, 'N') + " 7.0x0004", "SHORT 7.0x0005"));
+    EXPECT_EQ(imported.map.find("_0B")->text(), "Hi! there");
+    EXPECT_EQ(imported.map.find("_9a_b")->text(), std::string(1024, 'x'));
+    EXPECT_THAT(reportsOf(imported), ElementsAre());
+}
+
+TEST(ImportCsv, TakesTheWidthsAndAccessesThatAMapHas) {
+    const ImportedMap imported = importText("register,address,width,reset,access,field,bits\n"
+                                            "A,smbus:1,8,,,,\nB,ext32:0,16,,,,\nC,ext32:4,32,,,,\n"
+                                            "D,ext32:8,64,,,,\nE,ext32:16,12,,,,\nF,7.1,12,0xFFFF,ro,F,0\n"
+                                            "G,7.2,,0x10000,,,\nH,c22:1,32,,,,\n");
+    std::vector<unsigned> widths;
+    for (const MapRegister& each : imported.map.registers())
+        widths.push_back(each.width());
+    EXPECT_EQ(widths, (std::vector<unsigned>{8, 16, 32, 64, 32, 16, 16}));
+    EXPECT_EQ(imported.map.find("F")->access(), MapAccess::rw);
+    EXPECT_EQ(imported.map.at("F.F").field->access, MapAccess::ro);
+    EXPECT_EQ(imported.map.find("F")->reset(), 0xFFFFU);
+    EXPECT_THAT(reportsOf(imported), ElementsAre("8 G: its reset is wider than itself; left out",
+                                                 "9 H: has 32 bits, where registers have 16; left out"));
+}
+
+TEST(ImportCsv, LeavesOutWhatHasTheNameOfARegisterOrABlock) {
+    EXPECT_THAT(
+        reportsOf(importText("register,address\nP.Q.R,7.1\nP.Q.R,7.2\nP,7.3\nP.Q,7.4\nP.Q.R.S,7.5\n")),
+        ElementsAre("3 P.Q.R: its name is taken; left out", "4 P: its name is taken; left out",
+                    "5 P.Q: its name is taken; left out", "6 P.Q.R.S: its name is taken; left out"));
+}
+
+TEST(ImportCsv, NeedsBothColumnsAmongTheFirst64) {
+    const std::string refusal = ":1: is no table of registers: the first line has to name the columns "
+                                "'register' and 'address'";
+    EXPECT_EQ(importError("register\nA\n"), refusal);
+    EXPECT_EQ(importError("address\n7.1\n"), refusal);
+    EXPECT_EQ(importError(times(62, "x,") + "register,address\n" + times(62, ",") + "A,7.1\n"), "none");
+    EXPECT_EQ(importError(times(63, "x,") + "register,address\n" + times(63, ",") + "A,7.1\n"), refusal);
+}
+
+TEST(ImportCsv, TellsOfALineThatHasNothingButAName) {
+    EXPECT_THAT(reportsOf(importText("register,address\nA\n")),
+                ElementsAre("2 A: '' is no address; left out"));
+}
+
+TEST(Import, KeepsAThousandReportsAndCountsTheRest) {
+    std::string rows = "register,address\n";
+    for (int i = 0; i < 1001; ++i)
+        rows += "R,nowhere\n";
+    const auto reports = reportsOf(importText(rows));
+    ASSERT_EQ(reports.size(), 1001U);
+    EXPECT_EQ(reports[999], "1001 R: 'nowhere' is no address; left out");
+    EXPECT_EQ(reports[1000], "0 : further reports: 1 not carried over");
+}
+
+TEST(ImportUhal, LeavesOutWhatRunsIntoAnotherOne) {
+    const ImportedMap imported =
+        importText("<node id='T'><node id='M' address='0x10' mode='incremental' size='4'/><node id='IN' "
+                   "address='0x13'/>\n"
+                   "<node id='AFTER' address='0x14'/><node id='BEFORE' address='0xF'/>\n"
+                   "<node id='ACROSS' address='0xD' mode='incremental' size='3'/>\n"
+                   "<node id='BESIDE' address='0xD' mode='incremental' size='2'/>\n"
+                   "<node id='LAST' address='0x3FFFFFFF'/><node id='BEYOND' address='0x40000000'/>\n"
+                   "<node id='NOTHING' address='0x20'><node id='F' mask='0'/><node id='G' "
+                   "mask='0xC0000001'/></node></node>");
+    EXPECT_THAT(linesOf(imported.map),
+                ElementsAre("M[0] ext32:0x00000040", "M[1] ext32:0x00000044", "M[2] ext32:0x00000048",
+                            "M[3] ext32:0x0000004C", "AFTER ext32:0x00000050", "BEFORE ext32:0x0000003C",
+                            "BESIDE[0] ext32:0x00000034", "BESIDE[1] ext32:0x00000038",
+                            "LAST ext32:0xFFFFFFFC", "NOTHING ext32:0x00000080"));
+    EXPECT_EQ(imported.map.at("NOTHING.G").field->bitsText(), "31:30,0");
+    EXPECT_THAT(reportsOf(imported),
+                ElementsAre("1 IN: its place at ext32:0x0000004C is taken; left out",
+                            "3 ACROSS: its place at ext32:0x00000034 is taken; left out",
+                            "5 BEYOND: 0x100000000 is no address of the space ext32; left out",
+                            "6 NOTHING.F: has no bits; left out"));
+}
+
+TEST(ImportUhal, TakesEightNodesWithinEachOther) {
+    const auto nested = [](int depth) {
+        return importText(times(depth, "<node id='N'>") + "<node id='R'/>" + times(depth, "</node>"));
+    };
+    EXPECT_EQ(nested(9).map.size(), 1U);
+    EXPECT_THAT(reportsOf(nested(10)), ElementsAre("1 N: lies deeper within nodes than 8; left out"));
 }
 
 } // namespace

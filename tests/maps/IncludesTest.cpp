@@ -105,5 +105,17 @@ TEST_F(Includes, BeyondEightLevelsAreRefused) {
     EXPECT_EQ(problems(), "8.json:1: include[0]: is included deeper than 8 files");
 }
 
+TEST_F(Includes, LetOnlyOverridesChangeAnIncludedBlockItself) {
+    EXPECT_EQ(problemsOf(R"("include": ["ieee8023"], "blocks": {"AN": {"at": "6.0"}})"),
+              "map:1: blocks.AN.at: of a block that is there already changes in 'overrides' only");
+}
+
+TEST_F(Includes, OfABrokenFileHideWhatOverridesWouldMiss) {
+    write("top.json", R"("include": ["base.json"], "overrides": [{"registers": {"R": {"reset": 1}}}])");
+    write("base.json", R"("registers": {)");
+    EXPECT_EQ(problems().find("top.json"), std::string::npos) << problems();
+    EXPECT_EQ(problems().find("base.json:"), 0U) << problems();
+}
+
 } // namespace
 } // namespace OrvaneTest

@@ -78,6 +78,18 @@ TEST(Json, TakesAndRefusesWhatAnotherReaderDoes) {
                              "\"\xF0\x9F\x98\x80\"",
                              "\"\x7F\"",
                              "\"\\/\"",
+                             "1e+5",
+                             "[1/]",
+                             "[1:]",
+                             "[\t1]",
+                             "[\r1]",
+                             "[\v1]",
+                             "[\b1]",
+                             "\"\x1F\"",
+                             "\"\\udfff\"",
+                             "\"\\udbff\"",
+                             "\"\\ud800\\udbff\"",
+                             "\"\\ud800\\ue000\"",
                              "\xEF\xBB\xBF"
                              "1x"})
         EXPECT_EQ(failureOf(text).empty(), nlohmann::json::accept(text)) << text;
@@ -115,7 +127,7 @@ TEST(Json, RefusesTwoMembersOfOneName) {
 }
 
 TEST(Json, RefusesValuesDeeperThan32) {
-    EXPECT_EQ(failureOf(std::string(32, '[') + std::string(32, ']')), "");
+    EXPECT_EQ(failureOf(std::string(33, '[') + std::string(33, ']')), "");
     EXPECT_NE(failureOf(std::string(34, '[') + std::string(34, ']')).find("deeper within each other than 32"),
               std::string::npos);
 }
@@ -127,6 +139,32 @@ TEST(Json, RefusesMoreThanItsBudget) {
     EXPECT_NE(failureOf("[1, 2, 3]", budget).find("more values than"), std::string::npos);
     budget.bytes = 5;
     EXPECT_NE(failureOf("[1, 2]", budget).find("is larger than"), std::string::npos);
+}
+
+TEST(Json, ReadsEachHexadecimalDigitAndEndOfTheSurrogates) {
+    Problems problems;
+    JsonBudget budget;
+    const std::string text = R"(["\uABCD\uEF00\uabcd\uef09", "\ud800\udc00\udbff\udfff\ud7ff\ue000"])";
+    const JsonDocument document("f", text, budget, problems);
+    ASSERT_NE(document.root(), nullptr);
+    EXPECT_EQ(document.root()->first->text, nlohmann::json::parse(text)[0].get<std::string>());
+    EXPECT_EQ(document.root()->first->next->text, nlohmann::json::parse(text)[1].get<std::string>());
+}
+
+TEST(Json, TakesATextThatIsAsLongAsItsBudget) {
+    JsonBudget budget;
+    budget.bytes = 6;
+    EXPECT_EQ(failureOf("[1, 2]", budget), "");
+}
+
+TEST(Json, RefusesATenthMemberOfTheNameOfAnother) {
+    std::string members;
+    for (int i = 0; i < 9; ++i)
+        members += "\"m" + std::to_string(i) + "\": 1, ";
+    for (const char* twin : {"m0", "m7", "m8"})
+        EXPECT_EQ(failureOf('{' + members + '"' + twin + "\": 1}"),
+                  std::string("f:1: ") + twin + ": is there twice");
+    EXPECT_EQ(failureOf('{' + members + "\"m9\": 1}"), "");
 }
 
 } // namespace

@@ -118,5 +118,92 @@ TEST(Layout, OfAPageThatDoesNotFitItsSelectorIsRefused) {
               "map:2: blocks.P.registers.R: its page does not fit into PAGE.NR");
 }
 
+TEST(Layout, OfAByteThatLiesBelowAnEarlierOneIsRefused) {
+    EXPECT_EQ(problemsOf(R"("registers": {"B": {"at": "ext32:4"}, "A": {"at": "ext32:0", "width": 64}})"),
+              "map:1: registers.A: A at ext32:0x00000000 overlaps with B at ext32:0x00000004");
+}
+
+TEST(Layout, OfARegisterOnPage0OverOneOfAllPagesIsRefused) {
+    EXPECT_EQ(problemsOf(R"("registers": {"PAGE": {"at": "c22:31"}},
+        "blocks": {"P": {"at": "c22:0", "page": {"select": "PAGE", "value": 0}, "registers": {"R": {"at": 31}}}})"),
+              "map:2: blocks.P.registers.R: P.R at c22:0x1F@0 overlaps with PAGE at c22:0x1F");
+}
+
+TEST(Layout, OfAPageWhoseSelectorLiesOnPage0IsRefused) {
+    EXPECT_EQ(problemsOf(R"("registers": {"PAGE": {"at": "c22:31"}}, "blocks": {
+        "P": {"at": "c22:0", "page": {"select": "PAGE", "value": 0}, "registers": {"SUB": {"at": 30}}},
+        "Q": {"at": "c22:0", "page": {"select": "P.SUB", "value": 1}, "registers": {"R": {"at": 16}}}})"),
+              "map:3: blocks.Q.registers.R: the page's select register lies on a page itself");
+}
+
+TEST(Layout, MayHaveTheLastPageOfASelectorAndTheLastAddressOfASpace) {
+    EXPECT_EQ(
+        problemsOf(
+            R"("registers": {"PAGE": {"at": "c22:31", "fields": {"NR": "1:0"}}, "LAST": {"at": "7.0xFFFF"}},
+        "blocks": {"P": {"at": "c22:0", "page": {"select": "PAGE.NR", "value": 3}, "registers": {"R": {"at": 16}}}})"),
+        "");
+}
+
+TEST(Layout, LeavesElementsOfAPagedBlockWithoutAStepOnOnePage) {
+    const RegisterMap map = mapOf(R"("registers": {"PAGE": {"at": "c22:31"}},
+        "blocks": {"P": {"at": "c22:0", "count": 2, "stride": 4, "page": {"select": "PAGE", "value": 3},
+                         "registers": {"R": {"at": 16}}}})");
+    EXPECT_THAT(lines(map), ElementsAre("PAGE c22:0x1F", "P[0].R c22:0x10@3", "P[1].R c22:0x14@3"));
+}
+
+TEST(Layout, OfStridesAndPagesTakesNumbersOf32Bits) {
+    const auto problemsWith = [](const std::string& stride, const std::string& value,
+                                 const std::string& step) {
+        return problemsOf(
+            R"("registers": {"PAGE": {"at": "ext32:0"}}, "blocks": {"P": {"at": "ext32:16", "count": 1,
+            "stride": )" +
+            stride + R"(, "page": {"select": "PAGE", "value": )" + value + R"(, "step": )" + step +
+            R"(}, "registers": {"R": {"at": 0}}}})");
+    };
+    const std::string most = "4294967295";
+    const std::string more = "4294967296";
+    const std::string refusal = ": has to be from 0 to 4294967295";
+    EXPECT_EQ(problemsWith(most, most, most), "");
+    EXPECT_EQ(problemsWith("0", "0", "0"), "");
+    EXPECT_EQ(problemsWith(more, "0", "0"), "map:2: blocks.P.stride" + refusal);
+    EXPECT_EQ(problemsWith("0", more, "0"), "map:2: blocks.P.page.value" + refusal);
+    EXPECT_EQ(problemsWith("0", "0", more), "map:2: blocks.P.page.step" + refusal);
+}
+
+TEST(Layout, OfNamesTakes128CharactersWithTheBlocks) {
+    const auto problemsOfName = [](std::size_t length) {
+        return problemsOf(R"("blocks": {")" + std::string(64, 'B') + R"(": {"registers": {")" +
+                          std::string(length - 65, 'R') + R"(": {"at": "7.1"}}}})");
+    };
+    EXPECT_EQ(problemsOfName(128), "");
+    EXPECT_NE(problemsOfName(129).find(": has a name, with its blocks', longer than 128"), std::string::npos);
+}
+
+TEST(Layout, OfBlocksGoesEightDeep) {
+    const auto problemsOfDepth = [](int depth) {
+        std::string text = R"("registers": {"R": {"at": "7.1"}})";
+        for (int i = 0; i < depth; ++i)
+            text = R"("blocks": {"B": {)" + text + "}}";
+        return problemsOf(text);
+    };
+    EXPECT_EQ(problemsOfDepth(8), "");
+    EXPECT_NE(problemsOfDepth(9).find(": lies deeper within blocks than 8"), std::string::npos);
+}
+
+TEST(Layout, HasRoomFor131072RegistersAndBlocks) {
+    const std::string registers = R"("registers": {"R": {"at": "ext32:0", "count": 131072})";
+    EXPECT_EQ(mapOf(registers + "}").size(), 131072U);
+    EXPECT_EQ(problemsOf(registers + R"(, "S": {"at": "7.1"}})"),
+              "map:1: registers.S: there are more registers than 131072");
+    const std::string blocks = R"("blocks": {"B": {"count": 131072})";
+    EXPECT_EQ(problemsOf(blocks + "}"), "");
+    EXPECT_EQ(problemsOf(blocks + R"(, "C": {}})"), "map:1: blocks.C: there are more blocks than 131072");
+}
+
+TEST(Layout, OfAnArrayBesideARegisterOfItsNameIsRefused) {
+    EXPECT_EQ(problemsOf(R"("registers": {"L": {"at": "7.1"}, "L[0]": {"at": "7.2"}})"),
+              "map:1: registers.L[0]: 'L' is there without an index, too");
+}
+
 } // namespace
 } // namespace OrvaneTest

@@ -119,5 +119,15 @@ TEST(Loader, GivesAMapThatThreadsReadAtOnce) {
     EXPECT_EQ(right, 4000);
 }
 
+TEST(Loader, TakesIdentifiersOf32Bits) {
+    EXPECT_EQ(problemsOf(R"("identifiers": ["0xFFFFFFFF/0xFFFFFFFF"])"), "");
+    EXPECT_NE(problemsOf(R"("identifiers": ["0x100000000/0x1FFFFFFFF"])"), "");
+    EXPECT_NE(problemsOf(R"("identifiers": ["0x00000000/0x1FFFFFFFF"])"), "");
+}
+
+TEST(Loader, TakesTheNameOfASchema) {
+    EXPECT_EQ(problemsOf(R"("$schema": "register-map.schema.json")"), "");
+}
+
 } // namespace
 } // namespace OrvaneTest

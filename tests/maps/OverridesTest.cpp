@@ -72,5 +72,32 @@ TEST(Overrides, WithARevisionThatIsNoneAreRefused) {
               "map:3: overrides[0].revision: has to be a revision of 0 to 15, or a range, as \"0..2\"");
 }
 
+TEST(Overrides, OfBlocksApplyToThePhyTheyNameOnly) {
+    const std::string text = kBase + R"([{"identifier": "0x11", "blocks": {"A": {"at": "30.0x100"},
+        "NEW": {"at": "30.0x200", "registers": {"R": {"at": 0}}}}}])";
+    EXPECT_EQ(mapOf(text).find("A.CTRL")->address().text(), "30.0x0000");
+    EXPECT_EQ(mapOf(text).find("NEW.R"), nullptr);
+    EXPECT_EQ(mapOf(text, phy(0x11)).find("A.CTRL")->address().text(), "30.0x0100");
+    EXPECT_EQ(mapOf(text, phy(0x11)).find("NEW.R")->address().text(), "30.0x0200");
+}
+
+TEST(Overrides, ApplyToTheLastRevisionTheyName) {
+    const std::string text =
+        kBase + R"([{"revision": "1..15", "blocks": {"A": {"registers": {"CTRL": {"reset": 3}}}}}])";
+    EXPECT_EQ(mapOf(text, phy(0x1F)).find("A.CTRL")->reset(), 3U);
+    EXPECT_NE(problemsOf(kBase + R"([{"revision": "1..16"}])"), "");
+}
+
+TEST(Overrides, ThatLeaveAFieldBeyondTheRegisterAreToldAtTheirFields) {
+    EXPECT_EQ(problemsOf(R"("registers": {"R": {"at": "7.1", "fields": {"HIGH": "15:8"}}},
+        "overrides": [{"registers": {"R": {"width": 8, "fields": {"LOW": 0}}}}])"),
+              "map:2: overrides[0].registers.R.fields: 'HIGH' has bits beyond the register's 8");
+}
+
+TEST(Overrides, AloneRemove) {
+    EXPECT_EQ(problemsOf(R"("blocks": {"B": {"remove": ["X"]}})"),
+              "map:1: blocks.B.remove: is for overrides");
+}
+
 } // namespace
 } // namespace OrvaneTest

@@ -83,5 +83,45 @@ TEST(Register, WithMoreFieldsThanBitsIsRefused) {
         std::string::npos);
 }
 
+TEST(Register, MayHave8To64Bits) {
+    const auto problemsOfWidth = [](const std::string& width) {
+        return problemsOf(R"("registers": {"R": {"at": "ext32:0", "width": )" + width + "}}");
+    };
+    for (const char* width : {"8", "16", "32", "64"})
+        EXPECT_EQ(problemsOfWidth(width), "") << width;
+    for (const char* width : {"7", "65"})
+        EXPECT_EQ(problemsOfWidth(width), "map:1: registers.R.width: has to be from 8 to 64") << width;
+}
+
+TEST(Register, OfClause22WithMoreThan16BitsIsRefused) {
+    EXPECT_EQ(problemsOf(R"("registers": {"R": {"at": "c22:1", "width": 32}})"),
+              "map:1: registers.R: has a width of 32 bits, where registers have 16");
+}
+
+TEST(Register, MayHaveAFieldForEachOf64Bits) {
+    std::string fields;
+    for (int i = 0; i < 64; ++i)
+        fields += (i > 0 ? ", \"F" : "\"F") + std::to_string(i) + "\": " + std::to_string(i);
+    EXPECT_EQ(problemsOf(R"("registers": {"R": {"at": "ext32:0", "width": 64, "fields": {)" + fields + "}}}"),
+              "");
+}
+
+TEST(Register, HasATextOf4096BytesAtMost_AndSoDoItsFieldsAndBlock) {
+    for (const std::size_t size : {4096U, 4097U}) {
+        const std::string text = R"("text": ")" + std::string(size, 'x') + '"';
+        const std::string refusal = size == 4096 ? "" : ".text: is longer than 4096 bytes";
+        EXPECT_EQ(problemsOfRegister(text), refusal);
+        EXPECT_EQ(problemsOfRegister(R"("fields": {"F": {"bits": 0, )" + text + "}}"),
+                  refusal.empty() ? "" : ".fields.F" + refusal);
+        EXPECT_EQ(problemsOf(R"("blocks": {"B": {)" + text + "}}"),
+                  refusal.empty() ? "" : "map:1: blocks.B" + refusal);
+    }
+}
+
+TEST(Register, WithAFieldThatHasAnIndexIsRefused) {
+    EXPECT_EQ(problemsOfRegister(R"("fields": {"F[0]": 0})"),
+              ".fields.F[0]: is no name: letters, digits and '_', a letter first, 64 at most");
+}
+
 } // namespace
 } // namespace OrvaneTest

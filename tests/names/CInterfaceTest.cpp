@@ -101,6 +101,14 @@ TEST_F(CNames, ComeBackFromASnapshot) {
     orvane_snapshot_free(after);
 }
 
+TEST_F(CNames, OfSeveralScopesMakeOneSnapshot) {
+    const char* const names[]{"WORD", "CHIP.CONTROL", "CHIP.MODE"};
+    orvane_snapshot* snapshot = nullptr;
+    ASSERT_EQ(orvane_phy_snapshot(cphy, names, 3, 0, nullptr, &snapshot, &failure), ORVANE_DONE);
+    EXPECT_EQ(orvane_snapshot_size(snapshot), 3U);
+    orvane_snapshot_free(snapshot);
+}
+
 TEST_F(CNames, AreInThePlanOfOperations) {
     orvane_operation write{};
     write.address = {ORVANE_CLAUSE22, 0, 0};

@@ -106,11 +106,11 @@ TEST_F(NamedTest, AnAssignmentGivesWriteOnlyBitsTheirResetValue_WithoutARead) {
 }
 
 TEST_F(NamedTest, AnAssignmentKeepsWhatIsReadAndResetsWhatIsNot) {
-    give(R"("registers": {"MIXED": {"at": "30.16", "reset": "0xF1F0",
+    give(R"("registers": {"MIXED": {"at": "30.16", "reset": "0xF1F1",
         "fields": {"SECRET": "15:8 wo", "HIGH": "7:4", "LOW": "3:0"}}})");
-    phy["MIXED"] = 0x0005;
+    phy["MIXED"] = 0x0004;
     phy["MIXED.HIGH"] = 2;
-    EXPECT_EQ(written(), (Names{"[5]", "[61733]"})); // 0xF125
+    EXPECT_EQ(written(), (Names{"[4]", "[61732]"})); // 0xF124
 }
 
 TEST_F(NamedTest, AnAssignmentReadsARegisterOfWhichOnlyTheLowestBitIsKept) {

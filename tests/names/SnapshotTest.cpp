@@ -94,6 +94,16 @@ TEST_F(SnapshotTest, DiffersByField) {
                      "CHIP.TEMPERATURE: 0x0000 -> 0x1000", "CHIP.TWO.HEIGHT: 0x0016 -> 0x0017"}));
 }
 
+TEST_F(SnapshotTest, DiffersInTheLowestBit_WhetherAFieldHasItOrNot) {
+    give(
+        R"("registers": {"FREE": {"at": "30.0", "fields": {"LEVEL": "15:1"}}, "SWITCH": {"at": "30.1", "fields": {"ON": 0}}})");
+    const Snapshot before = phy.snapshot("**");
+    phy["FREE"] = 1;
+    phy["SWITCH"] = 1;
+    EXPECT_EQ(textsOf(diff(before, phy.snapshot("**"))),
+              (Names{"FREE: 0x0000 -> 0x0001", "SWITCH.ON: 0 -> 1"}));
+}
+
 TEST_F(SnapshotTest, RestoredBringsBackWhatCanBeWritten_AndClearsNoAlarm) {
     const Snapshot before = phy.snapshot("**");
     phy["CHIP.CONTROL"] = 1;

@@ -8,7 +8,8 @@ where a constant stands, code is put that asks orvane_mutant() which of the two 
 OBJECT.mutants. Sources that are not of the library are compiled as they are.
 
 Left alone is what cannot matter: the constant that an implicit comparison with zero has, a bound moved by one where
-that is the same as another sign, sizes of objects, and what a variable holds until a call writes over it.
+that is the same as another sign, sizes of objects, what a variable holds until a call writes over it, and what the
+compiler asks itself: which exception was caught, whether a result was made in its place.
 """
 
 import functools
@@ -28,15 +29,17 @@ SIGNS = {"eq": "==", "ne": "!=", "slt": "<", "sle": "<=", "sgt": ">", "sge": ">=
 
 LOCATION = re.compile(r"!dbg !(\d+)")
 COMPARISON = re.compile(r"^  (\S+) = icmp (\w+) (.*?), !dbg !\d+$")
-ARITHMETIC = re.compile(r"^  \S+ = (add|sub|mul|and|or|xor|shl|lshr|ashr|udiv|sdiv|urem|srem|icmp \w+)[ a-z]*? (i\d+) "
-                        r"(\S+), (\S+), !dbg !\d+$")
+ARITHMETIC = re.compile(r"^  \S+ = (add|sub|mul|and|or|xor|shl|lshr|ashr|udiv|sdiv(?! exact)|urem|srem|icmp \w+)"
+                        r"[ a-z]*? (i\d+) (\S+), (\S+), !dbg !\d+$")
 STORE = re.compile(r"^  store (i\d+) (-?\d+|true|false), \S+ (\S+), align")
 RETURN = re.compile(r"^  ret (i\d+) (-?\d+|true|false), !dbg")
 CALL = re.compile(r"^  (?:\S+ = )?(?:tail |musttail |notail )?(?:call|invoke) .*?@([\w.$]+|\"[^\"]+\")\((.*)\)")
 ARGUMENT = re.compile(r"(i1|i8|i16|i32|i64)((?: noundef| signext| zeroext)*) (-?\d+|true|false)")
 # Room for objects, what the compiler itself calls, and orders of memory: no test can tell them from stronger ones.
 OF_THE_COMPILER = re.compile(r"^(llvm\.|_Zn[wa]m|_Zd[la]Pv|__cxa_|__clang|__gxx|_ZSt9terminatev)|12memory_order")
-ITS_OWN = re.compile(r"^%(retval|cleanup\.|ehselector|exn|nrvo)")
+ITS_OWN = re.compile(r"^%(retval|cleanup\.|ehselector|exn|nrvo|matches)")
+# A list in braces: one element more would be whatever stands behind it.
+LENGTH_OF_LIST = re.compile(r"^%_M_len")
 # One more or less here is the same as the other sign.
 SAME_AS_SIGN = {"slt": 1, "ult": 1, "sge": 1, "uge": 1, "sle": -1, "ule": -1, "sgt": -1, "ugt": -1}
 
@@ -86,6 +89,11 @@ class Places:
         """The line, from the place on."""
         file, line, column = place
         return self.source(file)[line - 1][column - 1:]
+
+    def is_given(self, place):
+        """Whether the statement, from the place on, has a constant; else a default argument or member is one."""
+        text = " ".join(self.source(place[0])[place[1] - 1:place[1] + 7])[place[2] - 1:].split(";")[0]
+        return re.search(r"'|\b(\d|k?[A-Z]|true\b|false\b)|::", re.sub(r'"(\\.|[^"\\])*"', "", text)) is not None
 
     def of_a_size(self, place, value):
         """Whether the line takes a size of an object that is this number."""
@@ -178,12 +186,17 @@ class Rewriter:
                     name = self.constant(place, kind, operand, self.operands(place, operation, kind, operand))
                     line = re.sub(rf"(?<=[ ]){re.escape(operand)}(?=, )", name, line, count=1) \
                         if operand == first else line.replace(f", {operand}, !dbg", f", {name}, !dbg")
-        if COMPARISON.match(line):
+        if COMPARISON.match(line) and not ITS_OWN.match(line.lstrip()):
             return self.comparison(line, place)
         found = STORE.match(line) or RETURN.match(line)
         if found and not (len(found.groups()) == 3 and self.of_no_use(found.group(3))):
             kind, value = found.groups()[:2]
-            name = self.constant(place, kind, value, others(kind, value))
+            changed = others(kind, value)
+            if len(found.groups()) == 3 and LENGTH_OF_LIST.match(found.group(3)):
+                changed = changed[1:]
+            elif len(found.groups()) == 3 and not self.places.is_given(place):
+                changed = ()
+            name = self.constant(place, kind, value, changed)
             line = line.replace(f" {kind} {value}", f" {kind} {name}", 1)
         found = CALL.match(line)
         if found and not OF_THE_COMPILER.search(found.group(1)):
@@ -220,7 +233,7 @@ class Rewriter:
         result = []
         for one in split(text):
             found = ARGUMENT.fullmatch(one)
-            if found:
+            if found and self.places.is_given(place):
                 kind, marks, value = found.groups()
                 one = f"{kind}{marks} {self.constant(place, kind, value, others(kind, value, zero=True))}"
             result.append(one)

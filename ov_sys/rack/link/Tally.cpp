@@ -1,11 +1,64 @@
 // The counters of each program, made when it is first called.
 #include "ov_sys/rack/link/Tally.h"
 
+#include <algorithm>
+#include <new>
+
 namespace Orvane::RackLink {
+
+namespace {
+
+// The buckets of one octave, made when a call first took so long: a program meets two or three of them.
+using Octave = std::array<std::atomic<std::uint32_t>, LatencyHistogram::kSteps>;
+
+} // namespace
 
 struct Tally::OfProgram {
     Count calls, succeeded, failed, timedOut, boardErrors, repeats, bytesSent, bytesReceived;
-    std::array<std::atomic<std::uint32_t>, LatencyHistogram::kBuckets> buckets{};
+    std::array<std::atomic<Octave*>, LatencyHistogram::kOctaves> octaves{};
+
+    std::unique_ptr<Octave[]> all; // where they were made together
+
+    OfProgram() = default;
+    ~OfProgram() {
+        if (!all)
+            for (auto& octave : octaves)
+                delete octave.load(std::memory_order_relaxed);
+    }
+    OfProgram(const OfProgram&) = delete;
+    OfProgram& operator=(const OfProgram&) = delete;
+
+    void makeAll() {
+        all = std::make_unique<Octave[]>(LatencyHistogram::kOctaves);
+        std::transform(all.get(), all.get() + LatencyHistogram::kOctaves, octaves.begin(),
+                       [](Octave& each) { return &each; });
+    }
+
+    // A call for whose octave there is no memory is left out.
+    void took(std::chrono::microseconds time) noexcept {
+        const unsigned number = LatencyHistogram::bucketOf(time);
+        auto& place = octaves[number / LatencyHistogram::kSteps];
+        Octave* octave = place.load(std::memory_order_relaxed);
+        if (octave == nullptr) {
+            octave = new (std::nothrow) Octave{};
+            place.store(octave, std::memory_order_release);
+        }
+        if (octave == nullptr)
+            return;
+        auto& bucket = (*octave)[number % LatencyHistogram::kSteps];
+        bucket.store(bucket.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    }
+
+    std::vector<std::uint32_t> buckets() const {
+        std::vector<std::uint32_t> counts(LatencyHistogram::kBuckets);
+        auto place = counts.begin();
+        for (const auto& octave : octaves) {
+            if (const Octave* const made = octave.load(std::memory_order_acquire))
+                std::copy(made->begin(), made->end(), place);
+            place += LatencyHistogram::kSteps;
+        }
+        return counts;
+    }
 
     ProgramCounters read() const {
         ProgramCounters copy;
@@ -17,11 +70,7 @@ struct Tally::OfProgram {
         copy.repeats = repeats.get();
         copy.bytesSent = bytesSent.get();
         copy.bytesReceived = bytesReceived.get();
-        std::vector<std::uint32_t> counts;
-        counts.reserve(buckets.size());
-        for (const auto& bucket : buckets)
-            counts.push_back(bucket.load(std::memory_order_relaxed));
-        copy.latency = LatencyHistogram(std::move(counts));
+        copy.latency = LatencyHistogram(buckets());
         return copy;
     }
 };
@@ -32,9 +81,11 @@ Tally::~Tally() {
 }
 
 Tally::OfProgram& Tally::begin(Program program) {
-    auto* const counters = new OfProgram;
-    programs_[indexOf(program)].store(counters, std::memory_order_release);
-    return *counters;
+    auto counters = std::make_unique<OfProgram>();
+    if (program == Program::Mdio) // an access to a register never waits for memory
+        counters->makeAll();
+    programs_[indexOf(program)].store(counters.get(), std::memory_order_release);
+    return *counters.release();
 }
 
 void Tally::sent(const Call& call) {
@@ -53,9 +104,7 @@ void Tally::ended(const Call& call, TimePoint now) {
     counters.calls.add();
     if (!call.trouble) {
         counters.succeeded.add();
-        const auto time = std::chrono::duration_cast<std::chrono::microseconds>(now - call.begun);
-        std::atomic<std::uint32_t>& bucket = counters.buckets[LatencyHistogram::bucketOf(time)];
-        bucket.store(bucket.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+        counters.took(std::chrono::duration_cast<std::chrono::microseconds>(now - call.begun));
         return;
     }
     counters.failed.add();

@@ -168,6 +168,7 @@ TEST_F(OrvaneRecord, OfWhatIsWrittenToFilesFitsTheSchema) {
     expect(orvane({"note", "here", "--log", folder.path("a.log"), "--json"}), 0, "1");
     run({"gpio", "get", "OV0001:0", "0", "--log", folder.path("a.log")});
     expect(orvane({"log", folder.path("a.log"), "--html", folder.path("a.html"), "--json"}), 0, "1");
+    expect(orvane({"export", dump, "--html", folder.path("b.html"), "--json"}), 0, "1");
 }
 
 TEST_F(OrvaneRecord, OfAReplayTellsWhatDiffersAndWhatCameOfAll) {

@@ -61,9 +61,8 @@ export async function look(page, name) {
 
 // What a button of the page saves, byte for character.
 export async function saved(page, button) {
-  const saving = page.waitForEvent("download");
-  await button.click();
-  return readFileSync(await (await saving).path(), "latin1");
+  const [file] = await Promise.all([page.waitForEvent("download"), button.click()]);
+  return readFileSync(await file.path(), "latin1");
 }
 
 // Runs tests in their order; a page that is given must have a silent console after each. True when all passed.

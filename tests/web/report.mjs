@@ -2,7 +2,7 @@
 //
 //     orvane-lab --lab tests/web/rack.json -- node tests/web/report.mjs MODULES SHOTS
 //
-// ORVANE_TOOL is the program orvane; the rest is as browser.mjs says.
+// ORVANE_TOOL is the program orvane, PYTHONPATH leads to its package; the rest is as browser.mjs says.
 import assert from "node:assert/strict";
 import { execFileSync } from "node:child_process";
 import { writeFileSync } from "node:fs";
@@ -28,7 +28,7 @@ function write(name, text) {
 // Runs the program and gives the address of the page that it has written.
 function report(name, ...words) {
   const page = join(folder, name);
-  execFileSync(process.env.ORVANE_TOOL, [...words, "--html", page, "--map", map], { stdio: ["ignore", "inherit", "inherit"] });
+  execFileSync(process.env.ORVANE_TOOL, [...words, "--html", page, "--map", map], { env: { ...process.env, ORVANE_PYTHON: "/usr/bin/python3" }, stdio: ["ignore", "inherit", "inherit"] });
   return `file://${page}`;
 }
 
@@ -40,6 +40,25 @@ function logReport() {
     line(1, "MW", "1E,C010", "CAFE"), line(2, "MR", "1E,C010", "CAFE"), line(3, "MR", "1E,C010", "CBFF"),
     line(4, "MR", "01,0002", "0A5C"), line(5, "i2c.read", ",", "", "bus=0;device=0x50", "bytes=4F56"),
     `,,note,,,,${time(6)},,,${hostile.replaceAll(",", "")},`, ""].join("\n")));
+}
+
+function dumpReport() {
+  const head = (second) => `# orvane dump 2\n# version 1\n# date 2026-11-22T02:08:0${second}Z\n# device OV0001:0\n# address 10.83.0.1\n# phy 3\n# space c45\n# ranges x\n`;
+  const before = write("before.dump", `${head(1)}1.0x0002 0x0A5C\n1.0x0005 0x0007 0x0003\n30.0xC010 0x0000\n`);
+  const after = write("after.dump", `${head(2)}1.0x0002 0x0A5C\n1.0x0005 0x0087\n30.0xC010 0x00C1\n`);
+  return report("dumps.html", "export", before, after);
+}
+
+function runReport() {
+  const program = write("sweep.py", `import orvane
+run = orvane.Run("sweep", boards=["OV0001:0", "OV0003:0"], phy=3, drive=range(4))
+@run.point
+def measure(p, drive):
+    p.record(eye=drive * 2.0)
+run.go("${join(folder, "sweep.orvrun")}")
+`);
+  execFileSync("/usr/bin/python3", [program], { stdio: "inherit" });
+  return report("run.html", "export", join(folder, "sweep.orvrun"), join(folder, "session.csv"), "--title", "Monday");
 }
 
 const history = (page) => page.getByRole("region", { name: "History of 30.0xC010 CONTROL" });
@@ -115,6 +134,36 @@ const tests = {
     const cells = await page.getByRole("region", { name: "Accesses", exact: true }).getByRole("row").last().getByRole("cell").allInnerTexts();
     assert.deepEqual([cells[0], cells[3], cells[6]], ["5", "note", "link up"]);
     await accessibility(page, "a log without times");
+    assert.deepEqual(page.complaints, []);
+    await page.context().close();
+  },
+
+  async "dumps stand side by side, decoded, with what differs marked"({ browser }) {
+    const page = await openPage(browser, dumpReport());
+    await page.getByText("3 of 3 registers, 1 differ").waitFor();
+    const table = page.getByRole("region", { name: "Registers of the dumps" });
+    assert.deepEqual(await table.getByRole("row").last().getByRole("cell").allInnerTexts(), ["30.0xC010", "CONTROL", "0x0000", "0x00C1"]);
+    assert.deepEqual(await table.locator(".changed").allInnerTexts(), ["0x00C1"]);
+    const detail = page.getByRole("region", { name: "CONTROL" });
+    const mode = detail.getByRole("row").filter({ has: page.getByRole("rowheader", { name: "MODE" }) });
+    assert.deepEqual(await mode.getByRole("cell").allInnerTexts(), ["7:6", "0x0", "both"]);
+    assert.equal(await detail.locator(".bits .changed").count(), 3);
+    await look(page, "report-dumps");
+    await page.getByLabel("only what differs").check();
+    await page.getByText("1 of 3 registers, 1 differ").waitFor();
+    assert.deepEqual(page.complaints, []);
+    await page.context().close();
+  },
+
+  async "a run has its points, its plot and its CSV, and a log stands behind it"({ browser }) {
+    const page = await openPage(browser, runReport());
+    await page.getByRole("heading", { level: 1, name: "Monday" }).waitFor();
+    const part = page.getByRole("region", { name: "sweep.orvrun" });
+    await part.getByText("8 points, 0 missing.").waitFor();
+    await part.getByRole("img", { name: /^sweep eye, 4 points\. OV0001:0: 0 to 6, last 6; OV0003:0: 0 to 6, last 6/ }).waitFor();
+    assert.match(await saved(page, part.getByRole("button", { name: "CSV" }).last()), /^port,drive,repeat,eye\nOV0001:0,0,0,0\n/);
+    await page.getByRole("region", { name: "session.csv" }).getByText("6 lines, shown 1 to 6").waitFor();
+    await look(page, "report-run");
     assert.deepEqual(page.complaints, []);
     await page.context().close();
   },

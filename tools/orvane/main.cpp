@@ -32,16 +32,16 @@ struct Named {
 };
 
 constexpr std::array kVerbs{
-    Named{"list", addList},        Named{"info", addInfo},     Named{"scan", addScan},
-    Named{"ping", addPing},        Named{"read", addRead},     Named{"write", addWrite},
-    Named{"modify", addModify},    Named{"dump", addDump},     Named{"restore", addRestore},
-    Named{"diff", addDiff},        Named{"watch", addWatch},   Named{"decode", addDecode},
-    Named{"map", addMap},          Named{"i2c", addI2c},       Named{"gpio", addGpio},
-    Named{"jtag", addJtag},        Named{"adc", addAdc},       Named{"thermal", addThermal},
-    Named{"exec", addExec},        Named{"log", addLog},       Named{"replay", addReplay},
-    Named{"run", addRun},          Named{"serve", addServe},   Named{"metrics", addMetrics},
-    Named{"note", addNote},        Named{"config", addConfig}, Named{"complete", addComplete},
-    Named{"generate", addGenerate}};
+    Named{"list", addList},         Named{"info", addInfo},        Named{"scan", addScan},
+    Named{"ping", addPing},         Named{"read", addRead},        Named{"write", addWrite},
+    Named{"modify", addModify},     Named{"dump", addDump},        Named{"restore", addRestore},
+    Named{"diff", addDiff},         Named{"watch", addWatch},      Named{"decode", addDecode},
+    Named{"map", addMap},           Named{"i2c", addI2c},          Named{"gpio", addGpio},
+    Named{"jtag", addJtag},         Named{"adc", addAdc},          Named{"thermal", addThermal},
+    Named{"exec", addExec},         Named{"log", addLog},          Named{"replay", addReplay},
+    Named{"export", addExport},     Named{"run", addRun},          Named{"serve", addServe},
+    Named{"metrics", addMetrics},   Named{"note", addNote},        Named{"config", addConfig},
+    Named{"complete", addComplete}, Named{"generate", addGenerate}};
 
 // Of all verbs, but for a command line that begins with the name of one: to define the others takes longer
 // than to read a register. That which prints the definitions wants all of them.

@@ -5,16 +5,13 @@ import asyncio
 import os
 from typing import Any, Dict, List, Optional, Tuple
 
-import numpy
-
-from orvane.run.dataset import DataSet
+from orvane.run.page import contents
 from orvane.run.storage import DataSetError
 from orvane.serve.sessions import Sessions
 from orvane.serve.topics import Topic
 
 __all__ = ["RunTopic", "read_run"]
 
-_MOST_POINTS = 20_000
 _PAUSE = 1.0
 
 
@@ -45,31 +42,12 @@ class RunTopic(Topic):
 
 
 def read_run(path: str) -> Dict[str, Any]:
-    """Everything that the page shows of a data set; an array is shown by its mean."""
+    """Everything that the page shows of a data set, or why there is nothing."""
     try:
-        with DataSet(path) as data:
-            told: Dict[str, Any] = {"summary": {
-                "name": data.recipe.name, "text": data.text(), "conditions": list(data.recipe.conditions),
-                "missing": len(data.missing()), "going": any(each.ended is None for each in data.sessions())}}
-            for index, point in enumerate(data.points()):
-                if index == _MOST_POINTS:
-                    break
-                told[str(index)] = [point.port, list(point.conditions.values()), point.repeat, point.done,
-                                    {name: _shown(value) for name, value in point.values.items()}]
-            return told
+        return contents(path)
     except (DataSetError, OSError) as problem:
         return {"summary": {"name": os.path.basename(path), "text": str(problem), "conditions": [], "missing": 0,
                             "going": False}}
-
-
-def _shown(value: Any) -> Any:
-    if isinstance(value, str):
-        return value
-    array = numpy.asarray(value)
-    if array.dtype.kind not in "biuf" or not array.size:
-        return str(value)
-    mean = float(array.mean())
-    return mean if numpy.isfinite(mean) else None
 
 
 def _state(path: str) -> List[Tuple[int, int]]:

@@ -112,6 +112,12 @@ std::uint32_t Dump::maskOf(const Register& reg) const {
     return found == masks.end() ? ~std::uint32_t{0} : found->second;
 }
 
+bool isDump(const std::string& path) {
+    std::ifstream file(path);
+    std::string line;
+    return std::filesystem::is_regular_file(path) && std::getline(file, line) && isTitle(line);
+}
+
 Dump readDump(const std::string& path) {
     std::ifstream file(path);
     if (!file)

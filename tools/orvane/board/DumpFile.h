@@ -40,6 +40,8 @@ struct Dump {
     std::uint32_t maskOf(const Register& reg) const;
 };
 
+// Whether a file begins as a dump does; false for what is no file or cannot be read.
+bool isDump(const std::string& path);
 // Reads a complete dump. Throws Failure, naming file and line.
 Dump readDump(const std::string& path);
 

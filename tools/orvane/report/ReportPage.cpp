@@ -32,7 +32,10 @@ std::string choicesText(const Orvane::MapField& field) {
 } // namespace
 
 std::string jsonText(std::string_view text) {
-    std::string json = nlohmann::json(text).dump(-1, ' ', true, nlohmann::json::error_handler_t::replace);
+    return harmless(nlohmann::json(text).dump(-1, ' ', true, nlohmann::json::error_handler_t::replace));
+}
+
+std::string harmless(std::string json) {
     for (std::size_t found = 0; (found = json.find('<', found)) != std::string::npos;)
         json.replace(found, 1, "\\u003c");
     return json;

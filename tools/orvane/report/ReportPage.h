@@ -12,6 +12,9 @@ namespace OrvaneTool {
 // replaced.
 std::string jsonText(std::string_view text);
 
+// A JSON text made so, whatever stands in it.
+std::string harmless(std::string json);
+
 // Members of a register's object: ,"name":"PMA.ID1","fields":[...], most significant first.
 void writeMeaning(std::ostream& page, const Orvane::MapRegister& reg);
 

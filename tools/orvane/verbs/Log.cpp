@@ -4,14 +4,12 @@
 #include "tools/orvane/names/KnownMaps.h"
 #include "tools/orvane/names/RegisterRecord.h"
 #include "tools/orvane/output/Errors.h"
-#include "tools/orvane/output/OutputFile.h"
 #include "tools/orvane/output/RecordSink.h"
 #include "tools/orvane/report/LogReport.h"
+#include "tools/orvane/report/ReportFile.h"
 #include "tools/orvane/verbs/Verbs.h"
 
-#include <cerrno>
 #include <fmt/format.h>
-#include <fstream>
 
 namespace OrvaneTool {
 namespace {
@@ -189,25 +187,11 @@ void printTimeline(Context& context, const Options& options, const LogFile& log)
 
 void writeReport(Context& context, const Options& options, const LogFile& log, const LogSummary& summary,
                  const KnownMaps& maps) {
-    requireNewFile(options.html, options.force);
-    std::ofstream file(options.html, std::ios::binary | std::ios::trunc);
     const std::string title = options.file.substr(options.file.rfind('/') + 1);
-    ReportPage page(file, title);
-    addLogReport(page, title, log, options.selection, summary, maps);
-    page.finish();
-    if (!file.flush())
-        throw Failure(fmt::format("{}: cannot write: {}", options.html, errorText(errno)));
-    if (const ReportLimits limits = limitsFor(summary); limits.thinned)
-        context.console.err.print("orvane: {}: the log is too long for one page: of each register it has the "
-                                  "first {} and the last {} accesses; all are counted\n",
-                                  options.html, limits.accesses - limits.accesses / 2, limits.accesses / 2);
-    context.console.err.flushIfPossible();
-}
-
-// For programs: where it is.
-void putReport(Context& context, const Options& options) {
-    Record record("report");
-    context.records({{"file"}, {}}).put(record.put("file", options.html));
+    writeReportFile(context, options.html, options.force, title, [&](ReportPage& page) {
+        addLogReport(page, title, log, options.selection, summary, maps);
+    });
+    tellWhatIsLeftOut(context, options.html, summary);
 }
 
 int run(Context& context, const Options& options) {
@@ -220,7 +204,6 @@ int run(Context& context, const Options& options) {
     const LogSummary summary = summaryOf(log, options.selection);
     if (!options.html.empty()) {
         writeReport(context, options, log, summary, maps);
-        putReport(context, options);
     } else if (!options.reg.empty()) {
         printHistory(context, options, log, summary, maps);
     } else {

@@ -29,6 +29,7 @@ void addThermal(CLI::App& app, Context& context);
 void addExec(CLI::App& app, Context& context);
 void addLog(CLI::App& app, Context& context);
 void addReplay(CLI::App& app, Context& context);
+void addExport(CLI::App& app, Context& context);
 void addRun(CLI::App& app, Context& context);
 void addServe(CLI::App& app, Context& context);
 void addMetrics(CLI::App& app, Context& context);

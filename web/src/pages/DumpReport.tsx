@@ -50,7 +50,7 @@ export function DumpReport({ part: { dumps, registers } }: { part: DumpsPart }):
 
 function Dumps({ dumps }: { dumps: DumpsPart["dumps"] }): JSX.Element {
   return (
-    <div class="table-box">
+    <div class="table-box" tabIndex={0} role="region" aria-label="Dumps">
       <table>
         <thead>
           <tr>

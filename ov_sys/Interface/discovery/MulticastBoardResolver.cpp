@@ -180,7 +180,7 @@ void MulticastBoardResolver::listen(const std::atomic<bool>& flag) {
         // A datagram with a bad checksum is gone by the time it is read: never block here.
         if (recvfrom(listenSocket, text, DiscoveryProtocol::kReplyLimit, MSG_DONTWAIT,
                      reinterpret_cast<sockaddr*>(&localAddress), &length) < 0) {
-            if (errno == EAGAIN || errno == EINTR)
+            if (errno == EAGAIN)
                 continue;
             Diagnostics::error("MulticastBoardResolver: recvfrom error");
             return;

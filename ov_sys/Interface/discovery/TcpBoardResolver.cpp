@@ -25,8 +25,9 @@ constexpr std::chrono::milliseconds kReadTime{80};
 // Long enough for the system to find out by itself that an address on the local network is not taken.
 constexpr std::chrono::seconds kSilenceLimit{5};
 
-// Makes one transfer that does not block as soon as `socket` is ready for `event`, however many signals are
-// handled until then. False, with a line that tells the cause, when it failed or the silence limit passed.
+// Makes one transfer that does not block (so that no signal interrupts it) as soon as `socket` is ready for
+// `event`, however many signals are handled until then. False, with a line that tells the cause, when it
+// failed or the silence limit passed.
 template <class Transfer>
 bool transfer(const char* name, int socket, short event, ssize_t& count, Transfer once) {
     const Deadline deadline = Deadline::after(kSilenceLimit);
@@ -35,7 +36,7 @@ bool transfer(const char* name, int socket, short event, ssize_t& count, Transfe
         count = ready ? once() : -1;
         if (!ready)
             errno = ETIMEDOUT;
-    } while (count < 0 && (errno == EINTR || errno == EAGAIN) && !deadline.passed());
+    } while (count < 0 && errno == EAGAIN && !deadline.passed());
     if (count < 0)
         Diagnostics::error(name, " failed with error: ", get_last_error());
     return count >= 0;
@@ -54,9 +55,7 @@ TcpBoardResolver::~TcpBoardResolver() {
 }
 
 bool TcpBoardResolver::enableBlocking(bool blocking) {
-    const int flags = fcntl(socket, F_GETFL);
-    if (flags < 0)
-        return false;
+    const int flags = fcntl(socket, F_GETFL); // without a socket all ones, and then the next call fails, too
     return fcntl(socket, F_SETFL, blocking ? flags & ~O_NONBLOCK : flags | O_NONBLOCK) == 0;
 }
 

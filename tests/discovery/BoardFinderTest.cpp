@@ -55,9 +55,10 @@ TEST(ParseResponce, RefusesAndCountsNamesBeyondPrintableAscii) {
     const std::uint64_t before = BoardFinder::dropped().unprintable;
     EXPECT_EQ(parsedName("evb", "evb|b\x1b[2J"), "");
     EXPECT_EQ(parsedName("evb", "evb|host a:0\n"), "");
+    EXPECT_EQ(parsedName("evb", "evb|b\x1f"), "");
     EXPECT_EQ(parsedName("evb", "evb|b\x7f"), "");
     EXPECT_EQ(parsedName("evb", "evb|b\xc2\x9b"), "");
-    EXPECT_EQ(BoardFinder::dropped().unprintable, before + 4);
+    EXPECT_EQ(BoardFinder::dropped().unprintable, before + 5);
 }
 
 TEST(ParseResponce, TakesEveryPrintableByteAndAnyTypeWord) {

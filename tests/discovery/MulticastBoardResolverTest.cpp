@@ -9,6 +9,7 @@
 #include "tests/support/discovery/OwnNetwork.h"
 #include "tests/support/discovery/RequestTap.h"
 #include "tests/support/discovery/ThrowingSend.h"
+#include "tests/support/NoStandardInput.h"
 #include "tests/support/WrittenText.h"
 
 #include <arpa/inet.h>
@@ -192,6 +193,15 @@ TEST(CreateListenSocket, PutsANewSocketInThePlaceOfTheOldOne) {
     EXPECT_EQ(resolver.listenSocket, before); // the lowest free descriptor again: the old socket is closed
 }
 
+TEST(CreateSendSocket, TakesDescriptor0) {
+    const OrvaneTest::NoStandardInput closed;
+    MulticastBoardResolver resolver(kGroup, kGroupPort);
+    std::swap(resolver.listenSocket, resolver.sendSocket);
+    const std::string line = errorLines([&] { EXPECT_EQ(resolver.CreateSendSocket(), 0); });
+    EXPECT_EQ(resolver.sendSocket, 0);
+    EXPECT_EQ(line, "");
+}
+
 TEST(CreateSendSocket, TellsWhenThereIsNoSocketLeft) {
     MulticastBoardResolver resolver(kGroup, kGroupPort);
     int result = 0;
@@ -242,6 +252,14 @@ TEST(SendToInterface, SendsTheBareTextToGroupAndPortOutOfThatInterface) {
         EXPECT_EQ(sent.payload, "ZRDISCOVER?evb");
         EXPECT_FALSE(second.more());
         EXPECT_FALSE(first.more());
+    });
+}
+
+TEST(SendToInterface, SendsAnEmptyTextToo) {
+    inNetworkOfTwo([](OrvaneTest::RequestTap& first, OrvaneTest::RequestTap&) {
+        MulticastBoardResolver resolver(kGroup, kGroupPort);
+        EXPECT_EQ(resolver.sendToInterface(resolver.interfaces.at(0), ""), 0);
+        EXPECT_EQ(first.next().payload, "");
     });
 }
 

@@ -5,6 +5,8 @@
 #include "tests/support/discovery/FailingAllocation.h"
 #include "tests/support/discovery/Group.h"
 #include "tests/support/discovery/Limits.h"
+#include "tests/support/NoMoreThreads.h"
+#include "tests/support/NoStandardInput.h"
 #include "tests/support/WrittenText.h"
 
 #include <arpa/inet.h>
@@ -76,8 +78,9 @@ TEST_F(MulticastListener, QueuesTheSameReplyAsOftenAsItCame) {
 
 TEST_F(MulticastListener, DropsAndCountsWhatComesWhile4096RepliesWait) {
     const std::uint64_t before = BoardFinder::dropped().excess;
-    for (int i = 0; i < 4096; ++i)
+    for (int i = 0; i < 4095; ++i)
         resolver.PushReply("|b", "10.83.0.1");
+    sendReply("|last");
     sendReply("|late");
     for (const auto end = std::chrono::steady_clock::now() + 10s;
          BoardFinder::dropped().excess == before && std::chrono::steady_clock::now() < end;)
@@ -86,7 +89,7 @@ TEST_F(MulticastListener, DropsAndCountsWhatComesWhile4096RepliesWait) {
     Records replies;
     resolver.GetReplies(replies);
     EXPECT_EQ(replies.size(), 4096U);
-    EXPECT_EQ(replies.back().name, "|b");
+    EXPECT_EQ(replies.back().name, "|last");
 }
 
 TEST_F(MulticastListener, KeepsThe255FirstBytesOfALongerDatagram) {
@@ -162,6 +165,18 @@ TEST_F(MulticastListener, GoesOnAfterASignal) {
     sigaction(SIGUSR1, &before, nullptr);
 }
 
+TEST_F(MulticastListener, CanBeStartedOnceThereAreThreadsAgain) {
+    resolver.stopListener();
+    {
+        const OrvaneTest::NoMoreThreads full;
+        EXPECT_THROW(resolver.startListener(), std::system_error);
+    }
+    EXPECT_FALSE(resolver.listening);
+    resolver.startListener();
+    sendReply("heard");
+    EXPECT_EQ(awaitReplies(resolver, 1), (Records{{"heard", "127.0.0.1"}}));
+}
+
 // What the listener thread writes before it ends by itself, given this socket.
 std::string linesOfAListenerOn(MulticastBoardResolver& resolver, int socket) {
     FileDescriptor(std::exchange(resolver.listenSocket, socket)).reset();
@@ -209,6 +224,16 @@ TEST(MulticastListenerSocket, MayBe1024OrMore) {
     const OrvaneTest::LargeDescriptors large;
     MulticastBoardResolver resolver(kGroup, kGroupPort);
     ASSERT_GE(resolver.listenSocket, 1024);
+    resolver.startListener();
+    sendReply("heard");
+    EXPECT_EQ(awaitReplies(resolver, 1), (Records{{"heard", "127.0.0.1"}}));
+    resolver.stopListener();
+}
+
+TEST(MulticastListenerSocket, MayBe0) {
+    const OrvaneTest::NoStandardInput closed;
+    MulticastBoardResolver resolver(kGroup, kGroupPort);
+    ASSERT_EQ(resolver.listenSocket, 0);
     resolver.startListener();
     sendReply("heard");
     EXPECT_EQ(awaitReplies(resolver, 1), (Records{{"heard", "127.0.0.1"}}));

@@ -199,6 +199,24 @@ TEST(GuardedArray, EncodesAsIfNoGuardWereThere) {
     EXPECT_EQ(stream.bytes(), wire("00000001 00000002 00000005 00000006"));
 }
 
+TEST(GuardedArray, OfBytesEncodesAsIfNoGuardWereThere) {
+    std::array<u_char, 2> data{5, 6};
+    const DecodeGuard guard(data.data(), 1);
+    ADC_Data record{1, {2, data.data()}};
+    EncodeStream stream;
+    EXPECT_TRUE(xdr_ADC_Data(stream.get(), &record));
+    EXPECT_EQ(stream.bytes(), wire("00000001 00000002 00000005 00000006"));
+}
+
+TEST(GuardedOpaque, EncodesAsIfNoGuardWereThere) {
+    std::array<char, 2> indexes{'a', 'b'};
+    const DecodeGuard guard(indexes.data(), 1);
+    GPIO_Indexes_Param param{1, {2, indexes.data()}};
+    EncodeStream stream;
+    EXPECT_TRUE(xdr_GPIO_Indexes_Param(stream.get(), &param));
+    EXPECT_EQ(stream.bytes(), wire("00000001 00000002 61620000"));
+}
+
 TEST(GuardedOpaque, OfAsManyBytesAsAnnouncedIsStored) {
     StatesInto states(3);
     EXPECT_TRUE(states.decode(wire("00000000 00000003 616263 00")));
@@ -248,6 +266,15 @@ TEST(GuardedOpaque, OfAHugeCountFails) {
 TEST(GuardedOpaque, WithoutItsPaddingFails) {
     StatesInto states(8);
     EXPECT_FALSE(states.decode(wire("00000000 00000003 616263")));
+}
+
+TEST(GuardedString, EncodesAsIfNoGuardWereThere) {
+    std::array<char, 3> text{"ab"};
+    const DecodeGuard guard(text.data(), 1);
+    StringArrayEntry entry{text.data(), 7};
+    EncodeStream stream;
+    EXPECT_TRUE(xdr_StringArrayEntry(stream.get(), &entry));
+    EXPECT_EQ(stream.bytes(), wire("00000002 61620000 00000007"));
 }
 
 TEST(GuardedString, IsCutToOneLessThanAnnouncedAndTerminated) {
@@ -327,18 +354,20 @@ TEST(FreeingUnderAGuard, LeavesOpaqueBuffersAlone) {
 
 TEST(FreeingUnderAGuard, FreesTheStringsThatTheDecodeAllocatedInsideTheBuffer) {
     std::array<char, 4> text{};
-    std::array<StringArrayEntry, 2> entries{{{text.data(), 0}, {nullptr, 0}}};
+    std::array<StringArrayEntry, 3> entries{{{nullptr, 0}, {text.data(), 0}, {nullptr, 0}}};
     const DecodeGuard ofEntries(entries.data(), entries.size());
     const DecodeGuard ofText(text.data(), text.size());
     JTAG_ShiftMulti_Result result{};
     result.entries.entries_val = entries.data();
-    WireBytes bytes = wire("00000003  00000001 31 000000 00000001  00000001 32 000000 00000001"
-                           "00000001 33 000000 00000001  00000000");
+    WireBytes bytes = wire("00000004  00000001 31 000000 00000001  00000001 32 000000 00000001"
+                           "00000001 33 000000 00000001  00000001 34 000000 00000001  00000000");
     DecodeStream stream(bytes);
     ASSERT_TRUE(xdr_JTAG_ShiftMulti_Result(stream.get(), &result));
-    ASSERT_STREQ(entries[1].text, "2");
+    ASSERT_STREQ(entries[0].text, "1");
+    ASSERT_STREQ(entries[2].text, "3");
     Orvane::freeDecoded(result);
     EXPECT_EQ(result.entries.entries_val, entries.data());
-    EXPECT_EQ(entries[0].text, text.data());
-    EXPECT_EQ(entries[1].text, nullptr);
+    EXPECT_EQ(entries[0].text, nullptr);
+    EXPECT_EQ(entries[1].text, text.data());
+    EXPECT_EQ(entries[2].text, nullptr);
 }

@@ -3,6 +3,7 @@
 
 #include "ov_sys/Interface/rpc_protocol/Codec.h"
 
+#include <cstdarg>
 #include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -23,6 +24,23 @@ void freeNew(Record& record, const Record& initial) {
     freeUnlessInitial(xdrProcedure<Record>, &record, &initial, sizeof record);
 }
 
+// A record of one member, and what lies behind it.
+struct Neighbours {
+    char* member;
+    char* behind;
+    bool behindIsKept;
+};
+
+// In place of an XDR routine: whether what is behind a record counts as kept with it.
+bool_t lookBehind(XDR* stream, ...) {
+    va_list arguments;
+    va_start(arguments, stream);
+    auto* const record = va_arg(arguments, Neighbours*);
+    va_end(arguments);
+    record->behindIsKept = isKept(&record->behind);
+    return TRUE;
+}
+
 TEST(KeptMembers, AListOfTheCallerStaysBesideOneThatWasDecoded) {
     char own[] = "own";
     const Command_Result initial{0, 0, {3, own}, {0, nullptr}};
@@ -41,6 +59,22 @@ TEST(KeptMembers, ATextOfTheCallerStays) {
     freeNew(result, initial);
     EXPECT_EQ(result.text, own);
     EXPECT_STREQ(own, "own");
+}
+
+TEST(KeptMembers, OpaqueBytesOfTheCallerStay) {
+    char own[] = "own";
+    const GPIO_Read_Result initial{0, {3, own}};
+    GPIO_Read_Result result = initial;
+    freeNew(result, initial);
+    EXPECT_EQ(result.states.states_val, own);
+    EXPECT_STREQ(own, "own");
+}
+
+TEST(KeptMembers, EndWhereTheRecordEnds) {
+    Neighbours record{};
+    const Neighbours initial{};
+    freeUnlessInitial(lookBehind, &record, &initial, sizeof record.member);
+    EXPECT_FALSE(record.behindIsKept);
 }
 
 TEST(KeptMembers, InAListOfTheCallerStayWhateverTheyAre) {

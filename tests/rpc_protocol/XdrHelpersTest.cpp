@@ -100,11 +100,22 @@ TEST(AllocatingDecode, OfAHugeOpaqueLengthFailsHoldingNothing) {
 }
 
 TEST(AllocatingDecode, OfAHugeStringLengthFailsHoldingNothing) {
-    WireBytes bytes = wire("ffffffff 61626364");
+    for (const char* const length : {"ffffffff", "10000000"}) {
+        WireBytes bytes = wire(std::string(length) + "61626364");
+        DecodeStream stream(bytes);
+        StringArrayEntry entry{};
+        EXPECT_FALSE(xdr_StringArrayEntry(stream.get(), &entry));
+        EXPECT_EQ(entry.text, nullptr);
+    }
+}
+
+TEST(AllocatingDecode, OfNoOpaqueBytesYieldsANullPointer) {
+    WireBytes bytes = wire("00000000 00000000");
     DecodeStream stream(bytes);
-    StringArrayEntry entry{};
-    EXPECT_FALSE(xdr_StringArrayEntry(stream.get(), &entry));
-    EXPECT_EQ(entry.text, nullptr);
+    GPIO_Read_Result result{};
+    EXPECT_TRUE(xdr_GPIO_Read_Result(stream.get(), &result));
+    EXPECT_EQ(result.states.states_val, nullptr);
+    EXPECT_EQ(result.states.states_len, 0u);
 }
 
 TEST(AllocatingDecode, OfAnEmptyStringYieldsAnEmptyString) {

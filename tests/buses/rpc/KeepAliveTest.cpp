@@ -4,6 +4,7 @@
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
 #include "tests/support/HookedClient.h"
+#include "tests/support/NoMoreThreads.h"
 #include "tests/support/SessionOnBoard.h"
 #include "tests/support/WrittenText.h"
 
@@ -244,28 +245,6 @@ TEST_F(KeepAliveThread, WaitsForTheEndOfARemoteCommand) {
     session.resetSessionBusy();
     EXPECT_EQ(board.waitFor(pingOf(0x001)).procedure, "pingkeepalive");
 }
-
-// New threads of this process get a stack that no machine has while one lives.
-class NoMoreThreads {
-public:
-    NoMoreThreads() {
-        pthread_getattr_default_np(&former_);
-        pthread_attr_t huge;
-        pthread_attr_init(&huge);
-        pthread_attr_setstacksize(&huge, std::size_t{1} << 46U);
-        pthread_setattr_default_np(&huge);
-        pthread_attr_destroy(&huge);
-    }
-    ~NoMoreThreads() {
-        pthread_setattr_default_np(&former_);
-        pthread_attr_destroy(&former_);
-    }
-    NoMoreThreads(const NoMoreThreads&) = delete;
-    NoMoreThreads& operator=(const NoMoreThreads&) = delete;
-
-private:
-    pthread_attr_t former_{};
-};
 
 TEST_F(KeepAliveThread, ThatCannotBeMadeIsReportedAndCountsAsRunning) {
     const WrittenText written = textWritten([&] {

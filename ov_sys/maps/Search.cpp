@@ -42,8 +42,6 @@ public:
             const bool isStar = text[i] == '*';
             const bool isDouble = isStar && i + 1 < text.size() && text[i + 1] == '*';
             steps_.push_back({text[i], isStar, isDouble});
-            while (isDouble && i + 1 < text.size() && text[i + 1] == '*')
-                ++i;
         }
     }
 

@@ -1,6 +1,6 @@
 // Files of other kinds made into maps: what arrives, and what is reported as left behind.
+#include "tests/support/maps/ImportedText.h"
 #include "tests/support/maps/MapTexts.h"
-#include "tests/support/RepeatedText.h"
 
 #include <chrono>
 #include <filesystem>
@@ -20,20 +20,6 @@ ImportedMap importOf(const std::string& name, const ImportOptions& options = {})
     return RegisterMap::importFile(std::string(ORVANE_MAP_FILES) + "/imported/" + name, options);
 }
 
-std::vector<std::string> reportsOf(const ImportedMap& imported) {
-    std::vector<std::string> reports;
-    for (const MapProblem& each : imported.notCarriedOver)
-        reports.push_back(std::to_string(each.line) + ' ' + each.path + ": " + each.message);
-    return reports;
-}
-
-std::vector<std::string> linesOf(const RegisterMap& map) {
-    std::vector<std::string> lines;
-    for (const MapRegister& each : map.registers())
-        lines.push_back(each.name() + ' ' + each.address().text());
-    return lines;
-}
-
 // What is said of a text that is imported as a file.
 std::string importError(const std::string& text) {
     const std::string path = "/tmp/orvane-import-" + std::to_string(getpid());
@@ -46,15 +32,6 @@ std::string importError(const std::string& text) {
     }
     std::filesystem::remove(path);
     return error.substr(error.find(path) == 0 ? path.size() : 0);
-}
-
-// A text that is imported as a file.
-ImportedMap importText(const std::string& text) {
-    const std::string path = "/tmp/orvane-import-" + std::to_string(getpid());
-    std::ofstream(path) << text;
-    ImportedMap imported = RegisterMap::importFile(path);
-    std::filesystem::remove(path);
-    return imported;
 }
 
 TEST(ImportSvd, PlacesPeripheralsClustersAndArrays) {
@@ -278,6 +255,27 @@ TEST(ImportUhal, TakesEightNodesWithinEachOther) {
     };
     EXPECT_EQ(nested(9).map.size(), 1U);
     EXPECT_THAT(reportsOf(nested(10)), ElementsAre("1 N: lies deeper within nodes than 8; left out"));
+}
+
+TEST(ImportCsv, TakesValuesThatFitAndKeepsTheirNamesApart) {
+    const ImportedMap imported = importText("register,address,field,bits,values\n"
+                                            "A,7.1,F,1:0,0=a;3=b;4=c;1=a\nA,,G,x,\nB,7.2,H,0,0=" +
+                                            std::string(201, 'n') + "\n");
+    const MapField& field = *imported.map.at("A.F").field;
+    ASSERT_EQ(field.choices.size(), 3U);
+    EXPECT_EQ(field.choice(0)->name, "a");
+    EXPECT_EQ(field.choice(1)->name, "a 1");
+    EXPECT_EQ(field.choice(3)->name, "b");
+    EXPECT_EQ(imported.map.at("B.H").field->choice(0)->name, std::string(200, 'n'));
+    EXPECT_THAT(
+        reportsOf(imported),
+        ElementsAre("2 A.F: '4=c' is no value of it; left out",
+                    "3 A.G: 'x' are no bits: \"15\", \"15:12\" and \"13,6\" are, up to 63; left out"));
+}
+
+TEST(ImportCsv, MakesTheFirstEightPartsOfANameBlocks) {
+    EXPECT_THAT(linesOf(importText("register,address\nA.B.C.D.E.F.G.H.I.J,7.1\n").map),
+                ElementsAre("A.B.C.D.E.F.G.H.I_J 7.0x0001"));
 }
 
 } // namespace

@@ -1,9 +1,11 @@
 // Files of maps: what a file must have, and how everything that is wrong is told at once.
 #include "tests/support/maps/MapTexts.h"
 
+#include <cstdio>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <thread>
+#include <unistd.h>
 
 namespace OrvaneTest {
 namespace {
@@ -127,6 +129,63 @@ TEST(Loader, TakesIdentifiersOf32Bits) {
 
 TEST(Loader, TakesTheNameOfASchema) {
     EXPECT_EQ(problemsOf(R"("$schema": "register-map.schema.json")"), "");
+}
+
+TEST(Loader, TakesNamesOfLettersDigitsAndUnderscores_64AtMost) {
+    const auto isName = [](const std::string& name) {
+        return problemsOf(R"("registers": {")" + name + R"(": {"at": "7.1"}})").find("is no name") ==
+               std::string::npos;
+    };
+    for (const std::string name : {"azAZ_09", "a", "z", "A", "Z", "_", "L[0]", "L[9]", "L[10]"})
+        EXPECT_TRUE(isName(name)) << name;
+    for (const char first : std::string("`{@[/:0"))
+        EXPECT_FALSE(isName(std::string(1, first))) << first;
+    for (const std::string name : {"a`", "a{", "a@", "a/", "a:", "L[00]", "L[01]", "L[/]", "L[:]", "L[]",
+                                   "L]", "L[0x1]", "L[1", "L[+1]"})
+        EXPECT_FALSE(isName(name)) << name;
+    EXPECT_TRUE(isName(std::string(64, 'n')));
+    EXPECT_FALSE(isName(std::string(65, 'n')));
+}
+
+TEST(Loader, TellsWhatKindAListHasToBe) {
+    EXPECT_EQ(problemsOf(R"("include": {})"), "map:1: include: has to be an array");
+    EXPECT_EQ(problemsOf(R"("registers": [])"), "map:1: registers: has to be an object");
+}
+
+TEST(Loader, TellsOfOneProblemMoreThanTwoHundred) {
+    std::string registers;
+    for (int i = 0; i < 201; ++i)
+        registers += (i > 0 ? ", \"R" : "\"R") + std::to_string(i) + "\": {}";
+    const std::string problems = problemsOf("\"registers\": {" + registers + "}");
+    EXPECT_EQ(problems.substr(problems.rfind('\n')), "\nand 1 more");
+}
+
+TEST(Loader, ShowsTheFirst80CharactersOfWhatIsWrong_AndOnlyThosePeopleRead) {
+    const auto shown = [](const std::string& bits) {
+        const std::string problem = problemsOfRegister(R"("fields": {"A": {"bits": ")" + bits + R"("}})");
+        return problem.substr(0, problem.find(" are no bits"));
+    };
+    EXPECT_EQ(shown(std::string(80, 'x')), ".fields.A.bits: '" + std::string(80, 'x') + "'");
+    EXPECT_EQ(shown(std::string(81, 'x')), ".fields.A.bits: '" + std::string(80, 'x') + "...'");
+    EXPECT_EQ(shown("a ~\\u007f\\u001f"), ".fields.A.bits: 'a ~?" "?'");
+}
+
+TEST(Loader, TakesAFileOf8MiBAndNoLargerOne) {
+    const std::string path = "/tmp/orvane-large-" + std::to_string(getpid());
+    const auto errorOfSize = [&](std::size_t size) {
+        const std::string text = mapText(R"("text": "")");
+        std::ofstream(path) << text << std::string(size - text.size(), ' ');
+        try {
+            RegisterMap::load(path);
+        } catch (const MapError& error) {
+            return std::string(error.what());
+        }
+        return std::string();
+    };
+    constexpr std::size_t kMost = 8U << 20U;
+    EXPECT_EQ(errorOfSize(kMost), "");
+    EXPECT_EQ(errorOfSize(kMost + 1), path + ": is larger than 8 MiB, with the files that include it");
+    std::remove(path.c_str());
 }
 
 } // namespace

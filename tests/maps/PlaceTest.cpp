@@ -37,5 +37,17 @@ TEST(Place, OfARegisterMayNotBeAFraction) {
               std::string::npos);
 }
 
+TEST(Place, HasAPageOf32Bits) {
+    EXPECT_EQ(MapAddress::parse("7.1@4294967295").page, 4294967295);
+    EXPECT_THROW(MapAddress::parse("7.1@4294967296"), MapError);
+}
+
+TEST(Place, OfARegisterOf64BitsTakes8Bytes) {
+    EXPECT_EQ(
+        problemsOf(
+            R"("registers": {"A": {"at": "ext32:0", "width": 64, "count": 2}, "B": {"at": "ext32:16"}})"),
+        "");
+}
+
 } // namespace
 } // namespace OrvaneTest

@@ -91,5 +91,23 @@ TEST_F(Search, NamesAreExact) {
     EXPECT_FALSE(map.resolve(""));
 }
 
+TEST_F(Search, StarsAlsoStandForNoText) {
+    for (const char* pattern : {"AN.*CTRL", "AN.CTRL*", "*AN.CTRL", "**AN.CTRL", "***AN.CTRL", "A**N.C*T*RL"})
+        EXPECT_THAT(names(map.match(pattern)), ElementsAre("AN.CTRL")) << pattern;
+}
+
+TEST_F(Search, OneStarAndAQuestionMarkStandForNoDot) {
+    EXPECT_THAT(names(map.match("*.R")), IsEmpty());
+    EXPECT_THAT(names(map.match("PMA?STATUS")), IsEmpty());
+}
+
+TEST_F(Search, OfLettersOnlyIgnoresTheCase) {
+    const RegisterMap signs = mapOf(R"("registers": {"AZ": {"at": "7.1", "text": "@["}})");
+    EXPECT_THAT(names(signs.search("az")), ElementsAre("AZ"));
+    EXPECT_THAT(names(signs.search("@[")), ElementsAre("AZ"));
+    EXPECT_THAT(names(signs.search("`")), IsEmpty());
+    EXPECT_THAT(names(signs.search("{")), IsEmpty());
+}
+
 } // namespace
 } // namespace OrvaneTest

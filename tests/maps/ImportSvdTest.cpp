@@ -1,0 +1,119 @@
+// CMSIS-SVD of a register or two made into maps.
+#include "tests/support/maps/ImportedText.h"
+#include "tests/support/maps/MapTexts.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace OrvaneTest {
+namespace {
+
+using namespace Orvane;
+using testing::ElementsAre;
+
+// A device whose one peripheral P has these registers.
+ImportedMap svdOf(const std::string& registers) {
+    return importText("<device><peripherals><peripheral><name>P</name><registers>" + registers +
+                      "</registers></peripheral></peripherals></device>");
+}
+
+std::string registerOf(const std::string& name, unsigned offset, const std::string& more) {
+    return "<register><name>" + name + "</name><addressOffset>" + std::to_string(offset) +
+           "</addressOffset>" + more + "</register>";
+}
+
+std::string fieldOf(const std::string& name, const std::string& more) {
+    return "<field><name>" + name + "</name>" + more + "</field>";
+}
+
+std::string valueOf(const std::string& name, const std::string& value) {
+    return "<enumeratedValue><name>" + name + "</name><value>" + value + "</value></enumeratedValue>";
+}
+
+TEST(Svd, RegistersHaveTheWidthsOfMaps_AndEffectsThatKeepThemFromBeingRead) {
+    const ImportedMap imported = svdOf(
+        registerOf("B", 0, "<size>8</size>") + registerOf("W", 8, "<size>64</size>") +
+        registerOf("ODD", 16, "<size>24</size>") + registerOf("SEEN", 20, "<readAction>modify</readAction>") +
+        registerOf("KEYED", 24, "<modifiedWriteValues>zeroToClear</modifiedWriteValues>"));
+    std::vector<unsigned> widths;
+    std::vector<bool> safe;
+    for (const MapRegister& each : imported.map.registers()) {
+        widths.push_back(each.width());
+        safe.push_back(each.isSafeToRead());
+    }
+    EXPECT_THAT(widths, ElementsAre(8, 64, 32, 32, 32));
+    EXPECT_THAT(safe, ElementsAre(true, true, true, false, false));
+    EXPECT_THAT(reportsOf(imported), ElementsAre("0 : modifiedWriteValues zeroToClear: 1 not carried over"));
+}
+
+TEST(Svd, FieldsHaveBitsUpTo63AndValuesThatFit) {
+    const std::string longest(200, 'n');
+    const ImportedMap imported = svdOf(registerOf(
+        "F", 0,
+        "<size>64</size><fields>" +
+            fieldOf("TOP", "<bitRange>[63:61]</bitRange><enumeratedValues>" + valueOf("six", "#110") +
+                               valueOf(longest, "7") + valueOf("eight", "8") + valueOf(longest + 'n', "1") +
+                               "</enumeratedValues>") +
+            fieldOf("OVER", "<bitRange>[64:64]</bitRange>") + fieldOf("ONE", "<bitOffset>3</bitOffset>") +
+            "</fields>"));
+    const MapField& top = *imported.map.at("P.F.TOP").field;
+    EXPECT_EQ(top.bitsText(), "63:61");
+    ASSERT_EQ(top.choices.size(), 2U);
+    EXPECT_EQ(top.choice(6)->name, "six");
+    EXPECT_EQ(top.choice(7)->name, longest);
+    EXPECT_EQ(imported.map.at("P.F.ONE").field->bitsText(), "3");
+    EXPECT_THAT(
+        reportsOf(imported),
+        ElementsAre("1 P.F.OVER: has no bits; left out",
+                    "0 : enumerated values without one value and name of their own: 2 not carried over"));
+}
+
+TEST(Svd, FieldsAre64InARegisterAtMost) {
+    std::string fields;
+    for (int i = 0; i < 65; ++i)
+        fields += fieldOf("F" + std::to_string(i), "<bitOffset>" + std::to_string(i) + "</bitOffset>");
+    const ImportedMap imported = svdOf(registerOf("R", 0, "<size>64</size><fields>" + fields + "</fields>"));
+    EXPECT_EQ(imported.map.find("P.R")->fields().size(), 64U);
+    EXPECT_THAT(reportsOf(imported), ElementsAre("1 F64: is one field more than a register has bits"));
+}
+
+TEST(Svd, ArraysOfOneElementAreArrays_AndNamedElementsAreRegisters) {
+    const std::string one = "<dim>1</dim><dimIncrement>4</dimIncrement>";
+    const std::string named = "<dim>2</dim><dimIncrement>4</dimIncrement><dimIndex>5,6</dimIndex>";
+    EXPECT_THAT(linesOf(svdOf(registerOf("R[%s]", 0, one) + registerOf("S%s", 8, named)).map),
+                ElementsAre("P.R[0] ext32:0x00000000", "P.S5 ext32:0x00000008", "P.S6 ext32:0x0000000C"));
+}
+
+TEST(Svd, RegistersAreDerivedOverEightOthersAtMost) {
+    std::string registers = registerOf("R0", 0, "<description>First</description>");
+    for (unsigned i = 1; i < 10; ++i)
+        registers += "<register derivedFrom=\"R" + std::to_string(i - 1) + "\"><name>R" + std::to_string(i) +
+                     "</name><addressOffset>" + std::to_string(4 * i) + "</addressOffset></register>";
+    const ImportedMap imported = svdOf(registers);
+    EXPECT_EQ(imported.map.find("P.R8")->text(), "First");
+    EXPECT_THAT(reportsOf(imported), ElementsAre("1 R9: is derived over more than 8 others, or from itself"));
+}
+
+TEST(Svd, ClustersGoSevenDeepInTheirPeripheral) {
+    const auto nested = [](int depth) {
+        return svdOf(times(depth, "<cluster><name>C</name>") + registerOf("R", 0, "") +
+                     times(depth, "</cluster>"));
+    };
+    EXPECT_EQ(nested(7).map.size(), 1U);
+    EXPECT_THAT(reportsOf(nested(8)), ElementsAre("1 C: lies deeper within clusters than 8; left out"));
+}
+
+TEST(Svd, ClustersHave1024ElementsAtMost) {
+    const auto clusters = [](unsigned count) {
+        return svdOf("<cluster><name>C[%s]</name><dim>" + std::to_string(count) +
+                     "</dim><dimIncrement>4</dimIncrement>" + registerOf("R", 0, "") + "</cluster>");
+    };
+    EXPECT_EQ(clusters(1024).map.size(), 1024U);
+    EXPECT_THAT(reportsOf(clusters(1024)), ElementsAre());
+    EXPECT_EQ(clusters(1025).map.size(), 1024U);
+    EXPECT_THAT(reportsOf(clusters(1025)),
+                ElementsAre("1 C[%s]: has more elements than 1024; those are taken"));
+}
+
+} // namespace
+} // namespace OrvaneTest

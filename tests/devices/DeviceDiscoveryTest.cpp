@@ -55,6 +55,21 @@ TEST_F(DeviceDiscovery, OfTheNumberAsksEveryBoardWithTheBareRequest) {
     EXPECT_THAT(board.probeRequests(), IsEmpty());
 }
 
+TEST_F(DeviceDiscovery, OfTheNumberGoesOnWithTenBoards_AndEndsSoonWithMore) {
+    const auto add = [&](unsigned number) {
+        OrvaneSim::BoardOptions options;
+        options.serial = "M" + std::to_string(number);
+        lab.add(options);
+    };
+    for (unsigned number = 1; number < 10; ++number)
+        add(number);
+    EXPECT_EQ(devices.numberOfDevices(), 20U);
+    EXPECT_THAT(discoveryWords(board, kRequestsOfAnyBoard), testing::SizeIs(kRequestsOfAnyBoard));
+    add(10);
+    EXPECT_EQ(devices.numberOfDevices(), 22U);
+    EXPECT_LT(board.discoveryCount(), 2 * kRequestsOfAnyBoard);
+}
+
 TEST_F(DeviceDiscovery, OfTheListEndsItWithANullPointer) {
     EXPECT_THAT(taken(devices.deviceList()), ElementsAre("01A2:0", "01A2:1"));
 }

@@ -67,6 +67,7 @@ const Variables kVariables[] = {
     {"ExclusivePartlyNumberThenSimpleLetters", "12x", nullptr, "abc", kSimple, 0},
     {"ExclusivePartlyNumberThenSimplePartlyNumber", "12x", nullptr, "34y", kSimple, 34},
     {"ConcurrentNumber", nullptr, "6", nullptr, kConcurrent, 6},
+    {"ConcurrentZero", nullptr, "0", nullptr, kConcurrent, 0},
     {"ConcurrentNumberBeforeSimple", nullptr, "6", "7", kConcurrent, 6},
     {"ConcurrentLetters", nullptr, "abc", nullptr, kSimple, 0},
     {"ConcurrentLettersThenSimple", nullptr, "abc", "7", kSimple, 7},

@@ -17,7 +17,7 @@ bool adapterInRange(unsigned adapter) {
 }
 
 bool typeInRange(int type) {
-    return type >= 0 && static_cast<unsigned>(type) < kDelegations;
+    return static_cast<unsigned>(type) < kDelegations; // which no negative one is
 }
 
 } // namespace

@@ -38,9 +38,11 @@ TEST_F(Delegation, IsOnForEveryAdapterAndTypeAfterTheInitialisation) {
 }
 
 TEST_F(Delegation, InitialisationLeavesTheSpareRow) {
-    delegationStatus[kSpareRow][4] = 0;
+    for (unsigned& flag : delegationStatus[kSpareRow])
+        flag = 0;
     HW_InitializeDelegations();
-    EXPECT_EQ(delegationStatus[kSpareRow][4], 0U);
+    for (const unsigned flag : delegationStatus[kSpareRow])
+        EXPECT_EQ(flag, 0U);
 }
 
 TEST_F(Delegation, TablesHaveAStoredRowForEachAdapterAndOneSpare) {

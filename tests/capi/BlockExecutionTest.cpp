@@ -38,6 +38,17 @@ const Execution kExecutions[] = {
      {2, 5},
      20,
      "2,5"},
+    {"ZR_APIOfPhy0", [] { return ZR_API_MDIO_BlockOperationExecute_Abstarcted(0); }, {2, 0}, 9, "2,0"},
+    {"ZR_API_C22OfPhy0",
+     [] { return ZR_API_MDIO_BlockOperationExecute_C22_Abstarcted(0); },
+     {2, 0},
+     13,
+     "2,0"},
+    {"ZR_API_C22_ZrExt32OfPhy0",
+     [] { return ZR_API_MDIO_BlockOperationExecute_C22_ZrExt32_Abstarcted(0); },
+     {2, 0},
+     20,
+     "2,0"},
     {"ZR_APICarrying", [] { return ZR_API_MDIO_BlockOperationExecute_Abstarcted(kCarrying); }, {3, 6}, 9, ""},
     {"ZR_API_C22Carrying",
      [] { return ZR_API_MDIO_BlockOperationExecute_C22_Abstarcted(kCarrying); },
@@ -108,6 +119,20 @@ TEST_P(BlockExecution, OnAnAdapterThatIsNotOpenIsNullAndReported) {
 }
 
 INSTANTIATE_TEST_SUITE_P(By, BlockExecution, testing::ValuesIn(kExecutions), NamedParam());
+
+using BlockOfMinus1 = FlatInterface;
+
+TEST_F(BlockOfMinus1, IsOfAnAdapterThatIsNone) {
+    for (const auto execute :
+         {ZR_API_MDIO_BlockOperationExecute_Abstarcted, ZR_API_MDIO_BlockOperationExecute_C22_Abstarcted,
+          ZR_API_MDIO_BlockOperationExecute_C22_ZrExt32_Abstarcted}) {
+        const unsigned* values = nullptr;
+        EXPECT_EQ(outcomeOf([&] { values = execute(-1); }),
+                  (Outcome{0, "", "\nError: Invalid adapter index\n", ""}));
+        EXPECT_EQ(values, nullptr);
+    }
+    EXPECT_THAT(frames(), IsEmpty());
+}
 
 using BlockBySwitch = FlatInterface;
 

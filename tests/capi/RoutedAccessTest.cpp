@@ -2,6 +2,8 @@
 #include "tests/support/capi/Steps.h"
 #include "tests/support/NamedParam.h"
 
+#include <algorithm>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -215,6 +217,39 @@ TEST_F(CarriedAdapter, IsNotDecodedByAPathOfAnExplicitAdapter) {
     ASSERT_EQ(made.size(), 5U);
     EXPECT_THAT(made[0], testing::HasSubstr("[461EC47F]")); // default adapter, low bits of the argument
 }
+
+TEST_F(CarriedAdapter, IsNotDecodedByTheTgeAndSerdesPathsEither) {
+    delegateNothing();
+    EXPECT_EQ(outcomeOf([] { ZR_API_MDIO_Write(kArgument, 11, 0x10, 0x1234); }).log,
+              logOf(kDefaultAdapter, kArgument, kTgeWrite));
+    outcomeOf([] { ZR_API_MDIO_Write(kArgument, 27, 0x10, 0x1234); });
+    for (const std::string& frame : frames())
+        EXPECT_THAT(frame, testing::HasSubstr("[46")); // default adapter, low bits of the argument
+}
+
+// ---- One flag alone ----
+
+class OneFlag : public FlatInterface, public testing::WithParamInterface<int> {};
+
+TEST_P(OneFlag, SendsItsOwnAccessesToTheFirmwareAndNoOthers) {
+    delegateNothing();
+    HW_SetDelegationType(GetParam(), kDefaultAdapter, 1);
+    const std::vector<std::function<void()>> accesses{
+        [] { ZR_API_MDIO_Read(kPhy, 31, 0x8037); }, [] { ZR_API_MDIO_Write(kPhy, 28, 0x10, 0x1234); },
+        [] { ZR_API_MDIO_Read(kPhy, 28, 0x10); }, [] { ZR_API_MDIO_Read(kPhy, 11, 0x10); },
+        [] { ZR_API_MDIO_Read(kPhy, 27, 0x10); }};
+    for (std::size_t type = 0; type < accesses.size(); ++type) {
+        board.forgetRequests();
+        outcomeOf(accesses[type]);
+        const auto made = frames();
+        const bool byFirmware = std::any_of(made.begin(), made.end(), [](const std::string& frame) {
+            return frame.find("1EC47E]") != std::string::npos; // the mailbox's command
+        });
+        EXPECT_EQ(byFirmware, static_cast<int>(type) == GetParam()) << type;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(OfEachType, OneFlag, testing::Range(0, 5));
 
 // ---- Failures, and several PHYs ----
 

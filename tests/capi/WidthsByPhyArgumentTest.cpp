@@ -95,6 +95,12 @@ const Access kHwApi[] = {
      0x50D961EA,
      "2,5,MR,001001,000000EA",
      "2,5,MR,001001,00000000"},
+    {"HW_API_Read8OfAnOddWord",
+     call<HW_API_Read8, 5, 0x1002>,
+     {kOnDefault.read32(0x1000)},
+     0x286CB0F5,
+     "2,5,MR,001002,000000F5",
+     "2,5,MR,001002,00000000"},
     {"HW_API_Read8Carrying",
      call<HW_API_Read8, kCarrying, 0x1003>,
      {kOnCarried.read32(0x1000)},
@@ -163,6 +169,30 @@ const Access kHwApi[] = {
      0,
      "2,2147680262,MW,001002,00001234",
      "2,2147680262,MW,001002,00001234"},
+    {"HW_API_Write8OfAllBits",
+     call<HW_API_Write8, 5, 0x1000, 0x1FF>,
+     {kOnDefault.read32(0x1000), kOnDefault.write32(0x1000, 0xA1B2C3FF)},
+     0,
+     "2,5,MW,001000,000000FF",
+     "2,5,MW,001000,000000FF"},
+    {"HW_API_Write16OfAllBits",
+     call<HW_API_Write16, 5, 0x1002, 0x1FFFF>,
+     {kOnDefault.read32(0x1000), kOnDefault.write32(0x1000, kWord)},
+     0,
+     "2,5,MW,001002,0000FFFF",
+     "2,5,MW,001002,0000FFFF"},
+    {"HW_API_Write32ToPhy0IsOnTheDefaultAdapter",
+     call<HW_API_Write32, 0, 0x1000, 0x12345678>,
+     {Frame{kDefaultAdapter, 0}.write32(0x1000, 0x12345678)},
+     0,
+     "2,0,MW,001000,12345678",
+     "2,0,MW,001000,12345678"},
+    {"HW_API_Write32ToAnOddPhyOfACarriedAdapter",
+     call<HW_API_Write32, phyOn(3, 7), 0x1000, 0x12345678>,
+     {Frame{3, 7}.write32(0x1000, 0x12345678)},
+     0,
+     "2,2147680263,MW,001000,12345678",
+     "2,2147680263,MW,001000,12345678"},
     {"HW_API_Write32",
      call<HW_API_Write32, 5, 0x1000, 0x12345678>,
      {kOnDefault.write32(0x1000, 0x12345678)},
@@ -193,6 +223,24 @@ const Access kHwApi[] = {
 
 INSTANTIATE_TEST_SUITE_P(ZrApi, WidthAccess, testing::ValuesIn(kByPhyArgument), NamedParam());
 INSTANTIATE_TEST_SUITE_P(HwApi, WidthAccess, testing::ValuesIn(kHwApi), NamedParam());
+
+using PhyArgument = FlatInterface;
+
+TEST_F(PhyArgument, OfMinus1CarriesAnAdapterThatIsNone) {
+    EXPECT_EQ(outcomeOf([] { return ZR_API_Read32_Abstracted(-1, 0x1000); }),
+              (Outcome{0, "", "\nError: Invalid adapter index\n", ""}));
+    EXPECT_THAT(frames(), testing::IsEmpty());
+}
+
+using WordOfOnes = FlatInterface;
+
+TEST_F(WordOfOnes, IsReadWholeAndLosesTheWrittenByteOnly) {
+    board.setRegister(OrvaneSim::Space::Ext32, kDefaultAdapter, kPhy, 0x1000, 0xFFFFFFFF);
+    EXPECT_EQ(outcomeOf([] { return HW_API_Read32(kPhy, 0x1000); }),
+              (Outcome{0xFFFFFFFF, "2,5,MR,001000,FFFFFFFF", "", ""}));
+    outcomeOf([] { ZR_API_Write8_Abstracted(kPhy, 0x1000, 0); });
+    EXPECT_EQ(frames().back(), kOnDefault.write32(0x1000, 0xFFFFFF00));
+}
 
 } // namespace
 } // namespace OrvaneTest

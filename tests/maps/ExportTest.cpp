@@ -91,18 +91,23 @@ TEST(Export, ToMarkdownHasATableForEachRegister) {
 }
 
 TEST(Export, ToJsonIsIndentedAndInHexadecimal) {
-    const RegisterMap map = mapOf(R"("text": "T", "identifiers": ["0x10/0xFFFFFFF0"],
-        "registers": {"PAGE": {"at": "c22:31"}},
+    const RegisterMap map = mapOf(R"("text": "T", "identifiers": ["0x10/0x0FFFFFF0"],
+        "registers": {"PAGE": {"at": "c22:31"}, "A": {"at": "1.0", "count": 2}},
         "blocks": {"B": {"at": "30.0", "count": 2, "stride": 1, "page": {"select": "PAGE", "value": 1},
             "registers": {"R": {"at": 12, "reset": 5}}}})");
     EXPECT_EQ(map.toJson(), R"({
   "format": "orvane-map-1",
   "name": "test",
   "text": "T",
-  "identifiers": ["0x00000010/0xFFFFFFF0"],
+  "identifiers": ["0x00000010/0x0FFFFFF0"],
   "registers": {
     "PAGE": {
       "at": "c22:0x1F",
+      "width": 16
+    },
+    "A": {
+      "at": "1.0x0000",
+      "count": 2,
       "width": 16
     }
   },
@@ -158,6 +163,13 @@ TEST(Export, ToMarkdownHasUnitsAndNoControlCharacters) {
                                 "7.0x0001, 16 bits, rw. a b !\n\n"
                                 "| bits | field | access | meaning |\n|---|---|---|---|\n"
                                 "| 7:0 | T | rw | x 0.5 + 20 C |\n");
+}
+
+TEST(Export, ToCHeaderMarksNumbersBeyond32Bits) {
+    const RegisterMap map =
+        mapOf(R"("registers": {"R": {"at": "ext32:0", "width": 64, "fields": {"A": 31, "B": 32}}})");
+    EXPECT_NE(map.toCHeader("X").find("X_R_A_MASK 0x80000000U\n"), std::string::npos);
+    EXPECT_NE(map.toCHeader("X").find("X_R_B_MASK 0x100000000ULL\n"), std::string::npos);
 }
 
 } // namespace

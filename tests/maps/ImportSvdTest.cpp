@@ -115,5 +115,38 @@ TEST(Svd, ClustersHave1024ElementsAtMost) {
                 ElementsAre("1 C[%s]: has more elements than 1024; those are taken"));
 }
 
+TEST(Svd, RegistersTakeWhatTheDeviceSays) {
+    const ImportedMap imported = importText(
+        "<device><size>16</size><access>read-only</access><resetValue>5</resetValue><vendorExtensions/>"
+        "<peripherals><peripheral><name>P</name><appendToName>x</appendToName><registers>" +
+        registerOf("R", 0, "<dataType>uint8_t</dataType>") +
+        "</registers></peripheral></peripherals></device>");
+    const MapRegister& reg = *imported.map.find("P.R");
+    EXPECT_EQ(reg.width(), 16U);
+    EXPECT_EQ(reg.access(), MapAccess::ro);
+    EXPECT_EQ(reg.reset(), 5U);
+    EXPECT_THAT(reportsOf(imported), ElementsAre("0 : element appendToName: 1 not carried over",
+                                                 "0 : element dataType: 1 not carried over",
+                                                 "0 : element vendorExtensions: 1 not carried over"));
+}
+
+TEST(Svd, RegistersOfClause45AreAtEvenBytesUpToTheLast) {
+    ImportOptions options;
+    options.space = MapSpace::c45;
+    options.mmd = 30;
+    const std::string size = "<size>16</size>";
+    const ImportedMap imported =
+        importText("<device><peripherals><peripheral><name>P</name><registers>" + registerOf("TWO", 4, size) +
+                       registerOf("A[%s]", 2, size + "<dim>2</dim><dimIncrement>2</dimIncrement>") +
+                       registerOf("LAST", 0x1FFFE, size) + registerOf("BEYOND", 0x20000, size) +
+                       registerOf("ODD", 3, size) + "</registers></peripheral></peripherals></device>",
+                   options);
+    EXPECT_THAT(linesOf(imported.map), ElementsAre("P.TWO 30.0x0002", "P.LAST 30.0xFFFF"));
+    EXPECT_THAT(reportsOf(imported),
+                ElementsAre("1 P.A: its place at 30.0x0001 is taken; left out",
+                            "1 P.BEYOND: 0x20000 is no address of the space c45; left out",
+                            "1 P.ODD: 0x3 is no address of the space c45; left out"));
+}
+
 } // namespace
 } // namespace OrvaneTest

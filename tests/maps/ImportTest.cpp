@@ -278,5 +278,57 @@ TEST(ImportCsv, MakesTheFirstEightPartsOfANameBlocks) {
                 ElementsAre("A.B.C.D.E.F.G.H.I_J 7.0x0001"));
 }
 
+TEST(ImportCsv, ReadsCellsAsTheyAreQuotedAndLinesAsTheyEnd) {
+    const ImportedMap imported =
+        importText("address,text,register\r\n7.1,\"x \"\"y, z\"\" w\",A\r\n7.2,,7\r\n,,\r\n7.3,,LAST");
+    EXPECT_THAT(linesOf(imported.map), ElementsAre("A 7.0x0001", "_7 7.0x0002", "LAST 7.0x0003"));
+    EXPECT_EQ(imported.map.find("A")->text(), "x \"y, z\" w");
+    EXPECT_EQ(imported.map.find("A")->access(), MapAccess::rw);
+    EXPECT_THAT(reportsOf(imported), ElementsAre("4 : '' is no address; left out"));
+    EXPECT_THAT(linesOf(importText("register,address\n,7.3\n").map), ElementsAre("_ 7.0x0003"));
+}
+
+TEST(ImportCsv, KeepsTheTextOfAFieldWithValues_AndTakesNoValueWithoutAName) {
+    const ImportedMap imported =
+        importText("register,address,field,bits,text,values\nA,7.1,F,1:0,About,0=a;3\n");
+    EXPECT_EQ(imported.map.at("A.F").field->text, "About");
+    EXPECT_THAT(reportsOf(imported), ElementsAre("2 A.F: '3' is no value of it; left out"));
+}
+
+TEST(ImportUhal, TakesMasksAndQueuesAsTheyAre) {
+    const ImportedMap imported =
+        importText("<node id='T'><node id='R' address='0'><node id='F' mask='0x3'/></node>"
+                   "<node id='Q' address='1' mode='port' size='4'/></node>");
+    EXPECT_EQ(imported.map.at("R.F").field->bitsText(), "1:0");
+    EXPECT_EQ(imported.map.find("R")->access(), MapAccess::rw);
+    EXPECT_FALSE(imported.map.find("Q")->isSafeToRead());
+}
+
+TEST(ImportUhal, CountsAThousandKindsOfWhatItLeavesBehind) {
+    std::string elements;
+    for (int i = 1000; i < 2001; ++i)
+        elements += "<e" + std::to_string(i) + "/>";
+    const auto reports = reportsOf(importText("<node id='T'>" + elements + "<e1000/></node>"));
+    ASSERT_EQ(reports.size(), 1000U);
+    EXPECT_EQ(reports[0], "0 : element e1000: 2 not carried over");
+    EXPECT_EQ(reports[999], "0 : element e1999: 1 not carried over");
+}
+
+TEST(Import, TakesAsManyRegistersAndBytesAsAMapMayHave) {
+    const auto memory = [](const char* size) {
+        return "<node id='T'><node id='M' address='0' mode='incremental' size='" + std::string(size) +
+               "'/></node>";
+    };
+    EXPECT_EQ(importText(memory("131072")).map.size(), 131072U);
+    EXPECT_EQ(importError(memory("131073")),
+              ":1: becomes more than a map may have: 131072 registers and 8 MiB");
+    const std::string head = "register,address\n";
+    constexpr std::size_t kMost = 8U << 20U;
+    EXPECT_EQ(importError(head + std::string(kMost - head.size(), 'x')), "none");
+    EXPECT_EQ(importError(head + std::string(kMost + 1 - head.size(), 'x')),
+              ": is larger than 8 MiB, with the files that include it");
+    EXPECT_EQ(importError("{}"), ": is a map already: load it");
+}
+
 } // namespace
 } // namespace OrvaneTest

@@ -167,7 +167,8 @@ TEST(Loader, ShowsTheFirst80CharactersOfWhatIsWrong_AndOnlyThosePeopleRead) {
     };
     EXPECT_EQ(shown(std::string(80, 'x')), ".fields.A.bits: '" + std::string(80, 'x') + "'");
     EXPECT_EQ(shown(std::string(81, 'x')), ".fields.A.bits: '" + std::string(80, 'x') + "...'");
-    EXPECT_EQ(shown("a ~\\u007f\\u001f"), ".fields.A.bits: 'a ~?" "?'");
+    EXPECT_EQ(shown("a ~\\u007f\\u001f"), ".fields.A.bits: 'a ~?"
+                                          "?'");
 }
 
 TEST(Loader, TakesAFileOf8MiBAndNoLargerOne) {

@@ -99,5 +99,13 @@ TEST(Overrides, AloneRemove) {
               "map:1: blocks.B.remove: is for overrides");
 }
 
+TEST(Overrides, ChangeWhatStandsBehindWhatTheyRemove) {
+    const RegisterMap map =
+        mapOf(R"("registers": {"A": {"at": "7.1"}, "B": {"at": "7.2"}, "C": {"at": "7.3"}},
+        "overrides": [{"remove": ["A"], "registers": {"C": {"reset": 9}}}])");
+    EXPECT_EQ(map.size(), 2U);
+    EXPECT_EQ(map.find("C")->reset(), 9U);
+}
+
 } // namespace
 } // namespace OrvaneTest

@@ -13,10 +13,10 @@
 namespace OrvaneTest {
 
 // A text that is imported as a file.
-inline Orvane::ImportedMap importText(const std::string& text) {
+inline Orvane::ImportedMap importText(const std::string& text, const Orvane::ImportOptions& options = {}) {
     const std::string path = "/tmp/orvane-import-" + std::to_string(getpid());
     std::ofstream(path) << text;
-    Orvane::ImportedMap imported = Orvane::RegisterMap::importFile(path);
+    Orvane::ImportedMap imported = Orvane::RegisterMap::importFile(path, options);
     std::filesystem::remove(path);
     return imported;
 }

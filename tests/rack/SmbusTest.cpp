@@ -40,6 +40,15 @@ TEST_F(RackSmbus, Clause45WriteSelectsTheRegisterAndWritesTwoBytes) {
                                               {"i2c_write", 0, 3, Json{0x21, 0xEF, 0xBE}}}));
 }
 
+TEST_F(RackSmbus, Clause45RegisterGoesWithAllItsBytes) {
+    device.write({30, 0xC0DE}, 0xBEEF);
+    EXPECT_EQ(device.read({30, 0xC0DE}), 0xBEEFU);
+    const Json select{"i2c_write", 0, 3, Json{0x1E, 0xDE, 0xC0}};
+    EXPECT_EQ(transfers(),
+              (std::vector<Json>{
+                  select, {"i2c_write", 0, 3, Json{0x3E, 0xEF, 0xBE}}, select, {"i2c_read", 0, 3, 0x5E, 2}}));
+}
+
 TEST_F(RackSmbus, PagedWordGoesByHalves) {
     device.write(ext32(0x80004000), 0x12345678);
     EXPECT_EQ(device.read(ext32(0x80004000)), 0x12345678U);

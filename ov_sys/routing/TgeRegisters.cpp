@@ -19,12 +19,9 @@ unsigned controlWord(unsigned address, unsigned bank) {
 
 constexpr unsigned kBanks = 3;
 
+// What is below it in an address is cut where it goes into a register.
 unsigned blockOf(unsigned address) {
     return address >> 12U & 0xFU;
-}
-
-unsigned offsetOf(unsigned address) {
-    return address & 0xFFFU;
 }
 
 } // namespace
@@ -52,18 +49,18 @@ Value readGfe(Access& phy, unsigned address, unsigned bank) {
 bool writeTge(Access& phy, unsigned address, unsigned value) {
     const unsigned block = blockOf(address);
     if (block == 0)
-        return writeSmi(phy, offsetOf(address), value);
+        return writeSmi(phy, address, value);
     if (block <= kBanks)
-        return writeGfe(phy, offsetOf(address), block - 1, value);
+        return writeGfe(phy, address, block - 1, value);
     return phy.goesOnAfter({Trouble::UnknownTgeBlock, block, address});
 }
 
 Value readTge(Access& phy, unsigned address) {
     const unsigned block = blockOf(address);
     if (block == 0)
-        return readSmi(phy, offsetOf(address));
+        return readSmi(phy, address);
     if (block <= kBanks)
-        return readGfe(phy, offsetOf(address), block - 1);
+        return readGfe(phy, address, block - 1);
     return zeroAfter(phy, {Trouble::UnknownTgeBlock, block, address});
 }
 

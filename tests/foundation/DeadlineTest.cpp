@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/eventfd.h>
+#include <sys/resource.h>
 #include <sys/time.h>
 
 namespace Orvane {
@@ -27,6 +28,18 @@ TEST(Deadline, EndsAWaitForADescriptorThatStaysSilent) {
     const Deadline deadline = Deadline::after(20ms);
     EXPECT_FALSE(deadline.waitFor(event(0).get(), POLLIN));
     EXPECT_TRUE(deadline.passed());
+}
+
+TEST(Deadline, IsNotWaitedForWhenTheSystemRefusesToLook) {
+    const FileDescriptor silent = event(0);
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none{0, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    const Deadline deadline = Deadline::after(std::chrono::hours(1));
+    EXPECT_FALSE(deadline.waitFor(silent.get(), POLLIN));
+    EXPECT_FALSE(deadline.passed());
+    setrlimit(RLIMIT_NOFILE, &before);
 }
 
 TEST(Deadline, IsKeptWhileSignalsInterruptTheWait) {

@@ -36,8 +36,8 @@ TEST(DiagnosticsWarning, GoesToStandardError) {
 
 TEST(DiagnosticsPieces, ShowNumbersInPlainDigits) {
     testing::internal::CaptureStderr();
-    error(-2147483647 - 1, " ", 18446744073709551615ULL, " ", Hex{0xBEEF}, " ", Hex{0});
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "-2147483648 18446744073709551615 BEEF 0\n");
+    error(-2147483647 - 1, " ", 18446744073709551615ULL, " ", Hex{0xBEEF}, " ", Hex{0xA0}, " ", Hex{0});
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "-2147483648 18446744073709551615 BEEF A0 0\n");
 }
 
 // Groups the digits of every number, as many a language does.

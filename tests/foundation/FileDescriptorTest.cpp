@@ -40,6 +40,9 @@ TEST(FileDescriptor, OwnsDescriptorZero) {
     const FileDescriptor source(openNothing());
     EXPECT_TRUE(FileDescriptor(dup2(source.get(), 0)));
     EXPECT_FALSE(isOpen(0));
+    FileDescriptor owner;
+    owner.reset(dup2(source.get(), 0));
+    EXPECT_TRUE(owner);
 }
 
 TEST(FileDescriptor, ReleasedLeavesTheDescriptorOpen) {

@@ -1,6 +1,8 @@
 // The TCP socket wrappers.
 #include "ov_sys/Interface/foundation/Sockets.h"
 
+#include "tests/support/NoStandardInput.h"
+
 #include <arpa/inet.h>
 #include <cerrno>
 #include <fcntl.h>
@@ -71,6 +73,13 @@ TEST(CreateTcpSocket, GivesAnIPv4StreamSocket) {
     EXPECT_EQ(option(created, SO_DOMAIN), AF_INET);
     EXPECT_EQ(option(created, SO_TYPE), SOCK_STREAM);
     EXPECT_EQ(fcntl(created, F_GETFD), FD_CLOEXEC);
+    close(created);
+}
+
+TEST(CreateTcpSocket, GivesDescriptor0WithoutStandardInput) {
+    const OrvaneTest::NoStandardInput closed;
+    const int created = create_tcp_socket();
+    EXPECT_EQ(created, 0);
     close(created);
 }
 

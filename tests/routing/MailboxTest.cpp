@@ -19,15 +19,21 @@ long countOf(const std::vector<std::string>& steps, const std::string& step) {
 
 TEST(Mailbox, WritesAndLooksForTheEnd) {
     ScriptedPhy phy({0, 1});
-    EXPECT_TRUE(writeByMailbox(phy, 0xAB1F, 0x8037, 0x1234));
-    EXPECT_THAT(phy.steps, ElementsAre("W 1E.C47F 0000", "W 1E.C47C 8037", "W 1E.C47D 1234", "W 1E.C47E 021F",
+    EXPECT_TRUE(writeByMailbox(phy, 0xAB9F, 0x8037, 0x1234));
+    EXPECT_THAT(phy.steps, ElementsAre("W 1E.C47F 0000", "W 1E.C47C 8037", "W 1E.C47D 1234", "W 1E.C47E 029F",
                                        "R 1E.C47F 0000", "R 1E.C47F 0001"));
+}
+
+TEST(Mailbox, NamesAnEvenMmdBesideTheCommandToWrite) {
+    ScriptedPhy phy({1});
+    EXPECT_TRUE(writeByMailbox(phy, 30, 0x8037, 0x1234));
+    EXPECT_EQ(phy.steps.at(3), "W 1E.C47E 021E");
 }
 
 TEST(Mailbox, ReadsTheDataBehindTheEnd) {
     ScriptedPhy phy({1, 0xBEEF});
-    EXPECT_EQ(readByMailbox(phy, 31, 0x8037), Value(0xBEEF));
-    EXPECT_THAT(phy.steps, ElementsAre("W 1E.C47F 0000", "W 1E.C47C 8037", "W 1E.C47E 011F", "R 1E.C47F 0001",
+    EXPECT_EQ(readByMailbox(phy, 30, 0x8037), Value(0xBEEF));
+    EXPECT_THAT(phy.steps, ElementsAre("W 1E.C47F 0000", "W 1E.C47C 8037", "W 1E.C47E 011E", "R 1E.C47F 0001",
                                        "R 1E.C47D BEEF"));
 }
 

@@ -14,8 +14,8 @@ using testing::ElementsAre;
 
 TEST(OverClause22, WritesThroughRegisters13And14) {
     ScriptedPhy phy;
-    EXPECT_TRUE(writeOverClause22(phy, 0x3E, 0xC010, 0xCAFE));
-    EXPECT_THAT(phy.steps, ElementsAre("w 0D 001E", "w 0E C010", "w 0D 401E", "w 0E CAFE"));
+    EXPECT_TRUE(writeOverClause22(phy, 0x3F, 0xC010, 0xCAFE));
+    EXPECT_THAT(phy.steps, ElementsAre("w 0D 001F", "w 0E C010", "w 0D 401F", "w 0E CAFE"));
 }
 
 TEST(OverClause22, ReadsThroughRegisters13And14) {

@@ -22,22 +22,23 @@ TEST(TgeRegisters, OfBlock0AreSmiRegisters) {
 
 TEST(TgeRegisters, OfBlock3AreTheThirdBankOfIndirectRegisters) {
     ScriptedPhy phy({0xBEEF});
-    EXPECT_TRUE(writeTge(phy, 0x3085, 0xCAFE));
-    EXPECT_EQ(readTge(phy, 0x3005), Value(0xBEEF));
+    EXPECT_TRUE(writeTge(phy, 0x3084, 0xCAFE));
+    EXPECT_EQ(readTge(phy, 0x3004), Value(0xBEEF));
     EXPECT_THAT(phy.steps,
-                ElementsAre("W 1D.C204 CAFE", "W 1D.C203 8017", "W 1D.C204 4105", "W 1D.C203 8014",
-                            "W 1D.C204 8105", "W 1D.C203 8014", "W 1D.C203 C015", "R 1D.C204 BEEF"));
+                ElementsAre("W 1D.C204 CAFE", "W 1D.C203 8017", "W 1D.C204 4104", "W 1D.C203 8014",
+                            "W 1D.C204 8104", "W 1D.C203 8014", "W 1D.C203 C015", "R 1D.C204 BEEF"));
 }
 
 TEST(TgeRegisters, OfAnotherBlockAreTroubleWithoutAnAccess) {
     ScriptedPhy phy;
     EXPECT_EQ(readTge(phy, 0x4123), Value(0));
+    EXPECT_TRUE(writeTge(phy, 0x4123, 1));
     EXPECT_TRUE(writeTge(phy, 0xF123, 1));
     phy.endsAtTrouble();
     EXPECT_EQ(readTge(phy, 0x4123), std::nullopt);
     EXPECT_FALSE(writeTge(phy, 0xF123, 1));
-    EXPECT_THAT(phy.steps,
-                ElementsAre("trouble 5 4 4123", "trouble 5 F F123", "trouble 5 4 4123", "trouble 5 F F123"));
+    EXPECT_THAT(phy.steps, ElementsAre("trouble 5 4 4123", "trouble 5 4 4123", "trouble 5 F F123",
+                                       "trouble 5 4 4123", "trouble 5 F F123"));
 }
 
 TEST(TgeRegisters, EndAtTheFirstAccessThatFails) {

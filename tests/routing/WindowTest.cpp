@@ -13,10 +13,17 @@ using namespace Orvane::Routing;
 using testing::ElementsAre;
 
 TEST(Window, ReadsOddAddressesFromTheirOwnRegister) {
-    ScriptedPhy phy({0x100, 0, 0xBEEF});
+    ScriptedPhy phy({0x100, 0xFEFF, 0xBEEF}); // busy by bit 8 alone
     EXPECT_EQ(readByWindow(phy, 0x1235), Value(0xBEEF));
     EXPECT_THAT(phy.steps, ElementsAre("W 1E.0202 3FFE", "W 1E.0203 28EA", "W 1E.0200 8000", "R 1E.0200 0100",
-                                       "R 1E.0200 0000", "R 1E.0204 BEEF"));
+                                       "R 1E.0200 FEFF", "R 1E.0204 BEEF"));
+}
+
+TEST(Window, PointsAtAddressesAcrossABoundaryOf64K) {
+    ScriptedPhy phy;
+    readByWindow(phy, 0xC001);
+    EXPECT_EQ(phy.steps.at(0), "W 1E.0202 3FFF");
+    EXPECT_EQ(phy.steps.at(1), "W 1E.0203 8482");
 }
 
 TEST(Window, NamesTheAddressAgainToWrite) {

@@ -354,7 +354,7 @@ TEST(FreeingUnderAGuard, LeavesOpaqueBuffersAlone) {
 
 TEST(FreeingUnderAGuard, FreesTheStringsThatTheDecodeAllocatedInsideTheBuffer) {
     std::array<char, 4> text{};
-    std::array<StringArrayEntry, 3> entries{{{nullptr, 0}, {text.data(), 0}, {nullptr, 0}}};
+    std::array<StringArrayEntry, 3> entries{{{nullptr, 0}, {nullptr, 0}, {text.data(), 0}}};
     const DecodeGuard ofEntries(entries.data(), entries.size());
     const DecodeGuard ofText(text.data(), text.size());
     JTAG_ShiftMulti_Result result{};
@@ -364,10 +364,10 @@ TEST(FreeingUnderAGuard, FreesTheStringsThatTheDecodeAllocatedInsideTheBuffer) {
     DecodeStream stream(bytes);
     ASSERT_TRUE(xdr_JTAG_ShiftMulti_Result(stream.get(), &result));
     ASSERT_STREQ(entries[0].text, "1");
-    ASSERT_STREQ(entries[2].text, "3");
+    ASSERT_STREQ(entries[1].text, "2");
     Orvane::freeDecoded(result);
     EXPECT_EQ(result.entries.entries_val, entries.data());
     EXPECT_EQ(entries[0].text, nullptr);
-    EXPECT_EQ(entries[1].text, text.data());
-    EXPECT_EQ(entries[2].text, nullptr);
+    EXPECT_EQ(entries[1].text, nullptr);
+    EXPECT_EQ(entries[2].text, text.data());
 }

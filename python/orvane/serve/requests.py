@@ -1,13 +1,14 @@
 """What a viewer may ask for, each by its name in `do`."""
 from __future__ import annotations
 
+import contextlib
 import inspect
 import os
 import time
 from collections import abc
 from typing import Any, Callable, Dict, List, Optional, Union
 
-from orvane.errors import Error
+from orvane.errors import BoardError, Error, InvalidArgument
 from orvane.limits import Within
 from orvane.phy import Phy
 from orvane.registers import RegisterLike, check_range, clause22
@@ -26,6 +27,7 @@ _MOST_NAMES = 4_096
 _MOST_SAMPLES = 65_536
 _MOST_BOARDS = 500
 _READ_ONLY = "this server only shows; 'orvane serve --write' changes things, too"
+_WRITES_TO_SCAN = "an SMBus is scanned by writing to what is on it: 'orvane serve --write' does"
 
 
 class Requests:
@@ -152,15 +154,18 @@ class Requests:
             self._site.fleet.refresh(board)
 
     async def _scan(self, message: Dict[str, Any]) -> Any:
-        """Which PHYs answer; by identifiers, which no read changes."""
+        """Which PHYs answer, or which devices of an SMBus; by identifiers, which no read changes.
+
+        On an SMBus a device is told first which register is to be read: one that is no PHY may keep that.
+        """
         port = self._place(message)
         board, number = port_of(self._site.fleet, port), int(port.rpartition(":")[2])
-        if number >= 10:
-            raise ValueError("devices of an SMBus are not scanned here: 'orvane scan' does")
+        if number >= _FIRST_SMBUS and not self._site.wishes.write:
+            raise ValueError(_WRITES_TO_SCAN)
 
         async def act() -> None:
             opened = await self._site.sessions.run(lambda: self._site.rack.open(port, within=2.0))
-            board.phys[number] = [found for phy in range(32)
+            board.phys[number] = [found for phy in (_PHYS if number < _FIRST_SMBUS else _DEVICES)
                                   for found in [await self._site.sessions.run(lambda: _identify(opened.phy(phy)))]
                                   if found is not None]
         await self._noted(board, f"{port} scan", act)
@@ -218,6 +223,8 @@ class Requests:
         return known
 
 
+_FIRST_SMBUS = 10  # of the numbers of ports
+_PHYS, _DEVICES = range(32), range(0x03, 0x78)  # those that are no reserved addresses
 _IDENTIFIERS: List[List[RegisterLike]] = [[(1, 2), (1, 3)], [clause22(2), clause22(3)]]
 
 
@@ -226,9 +233,10 @@ def _identify(phy: Phy) -> Optional[List[Any]]:
     was_open = phy.is_open
     try:
         for registers in _IDENTIFIERS:
-            high, low = (int(each) for each in phy.read(registers, within=2.0))
-            if (high, low) not in ((0, 0), (0xFFFF, 0xFFFF)):
-                return [phy.id, f"0x{high:04X}{low:04X}"]
+            with contextlib.suppress(BoardError, InvalidArgument):  # nobody there; no Clause 22 over SMBus
+                high, low = (int(each) for each in phy.read(registers, within=2.0))
+                if (high, low) not in ((0, 0), (0xFFFF, 0xFFFF)):
+                    return [phy.id, f"0x{high:04X}{low:04X}"]
         return None
     except Error as problem:
         return [phy.id, str(problem)]

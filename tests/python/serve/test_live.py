@@ -234,6 +234,23 @@ def test_scan_is_kept_for_the_page_of_the_board(serve, board):
     assert [each[1] for each in found] == ["0x0A5C1E83"] * len(found) and [3, "0x0A5C1E83"] in found
 
 
+def test_scan_of_an_smbus_asks_its_devices_for_their_identifiers_and_for_nothing_else(serve, lab):
+    served = serve("--write")
+    lab["OV0003"].forget_requests()
+
+    async def act(served):
+        async with served.viewer() as viewer:
+            await viewer.find("OV0003")
+            await viewer.ask("scan", port="OV0003:10")
+            page = await viewer.watch("board", board="OV0003")
+            return (await viewer.until(page, lambda values: values["phys"]))["phys"]["10"]
+    found = asyncio.run(act(served))
+    assert found == [[device, "0x0A5C1E83"] for device in range(3, 32)]  # beyond them nobody answers
+    sent = [each.arguments for each in lab["OV0003"].requests("i2c_write")]
+    assert {each["address"] for each in sent} == set(range(3, 120))  # no reserved address of I2C
+    assert {tuple(each["data"]) for each in sent} == {(1, 2, 0), (1, 3, 0)}  # MMD, register
+
+
 def test_live_log_has_the_accesses_while_it_is_watched(serve, board):
     async def act(served):
         async with served.viewer() as viewer:
@@ -291,7 +308,7 @@ def test_run_is_shown_with_its_points(serve, lab, tmp_path):
     ({"do": "map", "words": "x" * 1000}, "256 characters"),
     ({"do": "describe", "names": ["x"] * 1000}, "256 texts at most"),
     ({"do": "scan", "port": "OV0001:7"}, "no port"),
-    ({"do": "scan", "port": "OV0001:10"}, "SMBus"),
+    ({"do": "scan", "port": "OV0001:10"}, "an SMBus is scanned by writing"),
     ({"do": "read", "port": "OV0001:0", "phy": 200, "name": CONTROL}, "out of range"),
     ({"do": "read", "port": "OV0001:0", "phy": 3, "name": "PMA.CONTROLS"}, "is PMA.CONTROL1 meant"),
     ({"do": "watch", "kind": "registers", "port": "OV0001:0", "phy": 3, "names": [CONTROL], "interval": 0.0001},

@@ -7,32 +7,11 @@ import assert from "node:assert/strict";
 import { spawn } from "node:child_process";
 import { once } from "node:events";
 import { writeFileSync } from "node:fs";
-import { connect } from "node:net";
 import { join } from "node:path";
-import { createInterface } from "node:readline";
 import { accessibility, folder, launch, look, openPage, runTests, saved } from "./browser.mjs";
+import { go, lab, serve } from "./served.mjs";
 
 const hostile = "<IMG/SRC=X/ONERROR=ALERT(1)>"; // board names are capitals
-
-// A running server: the address that it prints.
-async function serve(...words) {
-  const process_ = spawn("/usr/bin/python3", ["-m", "orvane.serve", "--port", "0", ...words], { stdio: ["ignore", "pipe", "inherit"] });
-  const [address] = await once(createInterface(process_.stdout), "line");
-  return { address, end: () => process_.kill("SIGTERM") };
-}
-
-// One request to the lab's control socket.
-async function lab(board, action, members = {}) {
-  const socket = connect(process.env.ORVANE_LAB_CONTROL);
-  socket.write(JSON.stringify({ board, action, ...members }) + "\n");
-  const [line] = await once(createInterface(socket), "line");
-  socket.end();
-  const answer = JSON.parse(line);
-  assert.ok(answer.ok, answer.error);
-  return answer.result ?? [];
-}
-
-const go = (page, hash) => page.evaluate((to) => { location.hash = to; }, hash);
 
 const tests = {
   async "the rack has every board with its round trip, temperature and state"({ page }) {
@@ -76,6 +55,7 @@ const tests = {
 
   async "a board tells its ports, services, temperatures, events and what a scan finds"({ page }) {
     await go(page, "/board/OV0001");
+    assert.equal(await page.getByRole("button", { name: "Scan OV0001:10" }).count(), 0); // it would write
     await page.getByRole("button", { name: "Scan OV0001:0" }).click();
     await page.getByRole("link", { name: "PHY 3", exact: true }).waitFor();
     await page.getByRole("row", { name: /^mdio \d+$/ }).waitFor();
@@ -162,6 +142,9 @@ const tests = {
     assert.equal(Number(held.value), 0x40);
     await accessibility(page, "a PHY that may be written");
     await go(page, "/board/OV0003");
+    await page.getByRole("button", { name: "Scan OV0003:10" }).click();
+    await page.getByRole("link", { name: "Device 31", exact: true }).waitFor();
+    assert.equal(await page.getByRole("link", { name: /^Device / }).count(), 29);
     await page.getByLabel("Set point of channel 0").fill("60");
     await page.getByRole("button", { name: "Set channel 0" }).click();
     await page.getByRole("cell", { name: "60.0" }).waitFor();
@@ -204,11 +187,11 @@ const tests = {
     await page.reload();
     await page.getByRole("link", { name: "OV0001" }).waitFor();
     const reached = [];
-    for (let presses = 0; presses < 12; ++presses) {
+    for (let presses = 0; presses < 14; ++presses) {
       await page.keyboard.press("Tab");
       reached.push(await page.evaluate(() => document.activeElement?.textContent?.trim() || document.activeElement?.getAttribute("aria-label") || ""));
     }
-    for (const name of ["To the page", "Rack", "Time line", "Runs", "Filter boards", "Look again", "Board"])
+    for (const name of ["To the page", "Rack", "Plots", "Time line", "Runs", "Filter boards", "Look again", "Board"])
       assert.ok(reached.includes(name), `${name} is not among ${reached}`);
   },
 
@@ -216,7 +199,7 @@ const tests = {
     const page = await openPage(browser, server.address, { colorScheme: "dark" });
     await page.getByRole("link", { name: "OV0001" }).waitFor();
     await look(page, "dark");
-    for (const [hash, text] of [["/board/OV0001", "Services"], ["/phy/OV0001:0/3", "Choose a register"], ["/log", "shown"], ["/run/0", "8 points"]]) {
+    for (const [hash, text] of [["/board/OV0001", "Services"], ["/phy/OV0001:0/3", "Choose a register"], ["/log", "shown"], ["/run/0", "8 points"], ["/plots", "Nothing is plotted"]]) {
       await go(page, hash);
       await page.getByText(text).first().waitFor();
       await accessibility(page, `dark ${hash}`);

@@ -8,6 +8,7 @@ import { Page } from "./parts/Page";
 import { BoardPage } from "./pages/Board";
 import { LogPage } from "./pages/Log";
 import { PhyPage } from "./pages/Phy";
+import { PlotsPage } from "./pages/Plots";
 import { RackPage } from "./pages/Rack";
 import { RunPage, RunsPage } from "./pages/Run";
 import type { Hello } from "./types";
@@ -34,6 +35,7 @@ function App(): JSX.Element {
         </a>
         <nav aria-label="Pages">
           <Way to="" place={place} text="Rack" />
+          <Way to="plots" place={place} text="Plots" />
           <Way to="log" place={place} text="Time line" />
           <Way to="runs" place={place} text="Runs" />
         </nav>
@@ -59,6 +61,7 @@ function Place({ place, hello }: { place: string[]; hello: Hello }): JSX.Element
   if (kind === "") return <RackPage />;
   if (kind === "board") return <BoardPage key={first} serial={first} hello={hello} />;
   if (kind === "phy") return <PhyPage key={`${first} ${second}`} port={first} phy={Number(second)} hello={hello} />;
+  if (kind === "plots") return <PlotsPage wanted={place.slice(1)} hello={hello} />;
   if (kind === "log") return <LogPage hello={hello} />;
   if (kind === "runs") return <RunsPage hello={hello} />;
   if (kind === "run") return <RunPage key={first} run={Number(first)} />;

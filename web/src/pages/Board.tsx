@@ -1,13 +1,13 @@
 // One board: ports and PHYs, services, temperatures, captures, what was asked of it and what happened.
 import type { JSX } from "preact";
-import { useRef, useState } from "preact/hooks";
+import { useState } from "preact/hooks";
 import { linkTo, useTopic } from "../hooks";
 import { live } from "../live";
-import { Chart } from "../parts/Chart";
+import { Capture } from "../parts/Capture";
 import { Card, Page, Problem, State, celsius, milliseconds, timeOf } from "../parts/Page";
+import { TemperatureChart } from "../parts/TemperatureChart";
+import { plotOf } from "../plots";
 import type { BoardPage as Told, Hello, Row } from "../types";
-
-const keptTemperatures = 3600; // samples, one a second
 
 export function BoardPage({ serial, hello }: { serial: string; hello: Hello }): JSX.Element {
   const { values, problem } = useTopic<Told>("board", { board: serial });
@@ -27,9 +27,13 @@ export function BoardPage({ serial, hello }: { serial: string; hello: Hello }): 
       <Problem text={problem || row?.problem || ""} />
       {row && (
         <div class="cards">
-          <Ports serial={serial} row={row} phys={values.phys ?? {}} />
+          <Ports serial={serial} row={row} phys={values.phys ?? {}} write={hello.write} />
           <Temperatures serial={serial} row={row} setPoints={values.setPoints ?? {}} write={hello.write} />
-          {hello.write && <Capture serial={serial} />}
+          {hello.write && (
+            <Card title="Capture">
+              <Capture serial={serial} />
+            </Card>
+          )}
           <Services services={values.services ?? {}} />
           <Requests requests={values.requests ?? []} />
           <Events events={values.events ?? []} />
@@ -39,17 +43,20 @@ export function BoardPage({ serial, hello }: { serial: string; hello: Hello }): 
   );
 }
 
-function Ports({ serial, row, phys }: { serial: string; row: Row; phys: Record<string, [number, string][]> }): JSX.Element {
+function Ports(props: { serial: string; row: Row; phys: Record<string, [number, string][]>; write: boolean }): JSX.Element {
+  const { serial, row, phys, write } = props;
   return (
     <Card title="Ports">
       {row.ports.map((port) => (
-        <Port key={port} name={`${serial}:${port}`} smbus={port >= 10} found={phys[String(port)]} />
+        <Port key={port} name={`${serial}:${port}`} smbus={port >= 10} mayScan={port < 10 || write} found={phys[String(port)]} />
       ))}
     </Card>
   );
 }
 
-function Port({ name, smbus, found }: { name: string; smbus: boolean; found: [number, string][] | undefined }): JSX.Element {
+// An SMBus is scanned by writing to whatever is there.
+function Port(props: { name: string; smbus: boolean; mayScan: boolean; found: [number, string][] | undefined }): JSX.Element {
+  const { name, smbus, mayScan, found } = props;
   const [state, setState] = useState({ busy: false, problem: "" });
   const [phy, setPhy] = useState("0");
   const scan = () => {
@@ -67,7 +74,7 @@ function Port({ name, smbus, found }: { name: string; smbus: boolean; found: [nu
     <div class="port">
       <h3>{name}</h3>
       <form class="bar" onSubmit={go}>
-        {!smbus && (
+        {mayScan && (
           <button type="button" onClick={scan} disabled={state.busy} aria-label={`Scan ${name}`}>
             {state.busy ? "Scanning ..." : "Scan"}
           </button>
@@ -86,12 +93,12 @@ function Port({ name, smbus, found }: { name: string; smbus: boolean; found: [nu
         <button aria-label={`Open PHY of ${name}`}>Open</button>
       </form>
       <Problem text={state.problem} />
-      {found && found.length === 0 && <p class="empty">No PHY answered the scan.</p>}
+      {found && found.length === 0 && <p class="empty">{smbus ? "No device" : "No PHY"} answered the scan.</p>}
       {found && found.length > 0 && (
         <ul class="links">
           {found.map(([number, identifier]) => (
             <li key={number}>
-              <a href={linkTo("phy", name, number)}>PHY {number}</a> <code>{identifier}</code>
+              <a href={linkTo("phy", name, number)}>{smbus ? "Device" : "PHY"} {number}</a> <code>{identifier}</code>
             </li>
           ))}
         </ul>
@@ -102,22 +109,14 @@ function Port({ name, smbus, found }: { name: string; smbus: boolean; found: [nu
 
 function Temperatures(props: { serial: string; row: Row; setPoints: Record<string, number>; write: boolean }): JSX.Element {
   const { serial, row, setPoints } = props;
-  const history = useRef<{ x: number[]; curves: (number | null)[][] }>({ x: [], curves: [] });
-  const latest = useRef<unknown>(null);
-  if (latest.current !== row && row.temperatures.length) {
-    latest.current = row;
-    remember(history.current, [...row.temperatures, ...row.temperatures.map((_, index) => setPoints[String(index)] ?? null)]);
-  }
   if (!row.temperatures.length)
     return (
       <Card title="Temperatures">
         <p class="empty">{row.state === "up" ? "This board tells none." : "Not known."}</p>
       </Card>
     );
-  const count = row.temperatures.length;
-  const names = [...Array(2 * count).keys()].map((index) => (index < count ? `channel ${index}` : `set point ${index - count}`));
   return (
-    <Card title="Temperatures">
+    <Card title="Temperatures" tools={<a href={linkTo("plots", plotOf.temperatures(serial))}>On a page of plots</a>}>
       <table class="plain">
         <thead>
           <tr>
@@ -146,26 +145,9 @@ function Temperatures(props: { serial: string; row: Row; setPoints: Record<strin
           ))}
         </tbody>
       </table>
-      <Chart
-        title={`${serial} temperatures`}
-        across="time"
-        time
-        x={[...history.current.x]}
-        curves={names
-          .map((name, index) => ({ name, values: history.current.curves[index] ?? [], dashed: index >= count }))
-          .filter((curve) => curve.values.some((each) => each !== null))}
-      />
+      <TemperatureChart serial={serial} row={row} setPoints={setPoints} />
     </Card>
   );
-}
-
-function remember(history: { x: number[]; curves: (number | null)[][] }, values: (number | null)[]): void {
-  history.x.push(Date.now() / 1000);
-  values.forEach((value, index) => (history.curves[index] ??= Array(history.x.length - 1).fill(null)).push(value));
-  if (history.x.length > keptTemperatures) {
-    history.x.shift();
-    history.curves.forEach((each) => each.shift());
-  }
 }
 
 function SetPoint({ serial, channel }: { serial: string; channel: number }): JSX.Element {
@@ -191,38 +173,6 @@ function SetPoint({ serial, channel }: { serial: string; channel: number }): JSX
       <button aria-label={`Set channel ${channel}`}>Set</button>
       <Problem text={problem} />
     </form>
-  );
-}
-
-function Capture({ serial }: { serial: string }): JSX.Element {
-  const [count, setCount] = useState("1000");
-  const [state, setState] = useState<{ samples: number[]; problem: string }>({ samples: [], problem: "" });
-  const capture = (event: Event) => {
-    event.preventDefault();
-    live.ask<number[]>("capture", { board: serial, count: Number(count) }).then(
-      (samples) => setState({ samples, problem: "" }),
-      (problem: Error) => setState({ samples: [], problem: problem.message }),
-    );
-  };
-  return (
-    <Card title="Capture">
-      <form class="bar" onSubmit={capture}>
-        <label>
-          Samples{" "}
-          <input type="number" min="1" max="65536" value={count} onInput={(event) => setCount(event.currentTarget.value)} />
-        </label>
-        <button>Capture</button>
-      </form>
-      <Problem text={state.problem} />
-      {state.samples.length > 0 && (
-        <Chart
-          title={`${serial} capture`}
-          across="sample"
-          x={state.samples.map((_, index) => index)}
-          curves={[{ name: "converter", values: state.samples }]}
-        />
-      )}
-    </Card>
   );
 }
 

@@ -2,10 +2,11 @@
 import type { JSX } from "preact";
 import { useMemo, useRef, useState } from "preact/hooks";
 import { hex, meaningOf, numberOf, rawOf } from "../decode";
-import { useAnswer, useTopic } from "../hooks";
+import { linkTo, useAnswer, useTopic } from "../hooks";
 import { FieldHistory, type Samples } from "../parts/FieldHistory";
 import { Page, Problem, counted } from "../parts/Page";
 import { type Column, Table } from "../parts/Table";
+import { plotOf } from "../plots";
 import type { Described, Hello, Listed } from "../types";
 import { RegisterDetail } from "./RegisterDetail";
 
@@ -145,7 +146,12 @@ export function PhyPage({ port, phy, hello }: { port: string; phy: number; hello
           ) : (
             <p class="empty">Choose a register to see its fields.</p>
           )}
-          {plotted.length > 0 && <FieldHistory title={`${port} PHY ${phy}`} names={plotted} samples={samples.current} />}
+          {plotted.length > 0 && (
+            <>
+              <FieldHistory title={`${port} PHY ${phy}`} names={plotted} samples={samples.current} />
+              <a href={linkTo("plots", plotOf.fields({ port, phy, map, interval, names: plotted }))}>On a page of plots</a>
+            </>
+          )}
         </div>
       </div>
     </Page>

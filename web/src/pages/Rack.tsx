@@ -1,6 +1,6 @@
 // The rack: every board in one table.
 import type { JSX } from "preact";
-import { useMemo, useState } from "preact/hooks";
+import { useEffect, useMemo, useRef, useState } from "preact/hooks";
 import { linkTo, useTopic } from "../hooks";
 import { live } from "../live";
 import { type Column, Table } from "../parts/Table";
@@ -8,6 +8,8 @@ import { Page, Problem, State, celsius, counted, milliseconds } from "../parts/P
 import type { Row } from "../types";
 
 type Board = Row & { serial: string };
+
+const pause = 150; // ms without a scroll until the boards on the screen are asked: those that fly past are not
 
 const columns: Column<Board>[] = [
   { key: "serial", head: "Board", cell: (row) => <a href={linkTo("board", row.serial)}>{row.serial}</a>, order: (row) => row.serial },
@@ -34,6 +36,12 @@ export function RackPage(): JSX.Element {
   const all = Object.keys(values).length;
   const serials = useMemo(() => Object.keys(values).sort(byName.compare), [all]);
   const shown = matching(serials, values, wanted);
+  const looking = useRef(0);
+  const look = (boards: string[]) => {
+    clearTimeout(looking.current);
+    looking.current = setTimeout(() => live.look(boards), pause);
+  };
+  useEffect(() => () => clearTimeout(looking.current), []);
   const search = () => {
     setSearching(true);
     void live.ask("search").finally(() => setSearching(false));
@@ -62,7 +70,7 @@ export function RackPage(): JSX.Element {
         rows={shown}
         keyOf={(row) => row.serial}
         empty={all ? "No board matches." : "No board has answered yet."}
-        onInSight={(rows) => live.look(rows.map((row) => row.serial))}
+        onInSight={(rows) => look(rows.map((row) => row.serial))}
       />
     </Page>
   );

@@ -12,10 +12,12 @@ export function Bits({ value, bits, changed }: Props): JSX.Element {
   return (
     <span class="bits" aria-hidden="true">
       {digits.map((bit) => (
-        <span key={bit} class={(BigInt(changed) >> BigInt(bit)) & 1n ? "changed" : bit % 4 === 3 ? "nibble" : ""}>
+        <span key={bit} class={classOf((BigInt(changed) >> BigInt(bit)) & 1n, bit % 4 === 3)}>
           {String((BigInt(value) >> BigInt(bit)) & 1n)}
         </span>
       ))}
     </span>
   );
 }
+
+const classOf = (changed: bigint, nibble: boolean): string => [...(changed ? ["changed"] : []), ...(nibble ? ["nibble"] : [])].join(" ");

@@ -1,6 +1,6 @@
-// A plot: drag to zoom, double click to see all; as a picture or as CSV.
+// A plot: drag or click to zoom, double click to see all; as a picture or as CSV.
 import type { JSX } from "preact";
-import { useEffect, useRef } from "preact/hooks";
+import { useEffect, useRef, useState } from "preact/hooks";
 import uPlot from "uplot";
 import "uplot/dist/uPlot.min.css";
 
@@ -25,16 +25,15 @@ const colours = ["--curve-1", "--curve-2", "--curve-3", "--curve-4", "--curve-5"
 export function Chart({ title, across, time = false, x, curves }: Props): JSX.Element {
   const box = useRef<HTMLDivElement>(null);
   const plot = useRef<uPlot | null>(null);
-  const zoomed = useRef(false);
+  const [zoom, setZoom] = useState<[number, number] | null>(null);
   const shape = JSON.stringify([across, time, curves.map((each) => [each.name, each.dashed, each.shape])]);
   useEffect(() => {
     const element = box.current;
     if (!element) return undefined;
-    const made = new uPlot(optionsOf(element, across, time, curves), dataOf(x, curves), element);
+    const made = new uPlot(optionsOf(element, across, time, curves, setZoom), dataOf(x, curves), element);
     plot.current = made;
-    zoomed.current = false;
-    made.over.addEventListener("mouseup", () => (zoomed.current ||= made.select.width > 0));
-    made.over.addEventListener("dblclick", () => (zoomed.current = false));
+    setZoom(null);
+    made.over.addEventListener("dblclick", () => setZoom(null));
     const observer = new ResizeObserver(() => made.setSize({ width: element.clientWidth, height }));
     observer.observe(element);
     return () => {
@@ -44,14 +43,26 @@ export function Chart({ title, across, time = false, x, curves }: Props): JSX.El
     };
   }, [shape]);
   useEffect(() => {
-    plot.current?.setData(dataOf(x, curves), !zoomed.current); // what was zoomed into stays in sight
-    if (zoomed.current) plot.current?.redraw();
-  }, [x, curves]);
+    plot.current?.setData(dataOf(x, curves), !zoom); // what was zoomed into stays in sight
+    if (zoom) plot.current?.redraw();
+  }, [x, curves, zoom]);
+  const all = { begin: x[0] ?? 0, end: x[x.length - 1] ?? 0 };
+  const narrow = () => {
+    const [begin, end] = zoom ?? [all.begin, all.end];
+    const quarter = (end - begin) / 4;
+    plot.current?.setScale("x", { min: begin + quarter, max: end - quarter });
+    setZoom([begin + quarter, end - quarter]);
+  };
   return (
     <figure class="chart">
       <figcaption>
-        {title}
+        <span>
+          {title}
+          {zoom && <output class="zoom">{`, ${across} ${shownAt(zoom[0], time)} to ${shownAt(zoom[1], time)}`}</output>}
+        </span>
         <span class="tools">
+          <button disabled={x.length < 2} onClick={narrow}>Zoom in</button>
+          <button disabled={!zoom} onClick={() => setZoom(null)}>All</button>
           <button onClick={() => plot.current && savePicture(plot.current, title)}>PNG</button>
           <button onClick={() => saveText(title, "csv", csvOf(across, x, curves))}>CSV</button>
         </span>
@@ -70,7 +81,16 @@ const shapes: Record<NonNullable<Curve["shape"]>, Partial<uPlot.Series>> = {
 
 const dataOf = (x: number[], curves: Curve[]): uPlot.AlignedData => [x, ...curves.map((each) => each.values)];
 
-function optionsOf(element: HTMLElement, across: string, time: boolean, curves: Curve[]): uPlot.Options {
+const shownAt = (at: number, time: boolean): string =>
+  time ? new Date(at * 1000).toISOString().slice(11, 23) : String(Number(at.toPrecision(4)));
+
+function optionsOf(
+  element: HTMLElement,
+  across: string,
+  time: boolean,
+  curves: Curve[],
+  onZoom: (range: [number, number]) => void,
+): uPlot.Options {
   const style = getComputedStyle(document.documentElement);
   const colour = (name: string) => style.getPropertyValue(name).trim();
   const axis = { stroke: colour("--soft"), grid: { stroke: colour("--line"), width: 1 }, ticks: { show: false } };
@@ -79,6 +99,14 @@ function optionsOf(element: HTMLElement, across: string, time: boolean, curves: 
     height,
     scales: { x: { time } },
     cursor: { drag: { x: true, y: false } },
+    hooks: {
+      setSelect: [
+        (plot) => {
+          const { left, width } = plot.select;
+          if (width > 0) onZoom([plot.posToVal(left, "x"), plot.posToVal(left + width, "x")]);
+        },
+      ],
+    },
     axes: [{ ...axis, ...(time ? {} : { label: across, labelSize: 18 }) }, { ...axis, size: 56 }],
     series: [
       { label: across },

@@ -21,7 +21,7 @@ std::optional<MapIdentifier> identifierIn(std::string_view text) {
     const auto value = numberIn(text.substr(0, slash));
     const auto mask = slash == std::string_view::npos ? std::optional<std::uint64_t>(0xFFFFFFFF)
                                                       : numberIn(text.substr(slash + 1));
-    if (!value || !mask || *value > 0xFFFFFFFF || *mask > 0xFFFFFFFF || (*value & ~*mask) != 0)
+    if (!value || !mask || *mask > 0xFFFFFFFF || (*value & ~*mask) != 0)
         return std::nullopt;
     return MapIdentifier{static_cast<std::uint32_t>(*value), static_cast<std::uint32_t>(*mask)};
 }

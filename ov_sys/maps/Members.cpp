@@ -27,8 +27,7 @@ bool isIdentifier(std::string_view text, bool withIndex) {
         const std::string_view digits = text.substr(std::min(open, text.size() - 1) + 1);
         const auto index =
             numberIn(digits.substr(0, digits.size() - std::min<std::size_t>(digits.size(), 1)));
-        if (!index || digits.front() < '0' || digits.front() > '9' ||
-            (digits.front() == '0' && digits.size() > 2))
+        if (!index || (digits.front() == '0' && digits.size() > 2))
             return false;
         text = text.substr(0, open);
     }

@@ -41,9 +41,9 @@ TEST(Export, ToJsonReadsBackAsTheSameMap) {
 }
 
 TEST(Export, ToJsonEscapesWhatJsonDoesNotHold) {
-    const RegisterMap map = registerOf(R"("text": "a\"b\\c\u0001d\né")");
+    const RegisterMap map = registerOf(R"("text": "a\"b\\c\u0001d\u001f\né")");
     EXPECT_EQ(RegisterMap::parse(map.toJson()).find("R")->text(), "a\"b\\c\x01"
-                                                                  "d\n\xC3\xA9");
+                                                                  "d\x1F\n\xC3\xA9");
 }
 
 TEST(Export, ToCHeaderHasAddressesMasksShiftsAndValues) {

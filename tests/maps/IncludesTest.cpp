@@ -117,5 +117,18 @@ TEST_F(Includes, OfABrokenFileHideWhatOverridesWouldMiss) {
     EXPECT_EQ(problems().find("base.json:"), 0U) << problems();
 }
 
+TEST_F(Includes, OfManyFilesBesideEachOtherKeepTheNameOfTheFirst) {
+    std::string names = R"("ieee8023")";
+    for (int i = 1; i < 10; ++i) {
+        names += ", \"" + std::to_string(i) + ".json\"";
+        write(std::to_string(i) + ".json", R"("registers": {"R)" + std::to_string(i) +
+                                               R"(": {"at": "smbus:)" + std::to_string(i) + "\"}}");
+    }
+    write("top.json", R"("include": [)" + names + "]");
+    const RegisterMap map = load();
+    EXPECT_EQ(map.size(), RegisterMap::ieee8023().size() + 9);
+    EXPECT_NE(map.name(), "ieee8023");
+}
+
 } // namespace
 } // namespace OrvaneTest

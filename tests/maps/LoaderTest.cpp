@@ -124,7 +124,7 @@ TEST(Loader, GivesAMapThatThreadsReadAtOnce) {
 TEST(Loader, TakesIdentifiersOf32Bits) {
     EXPECT_EQ(problemsOf(R"("identifiers": ["0xFFFFFFFF/0xFFFFFFFF"])"), "");
     EXPECT_NE(problemsOf(R"("identifiers": ["0x100000000/0x1FFFFFFFF"])"), "");
-    EXPECT_NE(problemsOf(R"("identifiers": ["0x00000000/0x1FFFFFFFF"])"), "");
+    EXPECT_NE(problemsOf(R"("identifiers": ["0x00000000/0x100000000"])"), "");
 }
 
 TEST(Loader, TakesTheNameOfASchema) {
@@ -141,7 +141,7 @@ TEST(Loader, TakesNamesOfLettersDigitsAndUnderscores_64AtMost) {
     for (const char first : std::string("`{@[/:0"))
         EXPECT_FALSE(isName(std::string(1, first))) << first;
     for (const std::string name : {"a`", "a{", "a@", "a/", "a:", "L[00]", "L[01]", "L[/]", "L[:]", "L[]",
-                                   "L]", "L[0x1]", "L[1", "L[+1]"})
+                                   "L]", "L[0x1]", "L[1", "L[+1]", "L[x1]"})
         EXPECT_FALSE(isName(name)) << name;
     EXPECT_TRUE(isName(std::string(64, 'n')));
     EXPECT_FALSE(isName(std::string(65, 'n')));
@@ -187,6 +187,26 @@ TEST(Loader, TakesAFileOf8MiBAndNoLargerOne) {
     EXPECT_EQ(errorOfSize(kMost), "");
     EXPECT_EQ(errorOfSize(kMost + 1), path + ": is larger than 8 MiB, with the files that include it");
     std::remove(path.c_str());
+}
+
+TEST(Loader, RefusesANameThatIsNone) {
+    try {
+        RegisterMap::parse(R"({"format": "orvane-map-1", "name": "9x"})");
+        FAIL() << "loaded";
+    } catch (const MapError& error) {
+        EXPECT_STREQ(error.what(),
+                     "map:1: name: is no name: letters, digits and '_', a letter first, 64 at most");
+    }
+}
+
+TEST(Loader, TakesTextsOf4096BytesForTheMapAndItsOverrides) {
+    for (const std::size_t size : {4096U, 4097U}) {
+        const std::string text = R"("text": ")" + std::string(size, 'x') + '"';
+        const std::string refusal = size == 4096 ? "" : "text: is longer than 4096 bytes";
+        EXPECT_EQ(problemsOf(text), refusal.empty() ? "" : "map:1: " + refusal);
+        EXPECT_EQ(problemsOf(R"("overrides": [{)" + text + "}]"),
+                  refusal.empty() ? "" : "map:1: overrides[0]." + refusal);
+    }
 }
 
 } // namespace

@@ -83,8 +83,9 @@ TEST(Overrides, OfBlocksApplyToThePhyTheyNameOnly) {
 
 TEST(Overrides, ApplyToTheLastRevisionTheyName) {
     const std::string text =
-        kBase + R"([{"revision": "1..15", "blocks": {"A": {"registers": {"CTRL": {"reset": 3}}}}}])";
+        kBase + R"([{"revision": "8..15", "blocks": {"A": {"registers": {"CTRL": {"reset": 3}}}}}])";
     EXPECT_EQ(mapOf(text, phy(0x1F)).find("A.CTRL")->reset(), 3U);
+    EXPECT_EQ(mapOf(text, phy(0x17)).find("A.CTRL")->reset(), 1U);
     EXPECT_NE(problemsOf(kBase + R"([{"revision": "1..16"}])"), "");
 }
 

@@ -38,6 +38,16 @@ TEST(AppendOnlyList, GivesEveryElementInOrderAcrossChunks) {
     EXPECT_EQ(list[192], "192");
 }
 
+TEST(AppendOnlyList, GivesEveryElementOfALongList) {
+    AppendOnlyList<int> list;
+    for (int i = 0; i < 10000; ++i)
+        list.push_back(i);
+    int right = 0;
+    for (const int each : list)
+        right += each == right ? 1 : 0;
+    EXPECT_EQ(right, 10000);
+}
+
 TEST(AppendOnlyList, KeepsElementsInPlaceWhileItGrows) {
     AppendOnlyList<int> list;
     list.push_back(7);

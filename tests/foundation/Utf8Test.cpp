@@ -5,6 +5,7 @@
 #include <array>
 #include <gtest/gtest.h>
 #include <string_view>
+#include <utility>
 
 namespace Orvane {
 namespace {
@@ -49,6 +50,22 @@ INSTANTIATE_TEST_SUITE_P(IsMissingIn, FirstCharacter,
                                          Text{"OneBeyondTheLast", "\xF4\x90\x80\x80", 0, 0},
                                          Text{"FiveBytes", "\xF8\x88\x80\x80\x80", 0, 0}),
                          OrvaneTest::NamedParam());
+
+class VisibleCharacters : public testing::TestWithParam<std::pair<char32_t, char32_t>> {};
+
+TEST_P(VisibleCharacters, EndAtTheFirstAndBeginBehindTheLastThatIsNone) {
+    const auto& [first, last] = GetParam();
+    EXPECT_TRUE(first == 0 || isVisible(first - 1));
+    for (char32_t code = first; code <= last; ++code)
+        EXPECT_FALSE(isVisible(code)) << static_cast<unsigned>(code);
+    EXPECT_TRUE(isVisible(last + 1));
+}
+
+INSTANTIATE_TEST_SUITE_P(Around, VisibleCharacters,
+                         testing::Values(std::pair{U'\0', U'\x1F'}, std::pair{U'\x7F', U'\x9F'},
+                                         std::pair{U'\x061C', U'\x061C'}, std::pair{U'\x200E', U'\x200F'},
+                                         std::pair{U'\x2028', U'\x202E'}, std::pair{U'\x2066', U'\x2069'},
+                                         std::pair{U'\xFEFF', U'\xFEFF'}));
 
 TEST(Utf8, IsATextOfNothingButCharacters) {
     EXPECT_TRUE(isUtf8(""));

@@ -2,6 +2,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <fcntl.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace {
@@ -29,6 +30,6 @@ const int record = openRecord();
 // asked for, so that it is complete however the process ends.
 extern "C" bool orvane_mutant(unsigned number) noexcept {
     if (record >= 0 && seen[number % kNumbers].exchange(1, std::memory_order_relaxed) == 0)
-        static_cast<void>(!write(record, &number, sizeof number));
+        syscall(SYS_write, record, &number, sizeof number); // write() would be a cancellation point
     return number == active;
 }

@@ -9,11 +9,28 @@
 namespace OrvaneTool {
 
 // Made from page.html at build time.
-extern const char* const kReportPage;
+std::vector<std::string_view> reportPagePieces();
 
 namespace {
 
 constexpr std::string_view kMark = "ORVANE_REPORT_DATA"; // where the data go
+
+// The page before its data, and behind them.
+struct Frame {
+    std::string before;
+    std::string behind;
+};
+
+const Frame& frame() {
+    static const Frame made = [] {
+        std::string page;
+        for (const std::string_view piece : reportPagePieces())
+            page += piece;
+        const std::size_t place = page.find(kMark);
+        return Frame{page.substr(0, place), page.substr(place + kMark.size())};
+    }();
+    return made;
+}
 
 std::string bitsText(const Orvane::MapField& field) {
     std::vector<std::string> runs;
@@ -59,8 +76,7 @@ void writeMeaning(std::ostream& page, const Orvane::MapRegister& reg) {
 }
 
 ReportPage::ReportPage(std::ostream& page, std::string_view title) : page_(page) {
-    const std::string_view frame = kReportPage;
-    page_ << frame.substr(0, frame.find(kMark)) << "{\"title\":" << jsonText(title) << ",\"parts\":[";
+    page_ << frame().before << "{\"title\":" << jsonText(title) << ",\"parts\":[";
 }
 
 std::ostream& ReportPage::part(std::string_view kind, std::string_view title) {
@@ -70,8 +86,7 @@ std::ostream& ReportPage::part(std::string_view kind, std::string_view title) {
 }
 
 void ReportPage::finish() {
-    const std::string_view frame = kReportPage;
-    page_ << "]}" << frame.substr(frame.find(kMark) + kMark.size());
+    page_ << "]}" << frame().behind;
 }
 
 } // namespace OrvaneTool

@@ -19,6 +19,11 @@ TEST(Place, MayBeWrittenInDecimal) {
     EXPECT_EQ(MapAddress::parse("c22:4").text(), "c22:0x04");
 }
 
+TEST(Place, MayBeWrittenInHexadecimalAndBinaryWithEitherLetter) {
+    for (const char* text : {"7.0x1A", "7.0X1a", "7.0b11010", "7.0B11010"})
+        EXPECT_EQ(MapAddress::parse(text).text(), "7.0x001A") << text;
+}
+
 TEST(Place, BeyondItsSpaceIsRefused) {
     for (const char* text :
          {"32.0", "7.0x10000", "c22:32", "ext32:0x100000000", "7", "c23:1", "", "7.", ".1", "7.1@", "7.-1"})

@@ -109,5 +109,19 @@ TEST_F(Search, OfLettersOnlyIgnoresTheCase) {
     EXPECT_THAT(names(signs.search("{")), IsEmpty());
 }
 
+TEST_F(Search, ANameIsSuggestedUpToThreeLettersOff) {
+    const RegisterMap near = mapOf(
+        R"("registers": {"ABCDEFGHIJKL": {"at": "7.1"}, "ABCDEFGHIJKX": {"at": "7.2"}, "XY": {"at": "7.3"}})");
+    const auto suggested = [&](const char* name) { return near.suggestion(name); };
+    for (const char* name : {"abcdefghijkl", "xxxDEFGHIJKL", "DEFGHIJKL", "123ABCDEFGHIJKL", "BACDEFGHIJKL",
+                             "ABCDEFGHI", "ABCDEFGHIJKL123", "1BC2EF3HIJKL"})
+        EXPECT_EQ(suggested(name), "ABCDEFGHIJKL") << name;
+    for (const char* name : {"xxxxEFGHIJKL", "EFGHIJKL", "1234ABCDEFGHIJKL", "1BC2EF3HI4KL", "XZ", "Z"})
+        EXPECT_EQ(suggested(name), "") << name;
+    EXPECT_EQ(suggested("ABCDEFGHIJXX"), "ABCDEFGHIJKX");
+    EXPECT_EQ(suggested("xy"), "XY");
+    EXPECT_EQ(suggested("XYZ"), "XY");
+}
+
 } // namespace
 } // namespace OrvaneTest

@@ -146,6 +146,13 @@ TEST_F(RackRoutedPhy, ErrorOfTheFirmwareIsAFailureAndNoValue) {
     EXPECT_EQ(failure.advice(), "The PHY's firmware reports an error.");
 }
 
+TEST_F(RackRoutedPhy, UnknownStatusOfTheFirmwareIsAFailureWithItsNumber) {
+    troubles(0, 7);
+    const Failure failure = failureOf([&] { phy.routed().write({28, 1}, 1); });
+    EXPECT_EQ(failure.kind(), FailureKind::BoardError);
+    EXPECT_EQ(failure.advice(), "The PHY's firmware ended with the unknown status 0x7.");
+}
+
 TEST_F(RackRoutedPhy, ErrorOfTheBridgeIsAFailureWithItsCode) {
     OrvaneSim::PathTroubles all;
     all.bridgeStatus = 0x1003;

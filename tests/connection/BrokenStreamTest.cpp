@@ -5,6 +5,7 @@
 #include "tests/support/WrittenText.h"
 
 #include <csignal>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 
 namespace Orvane {
@@ -131,6 +132,9 @@ TEST_F(BrokenStream, OfWhichAPingFindsThatItBrokeBeforeIsConnectedAgainToTheSame
     EXPECT_EQ(lab.count("ping"), 2U);
     EXPECT_EQ(lab.count("portmap_getport"), lookedUp);
     EXPECT_EQ(connection.getClient(BoardConnection::SETUP)->client, handle);
+    int socket = -1;
+    ASSERT_TRUE(clnt_control(handle, CLGET_FD, reinterpret_cast<char*>(&socket)));
+    EXPECT_EQ(fcntl(socket, F_GETFD), FD_CLOEXEC); // programs that the process starts do not get it
 }
 
 TEST_F(BrokenStream, ThatCannotBeConnectedAgainLeavesTheLastCreationErrorAlone) {

@@ -1,11 +1,13 @@
 // What the handle of a client promises to those who call stubs with it.
 #include "ov_sys/Interface/connection/RPCHandle.h"
 
+#include "ov_sys/Interface/rpc_protocol/Codec.h"
 #include "ov_sys/Interface/rpc_protocol/Programs.h"
 #include "ov_sys/Interface/rpc_protocol/Stubs.h"
 #include "tests/support/OneBoard.h"
 
 #include <arpa/inet.h>
+#include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <fcntl.h>
@@ -18,6 +20,11 @@ namespace {
 
 using namespace OrvaneTest;
 using OrvaneSim::Fault;
+
+// An XDR routine of what has no form on the wire.
+bool_t refuse(XDR*, ...) {
+    return FALSE;
+}
 
 class RPCHandles : public testing::TestWithParam<const char*>, public OneBoard {
 protected:
@@ -80,15 +87,49 @@ TEST_P(RPCHandles, HaveNoTimeoutUntilOneIsSetWhichMustBeATime) {
     timeval time{};
     EXPECT_FALSE(control(CLGET_TIMEOUT, time));
     EXPECT_FALSE(handle->setTimeout({-1, 0}));
+    EXPECT_FALSE(handle->setTimeout({0, -1}));
     EXPECT_FALSE(handle->setTimeout({0, 1'000'001}));
     time = {100'000'001, 0};
     EXPECT_FALSE(control(CLSET_TIMEOUT, time));
     EXPECT_FALSE(control(CLGET_TIMEOUT, time));
+    EXPECT_EQ(time.tv_sec, 100'000'001);
     time = {7, 5};
     EXPECT_TRUE(control(CLSET_TIMEOUT, time));
     time = got<timeval>(CLGET_TIMEOUT);
     EXPECT_EQ(time.tv_sec, 7);
     EXPECT_EQ(time.tv_usec, 5);
+}
+
+TEST_P(RPCHandles, TakeTheShortestAndTheLongestTimeout) {
+    for (const timeval time : {timeval{0, 0}, timeval{1, 999'999}, timeval{100'000'000, 0}}) {
+        EXPECT_TRUE(handle->setTimeout(time));
+        const auto set = got<timeval>(CLGET_TIMEOUT);
+        EXPECT_EQ(set.tv_sec, time.tv_sec);
+        EXPECT_EQ(set.tv_usec, time.tv_usec);
+    }
+    EXPECT_TRUE(handle->setTimeout({0, 1'000'000}));
+    EXPECT_EQ(got<timeval>(CLGET_TIMEOUT).tv_sec, 1);
+}
+
+TEST_P(RPCHandles, HaveNoErrorBeforeTheFirstCall) {
+    rpc_err error{};
+    error.re_status = RPC_FAILED;
+    error.re_errno = EIO;
+    clnt_geterr(handle->get(), &error);
+    EXPECT_EQ(error.re_status, RPC_SUCCESS);
+    EXPECT_EQ(error.re_errno, 0);
+}
+
+TEST_P(RPCHandles, FreeWhatADecodeAllocated) {
+    StringArrayEntry entry{strdup("decoded"), 7};
+    EXPECT_EQ(clnt_freeres(handle->get(), xdrProcedure<StringArrayEntry>, &entry), TRUE);
+    EXPECT_EQ(entry.text, nullptr);
+}
+
+TEST_P(RPCHandles, DoNotSendWhatCannotBeEncoded) {
+    const auto status = clnt_call(handle->get(), 1, refuse, nullptr, refuse, nullptr, (timeval{2, 0}));
+    EXPECT_EQ(status, RPC_CANTENCODEARGS);
+    EXPECT_EQ(ping(), RPC_SUCCESS);
 }
 
 TEST_P(RPCHandles, WaitNoLongerThanTheirTimeout) {
@@ -97,6 +138,10 @@ TEST_P(RPCHandles, WaitNoLongerThanTheirTimeout) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(ping(), RPC_TIMEDOUT);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1500));
+    rpc_err error{};
+    clnt_geterr(handle->get(), &error);
+    EXPECT_EQ(error.re_status, RPC_TIMEDOUT);
+    EXPECT_EQ(error.re_errno, ETIMEDOUT);
 }
 
 TEST_P(RPCHandles, CallUnderTheTransactionIdThatIsSet) {

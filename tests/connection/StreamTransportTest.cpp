@@ -84,6 +84,14 @@ TEST_F(StreamCalls, GoOnInTheMiddleOfARecordThatWasGivenUp) {
     }
 }
 
+// The length of a fragment has 31 bits.
+TEST_F(StreamCalls, WaitForTheAnnouncedEndOfAFragmentBeyondAGigabyte) {
+    WireBytes reply = fragment(replyTo(7, 42));
+    reply[0] = 0xC0;
+    sockets.sendFromPeer(reply);
+    EXPECT_EQ(call(seven, 50ms), RPC_TIMEDOUT);
+}
+
 TEST_F(StreamCalls, EndAtTheDeadlineThoughTheReplyTricklesIn) {
     std::atomic<bool> done{false};
     std::thread peer([&] {

@@ -4,7 +4,9 @@
 #include "tests/support/NamedParam.h"
 
 #include <cerrno>
+#include <chrono>
 #include <functional>
+#include <sys/socket.h>
 #include <thread>
 
 namespace Orvane {
@@ -38,6 +40,14 @@ TEST_F(DatagramCalls, SendTheCallAndDecodeItsReply) {
     EXPECT_EQ(request, requestOfCallSeven());
     EXPECT_EQ(seven.result, 42);
     EXPECT_EQ(error.re_status, RPC_SUCCESS);
+}
+
+TEST_F(DatagramCalls, ThatCannotBeSentSaySoAtOnce) {
+    shutdown(sockets.own(), SHUT_WR);
+    const auto start = Deadline::Clock::now();
+    EXPECT_EQ(transport.call(seven.message, Deadline::after(std::chrono::minutes(1)), error), RPC_CANTSEND);
+    EXPECT_EQ(error.re_errno, EPIPE);
+    EXPECT_LT(Deadline::Clock::now() - start, std::chrono::seconds(30));
 }
 
 TEST_F(DatagramCalls, PassOverEveryDatagramThatIsNotTheirOwn) {

@@ -72,6 +72,45 @@ TEST_F(OrvaneGap, OfPingsIsMarkedAndCounted) {
                                              "[0-9.]+ s\nmin .*\n"));
 }
 
+// Every read behind the first block is lost for longer than one read lasts, which is 5 s.
+void loseSecondBlock(OrvaneSim::Board& board) {
+    using Clock = std::chrono::steady_clock;
+    board.onRequest([&board, reads = 0, begun = Clock::time_point()](const OrvaneSim::Request& each) mutable {
+        if (each.procedure != "mdio_read" || ++reads == 1)
+            return;
+        if (reads == 2) {
+            begun = Clock::now();
+            board.inject({"mdio", "mdio_read", Fault::Kind::LoseRequest, -1, 0});
+        } else if (Clock::now() - begun > std::chrono::milliseconds(5500)) {
+            board.clearFaults();
+        }
+    });
+}
+
+TEST_F(OrvaneGap, OfADumpIsToldAndLeavesNoHoleInItsFile) {
+    for (unsigned i = 0; i < 600; ++i)
+        board.setRegister(Space::C45, 0, 3, 0x1EC000 + i, 0x4000 + i);
+    const Folder folder;
+    const std::string file = folder.path("a.dump");
+    loseSecondBlock(board);
+    const Outcome outcome = orvane({"dump", "OV0001:0", "3", "30.0xC000+600", "-o", file}, environment());
+    EXPECT_EQ(outcome.status, 0) << outcome;
+    EXPECT_THAT(outcome.output, MatchesRegex(file + ": 600 registers, 1 gap of [0-9.]+ s\n"));
+    EXPECT_THAT(outcome.error, MatchesRegex("orvane: dump: " + std::string(kGap) + "\n"));
+    for (const char* line : {"\n30.0xC000 0x4000\n", "\n30.0xC0FF 0x40FF\n30.0xC100 0x4100\n",
+                             "\n30.0xC1FF 0x41FF\n30.0xC200 0x4200\n", "\n30.0xC257 0x4257\n"})
+        EXPECT_THAT(folder.content("a.dump"), HasSubstr(line));
+}
+
+TEST_F(OrvaneGap, OfADumpIsStatus1WhenStrict) {
+    const Folder folder;
+    loseSecondBlock(board);
+    const Outcome outcome = orvane(
+        {"dump", "OV0001:0", "3", "30.0xC000+300", "--strict", "-o", folder.path("a.dump")}, environment());
+    EXPECT_EQ(outcome.status, 1) << outcome;
+    EXPECT_THAT(outcome.output, HasSubstr(": 300 registers, 1 gap of "));
+}
+
 TEST_F(OrvaneGap, OfPingsIsStatus1WhenStrict) {
     Program program({"ping", "OV0001:0", "-i", "20", "--strict"}, environment());
     program.waitForOutput("seq=1 time=");

@@ -58,9 +58,12 @@ std::optional<MapPage> MapRegister::page() const noexcept {
 }
 
 bool MapRegister::isSafeToRead() const noexcept {
-    return isReadable() && changedByReadMask() == 0 && !definition_->sideEffects &&
-           std::none_of(fields().begin(), fields().end(),
-                        [](const MapField& each) { return each.sideEffects; });
+    return isReadable() && changedByReadMask() == 0 && !hasSideEffects();
+}
+
+bool MapRegister::hasSideEffects() const noexcept {
+    return definition_->sideEffects || std::any_of(fields().begin(), fields().end(),
+                                                   [](const MapField& each) { return each.sideEffects; });
 }
 
 bool MapRegister::isReadable() const noexcept {

@@ -35,10 +35,6 @@ std::uint64_t restorable(const MapRegister& reg) {
     return bitsWith(reg, MapAccess::rw);
 }
 
-bool hasSideEffects(const MapRegister& reg) {
-    return !reg.isSafeToRead() && reg.changedByReadMask() == 0;
-}
-
 } // namespace
 
 void Phy::use(const RegisterMap& map) const {
@@ -103,7 +99,7 @@ Snapshot Phy::snapshot(const Scope& scope, const Within& within) const {
 std::vector<Snapshot::Value> toRestore(const Snapshot& snapshot) {
     std::vector<Snapshot::Value> wanted;
     for (const Snapshot::Value& each : snapshot.values)
-        if (restorable(*each.reg) != 0 && !hasSideEffects(*each.reg))
+        if (restorable(*each.reg) != 0 && !each.reg->hasSideEffects())
             wanted.push_back({each.reg, restoring(each)});
     return wanted;
 }

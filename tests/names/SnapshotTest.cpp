@@ -131,7 +131,9 @@ TEST_F(SnapshotTest, RestoredStartsNothingThatClearsItself) {
 TEST_F(SnapshotTest, RestoredWritesNoRegisterWithSideEffects_ButOneOfWhichOnlyTheLowestBitCanBeWritten) {
     give(R"("registers": {
         "TRIGGER": {"at": "30.0", "side-effects": true}, "SWITCH": {"at": "30.1", "fields": {"ON": 0}},
-        "LATCH": {"at": "30.2", "fields": {"LEVEL": "7:0", "SEEN": "8 latching-high"}}})");
+        "LATCH": {"at": "30.2", "fields": {"LEVEL": "7:0", "SEEN": "8 latching-high"}},
+        "QUEUE": {"at": "30.3", "side-effects": true, "fields": {"LEVEL": "7:0", "SEEN": "8 latching-high"}},
+        "START": {"at": "30.4", "fields": {"LEVEL": "7:0 rw side-effects", "SEEN": "8 clear-on-read"}}})");
     Names restored;
     for (const Snapshot::Value& each : toRestore(phy.snapshot(Scope("**").sideEffects())))
         restored.push_back(each.reg->name());

@@ -186,6 +186,8 @@ public:
     // Whether a plain read changes nothing: nothing in it latches or is cleared by it, and nobody declared
     // side effects.
     bool isSafeToRead() const noexcept;
+    // Whether side effects were declared, of the register or of one of its fields.
+    bool hasSideEffects() const noexcept;
     // Whether a read tells anything.
     bool isReadable() const noexcept;
     // Whether a write changes anything.

@@ -20,7 +20,7 @@ Restoring restoring(const Asked& asked, std::uint32_t value) {
     if (asked.mapped == nullptr)
         return {value, all};
     const Orvane::MapRegister& reg = *asked.mapped;
-    if (!reg.isSafeToRead() && reg.changedByReadMask() == 0) // a read tells nothing, or does something
+    if (!reg.isReadable() || reg.hasSideEffects())
         return {};
     const std::uint32_t writeOnly = bitsWith(reg, Kind::wo);
     const std::uint32_t kept =

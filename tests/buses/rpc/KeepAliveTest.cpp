@@ -204,17 +204,16 @@ TEST_F(KeepAliveThread, EndsTheSessionAtTheSixthFailureInARow) {
 }
 
 TEST_F(KeepAliveThread, StartsCountingFailuresAnewAfterAGoodPing) {
-    letPing([this](int number) {
-        if (number == 7)
-            session.keepAliveRunning = false; // ends the thread after this ping
-        if (number != 6)
+    letPing([](int number) {
+        if (number != 2)
             throw Exceptions::InvalidSession();
     });
     std::string expected;
     for (int i = 0; i < 6; ++i)
         expected += "Session validation failed. Next attempt...\n";
-    EXPECT_EQ(textUntilItEnds(), expected);
-    EXPECT_EQ(session.getSessionState(), PhySession::SESSION_VALID);
+    EXPECT_EQ(textUntilItEnds(), expected + "Exceed the number of attempts to recover session.\n");
+    EXPECT_EQ(pings, 8);
+    EXPECT_EQ(session.getSessionState(), PhySession::SESSION_INVALID);
 }
 
 TEST_F(KeepAliveThread, EndsTheSessionAtAStandardException) {

@@ -50,6 +50,8 @@ TEST_F(RackBatch, MixedBatchKeepsItsOrder) {
     EXPECT_EQ(done[before], 5U);
     EXPECT_EQ(done[after], (std::vector<std::uint32_t>{6, 7}));
     EXPECT_TRUE(done.complete());
+    for (std::size_t i = 0; i < done.size(); ++i)
+        EXPECT_EQ(done.outcome(i).code, 0) << i;
     const Json arguments = argumentsOf(board.requestsOf("mdio_mixedblock").at(0));
     EXPECT_EQ(arguments.back(), (Json{0, 1, 2, 2}));
 }
@@ -73,6 +75,23 @@ TEST_F(RackBatch, ListsReadInOneCall) {
     EXPECT_EQ(count("mdio_read"), 2U);
 }
 
+TEST_F(RackBatch, ListReadsEachSpaceByItsOwnProcedure) {
+    board.setRegister(Space::C22, 1, 3, 2, 0x22);
+    board.setRegister(Space::Ext32, 1, 3, 8, 0x12345678);
+    EXPECT_EQ(phy.read({clause22(2), ext32(8)}), (std::vector<std::uint32_t>{0x22, 0x12345678}));
+    EXPECT_EQ(phy.read(clause22(2), 1), (std::vector<std::uint32_t>{0x22}));
+    EXPECT_EQ(count("mdio_read"), 0U);
+    EXPECT_EQ(count("mdio_mixedblock_c22"), 2U);
+    EXPECT_EQ(count("mdio_mixedblock_c22_zrext32"), 1U);
+}
+
+TEST_F(RackBatch, ListOfRegistersThatDoNotExistIsRefusedUnsent) {
+    const Failure failure = failureOf([&] { phy.read({{1, 7}, {32, 1}}); });
+    EXPECT_EQ(failure.kind(), FailureKind::InvalidArgument);
+    EXPECT_EQ(failureOf([&] { phy.read({1, 0xFFFF}, 2); }).kind(), FailureKind::InvalidArgument);
+    EXPECT_EQ(count("mdio_read"), 0U);
+}
+
 TEST_F(RackBatch, RefusedBlockTellsItsCodeAndThatTheRestWasNotSent) {
     Batch batch;
     batch.write({1, 1}, 1);
@@ -82,6 +101,9 @@ TEST_F(RackBatch, RefusedBlockTellsItsCodeAndThatTheRestWasNotSent) {
     const BatchResult done = phy.run(batch);
     EXPECT_EQ(statesOf(done), (std::vector<State>{State::Done, State::Refused, State::NotSent}));
     EXPECT_EQ(done.outcome(1).code, -5);
+    EXPECT_EQ(done.outcome(1).value, 0U);
+    EXPECT_EQ(done.outcome(0).code, 0);
+    EXPECT_EQ(done.outcome(2).code, 0);
     ASSERT_TRUE(done.failure());
     EXPECT_EQ(done.failure()->code(), -5);
     EXPECT_EQ(done.failure()->location(), "from c22.1");

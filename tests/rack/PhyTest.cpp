@@ -71,6 +71,15 @@ TEST_F(RackPhy, ArgumentsThatDoNotExistAreRefusedUnsent) {
     EXPECT_EQ(procedures(), std::vector<std::string>{});
 }
 
+TEST_F(RackPhy, RefusalOfAnArgumentSaysWhatThereIs) {
+    EXPECT_EQ(failureOf([&] { phy.read(clause22(32)); }).advice(), "Clause 22 registers are 0 to 31.");
+    EXPECT_EQ(failureOf([&] {
+                  phy.read({32, 0});
+              }).advice(),
+              "MMDs are 0 to 31, their registers 0 to 65535.");
+    EXPECT_EQ(failureOf([&] { phy.write({1, 0}, 0x10000); }).advice(), "The register holds 16 bits.");
+}
+
 TEST_F(RackPhy, FailureSaysWhereWhatAndTheBoardsCode) {
     phy.read({1, 0});
     inject(Fault::Kind::ResultCode, "mdio", "mdio_read", 1, -121);

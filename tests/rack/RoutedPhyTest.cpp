@@ -120,6 +120,7 @@ TEST_F(RackRoutedPhy, FirmwareThatStaysBusyEndsTheCallAtItsDeadline) {
     EXPECT_EQ(failure.operation(), "read by firmware");
     EXPECT_EQ(failure.location(), "31.0x8037");
     EXPECT_EQ(failure.advice(), "The PHY's firmware stayed busy.");
+    EXPECT_EQ(failure.code(), 0);
     EXPECT_GT(failure.attempts(), 5U);
 }
 
@@ -144,6 +145,7 @@ TEST_F(RackRoutedPhy, ErrorOfTheFirmwareIsAFailureAndNoValue) {
     const Failure failure = failureOf([&] { phy.routed().write({28, 1}, 1); });
     EXPECT_EQ(failure.kind(), FailureKind::BoardError);
     EXPECT_EQ(failure.advice(), "The PHY's firmware reports an error.");
+    EXPECT_EQ(failure.code(), 0);
 }
 
 TEST_F(RackRoutedPhy, UnknownStatusOfTheFirmwareIsAFailureWithItsNumber) {
@@ -151,6 +153,7 @@ TEST_F(RackRoutedPhy, UnknownStatusOfTheFirmwareIsAFailureWithItsNumber) {
     const Failure failure = failureOf([&] { phy.routed().write({28, 1}, 1); });
     EXPECT_EQ(failure.kind(), FailureKind::BoardError);
     EXPECT_EQ(failure.advice(), "The PHY's firmware ended with the unknown status 0x7.");
+    EXPECT_EQ(failure.code(), 0);
 }
 
 TEST_F(RackRoutedPhy, ErrorOfTheBridgeIsAFailureWithItsCode) {
@@ -161,6 +164,7 @@ TEST_F(RackRoutedPhy, ErrorOfTheBridgeIsAFailureWithItsCode) {
     EXPECT_EQ(failure.kind(), FailureKind::BoardError);
     EXPECT_EQ(failure.operation(), "read by SerDes bridge");
     EXPECT_EQ(failure.advice(), "The SerDes bridge reports code 0x3.");
+    EXPECT_EQ(failure.code(), 0);
 }
 
 TEST_F(RackRoutedPhy, WindowThatStaysBusyIsAFailure) {
@@ -170,6 +174,8 @@ TEST_F(RackRoutedPhy, WindowThatStaysBusyIsAFailure) {
     const Failure failure = failureOf([&] { phy.routed().read({10, 1}); });
     EXPECT_EQ(failure.kind(), FailureKind::Busy);
     EXPECT_EQ(failure.operation(), "read by window");
+    EXPECT_EQ(failure.advice(), "The window stayed busy.");
+    EXPECT_EQ(failure.code(), 0);
 }
 
 TEST_F(RackRoutedPhy, WhatNoPathLeadsToIsRefusedBeforeAnythingIsSent) {

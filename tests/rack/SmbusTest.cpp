@@ -78,6 +78,38 @@ TEST_F(RackSmbus, BatchRunsOneOperationAfterTheOther) {
     EXPECT_EQ(device.run(batch)[value], 0x1234U);
 }
 
+TEST_F(RackSmbus, BatchThatIsRefusedTellsOfEachOperation) {
+    Batch batch;
+    batch.write({1, 7}, 1);
+    batch.read({1, 8});
+    batch.write({1, 9}, 3);
+    inject(Fault::Kind::ResultCode, "i2c", "i2c_read", 1, -121);
+    const BatchResult done = device.run(batch);
+    EXPECT_EQ(done.outcome(0).state, OperationOutcome::State::Done);
+    EXPECT_EQ(done.outcome(0).code, 0);
+    EXPECT_EQ(done.outcome(1).state, OperationOutcome::State::Refused);
+    EXPECT_EQ(done.outcome(1).code, -121);
+    EXPECT_EQ(done.outcome(1).value, 0U);
+    EXPECT_EQ(done.outcome(2).state, OperationOutcome::State::NotSent);
+    EXPECT_EQ(done.failure()->location(), "from 1.0x0008");
+}
+
+TEST_F(RackSmbus, BatchOfWhichAnAnswerIsMissingTellsThatItsOperationIsUnknown) {
+    Batch batch;
+    batch.write({1, 7}, 1);
+    batch.read({1, 8});
+    batch.write({1, 9}, 3);
+    device.open();
+    inject(Fault::Kind::LoseReply, "i2c", "i2c_read", -1);
+    const BatchResult done = device.run(batch, within(300ms));
+    EXPECT_EQ(done.outcome(0).state, OperationOutcome::State::Done);
+    EXPECT_EQ(done.outcome(1).state, OperationOutcome::State::Unknown);
+    EXPECT_EQ(done.outcome(1).code, 0);
+    EXPECT_EQ(done.outcome(2).state, OperationOutcome::State::NotSent);
+    EXPECT_EQ(done.outcome(2).code, 0);
+    EXPECT_EQ(done.failure()->kind(), FailureKind::TimedOut);
+}
+
 TEST_F(RackSmbus, LostTransferIsRepeated) {
     device.write({1, 2}, 0x1234);
     inject(Fault::Kind::LoseReply, "i2c", "i2c_write");
@@ -92,7 +124,9 @@ TEST_F(RackSmbus, ShortAnswerIsAFailure) {
 }
 
 TEST_F(RackSmbus, Clause22IsRefusedUnsent) {
-    EXPECT_EQ(failureOf([&] { device.read(clause22(1)); }).kind(), FailureKind::InvalidArgument);
+    const Failure failure = failureOf([&] { device.read(clause22(1)); });
+    EXPECT_EQ(failure.kind(), FailureKind::InvalidArgument);
+    EXPECT_EQ(failure.advice(), "An SMBus port has no Clause 22 registers.");
     EXPECT_EQ(failureOf([&] {
                   device.run([] {
                       Batch b;

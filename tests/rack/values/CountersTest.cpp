@@ -57,6 +57,10 @@ TEST(LatencyHistogram, EveryDurationIsWithinFivePercentOfItsBucket) {
 TEST(LatencyHistogram, ExtremesCountInTheOuterBuckets) {
     EXPECT_EQ(LatencyHistogram::bucketOf(std::chrono::microseconds(-5)), 0U);
     EXPECT_EQ(LatencyHistogram::bucketOf(std::chrono::microseconds(0)), 0U);
+    EXPECT_EQ(LatencyHistogram::bucketOf(7us), 0U);
+    EXPECT_EQ(LatencyHistogram::bucketOf(8us), 0U);
+    EXPECT_EQ(LatencyHistogram::bucketOf(9us), 2U); // sixteen to an octave
+    EXPECT_EQ(LatencyHistogram::bucketOf(16us), 16U);
     EXPECT_EQ(LatencyHistogram::bucketOf(std::chrono::hours(5)), LatencyHistogram::kBuckets - 1);
 }
 

@@ -59,19 +59,19 @@ private:
     }
 };
 
-std::uint32_t NameIndex::keep(std::string_view text, std::uint32_t number) {
-    const auto at = static_cast<std::uint32_t>(entries_.size());
+void NameIndex::keep(std::string_view text, std::uint32_t number) {
+    const std::size_t at = bytes_.size();
     const std::array<std::uint32_t, 2> head{number, static_cast<std::uint32_t>(text.size())};
-    entries_.resize(at + sizeof head + text.size());
-    std::memcpy(&entries_[at], head.data(), sizeof head);
-    std::memcpy(&entries_[at] + sizeof head, text.data(), text.size());
-    return at;
+    bytes_.resize(at + sizeof head + text.size());
+    std::memcpy(&bytes_[at], head.data(), sizeof head);
+    std::memcpy(&bytes_[at] + sizeof head, text.data(), text.size());
+    ++entries_;
 }
 
 NameIndex::Entry NameIndex::entry(std::uint32_t at) const noexcept {
     std::array<std::uint32_t, 2> head;
-    std::memcpy(head.data(), &entries_[at], sizeof head);
-    return {head[0], {&entries_[at] + sizeof head, head[1]}};
+    std::memcpy(head.data(), &bytes_[at], sizeof head);
+    return {head[0], {&bytes_[at] + sizeof head, head[1]}};
 }
 
 std::uint32_t NameIndex::lookUp(const Index& index, std::string_view text) const noexcept {
@@ -81,9 +81,10 @@ std::uint32_t NameIndex::lookUp(const Index& index, std::string_view text) const
 }
 
 bool NameIndex::enter(Index& index, std::string_view text, std::uint32_t number) {
-    if (lookUp(index, text) != kNone)
+    const auto at = static_cast<std::uint32_t>(bytes_.size());
+    if (index.add(hashOfName(text), at, [&](std::uint32_t one) { return entry(one).text == text; }) != kNone)
         return false;
-    index.add(hashOfName(text), keep(text, number), [](std::uint32_t) { return false; });
+    keep(text, number);
     return true;
 }
 
@@ -139,8 +140,7 @@ std::vector<std::uint32_t> NameIndex::fill(const std::vector<MapRegister>& regis
     for (std::size_t i = 0; i < families_.size(); ++i)
         regular[i] = isRegular(families_[i]);
     for (std::uint32_t i = 0; i < registers.size(); ++i)
-        if (Parts parts; family[i] != kNoFamily && parts.take(registers[i].name()) &&
-                         numberIn(families_[family[i]], parts) != i)
+        if (Parts parts; parts.take(registers[i].name()) && numberIn(families_[family[i]], parts) != i)
             regular[family[i]] = false;
     std::vector<std::uint32_t> twice;
     const auto isAlone = [&](std::uint32_t i) { return family[i] == kNoFamily || !regular[family[i]]; };

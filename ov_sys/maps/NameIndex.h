@@ -21,6 +21,9 @@ public:
     std::vector<std::uint32_t> fill(const std::vector<MapRegister>& registers);
     // The number of the register of this name; kNone: none.
     std::uint32_t find(std::string_view name) const noexcept;
+    // How many there are: one for all elements of an array whose numbers are regular; else one for each
+    // register, and one for all whose names differ in nothing but their indices.
+    std::size_t entries() const noexcept { return entries_; }
 
 private:
     struct Dimension {
@@ -41,7 +44,7 @@ private:
         std::string_view text;
     };
 
-    std::uint32_t keep(std::string_view text, std::uint32_t number);
+    void keep(std::string_view text, std::uint32_t number);
     Entry entry(std::uint32_t at) const noexcept;
     std::uint32_t lookUp(const Index& index, std::string_view text) const noexcept;
     // False when there is an entry of this text.
@@ -52,9 +55,10 @@ private:
 
     std::vector<Dimension> dimensions_;
     std::vector<Family> families_;
-    std::vector<char> entries_; // number, length, text; the indices hold where each begins
-    Index byForm_;              // families, by their names without indices
-    Index byName_;              // registers of no family
+    std::vector<char> bytes_; // of the entries: number, length, text; the indices hold where each begins
+    std::size_t entries_ = 0;
+    Index byForm_; // families, by their names without indices
+    Index byName_; // registers of no family
 };
 
 } // namespace Orvane::Maps

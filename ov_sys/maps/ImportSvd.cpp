@@ -108,10 +108,9 @@ private:
     }
 
     void place(const SvdChain& chain, std::uint64_t bytes, DraftRegister reg) {
-        const std::uint32_t count = nodes_.countOf(chain);
-        if (count > 0 && nodes_.isPlainArray(chain)) {
+        if (nodes_.isPlainArray(chain)) {
             reg.name = svdPlainName(chain.text("name"));
-            reg.count = count;
+            reg.count = nodes_.countOf(chain);
             reg.stride = draft_.strideOf(chain.number("dimIncrement").value_or(0));
             add(std::move(reg), bytes);
             return;

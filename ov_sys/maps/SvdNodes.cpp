@@ -39,6 +39,11 @@ std::vector<std::string> partsOf(const std::string& list) {
     return parts;
 }
 
+// Whether a text ends so, after something else.
+bool endsWith(std::string_view text, std::string_view end) {
+    return text.size() > end.size() && text.substr(text.size() - end.size()) == end;
+}
+
 std::optional<MapBits> range(std::optional<std::uint64_t> high, std::optional<std::uint64_t> low) {
     if (!high || !low || *high > 63 || *low > *high)
         return std::nullopt;
@@ -174,10 +179,7 @@ std::uint32_t SvdNodes::countOf(const SvdChain& chain) {
 
 bool SvdNodes::isPlainArray(const SvdChain& chain) {
     const std::string name = chain.text("name");
-    const bool isAtEnd =
-        name.size() > 2 && (name.compare(name.size() - 2, 2, "%s") == 0 ||
-                            (name.size() > 4 && name.compare(name.size() - 4, 4, "[%s]") == 0));
-    return isAtEnd && countsFromZero(chain.text("dimIndex"));
+    return (endsWith(name, "%s") || endsWith(name, "[%s]")) && countsFromZero(chain.text("dimIndex"));
 }
 
 std::vector<SvdElement> SvdNodes::elementsOf(const SvdChain& chain) {
@@ -191,8 +193,9 @@ std::vector<SvdElement> SvdNodes::elementsOf(const SvdChain& chain) {
     const bool isPlain = isPlainArray(chain);
     const auto parts = partsOf(isPlain ? "" : chain.text("dimIndex"));
     const std::uint64_t step = chain.number("dimIncrement").value_or(0);
-    for (std::uint32_t i = 0; i < std::min(count, kMostElements); ++i) {
-        const std::string index = !isPlain && count == parts.size() ? parts[i] : std::to_string(i);
+    const std::uint32_t taken = std::min(count, kMostElements);
+    for (std::uint32_t i = 0; i < taken; ++i) {
+        const std::string index = !isPlain && taken == parts.size() ? parts[i] : std::to_string(i);
         std::string one = name;
         if (const std::size_t at = one.find("%s"); at != std::string::npos && !isPlain)
             one.replace(at, 2, index);

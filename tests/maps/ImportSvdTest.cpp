@@ -148,5 +148,101 @@ TEST(Svd, RegistersOfClause45AreAtEvenBytesUpToTheLast) {
                             "1 P.ODD: 0x3 is no address of the space c45; left out"));
 }
 
+std::string arrayOf(const std::string& name, unsigned count, unsigned offset, const std::string& indices) {
+    return registerOf(name, offset,
+                      "<dim>" + std::to_string(count) + "</dim><dimIncrement>4</dimIncrement>" +
+                          (indices.empty() ? "" : "<dimIndex>" + indices + "</dimIndex>"));
+}
+
+TEST(Svd, RegistersOfWhichNothingIsSaidAre32BitsToReadAndWrite) {
+    const ImportedMap imported = svdOf(registerOf("R", 0, ""));
+    const MapRegister& reg = *imported.map.find("P.R");
+    EXPECT_EQ(reg.width(), 32U);
+    EXPECT_EQ(reg.access(), MapAccess::rw);
+    EXPECT_FALSE(reg.reset());
+}
+
+TEST(Svd, ElementsThatAreCountedFromZeroAtTheEndOfTheirNameAreArrays) {
+    EXPECT_THAT(linesOf(svdOf(arrayOf("A%s", 2, 0, "") + arrayOf("B%s", 2, 8, "0-1") +
+                              arrayOf("C[%s]", 3, 16, "0,1,2"))
+                            .map),
+                ElementsAre("P.A[0] ext32:0x00000000", "P.A[1] ext32:0x00000004", "P.B[0] ext32:0x00000008",
+                            "P.B[1] ext32:0x0000000C", "P.C[0] ext32:0x00000010", "P.C[1] ext32:0x00000014",
+                            "P.C[2] ext32:0x00000018"));
+}
+
+TEST(Svd, OtherElementsAreRegistersOfTheirOwnNames) {
+    const ImportedMap imported =
+        svdOf(arrayOf("A%s", 3, 0, "0,1,3") + arrayOf("B%s", 2, 16, "0,1,") + arrayOf("C%s", 3, 24, "x,y,") +
+              arrayOf("%sD", 2, 36, "x,y") + arrayOf("%s", 2, 44, "") + arrayOf("N", 2, 52, "") +
+              registerOf("%sE", 60, "") + registerOf("[%s]F", 64, ""));
+    EXPECT_THAT(linesOf(imported.map),
+                ElementsAre("P.A0 ext32:0x00000000", "P.A1 ext32:0x00000004", "P.A3 ext32:0x00000008",
+                            "P.B0 ext32:0x00000010", "P.B1 ext32:0x00000014", "P.Cx ext32:0x00000018",
+                            "P.Cy ext32:0x0000001C", "P.C ext32:0x00000020", "P.xD ext32:0x00000024",
+                            "P.yD ext32:0x00000028", "P._0 ext32:0x0000002C", "P._1 ext32:0x00000030",
+                            "P.N ext32:0x00000034", "P.E ext32:0x0000003C", "P.F ext32:0x00000040"));
+    EXPECT_THAT(reportsOf(imported), ElementsAre("1 P.N: its name is taken; left out"));
+}
+
+TEST(Svd, ElementsWithNamesOfTheirOwnAre1024AtMost) {
+    const auto named = [](unsigned count) {
+        std::string indices = "x0";
+        for (unsigned i = 1; i < count; ++i)
+            indices += ",x" + std::to_string(i);
+        return svdOf(arrayOf("R%s", count, 0, indices));
+    };
+    EXPECT_NE(named(1024).map.find("P.Rx1023"), nullptr);
+    const ImportedMap more = named(1025);
+    EXPECT_EQ(more.map.size(), 1024U);
+    EXPECT_NE(more.map.find("P.Rx1023"), nullptr);
+    EXPECT_THAT(reportsOf(more), ElementsAre("1 R%s: has more elements than 1024; those are taken"));
+}
+
+TEST(Svd, ArraysHave131072Elements_AndOneOfMoreIsARegister) {
+    EXPECT_EQ(svdOf(arrayOf("R%s", 131072, 0, "")).map.size(), 131072U);
+    const ImportedMap more = svdOf(arrayOf("R%s", 131073, 0, ""));
+    EXPECT_THAT(linesOf(more.map), ElementsAre("P.R ext32:0x00000000"));
+    EXPECT_THAT(reportsOf(more), ElementsAre("1 R%s: has more elements than 131072; one is taken"));
+}
+
+TEST(Svd, ClustersThatHaveNothingOfTheirOwnHaveTheRegistersOfThatWhichTheyDeriveFrom) {
+    const auto derived = [](const std::string& content) {
+        return linesOf(svdOf("<cluster><name>A</name>" + content +
+                             "</cluster><cluster derivedFrom=\"A\"><name>B</name><addressOffset>16"
+                             "</addressOffset></cluster>")
+                           .map);
+    };
+    EXPECT_THAT(derived(registerOf("R", 0, "")),
+                ElementsAre("P.A.R ext32:0x00000000", "P.B.R ext32:0x00000010"));
+    EXPECT_THAT(derived("<cluster><name>C</name>" + registerOf("R", 0, "") + "</cluster>"),
+                ElementsAre("P.A.C.R ext32:0x00000000", "P.B.C.R ext32:0x00000010"));
+}
+
+TEST(Svd, FieldsHaveTheirBitsByOtherMembers_WhereTheirRangeIsNone) {
+    const std::string other = "<lsb>4</lsb><msb>5</msb>";
+    for (const char* range : {"[3-0]", "[1:]", "3", ""}) {
+        const ImportedMap imported = svdOf(
+            registerOf("R", 0,
+                       "<fields>" + fieldOf("F", "<bitRange>" + std::string(range) + "</bitRange>" + other) +
+                           "</fields>"));
+        ASSERT_TRUE(imported.map.resolve("P.R.F")) << range;
+        EXPECT_EQ(imported.map.at("P.R.F").field->bitsText(), "5:4") << range;
+    }
+}
+
+TEST(Svd, ValuesThatAreThereTwiceKeepTheFirstName) {
+    const ImportedMap imported =
+        svdOf(registerOf("R", 0,
+                         "<fields>" +
+                             fieldOf("F", "<bitRange>[1:0]</bitRange><enumeratedValues>" + valueOf("a", "1") +
+                                              valueOf("b", "1") + valueOf("c", "2") + "</enumeratedValues>") +
+                             "</fields>"));
+    const MapField& field = *imported.map.at("P.R.F").field;
+    ASSERT_EQ(field.choices.size(), 2U);
+    EXPECT_EQ(field.choice(1)->name, "a");
+    EXPECT_EQ(field.choice(2)->name, "c");
+}
+
 } // namespace
 } // namespace OrvaneTest

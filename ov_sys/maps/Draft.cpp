@@ -141,13 +141,14 @@ std::optional<MapAddress> Draft::addressOf(std::uint64_t bytes, unsigned line, c
     const std::uint32_t unit = options_.addressUnit != 0           ? options_.addressUnit
                                : options_.space == MapSpace::ext32 ? 1
                                                                    : 2;
-    const std::uint64_t number = options_.base + bytes / unit;
-    if (bytes % unit != 0 || number > lastNumber(options_.space)) {
+    const std::uint64_t number = bytes / unit;
+    const std::uint64_t last = lastNumber(options_.space);
+    if (bytes % unit != 0 || number > last || options_.base > last - number) {
         report(line, what,
                hexadecimal(bytes) + " is no address of the space " + nameOf(options_.space) + "; left out");
         return std::nullopt;
     }
-    return MapAddress{options_.space, options_.mmd, static_cast<std::uint32_t>(number)};
+    return MapAddress{options_.space, options_.mmd, static_cast<std::uint32_t>(options_.base + number)};
 }
 
 std::uint32_t Draft::strideOf(std::uint64_t bytes) const {

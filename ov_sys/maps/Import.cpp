@@ -9,10 +9,9 @@ namespace {
 // The name of the first element of an XML text; empty: there is none.
 std::string_view rootOf(std::string_view text) {
     for (std::size_t at = text.find('<'); at != std::string_view::npos; at = text.find('<', at + 1)) {
-        if (at + 1 < text.size() && (text[at + 1] == '?' || text[at + 1] == '!'))
-            continue;
         const std::string_view name = text.substr(at + 1);
-        return name.substr(0, name.find_first_of(" \t\r\n>/"));
+        if (name.empty() || (name[0] != '?' && name[0] != '!'))
+            return name.substr(0, name.find_first_of(" \t\r\n>/"));
     }
     return {};
 }

@@ -2,6 +2,7 @@
 #include "ov_sys/maps/Draft.h"
 #include "ov_sys/maps/Xml.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace Orvane::Maps {
@@ -10,6 +11,7 @@ namespace {
 
 constexpr unsigned kDeepest = 8; // blocks
 constexpr std::uint64_t kWord = 4;
+constexpr std::uint64_t kMostWords = ~std::uint64_t{0} / kWord; // whose bytes can be counted
 
 MapAccess accessOf(pugi::xml_node node, MapAccess inherited) {
     const std::string permission = node.attribute("permission").value();
@@ -97,8 +99,8 @@ private:
         reg.text = node.attribute("description").value();
         reg.access = access;
         reg.line = xml_.lineOf(node);
-        const auto place = draft_.addressOf(address * kWord, reg.line, reg.fullName());
-        if (!place || address > 0xFFFFFFFF)
+        const auto place = draft_.addressOf(std::min(address, kMostWords) * kWord, reg.line, reg.fullName());
+        if (!place)
             return;
         reg.address = *place;
         readMode(node, reg);

@@ -2,12 +2,8 @@
 #include "tests/support/maps/ImportedText.h"
 #include "tests/support/maps/MapTexts.h"
 
-#include <chrono>
-#include <filesystem>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace OrvaneTest {
 namespace {
@@ -18,20 +14,6 @@ using testing::HasSubstr;
 
 ImportedMap importOf(const std::string& name, const ImportOptions& options = {}) {
     return RegisterMap::importFile(std::string(ORVANE_MAP_FILES) + "/imported/" + name, options);
-}
-
-// What is said of a text that is imported as a file.
-std::string importError(const std::string& text) {
-    const std::string path = "/tmp/orvane-import-" + std::to_string(getpid());
-    std::ofstream(path) << text;
-    std::string error = "none";
-    try {
-        RegisterMap::importFile(path);
-    } catch (const MapError& problem) {
-        error = problem.what();
-    }
-    std::filesystem::remove(path);
-    return error.substr(error.find(path) == 0 ? path.size() : 0);
 }
 
 TEST(ImportSvd, PlacesPeripheralsClustersAndArrays) {
@@ -302,6 +284,16 @@ TEST(ImportUhal, TakesMasksAndQueuesAsTheyAre) {
     EXPECT_EQ(imported.map.at("R.F").field->bitsText(), "1:0");
     EXPECT_EQ(imported.map.find("R")->access(), MapAccess::rw);
     EXPECT_FALSE(imported.map.find("Q")->isSafeToRead());
+}
+
+TEST(ImportUhal, LeavesOutFieldsBeyondTheWord_AndRegistersBeyondEverySpace) {
+    const ImportedMap imported =
+        importText("<node id='T'><node id='R' address='0'><node id='F' mask='0x8000000000000001'/></node>\n"
+                   "<node id='FAR' address='0x4000000000000000'/></node>");
+    EXPECT_THAT(linesOf(imported.map), ElementsAre("R ext32:0x00000000"));
+    EXPECT_THAT(reportsOf(imported),
+                ElementsAre("1 R.F: its name or bits are taken or beyond the register; left out",
+                            "2 FAR: 0xFFFFFFFFFFFFFFFC is no address of the space ext32; left out"));
 }
 
 TEST(ImportUhal, CountsAThousandKindsOfWhatItLeavesBehind) {

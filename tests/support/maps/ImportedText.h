@@ -21,6 +21,20 @@ inline Orvane::ImportedMap importText(const std::string& text, const Orvane::Imp
     return imported;
 }
 
+// What is said of a text that is imported as a file, without the file's name; "none" where it is taken.
+inline std::string importError(const std::string& text) {
+    const std::string path = "/tmp/orvane-import-" + std::to_string(getpid());
+    std::ofstream(path) << text;
+    std::string error = "none";
+    try {
+        Orvane::RegisterMap::importFile(path);
+    } catch (const Orvane::MapError& problem) {
+        error = problem.what();
+    }
+    std::filesystem::remove(path);
+    return error.substr(error.find(path) == 0 ? path.size() : 0);
+}
+
 // "LINE PATH: MESSAGE" of each thing left behind.
 inline std::vector<std::string> reportsOf(const Orvane::ImportedMap& imported) {
     std::vector<std::string> reports;

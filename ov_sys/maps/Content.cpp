@@ -27,7 +27,7 @@ MapReference MapContent::resolve(std::string_view wanted) const noexcept {
     if (const MapRegister* const whole = find(wanted))
         return {whole, nullptr};
     const std::size_t dot = wanted.rfind('.');
-    const MapRegister* const reg = dot == std::string_view::npos ? nullptr : find(wanted.substr(0, dot));
+    const MapRegister* const reg = find(wanted.substr(0, dot)); // none, too, where there is no dot
     const MapField* const field = reg == nullptr ? nullptr : reg->field(wanted.substr(dot + 1));
     return field == nullptr ? MapReference{} : MapReference{reg, field};
 }

@@ -81,10 +81,10 @@ private:
     std::vector<bool> reached_; // the first steps so far can stand for the name so far
 };
 
-// Letters to change, add or take away between two texts; `most` + 1 when there are more.
-std::size_t distance(std::string_view a, std::string_view b, std::size_t most) {
-    if (a.size() > b.size() + most || b.size() > a.size() + most)
-        return most + 1;
+// Letters to change, add or take away between two texts; `limit` or more when there are as many.
+std::size_t distance(std::string_view a, std::string_view b, std::size_t limit) {
+    if (a.size() >= b.size() + limit || b.size() >= a.size() + limit)
+        return limit;
     std::vector<std::size_t> row(b.size() + 1);
     for (std::size_t j = 0; j <= b.size(); ++j)
         row[j] = j;
@@ -98,8 +98,8 @@ std::size_t distance(std::string_view a, std::string_view b, std::size_t most) {
             diagonal = above;
             least = std::min(least, row[j]);
         }
-        if (least > most)
-            return most + 1;
+        if (least >= limit)
+            return limit;
     }
     return row[b.size()];
 }
@@ -151,8 +151,7 @@ std::vector<std::string> RegisterMap::complete(std::string_view beginning) const
             return;
         const std::size_t dot = fullName.find('.', beginning.size());
         // A register's own name ends where its fields' go on with a dot: it is offered as itself.
-        const bool isFieldOfOffered =
-            dot != std::string::npos && reference.field != nullptr && dot == reference.reg->name().size();
+        const bool isFieldOfOffered = reference.field != nullptr && dot == reference.reg->name().size();
         std::string next = dot == std::string::npos ? fullName : fullName.substr(0, dot + 1);
         if (!isFieldOfOffered && known.insert(next).second)
             ordered.push_back(std::move(next));
@@ -168,8 +167,7 @@ std::string RegisterMap::suggestion(std::string_view name) const {
     std::size_t least = 1 + std::min<std::size_t>(3, name.size() / 3);
     std::string nearest;
     forEachName(*this, [&](const MapReference&, const std::string& fullName) {
-        const std::size_t far = least == 0 ? 1 : distance(wanted, lower(fullName), least - 1);
-        if (far < least) {
+        if (const std::size_t far = distance(wanted, lower(fullName), least); far < least) {
             least = far;
             nearest = fullName;
         }

@@ -116,7 +116,8 @@ TEST_F(Search, ANameIsSuggestedUpToThreeLettersOff) {
     for (const char* name : {"abcdefghijkl", "xxxDEFGHIJKL", "DEFGHIJKL", "123ABCDEFGHIJKL", "BACDEFGHIJKL",
                              "ABCDEFGHI", "ABCDEFGHIJKL123", "1BC2EF3HIJKL"})
         EXPECT_EQ(suggested(name), "ABCDEFGHIJKL") << name;
-    for (const char* name : {"xxxxEFGHIJKL", "EFGHIJKL", "1234ABCDEFGHIJKL", "1BC2EF3HI4KL", "XZ", "Z"})
+    for (const char* name : {"xxxxEFGHIJKL", "EFGHIJKL", "1234ABCDEFGHIJKL", "1BC2EF3HI4KL", "XZ", "Z",
+                             "DEFGHIJKL123", "12ABCXYFGHIJKL", "ABCXYFGHIJ"})
         EXPECT_EQ(suggested(name), "") << name;
     EXPECT_EQ(suggested("ABCDEFGHIJXX"), "ABCDEFGHIJKX");
     EXPECT_EQ(suggested("xy"), "XY");

@@ -147,6 +147,11 @@ TEST(HostileFile, OfManyFieldsEnds) {
               "map:1: blocks.B.registers.R4096.fields.F0: is one field more than the 65536 of a map");
 }
 
+TEST(HostileFile, OfOneRegisterMoreThanTheFieldsOfAMapReachEnds) {
+    EXPECT_EQ(errorOfFields(4097).substr(0, 84),
+              "map:1: blocks.B.registers.R4096.fields.F0: is one field more than the 65536 of a map");
+}
+
 TEST(HostileFile, OfHugeNumbersEnds) {
     EXPECT_NE(parseError(mapText(R"("registers": {"R": {"at": "7.)" + std::string(1000000, '9') + R"("}})"))
                   .find("is no address"),

@@ -209,5 +209,28 @@ TEST(Loader, TakesTextsOf4096BytesForTheMapAndItsOverrides) {
     }
 }
 
+TEST(Loader, TakesWordsOf200BytesAtMost) {
+    for (const std::size_t size : {200U, 201U}) {
+        const std::string word = ": \"" + std::string(size, 'x') + '"';
+        const auto isTooLong = [](const std::string& problems) {
+            return problems.find("is longer than 200 bytes") != std::string::npos;
+        };
+        const auto ofField = [&](const std::string& name) {
+            return problemsOfRegister(R"("fields": {"A": {"bits": "0", ")" + name + '"' + word + "}}");
+        };
+        EXPECT_EQ(isTooLong(problemsOfRegister("\"access\"" + word)), size > 200);
+        EXPECT_EQ(isTooLong(ofField("access")), size > 200);
+        EXPECT_EQ(isTooLong(ofField("unit")), size > 200);
+        EXPECT_EQ(isTooLong(problemsOf(R"("blocks": {"B": {"page": {"value": 0, "select")" + word + "}}}")),
+                  size > 200);
+        try {
+            RegisterMap::parse("{\"name\": \"test\", \"format\"" + word + '}');
+            ADD_FAILURE() << "loaded";
+        } catch (const MapError& error) {
+            EXPECT_EQ(isTooLong(error.what()), size > 200) << error.what();
+        }
+    }
+}
+
 } // namespace
 } // namespace OrvaneTest

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <orvane/maps.h>
+#include <orvane/maps.hpp>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -165,6 +166,26 @@ TEST_F(CMaps, TellTheIndexOfARegisterAndOfAField) {
     ASSERT_EQ(orvane_map_field_at(map, reg.index, field.index, &same), ORVANE_MAP_OK);
     EXPECT_EQ(field.register_index, reg.index);
     EXPECT_STREQ(same.name, "LINK");
+}
+
+TEST_F(CMaps, TellTheIndexesOfRegistersFarBehindTheFirst) {
+    const Orvane::RegisterMap same = Orvane::RegisterMap::ieee8023();
+    ASSERT_GT(same.size(), 100U);
+    std::size_t index = 0;
+    for (const Orvane::MapRegister& each : same.registers()) {
+        orvane_map_register reg;
+        orvane_map_field field;
+        ASSERT_EQ(orvane_map_resolve(map, each.name().c_str(), &reg, &field, nullptr, nullptr),
+                  ORVANE_MAP_OK);
+        EXPECT_EQ(reg.index, index) << each.name();
+        if (!each.fields().empty()) {
+            const std::string name = each.name() + '.' + each.fields().back().name;
+            ASSERT_EQ(orvane_map_resolve(map, name.c_str(), &reg, &field, nullptr, nullptr), ORVANE_MAP_OK);
+            EXPECT_EQ(field.register_index, index) << name;
+            EXPECT_EQ(field.index, each.fields().size() - 1) << name;
+        }
+        ++index;
+    }
 }
 
 } // namespace

@@ -170,5 +170,16 @@ TEST(Json, RefusesATenthMemberOfTheNameOfAnother) {
     EXPECT_EQ(failureOf('{' + members + "\"m9\": 1}"), "");
 }
 
+TEST(Json, Has400000ValuesAnd8MiBAtMost) {
+    std::string values = "[0";
+    for (int i = 1; i < 399999; ++i)
+        values += ",0";
+    EXPECT_EQ(failureOf(values + ']'), "");
+    EXPECT_EQ(failureOf(values + ",0]"), "f:1: there are more values than the 400000 of a map");
+    const std::string blanks((8U << 20U) - 1, ' ');
+    EXPECT_EQ(failureOf(blanks + '0'), "");
+    EXPECT_EQ(failureOf(blanks + "00"), "f: is larger than 8 MiB, with what it is included with");
+}
+
 } // namespace
 } // namespace OrvaneTest

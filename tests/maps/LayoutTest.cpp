@@ -205,5 +205,11 @@ TEST(Layout, OfAnArrayBesideARegisterOfItsNameIsRefused) {
               "map:1: registers.L[0]: 'L' is there without an index, too");
 }
 
+TEST(Layout, TellsWhatItOverlapsWithFarBehindTheFirstRegister) {
+    EXPECT_EQ(problemsOf(R"("registers": {"A": {"at": "30.0", "count": 80}, "PAGE": {"at": "30.100"}},
+        "blocks": {"P": {"at": "30.0", "page": {"select": "PAGE", "value": 3}, "registers": {"R": {"at": 79}}}})"),
+              "map:2: blocks.P.registers.R: P.R at 30.0x004F@3 overlaps with A[79] at 30.0x004F");
+}
+
 } // namespace
 } // namespace OrvaneTest

@@ -99,7 +99,8 @@ TEST_F(Includes, OfATextWithoutAFileMayNameBuiltInMapsOnly) {
 }
 
 TEST_F(Includes, BeyondEightLevelsAreRefused) {
-    write("top.json", R"("include": ["1.json"])");
+    write("top.json", R"("include": ["ieee8023", "beside.json", "1.json"])");
+    write("beside.json", R"("text": "")");
     for (int i = 1; i < 12; ++i)
         write(std::to_string(i) + ".json", R"("include": [")" + std::to_string(i + 1) + R"(.json"])");
     EXPECT_EQ(problems(), "8.json:1: include[0]: is included deeper than 8 files");
@@ -128,6 +129,10 @@ TEST_F(Includes, OfManyFilesBesideEachOtherKeepTheNameOfTheFirst) {
     const RegisterMap map = load();
     EXPECT_EQ(map.size(), RegisterMap::ieee8023().size() + 9);
     EXPECT_NE(map.name(), "ieee8023");
+}
+
+TEST_F(Includes, OfABuiltInMapKeepTheNameOfTheFileThatIncludesIt) {
+    EXPECT_EQ(mapOf(R"("include": ["ieee8023"])").name(), "test");
 }
 
 } // namespace

@@ -108,5 +108,15 @@ TEST(Overrides, ChangeWhatStandsBehindWhatTheyRemove) {
     EXPECT_EQ(map.find("C")->reset(), 9U);
 }
 
+TEST(Overrides, AreForOneRevisionOrARange) {
+    for (const char* revision : {"0", "15", "0..15", "3..3"})
+        EXPECT_EQ(problemsOf(R"("overrides": [{"revision": ")" + std::string(revision) + R"("}])"), "")
+            << revision;
+    for (const char* revision : {"16", "0..16", "3..2", "", "..", "1.."})
+        EXPECT_EQ(problemsOf(R"("overrides": [{"revision": ")" + std::string(revision) + R"("}])"),
+                  R"(map:1: overrides[0].revision: has to be a revision of 0 to 15, or a range, as "0..2")")
+            << revision;
+}
+
 } // namespace
 } // namespace OrvaneTest

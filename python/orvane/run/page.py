@@ -1,6 +1,7 @@
 """What a page shows of a data set, as JSON."""
 from __future__ import annotations
 
+import itertools
 import json
 import math
 import sqlite3
@@ -19,16 +20,21 @@ _MOST_POINTS = 20_000
 
 
 def contents(path: str) -> Dict[str, Any]:
-    """Its points by their number, and what it is: "summary". An array is shown by its mean."""
+    """Its points by their number, and what it is: "summary". An array is shown by its mean.
+
+    Of more than 20,000 points it has the first, and says so in the summary's text.
+    """
     with DataSet(path) as data:
         told: Dict[str, Any] = {"summary": {
             "name": data.recipe.name, "text": data.text(), "conditions": list(data.recipe.conditions),
             "missing": len(data.missing()), "going": any(each.ended is None for each in data.sessions())}}
-        for index, point in enumerate(data.points()):
-            if index == _MOST_POINTS:
-                break
+        for index, point in enumerate(itertools.islice(data.points(), _MOST_POINTS)):
             told[str(index)] = [point.port, [_condition(each) for each in point.conditions.values()], point.repeat,
                                 point.done, {name: _shown(value) for name, value in point.values.items()}]
+        if len(told) > _MOST_POINTS:
+            count = sum(1 for _ in data.points(with_values=False))
+            if count > _MOST_POINTS:
+                told["summary"]["text"] += f"\nonly the first {_MOST_POINTS} of {count} points are shown"
         return told
 
 

@@ -22,6 +22,16 @@ def test_page_has_points_with_their_conditions_and_an_array_by_its_mean(sweep, o
     assert json.loads(printed.stdout) == {"summary": summary, **told}
 
 
+def test_page_says_that_it_leaves_points_out(sweep, out, monkeypatch):
+    sweep(boards=["OV0001:0"], measure=lambda p, drive: p.record(eye=1.0), drive=[1, 2, 3]).go(out)
+    monkeypatch.setattr("orvane.run.page._MOST_POINTS", 3)
+    assert "only the first" not in contents(str(out))["summary"]["text"]
+    monkeypatch.setattr("orvane.run.page._MOST_POINTS", 2)
+    told = contents(str(out))
+    assert told["summary"]["text"].endswith("\nonly the first 2 of 3 points are shown")
+    assert sorted(told) == ["0", "1", "summary"]
+
+
 def test_file_that_is_no_data_set_is_told_on_standard_output(tmp_path):
     file = tmp_path / "it.orvrun"
     file.write_bytes(b"SQLite format 3\0 and the rest")

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <orvane/orvane.hpp>
 
 namespace OrvaneTest {
 namespace {
@@ -230,6 +231,17 @@ TEST_F(PhyArgument, OfMinus1CarriesAnAdapterThatIsNone) {
     EXPECT_EQ(outcomeOf([] { return ZR_API_Read32_Abstracted(-1, 0x1000); }),
               (Outcome{0, "", "\nError: Invalid adapter index\n", ""}));
     EXPECT_THAT(frames(), testing::IsEmpty());
+}
+
+TEST_F(PhyArgument, CarriesEachBitOfTheAdapterAndOfThePhy) {
+    for (unsigned bit = 3; bit < 15; ++bit)
+        EXPECT_EQ(outcomeOf([&] { return ZR_API_Read32_Abstracted(phyOn(1U << bit, 0), 0x1000); }).error,
+                  "\nError: Invalid adapter index\n")
+            << bit;
+    for (unsigned bit = 0; bit < 16; ++bit) {
+        outcomeOf([&] { HW_API_Read32(phyOn(3, 1U << bit), 0x1000); });
+        EXPECT_EQ(HW_Interface_Object.devices[3]->sessions.back()->phyId, 1 << bit);
+    }
 }
 
 using WordOfOnes = FlatInterface;

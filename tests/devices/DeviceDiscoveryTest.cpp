@@ -67,7 +67,7 @@ TEST_F(DeviceDiscovery, OfTheNumberGoesOnWithTenBoards_AndEndsSoonWithMore) {
     EXPECT_THAT(discoveryWords(board, kRequestsOfAnyBoard), testing::SizeIs(kRequestsOfAnyBoard));
     add(10);
     EXPECT_EQ(devices.numberOfDevices(), 22U);
-    EXPECT_LT(board.discoveryCount(), 2 * kRequestsOfAnyBoard);
+    EXPECT_LT(board.discoveryCount(), 2 * kRequestsOfAnyBoard - 1); // the last may be on its way
 }
 
 TEST_F(DeviceDiscovery, OfTheListEndsItWithANullPointer) {

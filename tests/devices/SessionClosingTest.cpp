@@ -1,9 +1,13 @@
 // Many sessions closed at once, and one closed by many.
+#include "ov_sys/Interface/connection/BoardConnection.h"
+#include "ov_sys/Interface/connection/HandleTurn.h"
 #include "ov_sys/Interface/devices/HWInterface.h"
 #include "ov_sys/Interface/foundation/AddressResponse.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "ov_sys/Interface/sessions/PhySession.h"
+#include "tests/support/allocations/AllocationFailure.h"
 #include "tests/support/devices/AdaptersOnBoard.h"
+#include "tests/support/NamedParam.h"
 #include "tests/support/SessionOnBoard.h"
 
 #include <atomic>
@@ -11,8 +15,11 @@
 #include <exception>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <mutex>
 #include <orvane/lab_json.h>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 namespace OrvaneTest {
 namespace {
@@ -97,6 +104,21 @@ TEST_F(ManyBoards, HearOfTheirSessionsInTheOrderOfOpening) {
     EXPECT_THAT(closedIds(), ElementsAre(7, 8, 9, 10, 11, 12));
 }
 
+TEST_F(ManyBoards, WhoseFirstSessionIsSlowToCloseHearOfTheNextATenthOfASecondLater) {
+    addBoards(1, 2);
+    std::thread closing;
+    {
+        Orvane::PhySession& first = *devices.devices[1]->sessions.front()->session;
+        const Orvane::HandleTurn busy(*first.connection->getClient(Orvane::BoardConnection::SETUP));
+        const auto start = steady_clock::now();
+        closing = std::thread([&] { devices.closeAdapter(1); });
+        boards[0]->waitFor([](const auto& request) { return request.procedure == "close_connection"; });
+        EXPECT_GE(steady_clock::now() - start, 100ms);
+    }
+    closing.join();
+    EXPECT_EQ(closeRequests(*boards[0]), 2U);
+}
+
 TEST_F(ManyBoards, AreLookedUpWhileOneIsClosed) {
     addBoards(2, 1);
     boards[0]->inject({"setup", "close_connection", Fault::Kind::LoseReply, -1});
@@ -176,6 +198,82 @@ TEST_F(ClosedTwiceAtOnce, AgainstAnAccessIsAnErrorOrAValue) {
     ended = true;
     reading.join();
     EXPECT_EQ(board.sessionCount(), 0U);
+}
+
+struct WayToClose {
+    std::string name;
+    void (*close)(Orvane::HWInterface& devices);
+};
+
+const WayToClose kWaysToClose[] = {
+    {"ByItself", [](auto& devices) { devices.closeAdapter(1); }},
+    {"WithTheOthers", [](auto& devices) { devices.close(); }},
+    {"WithTheOthersWithoutMemory",
+     [](auto& devices) {
+         const AllocationFailure first(0);
+         devices.close();
+         EXPECT_TRUE(first.happened());
+     }},
+};
+
+class DeviceThatIsNotOpen : public testing::TestWithParam<WayToClose>, protected AdaptersOnBoard {};
+
+TEST_P(DeviceThatIsNotOpen, KeepsItsSessionWhenItIsClosed) {
+    devices.openAdapter(0);
+    devices.getSimpleSession(0, 5);
+    devices.devices[1]->getSession(5);
+    GetParam().close(devices);
+    EXPECT_THAT(devices.devices[1]->sessions, SizeIs(1));
+    EXPECT_TRUE(devices.devices[1]->sessions.front()->session->isValid());
+}
+
+INSTANTIATE_TEST_SUITE_P(Closed, DeviceThatIsNotOpen, testing::ValuesIn(kWaysToClose), NamedParam());
+
+class AtExit : public testing::Test, protected AdaptersOnBoard {
+protected:
+    AtExit() {
+        for (unsigned adapter = 0; adapter < 2; ++adapter) {
+            devices.openAdapter(adapter);
+            devices.getSimpleSession(static_cast<int>(adapter), 5);
+        }
+    }
+};
+
+TEST_F(AtExit, EverySessionIsClosed) {
+    devices.closeAtExit();
+    EXPECT_EQ(closeRequests(board), 2U);
+    for (const auto& device : devices.devices) {
+        EXPECT_THAT(device->sessions, SizeIs(0));
+        EXPECT_EQ(device->isOpen, 0);
+    }
+}
+
+TEST_F(AtExit, OfAChildTheSessionsOfItsParentStayOpen) {
+    const pid_t child = fork();
+    if (child == 0) {
+        devices.closeAtExit();
+        _exit(7);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 7) << status;
+    EXPECT_EQ(closeRequests(board), 0U);
+    EXPECT_THAT(devices.devices[1]->sessions, SizeIs(1));
+}
+
+TEST_F(AtExit, ADeviceThatIsInUseIsLeftAfterTwoSeconds) {
+    std::thread exiting;
+    {
+        const std::lock_guard<std::mutex> use(devices.devices[0]->lock);
+        const auto start = steady_clock::now();
+        exiting = std::thread([&] { devices.closeAtExit(); });
+        board.waitFor([](const auto& request) { return request.procedure == "close_connection"; });
+        EXPECT_GE(steady_clock::now() - start, 2s);
+    }
+    exiting.join();
+    EXPECT_EQ(closeRequests(board), 1U);
+    EXPECT_THAT(devices.devices[0]->sessions, SizeIs(1));
+    EXPECT_THAT(devices.devices[1]->sessions, SizeIs(0));
 }
 
 class Adopted : public testing::Test, protected AdaptersOnBoard {

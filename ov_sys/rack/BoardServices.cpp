@@ -81,12 +81,19 @@ namespace {
 
 using AdcProcedure = Programs::ADCProcedure;
 
+// What is captured changes with each.
+template <class Param, class Result>
+struct AdcCall : ServiceCall<Param, Result> {
+    AdcCall(LogEntry& entry, AdcProcedure which)
+        : ServiceCall<Param, Result>(entry, Program::Adc, which, Effect::Alone) {}
+};
+
 // A call whose argument is a name beside the session word.
 template <class Param>
 void sendName(LogEntry entry, AdcProcedure procedure, const std::string& name, const char* operation,
               const Within& within) {
     entry.arguments.add("name", name);
-    ServiceCall<Param, ADC_Result> call(entry, Program::Adc, procedure, Effect::Alone);
+    AdcCall<Param, ADC_Result> call(entry, procedure);
     pointAt(call.argument.name, name);
     call.run(operation, within);
     entry.done();
@@ -95,13 +102,13 @@ void sendName(LogEntry entry, AdcProcedure procedure, const std::string& name, c
 template <class Result>
 AdcCapture::Bytes bytesOf(LogEntry entry, AdcProcedure procedure, const char* operation,
                           const Within& within) {
-    ServiceCall<Simple_Param, Result> call(entry, Program::Adc, procedure, Effect::Alone);
+    AdcCall<Simple_Param, Result> call(entry, procedure);
     call.run(operation, within);
     return entry.done("bytes", listOf<std::uint8_t>(call.result.data));
 }
 
 void simple(LogEntry entry, AdcProcedure procedure, const char* operation, const Within& within) {
-    runSimple<ADC_Result>(entry, Program::Adc, procedure, Effect::Alone, 0, operation, within);
+    AdcCall<Simple_Param, ADC_Result>(entry, procedure).run(operation, within);
     entry.done();
 }
 
@@ -122,8 +129,7 @@ void AdcCapture::stop(const Within& within) const {
 void AdcCapture::setChannelMask(std::uint32_t mask, const Within& within) const {
     LogEntry entry(*session_, "adc.setChannelMask");
     entry.arguments.addHex("mask", mask);
-    ServiceCall<ADC_ChannelMask, ADC_Result> call(entry, Program::Adc, AdcProcedure::SetChannelMask,
-                                                  Effect::Alone);
+    AdcCall<ADC_ChannelMask, ADC_Result> call(entry, AdcProcedure::SetChannelMask);
     call.argument.mask = mask;
     call.run("ADC channels", within);
     entry.done();
@@ -142,11 +148,10 @@ void AdcCapture::setEventName(const std::string& name, const Within& within) con
 AdcCapture::Bytes AdcCapture::data(std::uint32_t count, const Within& within) const {
     LogEntry entry(*session_, "adc.data");
     entry.arguments.add("count", count);
-    ServiceCall<ADC_Data_Get_Param, ADC_Data> call(entry, Program::Adc, AdcProcedure::GetData, Effect::Alone);
+    AdcCall<ADC_Data_Get_Param, ADC_Data> call(entry, AdcProcedure::GetData);
     call.argument.count = count;
     call.run("ADC data", within);
-    if (call.result.data.data_len > count)
-        requireCount(call.result.data.data_len, count, *session_, "ADC data");
+    requireCount(std::max<std::uint32_t>(call.result.data.data_len, count), count, *session_, "ADC data");
     return entry.done("bytes", listOf<std::uint8_t>(call.result.data));
 }
 

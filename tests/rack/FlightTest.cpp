@@ -253,6 +253,7 @@ TEST_F(RackFlight, EndOfTheFlightCancelsWhatIsUnderWay) {
     brief.reset();
     ASSERT_TRUE(result.failure());
     EXPECT_EQ(result.failure()->kind(), FailureKind::Cancelled);
+    EXPECT_EQ(result.failure()->code(), 0);
     board.clearFaults();
     EXPECT_EQ(phy.read({1, 1}), 0U);
 }
@@ -262,6 +263,7 @@ TEST_F(RackFlight, DeadlineEndsAnOperation) {
     const auto result = flight.read(phy, {1, 1}, within(200ms));
     EXPECT_THROW(result.get(), Failure);
     EXPECT_EQ(result.failure()->kind(), FailureKind::TimedOut);
+    EXPECT_EQ(result.failure()->code(), 0);
 }
 
 TEST(ManyBoardsInFlight, OpenReadAndCloseFromOneThread) {

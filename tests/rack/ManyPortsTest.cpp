@@ -63,11 +63,17 @@ TEST_F(RackManyPorts, PatternTakesThePortsThatAnswerInOrder) {
     EXPECT_EQ(namesOf(rack.openAll({"OV2:1", "OV[12]:?"})), (Names{"OV2:1", "OV1:0", "OV1:1", "OV2:0"}));
 }
 
+TEST_F(RackManyPorts, PatternBeginsAsItLikesAndSpansEveryCharacter) {
+    addBoard("A/1");
+    EXPECT_EQ(namesOf(rack.openAll({"*:0"})), (Names{"A/1:0"}));
+}
+
 TEST_F(RackManyPorts, PatternThatNothingAnswersToIsAFailureOfItsOwn) {
     addBoard("AA1");
     const std::vector<OpenedPort> opened = rack.openAll({"ZZ*:0", "AA1:0"});
     ASSERT_EQ(opened.size(), 2U);
     EXPECT_EQ(opened[0].failure->kind(), FailureKind::NoSuchPort);
+    EXPECT_EQ(opened[0].failure->code(), 0);
     EXPECT_FALSE(opened[1].failure);
 }
 
@@ -97,6 +103,7 @@ TEST_F(RackManyPorts, FailureOfOneCostsTheOthersNothing) {
     EXPECT_EQ(opened[3].failure->kind(), FailureKind::InvalidArgument);
     EXPECT_EQ(opened[4].failure->kind(), FailureKind::NoSuchPort);
     EXPECT_EQ(opened[4].failure->board(), "AA4");
+    EXPECT_EQ(opened[4].failure->code(), 0);
     EXPECT_FALSE(opened[5].failure);
     EXPECT_TRUE(opened[1].port->phy(3).isOpen());
 }
@@ -113,6 +120,7 @@ TEST_F(RackManyPorts, BoardsThatDoNotAnswerEndTogetherAtTheDeadline) {
     for (const OpenedPort& one : opened) {
         ASSERT_TRUE(one.failure);
         EXPECT_EQ(one.failure->kind(), FailureKind::Unreachable);
+        EXPECT_EQ(one.failure->code(), 0);
         EXPECT_EQ(one.failure->board() + ":0", one.name);
     }
 }
@@ -167,8 +175,10 @@ TEST_F(RackManyPorts, CancellationFromAnotherThreadEndsAllAtOnce) {
         rack.openAll({"AA1:0", "AA2:0"}, {1}, Access::simple(), within(60s).cancelledBy(cancellation));
     EXPECT_LT(std::chrono::steady_clock::now() - begun, 600ms); // before anybody's patience ends
     canceller.join();
-    for (const OpenedPort& one : opened)
+    for (const OpenedPort& one : opened) {
         EXPECT_EQ(one.failure->kind(), FailureKind::Cancelled);
+        EXPECT_EQ(one.failure->code(), 0);
+    }
 }
 
 } // namespace

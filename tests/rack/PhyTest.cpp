@@ -1,6 +1,7 @@
 // Register accesses of a PHY, as its board hears them.
 #include "ov_sys/rack/Phy.h"
 
+#include "ov_sys/names/Named.h"
 #include "tests/support/rack/RackOnBoard.h"
 
 namespace OrvaneTest {
@@ -41,9 +42,10 @@ TEST_F(RackPhy, WritesReachTheRegistersOfEachSpace) {
 }
 
 TEST_F(RackPhy, ModifyChangesTheMaskedBitsOnly) {
-    board.setRegister(Space::C45, 1, 3, 0x1EC010, 0xF0F0);
-    EXPECT_EQ(phy.modify({30, 0xC010}, 0x00F0, 0x0040), 0xF040U);
-    EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x1EC010), 0xF040U);
+    board.setRegister(Space::C45, 1, 3, 0x1EC010, 0xF0F1);
+    EXPECT_EQ(phy.modify({30, 0xC010}, 0x00F0, 0x0040), 0xF041U);
+    EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x1EC010), 0xF041U);
+    EXPECT_EQ(phy.modify({30, 0xC010}, 0x0001, 0xFFFE), 0xF040U);
 }
 
 TEST_F(RackPhy, FirstUseOpensTheSessionAndLaterOnesUseIt) {
@@ -78,6 +80,49 @@ TEST_F(RackPhy, RefusalOfAnArgumentSaysWhatThereIs) {
               }).advice(),
               "MMDs are 0 to 31, their registers 0 to 65535.");
     EXPECT_EQ(failureOf([&] { phy.write({1, 0}, 0x10000); }).advice(), "The register holds 16 bits.");
+}
+
+TEST_F(RackPhy, ReadsAreRepeatedWhateverIsSaidOfWritesAndWritesWhateverIsSaidOfReads) {
+    phy.read({1, 0});
+    Batch reads;
+    reads.read(clause22(1), 2);
+    Batch writes;
+    writes.write(clause22(1), 2);
+    const std::pair<const char*, std::function<void(const Within&)>> ofReads[] = {
+        {"mdio_read",
+         [&](const Within& within) {
+             phy.read({1, 2}, within);
+         }},
+        {"mdio_read",
+         [&](const Within& within) {
+             phy.read({1, 2}, 2, within);
+         }},
+        {"mdio_mixedblock_c22", [&](const Within& within) { phy.run(reads, within)[Batch::Reading{1}]; }}};
+    const std::pair<const char*, std::function<void(const Within&)>> ofWrites[] = {
+        {"mdio_write",
+         [&](const Within& within) {
+             phy.write({1, 2}, 3, within);
+         }},
+        {"mdio_mixedblock_c22",
+         [&](const Within& within) { ASSERT_TRUE(phy.run(writes, within).complete()); }}};
+    for (const unsigned times : {1U, 2U, Repeat::kUpToTheDeadline}) {
+        for (const auto& [procedure, access] : ofReads) {
+            inject(Fault::Kind::LoseReply, "mdio", procedure);
+            access(Within{}.repeating({times, 0}));
+        }
+        for (const auto& [procedure, access] : ofWrites) {
+            inject(Fault::Kind::LoseReply, "mdio", procedure);
+            access(Within{}.repeating({0, times}));
+        }
+    }
+}
+
+TEST_F(RackPhy, NameThatIsNotThereIsRefusedAsAnArgument) {
+    const Failure failure = failureOf([&] { phy["NO.SUCH"].read(); });
+    EXPECT_EQ(failure.kind(), FailureKind::InvalidArgument);
+    EXPECT_EQ(failure.location(), "NO.SUCH");
+    EXPECT_EQ(failure.attempts(), 0U);
+    EXPECT_EQ(count("mdio_read"), 0U);
 }
 
 TEST_F(RackPhy, FailureSaysWhereWhatAndTheBoardsCode) {

@@ -208,6 +208,43 @@ TEST_F(RackRoutedPhy, PathOnWhichTheSessionIsLostIsTakenAgain) {
     board.onRequest([](const Request&) {});
 }
 
+class RackTornWrite : public RackRoutedPhy {
+protected:
+    // The board forgets its sessions on that many of the ways, when it first hears the last word but one.
+    void forgetTimes(int ways) {
+        board.onRequest([this, ways, heard = 0](const Request& request) mutable {
+            if (request.procedure == "mdio_write_c22" && argumentsOf(request)["values"][0] == 0x4001 &&
+                heard++ % 2 == 0 && heard < 2 * ways)
+                board.forgetSessions();
+        });
+    }
+    RackTornWrite() { overClause22.overClause22 = true; }
+    ~RackTornWrite() override {
+        board.onRequest([](const Request&) {});
+    }
+
+    RegisterPaths overClause22;
+};
+
+TEST_F(RackTornWrite, IsTakenAgainAsOftenAsWritesAreRepeated) {
+    forgetTimes(2);
+    phy.routed(overClause22).write({1, 2}, 3, Within{}.repeating({0, 2}));
+    EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10002), 3U);
+}
+
+TEST_F(RackTornWrite, IsAFailureWhenItMayNotBeTakenAgain) {
+    for (const unsigned times : {0U, 1U}) {
+        forgetTimes(static_cast<int>(times) + 1);
+        const Failure failure = failureOf([&] {
+            phy.routed(overClause22).write({1, 2}, 3, Within{}.repeating({0, times}));
+        });
+        EXPECT_EQ(failure.kind(), FailureKind::LostSession);
+        EXPECT_EQ(failure.code(), 0);
+        EXPECT_EQ(failure.operation(), "write over Clause 22");
+        EXPECT_EQ(failure.advice(), "The session was lost on the way; the write may be incomplete.");
+    }
+}
+
 TEST_F(RackRoutedPhy, SmbusPortsReachRegistersByPathsToo) {
     const RoutedPhy smbus = rack.open("BOARD7:10").phy(3).routed(withoutFirmware);
     smbus.write({1, 7}, 0x1357);

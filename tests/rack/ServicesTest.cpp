@@ -41,6 +41,28 @@ TEST_F(RackServices, I2cFailureNamesTheBoardsCode) {
     EXPECT_EQ(failureOf([&] { phy.i2c().read(0, kEeprom, 0, 256); }).kind(), FailureKind::InvalidArgument);
 }
 
+TEST_F(RackServices, I2cReachesTheLastBusAndTheLastDevice) {
+    const I2cBus i2c = phy.i2c();
+    EXPECT_EQ(failureOf([&] { i2c.read(9, 127, 0, 1); }).kind(), FailureKind::BoardError); // nobody there
+    EXPECT_EQ(failureOf([&] { i2c.readRegister(9, 127, 0, 4, 1); }).kind(), FailureKind::BoardError);
+    EXPECT_EQ(count("i2c_read"), 1U);
+    EXPECT_EQ(count("i2c_read_reg"), 1U);
+}
+
+TEST_F(RackServices, I2cReadsFromOneByteTo255) {
+    const I2cBus i2c = phy.i2c();
+    EXPECT_EQ(i2c.read(0, kEeprom, 0, 1).size(), 1U);
+    EXPECT_EQ(i2c.read(0, kEeprom, 0, 255).size(), 255U);
+    EXPECT_EQ(i2c.readRegister(0, kEeprom, 0, 1, 1).size(), 1U);
+    EXPECT_EQ(i2c.readRegister(0, kEeprom, 0, 1, 255).size(), 255U);
+    for (const std::uint32_t length : {0U, 256U}) {
+        EXPECT_EQ(failureOf([&] { i2c.read(0, kEeprom, 0, length); }).advice(),
+                  "A read is of 1 to 255 bytes.");
+        EXPECT_EQ(failureOf([&] { i2c.readRegister(0, kEeprom, 0, 1, length); }).advice(),
+                  "A read is of 1 to 255 bytes.");
+    }
+}
+
 TEST_F(RackServices, TransferWithoutAnswerIsNotRepeated) {
     phy.open();
     inject(Fault::Kind::LoseReply, "i2c", "i2c_write");
@@ -89,6 +111,7 @@ TEST_F(RackServices, JtagShiftsSeveralTimesInOneCall) {
                             {"", "", ""},
                             {"10110000", "00000001", "10"}}),
                 ElementsAre("1111111111", "1000010000000", "", "00101100"));
+    EXPECT_EQ(jtag.shift({"", "1111101100", ""}), "1111111111");
     EXPECT_GT(jtag.maxBytes(), 0U);
 }
 
@@ -132,6 +155,52 @@ TEST_F(RackServices, ShellReturnsStatusAndBothOutputs) {
     EXPECT_EQ(outcome.output, "Linux\n");
     EXPECT_EQ(outcome.errors, "oops");
     EXPECT_GE(phy.shell().ping().count(), 0);
+}
+
+TEST_F(RackServices, CommandGoesWithItsLimitAndItsEnd) {
+    phy.shell().run("hostname", 1s);
+    const auto arguments = argumentsOf(board.requestsOf("execute_command").at(0));
+    EXPECT_EQ(arguments["command"].get<std::string>(), std::string("hostname\0", 9));
+    EXPECT_EQ(arguments["seconds"], 1);
+}
+
+TEST_F(RackServices, CommandMayTakeAllItsTime) {
+    phy.open();
+    inject(Fault::Kind::DelayReply, "setup", "execute_command", 1, 1200);
+    EXPECT_EQ(phy.shell().run("hostname", 5s).output, "board7\n");
+    EXPECT_EQ(count("execute_command"), 1U);
+}
+
+TEST_F(RackServices, CaptureMayTakeAllItsTime) {
+    phy.open();
+    inject(Fault::Kind::DelayReply, "adc", "adc_start", 1, 1200);
+    phy.adc().start(within(5s));
+    EXPECT_EQ(count("adc_start"), 1U);
+}
+
+TEST_F(RackServices, PingsAreCountedApartFromOtherCalls) {
+    phy.open();
+    const auto handle = [&](const char* procedure) {
+        return argumentsOf(board.requestsOf(procedure).at(0))["handle"].get<unsigned>();
+    };
+    phy.read({1, 0});
+    const unsigned before = handle("mdio_read");
+    board.forgetRequests();
+    phy.shell().pingKeepAlive();
+    phy.read({1, 0});
+    EXPECT_EQ(handle("mdio_read"), before + (1U << 8U));
+    EXPECT_EQ(handle("pingkeepalive"),
+              (1U << 8U) | (before & 0xFFU)); // the second, after that of the opening
+}
+
+TEST_F(RackServices, ServiceThatTheBoardDoesNotRunIsLeftOut) {
+    phy.open();
+    inject(Fault::Kind::OverrideWord, "portmap", "", 1, 0);
+    inject(Fault::Kind::OverrideWord, "portmap", "", 1, 1);
+    const auto services = phy.shell().services();
+    EXPECT_EQ(services.size(), 7U);
+    EXPECT_EQ(services.count("setup"), 0U);
+    EXPECT_EQ(services.at("i2c"), 1U);
 }
 
 TEST_F(RackServices, MdioBusMovesTheAddressOfTheExtension) {
@@ -220,6 +289,9 @@ TEST_F(RackServices, ArgumentsThatNoBoardTakesAreRefusedBeforeAnythingIsSent) {
         },
         [&] {
             phy.jtag().shift({"01x", "000", "000"});
+        },
+        [&] {
+            phy.jtag().shift({"x01", "000", "000"});
         },
         [&] { smbus.mdio().flush(); },
         [&] { smbus.mdio().setSingleWire(true); },

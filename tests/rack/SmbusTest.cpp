@@ -1,4 +1,5 @@
 // PHYs behind an I2C bus of the board.
+#include "ov_sys/rack/Flight.h"
 #include "tests/support/rack/RackOnBoard.h"
 
 namespace OrvaneTest {
@@ -105,6 +106,7 @@ TEST_F(RackSmbus, BatchOfWhichAnAnswerIsMissingTellsThatItsOperationIsUnknown) {
     EXPECT_EQ(done.outcome(0).state, OperationOutcome::State::Done);
     EXPECT_EQ(done.outcome(1).state, OperationOutcome::State::Unknown);
     EXPECT_EQ(done.outcome(1).code, 0);
+    EXPECT_EQ(done.outcome(1).value, 0U);
     EXPECT_EQ(done.outcome(2).state, OperationOutcome::State::NotSent);
     EXPECT_EQ(done.outcome(2).code, 0);
     EXPECT_EQ(done.failure()->kind(), FailureKind::TimedOut);
@@ -115,6 +117,38 @@ TEST_F(RackSmbus, LostTransferIsRepeated) {
     inject(Fault::Kind::LoseReply, "i2c", "i2c_write");
     inject(Fault::Kind::LoseRequest, "i2c", "i2c_read");
     EXPECT_EQ(device.read({1, 2}), 0x1234U);
+}
+
+TEST_F(RackSmbus, LostTransferIsRepeatedOnlyWhereReadsAndWritesBothMayBe) {
+    device.read({1, 2});
+    for (const Repeat repeat : {Repeat{1, 0}, Repeat{0, 1}})
+        for (const char* const procedure : {"i2c_read", "i2c_write"}) {
+            inject(Fault::Kind::LoseRequest, "i2c", procedure, -1);
+            board.forgetRequests();
+            EXPECT_EQ(failureOf([&] {
+                          device.read({1, 2}, within(150ms).repeating(repeat));
+                      }).kind(),
+                      FailureKind::TimedOut);
+            EXPECT_EQ(count(procedure), 1U);
+            board.clearFaults();
+        }
+}
+
+TEST_F(RackSmbus, TransferWaitsForTheReadsBeforeIt) {
+    device.open();
+    phy.open();
+    Flight flight;
+    for (const bool writes : {false, true}) {
+        board.forgetRequests();
+        inject(Fault::Kind::LoseRequest, "mdio", "mdio_read");
+        flight.read(phy, {1, 0});
+        flight.step();
+        writes ? device.write({1, 2}, 3) : static_cast<void>(device.read({1, 2}));
+        const std::vector<std::string> heard = procedures();
+        const auto first = std::find(heard.begin(), heard.end(), "i2c_write");
+        EXPECT_EQ(std::count(heard.begin(), first, "mdio_read"), 2);
+        flight.wait();
+    }
 }
 
 TEST_F(RackSmbus, ShortAnswerIsAFailure) {

@@ -73,8 +73,6 @@ bool PathAccess::keepsWaiting() {
     limits_.now = Clock::now();
     if (++looks_ > kAtOnce && limits_.now < limits_.end)
         pause(limits_, kPause);
-    if (limits_.cancelled())
-        return end(FailureKind::Cancelled, {});
     return limits_.now < limits_.end;
 }
 

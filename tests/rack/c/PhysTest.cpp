@@ -184,9 +184,11 @@ TEST_F(CPhys, BatchThatAHookEndsHasUnknownOutcomes) {
     orvane_phy_on_reopen(phy, &Restoring::hook, &restoring, nullptr);
     orvane_phy_open(phy, nullptr, nullptr);
     board.forgetSessions();
-    orvane_operation operation{kRegister, 1, 5, ORVANE_OPERATION_DONE, 0};
-    EXPECT_EQ(orvane_phy_run(phy, &operation, 1, nullptr, &failure), ORVANE_OUT_OF_RESOURCES);
-    EXPECT_EQ(operation.state, ORVANE_OPERATION_UNKNOWN);
+    orvane_operation operations[2] = {{kRegister, 1, 5, ORVANE_OPERATION_DONE, 0},
+                                      {kRegister, 0, 0, ORVANE_OPERATION_DONE, 0}};
+    EXPECT_EQ(orvane_phy_run(phy, operations, 2, nullptr, &failure), ORVANE_OUT_OF_RESOURCES);
+    for (const orvane_operation& one : operations)
+        EXPECT_EQ(one.state, ORVANE_OPERATION_UNKNOWN);
 }
 
 TEST_F(CPhys, SmbusProtocolIsChosen) {

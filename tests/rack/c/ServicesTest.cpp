@@ -136,6 +136,36 @@ TEST_F(CServices, ShellReturnsStatusAndBothOutputs) {
               ORVANE_INVALID_ARGUMENT);
 }
 
+TEST_F(CServices, CancelledCommandSaysSo) {
+    orvane_cancellation* cancellation = nullptr;
+    ASSERT_EQ(orvane_cancellation_new(&cancellation, &failure), ORVANE_DONE);
+    orvane_cancellation_cancel(cancellation);
+    EXPECT_EQ(orvane_shell_run(phy, "hostname", 5, cancellation, nullptr, nullptr, nullptr, &failure),
+              ORVANE_CANCELLED);
+    orvane_cancellation_free(cancellation);
+}
+
+TEST_F(CServices, ServicesBeyondTheRoomAreLeftOut) {
+    orvane_service services[3] = {{"", 0}, {"", 0}, {"none", 7}};
+    size_t known = 0;
+    EXPECT_EQ(orvane_shell_services(phy, nullptr, services, 2, &known, &failure), ORVANE_DONE);
+    EXPECT_EQ(known, 8U);
+    EXPECT_STREQ(services[0].name, "adc");
+    EXPECT_STREQ(services[1].name, "gpio");
+    EXPECT_STREQ(services[2].name, "none");
+    EXPECT_EQ(services[2].port, 7U);
+}
+
+TEST_F(CServices, LongestAddressIsWhole) {
+    orvane_phy* far = nullptr;
+    orvane_rack_know(rack, "far", "123.123.123.123", nullptr);
+    ASSERT_EQ(orvane_rack_phy(rack, "far:0", {ORVANE_SIMPLE, 0, 0}, 3, nullptr, &far, &failure), ORVANE_DONE);
+    char address[17] = "oooooooooooooooo";
+    EXPECT_EQ(orvane_shell_address(far, address, &failure), ORVANE_DONE);
+    EXPECT_STREQ(address, "123.123.123.123");
+    orvane_phy_free(far);
+}
+
 TEST_F(CServices, PingsReachTheirServices) {
     for (const auto ping : {&orvane_shell_ping, &orvane_shell_ping_session, &orvane_shell_ping_keep_alive}) {
         double seconds = -1;
@@ -184,10 +214,12 @@ TEST_F(CServices, MdioBusMovesTheAddressOfTheExtension) {
 
 TEST_F(CServices, MdioBusSwitchesAreSent) {
     EXPECT_EQ(orvane_mdio_flush(phy, nullptr, &failure), ORVANE_DONE);
-    EXPECT_EQ(orvane_mdio_set_single_wire(phy, 5, nullptr, &failure), ORVANE_DONE);
+    for (const int on : {1, 0, -1})
+        EXPECT_EQ(orvane_mdio_set_single_wire(phy, on, nullptr, &failure), ORVANE_DONE);
     EXPECT_EQ(orvane_mdio_set_preamble_count(phy, 17, nullptr, &failure), ORVANE_DONE);
     EXPECT_EQ(argumentsOf(board.requestsOf("mdio_flushport").at(0)).back(), 3);
-    EXPECT_EQ(argumentsOf(board.requestsOf("mdio_singlewire").at(0))["value"], 1);
+    for (const std::size_t i : {0U, 1U, 2U})
+        EXPECT_EQ(argumentsOf(board.requestsOf("mdio_singlewire").at(i))["value"], i == 1 ? 0 : 1);
     EXPECT_EQ(argumentsOf(board.requestsOf("mdio_setpreamblecount").at(0))["value"], 17);
 }
 

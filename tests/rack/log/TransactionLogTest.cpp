@@ -351,6 +351,7 @@ TEST_F(RackTransactionLog, ThatCannotBeOpenedIsAFailureAndLeavesTheFormerOne) {
     log();
     const Failure failure = failureOf([&] { rack.logTo(folder + "/nowhere/log"); });
     EXPECT_EQ(failure.kind(), FailureKind::InvalidArgument);
+    EXPECT_EQ(failure.location(), '"' + folder + "/nowhere/log\"");
     EXPECT_THAT(failure.what(), HasSubstr("No such file or directory"));
     rack.note("still here");
     EXPECT_EQ(lines(), ",,note,,,,TIME,,,still here,\n");

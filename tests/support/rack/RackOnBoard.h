@@ -32,16 +32,25 @@ struct RackOnBoard : OneBoard {
     explicit RackOnBoard(Orvane::Access access = Orvane::Access::simple())
         : phy((rack.know(kBoardSerial, board.address()), rack.open("board7:1", access).phy(3))) {}
 
-    // The Failure that `action` throws; none counts as a failure of the test.
+    // The Failure that `action` throws; none counts as a failure of the test, and so does one with a code
+    // that nobody can have said.
     template <class Action>
     static Orvane::Failure failureOf(Action action) {
         try {
             action();
         } catch (const Orvane::Failure& failure) {
+            EXPECT_TRUE(failure.code() == 0 || mayHaveCode(failure.kind())) << failure.what();
             return failure;
         }
         ADD_FAILURE() << "nothing was thrown";
         return Orvane::Failure({});
+    }
+
+    // Whether boards or systems give a code for failures of that kind.
+    static bool mayHaveCode(Orvane::FailureKind kind) {
+        using Kind = Orvane::FailureKind;
+        return kind == Kind::BoardError || kind == Kind::Busy || kind == Kind::Refused ||
+               kind == Kind::LostSession || kind == Kind::Unreachable;
     }
 
     // Procedures that the board was asked for, port mapper left out.

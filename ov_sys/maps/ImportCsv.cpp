@@ -34,7 +34,7 @@ public:
         for (; at_ < text_.size(); ++at_) {
             const char c = text_[at_];
             nextLine_ += c == '\n' ? 1 : 0;
-            if (c == '"' && isQuoted && at_ + 1 < text_.size() && text_[at_ + 1] == '"')
+            if (c == '"' && isQuoted && text_[at_ + 1] == '"') // a string ends with a zero
                 row.back() += text_[++at_];
             else if (c == '"')
                 isQuoted = !isQuoted;
@@ -88,9 +88,8 @@ private:
     }
 
     const std::string& cell(const Row& row, std::string_view column) const {
-        static const std::string kNothing;
         const auto found = columns_.find(column);
-        return found == columns_.end() || found->second >= row.size() ? kNothing : row[found->second];
+        return found == columns_.end() || found->second >= row.size() ? nothing_ : row[found->second];
     }
 
     // A row with a field adds to the register of its name; one without begins a register.
@@ -194,6 +193,7 @@ private:
 
     Table table_;
     Draft& draft_;
+    const std::string nothing_;
     std::map<std::string, std::size_t, std::less<>> columns_;
     std::string current_;
     DraftRegister open_;

@@ -6,6 +6,7 @@
 #include "ov_sys/maps/PlaceForm.h"
 
 #include <algorithm>
+#include <numeric>
 #include <tuple>
 
 namespace Orvane::Maps {
@@ -131,8 +132,7 @@ private:
 
     void findOverlaps() {
         std::vector<std::uint32_t> order(content_.registers.size());
-        for (std::uint32_t i = 0; i < order.size(); ++i)
-            order[i] = i;
+        std::iota(order.begin(), order.end(), 0U);
         const auto addressOf = [&](std::uint32_t i) -> const MapAddress& {
             return content_.registers[i].address();
         };

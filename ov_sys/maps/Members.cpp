@@ -24,10 +24,9 @@ bool isIdentifier(std::string_view text, bool withIndex) {
     constexpr std::size_t kLongest = 64;
     if (withIndex && !text.empty() && text.back() == ']') {
         const std::size_t open = text.find('[');
-        const std::string_view digits = text.substr(std::min(open, text.size() - 1) + 1);
-        const auto index =
-            numberIn(digits.substr(0, digits.size() - std::min<std::size_t>(digits.size(), 1)));
-        if (!index || (digits.front() == '0' && digits.size() > 2))
+        // Without '[' all but the end, which then is no part of an identifier.
+        const std::string_view digits = text.substr(open + 1, text.size() - open - 2);
+        if (!numberIn(digits) || (digits.front() == '0' && digits.size() > 1))
             return false;
         text = text.substr(0, open);
     }

@@ -67,6 +67,7 @@ TEST(Export, ToCHeaderHasAddressesMasksShiftsAndValues) {
 
 TEST(Export, ToCHeaderNeedsAPrefixThatIsAnIdentifier) {
     EXPECT_THROW(RegisterMap::ieee8023().toCHeader("9x"), MapError);
+    EXPECT_THROW(RegisterMap::ieee8023().toCHeader("A[0]"), MapError);
     EXPECT_THROW(RegisterMap::ieee8023().toCHeader(""), MapError);
 }
 

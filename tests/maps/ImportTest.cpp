@@ -260,6 +260,15 @@ TEST(ImportCsv, MakesTheFirstEightPartsOfANameBlocks) {
                 ElementsAre("A.B.C.D.E.F.G.H.I_J 7.0x0001"));
 }
 
+TEST(ImportCsv, TakesNamesAndValuesWhoseFirstPartIsEmpty) {
+    const ImportedMap imported = importText("register,address,field,bits,values\n"
+                                            ".A,7.1,F,0,;1=on\n..B,7.2\nC,7.4,F,0,=on\n");
+    EXPECT_THAT(linesOf(imported.map), ElementsAre("C 7.0x0004", "_.A 7.0x0001", "_._.B 7.0x0002"));
+    EXPECT_EQ(imported.map.at("_.A.F").field->choice(1)->name, "on");
+    EXPECT_THAT(reportsOf(imported), ElementsAre("2 .A.F: '' is no value of it; left out",
+                                                 "4 C.F: '=on' is no value of it; left out"));
+}
+
 TEST(ImportCsv, ReadsCellsAsTheyAreQuotedAndLinesAsTheyEnd) {
     const ImportedMap imported =
         importText("address,text,register\r\n7.1,\"x \"\"y, z\"\" w\",A\r\n7.2,,7\r\n,,\r\n7.3,,LAST");

@@ -98,6 +98,11 @@ TEST_F(Includes, OfATextWithoutAFileMayNameBuiltInMapsOnly) {
     EXPECT_EQ(problemsOf(R"("include": ["base.json"])"), std::string("map:1: include[0]: ") + kRefused);
 }
 
+TEST_F(Includes, OfAPartOfABuiltInMapNameItsWholeFile) {
+    EXPECT_NE(mapOf(R"("include": ["ieee8023/c22.json"])").find("C22.CONTROL"), nullptr);
+    EXPECT_EQ(problemsOf(R"("include": ["ieee8023/c22"])"), std::string("map:1: include[0]: ") + kRefused);
+}
+
 TEST_F(Includes, BeyondEightLevelsAreRefused) {
     write("top.json", R"("include": ["ieee8023", "beside.json", "1.json"])");
     write("beside.json", R"("text": "")");

@@ -1,8 +1,11 @@
 // The reader of JSON: what it takes and refuses, beside another reader, and where it says that things stand.
 #include "ov_sys/maps/Json.h"
 
+#include "tests/support/maps/MapTexts.h"
+
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <vector>
 
 namespace OrvaneTest {
 namespace {
@@ -154,6 +157,23 @@ TEST(Json, ReadsEachHexadecimalDigitAndEndOfTheSurrogates) {
     EXPECT_EQ(document.root()->first->next->text, nlohmann::json::parse(text)[1].get<std::string>());
 }
 
+TEST(Json, TellsOfEscapesThatAreNoCharacters) {
+    for (const char* text : {R"("\u00g0")", R"("\u00")", R"("\ud800")", R"("\ud800\ud800")", R"("\udc00")",
+                             R"("\udc00\udc00")", R"("\udfff\udfff")"})
+        EXPECT_EQ(failureOf(text), "f:1: an escape that JSON does not have") << text;
+}
+
+TEST(Json, KeepsTheKindsOfWordsApart) {
+    JsonBudget budget;
+    Problems problems;
+    const JsonDocument document("f", "[true, false, null]", budget, problems);
+    std::vector<JsonValue::Kind> kinds;
+    for (const JsonValue& each : *document.root())
+        kinds.push_back(each.kind);
+    EXPECT_EQ(kinds,
+              (std::vector{JsonValue::Kind::boolean, JsonValue::Kind::boolean, JsonValue::Kind::null}));
+}
+
 TEST(Json, TakesATextThatIsAsLongAsItsBudget) {
     JsonBudget budget;
     budget.bytes = 6;
@@ -176,6 +196,10 @@ TEST(Json, Has400000ValuesAnd8MiBAtMost) {
         values += ",0";
     EXPECT_EQ(failureOf(values + ']'), "");
     EXPECT_EQ(failureOf(values + ",0]"), "f:1: there are more values than the 400000 of a map");
+    const std::string all = values.substr(0, values.size() - 2 * 3); // beside those of the map itself
+    EXPECT_EQ(problemsOf("\"x\": " + all + ']'), "map:1: x: is not known here");
+    EXPECT_EQ(problemsOf("\"x\": " + all + ",0]"),
+              "map:1: x: there are more values than the 400000 of a map");
     const std::string blanks((8U << 20U) - 1, ' ');
     EXPECT_EQ(failureOf(blanks + '0'), "");
     EXPECT_EQ(failureOf(blanks + "00"), "f: is larger than 8 MiB, with what it is included with");

@@ -179,6 +179,15 @@ TEST(Layout, OfNamesTakes128CharactersWithTheBlocks) {
     EXPECT_NE(problemsOfName(129).find(": has a name, with its blocks', longer than 128"), std::string::npos);
 }
 
+TEST(Layout, BehindTheLastAddressIsToldOfANameOf128Characters) {
+    const std::string block(60, 'B');
+    const std::string reg(64, 'R');
+    EXPECT_EQ(problemsOf(R"("blocks": {")" + block + R"(": {"at": "c22:30", "registers": {")" + reg +
+                         R"(": {"at": "1", "count": 2}}}})"),
+              "map:1: blocks." + block + ".registers." + reg + ": " + block + '.' + reg +
+                  "[1] lies beyond the last address of its space");
+}
+
 TEST(Layout, OfBlocksGoesEightDeep) {
     const auto problemsOfDepth = [](int depth) {
         std::string text = R"("registers": {"R": {"at": "7.1"}})";

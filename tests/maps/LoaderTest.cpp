@@ -32,6 +32,11 @@ TEST(Loader, TellsEverythingThatIsWrongAtOnceWithItsLineAndPath) {
               "map:8: registers.D.text: has to be a string");
 }
 
+TEST(Loader, TellsOfAFieldThatIsDeclaredAndTakenAway) {
+    EXPECT_EQ(problemsOfRegister(R"("fields": {"F": "0", "F": null})"),
+              ".fields.F: is there twice\n.fields.F: has to be an object");
+}
+
 TEST(Loader, KeepsTwoHundredProblemsAndCountsTheRest) {
     std::string registers;
     for (int i = 0; i < 250; ++i)

@@ -9,7 +9,7 @@ OBJECT.mutants. Of other sources only the library's headers are changed, and tha
 
 Left alone is what cannot matter: the constant that an implicit comparison with zero has, a bound moved by one where
 that is the same as another sign, sizes of objects, what a variable holds until a call writes over it, and what the
-compiler asks itself: which exception was caught, whether a result was made in its place.
+compiler asks itself: which exception was caught, whether a result was made in its place, where a list in braces ends.
 """
 
 import functools
@@ -39,7 +39,7 @@ CALL = re.compile(r"^  (?:\S+ = )?(?:tail |musttail |notail )?(?:call|invoke) .*
 ARGUMENT = re.compile(r"(i1|i8|i16|i32|i64)((?: noundef| signext| zeroext)*) (-?\d+|true|false)")
 # Room for objects, what the compiler itself calls, and orders of memory: no test can tell them from stronger ones.
 OF_THE_COMPILER = re.compile(r"^(llvm\.|_Zn[wa]m|_Zd[la]Pv|__cxa_|__clang|__gxx|_ZSt9terminatev)|12memory_order")
-ITS_OWN = re.compile(r"^%(retval|cleanup\.|ehselector|exn|nrvo|matches)")
+ITS_OWN = re.compile(r"^%(retval|cleanup\.|ehselector|exn|nrvo|matches|array(destroy|init)\.)")
 # A list in braces: one element more would be whatever stands behind it.
 LENGTH_OF_LIST = re.compile(r"^%_M_len")
 # One more or less here is the same as the other sign.

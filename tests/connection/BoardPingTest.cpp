@@ -1,6 +1,7 @@
 // The ping of a board without a session.
 #include "ov_sys/Interface/connection/BoardPing.h"
 
+#include "ov_sys/Interface/connection/HandleTurn.h"
 #include "ov_sys/Interface/foundation/Exceptions.h"
 #include "ov_sys/Interface/rpc_protocol/Programs.h"
 #include "tests/support/HookedClient.h"
@@ -9,6 +10,7 @@
 
 #include <gtest/gtest.h>
 #include <orvane/lab_json.h>
+#include <thread>
 #include <vector>
 
 namespace Orvane {
@@ -47,6 +49,15 @@ TEST_F(BoardPing, MarksTheClientBusyForTheCall) {
     int answer = 0;
     DO_RPC_BOARD_PING(123, &answer, &client);
     EXPECT_EQ(marks, (std::vector<std::pair<bool, std::size_t>>{{true, 0}, {false, 1}}));
+}
+
+TEST_F(BoardPing, IsAnsweredWhileAnotherThreadsCallIsUnderWay) {
+    const HandleTurn call(client);
+    int answer = 0;
+    std::thread other([&] { DO_RPC_BOARD_PING(77, &answer, &client); });
+    other.join();
+    EXPECT_EQ(answer, 77);
+    EXPECT_EQ(lab.count("ping"), 1U);
 }
 
 TEST_F(BoardPing, WithoutHandleSaysSoAndThrows) {

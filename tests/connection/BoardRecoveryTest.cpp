@@ -79,6 +79,18 @@ TEST_F(BoardRecovery, UpdateAddressSearchesWithTheUpperCaseName) {
     EXPECT_TRUE(lab.board.probeRequests().empty());
 }
 
+TEST_F(BoardRecovery, UpdateAddressEndsItsSearchWithTheFirstAnswer) {
+    connection.updateAddress();
+    EXPECT_LT(lab.board.discoveryCount(), 15U); // 18 in all of its 4 s
+}
+
+TEST_F(BoardRecovery, UpdateAddressFindsABoardThatAnswersItsThirdRequestOnly) {
+    lab.inject(Fault::Kind::LoseReply, "discovery", "", 2);
+    connection.updateAddress();
+    EXPECT_EQ(connection.host, lab.board.address());
+    EXPECT_GE(lab.board.discoveryCount(), 3U);
+}
+
 TEST_F(BoardRecovery, UpdateAddressPointsEveryClientAtANewAddress) {
     pointTo(kRefusingAddress);
     ASSERT_EQ(connection.getClient(BoardConnection::SETUP)->client, nullptr);

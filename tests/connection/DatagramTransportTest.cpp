@@ -3,8 +3,10 @@
 #include "tests/support/connection/TransportPeer.h"
 #include "tests/support/NamedParam.h"
 
+#include <array>
 #include <cerrno>
 #include <chrono>
+#include <cstdarg>
 #include <functional>
 #include <sys/socket.h>
 #include <thread>
@@ -63,9 +65,89 @@ TEST_F(DatagramCalls, PassOverEveryDatagramThatIsNotTheirOwn) {
 }
 
 TEST_F(DatagramCalls, ThrowAwayWhatCameBeforeTheirRequest) {
+    errno = EAGAIN; // as a call before may leave it
+    sockets.sendFromPeer({});
     sockets.sendFromPeer(replyTo(7, 13)); // as of an earlier round of the ids
     EXPECT_EQ(callSeven([&] { sockets.sendFromPeer(replyTo(7, 42)); }), RPC_SUCCESS);
     EXPECT_EQ(seven.result, 42);
+}
+
+TEST_F(DatagramCalls, WaitForRoomToSend) {
+    while (send(sockets.own(), "", 1, MSG_DONTWAIT) > 0)
+        continue;
+    const auto answer = [&] {
+        while (request.size() == 1)
+            request = sockets.receiveAtPeer();
+        sockets.sendFromPeer(replyTo(7, 42));
+    };
+    EXPECT_EQ(callSeven(answer), RPC_SUCCESS);
+    EXPECT_EQ(request, requestOfCallSeven());
+}
+
+TEST_F(DatagramCalls, WithoutRoomToSendEndAtTheDeadline) {
+    while (send(sockets.own(), "", 1, MSG_DONTWAIT) > 0)
+        continue;
+    EXPECT_EQ(transport.call(seven.message, Deadline::after(10ms), error), RPC_CANTSEND);
+}
+
+// Of a reply that fills a datagram: what stands behind the header.
+using WholeResult = std::array<unsigned char, DatagramTransport::kLargest - 24>;
+
+bool_t decodeWhole(XDR* stream, ...) {
+    va_list arguments;
+    va_start(arguments, stream);
+    auto* const result = va_arg(arguments, WholeResult*);
+    va_end(arguments);
+    return xdr_opaque(stream, reinterpret_cast<char*>(result->data()), sizeof *result);
+}
+
+TEST_F(DatagramCalls, TakeAReplyAsLargeAsTheirBufferToItsLastByte) {
+    WholeResult result{};
+    const CallMessage message(7, {1, 2, 3}, xdrNothing, nullptr, decodeWhole, &result);
+    std::thread peer([&] {
+        sockets.receiveAtPeer();
+        WireBytes reply = replyTo(7, 0);
+        reply.resize(DatagramTransport::kLargest, 0xEE);
+        reply.back() = 0x55;
+        sockets.sendFromPeer(reply);
+    });
+    EXPECT_EQ(transport.call(message, Deadline::after(60s), error), RPC_SUCCESS);
+    peer.join();
+    EXPECT_EQ(result.back(), 0x55);
+}
+
+// An argument of no bytes; while it is encoded, a foreign datagram arrives.
+bool_t arriveBeside(XDR* stream, ...) {
+    va_list arguments;
+    va_start(arguments, stream);
+    va_arg(arguments, const SocketPair*)->sendFromPeer(replyTo(6, 1));
+    va_end(arguments);
+    return TRUE;
+}
+
+TEST_F(DatagramCalls, WithoutTimeLeftDoNotWaitBehindAForeignDatagram) {
+    const CallMessage message(7, {1, 2, 3}, arriveBeside, &sockets, xdrNothing, nullptr);
+    EXPECT_EQ(transport.call(message, Deadline::after(0ms), error), RPC_TIMEDOUT);
+    EXPECT_EQ(error.re_status, RPC_TIMEDOUT);
+    EXPECT_EQ(error.re_errno, ETIMEDOUT);
+}
+
+TEST_F(DatagramCalls, AreSentAgainAfterFifteenSeconds) {
+    const auto answerTheSecond = [&] {
+        request = sockets.receiveAtPeer();
+        sockets.sendFromPeer(replyTo(7, 42));
+    };
+    EXPECT_EQ(callSeven(answerTheSecond), RPC_SUCCESS);
+    EXPECT_EQ(request, requestOfCallSeven());
+    EXPECT_EQ(seven.result, 42);
+}
+
+TEST_F(DatagramCalls, AreAlwaysOfUse) {
+    EXPECT_TRUE(transport.isUsable());
+}
+
+TEST_F(DatagramCalls, ThatAreAnsweredWithTheirIdAloneCannotBeDecoded) {
+    EXPECT_EQ(callSeven([&] { sockets.sendFromPeer(wire("00000007")); }), RPC_CANTDECODERES);
 }
 
 TEST_F(DatagramCalls, EndAtTheDeadlineThoughForeignDatagramsKeepComing) {
@@ -98,6 +180,7 @@ TEST_F(DatagramCalls, TakeAReplyWithTrailingBytes) {
 TEST_F(DatagramCalls, WithAnArgumentBeyondADatagramAreNotSent) {
     OpaqueCall large(DatagramTransport::kLargest);
     EXPECT_EQ(transport.call(large.message, Deadline::after(60s), error), RPC_CANTENCODEARGS);
+    EXPECT_EQ(error.re_status, RPC_CANTENCODEARGS);
     char waste = 0;
     EXPECT_EQ(recv(sockets.peer(), &waste, 1, MSG_DONTWAIT), -1);
 }

@@ -3,6 +3,7 @@
 #include "tests/support/TemporaryRoot.h"
 #include "tests/support/WrittenText.h"
 
+#include <fstream>
 #include <gtest/gtest.h>
 
 namespace Orvane {
@@ -32,6 +33,16 @@ TEST(BoardConnectionIsLocal, IsFalseWithAMessageWithoutTheFile) {
     EXPECT_FALSE(verdict.local);
     EXPECT_EQ(verdict.written.error, "Couldn't read local board file: /boardInfo/name\n");
     EXPECT_EQ(verdict.written.output, "");
+}
+
+TEST(BoardConnectionIsLocal, MakesNoFile) {
+    BoardConnection connection("board7");
+    textWritten([&] {
+        TemporaryRoot root;
+        root.addFile("boardInfo", "other", "board7");
+        EXPECT_FALSE(connection.isLocal());
+        EXPECT_FALSE(std::ifstream("/boardInfo/name"));
+    });
 }
 
 TEST(BoardConnectionIsLocal, IsTrueAtTheFirstWordThatIsTheBoardsName) {

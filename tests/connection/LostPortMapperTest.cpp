@@ -162,22 +162,26 @@ constexpr u_int kDeafPort = 9;
 
 TEST(RPCClientConnect, ToAProgramWhosePortRefusesSaysSo) {
     OneBoard lab;
-    moveSetupProgram(lab, IPPROTO_TCP, kDeafPort);
-    const Failure failure = failToConnect<ExtendedRPCClient>("tcp", lab.board.address(), Programs::Setup);
-    EXPECT_EQ(failure.handle, nullptr);
-    EXPECT_EQ(failure.status, RPC_SYSTEMERROR);
-    EXPECT_EQ(failure.error, ": RPC: Remote system error - Connection refused\n"
-                             "RPC: Remote system error\n"
-                             "Client mdio create error: 12\n");
+    for (const u_int port : {kDeafPort, 65535U}) {
+        moveSetupProgram(lab, IPPROTO_TCP, port);
+        const Failure failure = failToConnect<ExtendedRPCClient>("tcp", lab.board.address(), Programs::Setup);
+        EXPECT_EQ(failure.handle, nullptr);
+        EXPECT_EQ(failure.status, RPC_SYSTEMERROR);
+        EXPECT_EQ(failure.error, ": RPC: Remote system error - Connection refused\n"
+                                 "RPC: Remote system error\n"
+                                 "Client mdio create error: 12\n");
+    }
 }
 
 TEST(RPCClientConnect, ToAProgramAtWhatIsNoPortSaysThatItIsNotRegistered) {
     OneBoard lab;
-    moveSetupProgram(lab, IPPROTO_TCP, 65536 + kDeafPort);
-    const Failure failure = failToConnect<ExtendedRPCClient>("tcp", lab.board.address(), Programs::Setup);
-    EXPECT_EQ(failure.handle, nullptr);
-    EXPECT_EQ(failure.status, RPC_PROGNOTREGISTERED);
-    EXPECT_EQ(failure.error, failure.library + "Client mdio create error: 15\n");
+    for (const u_int port : {65536U, 65536 + kDeafPort}) {
+        moveSetupProgram(lab, IPPROTO_TCP, port);
+        const Failure failure = failToConnect<ExtendedRPCClient>("tcp", lab.board.address(), Programs::Setup);
+        EXPECT_EQ(failure.handle, nullptr);
+        EXPECT_EQ(failure.status, RPC_PROGNOTREGISTERED);
+        EXPECT_EQ(failure.error, failure.library + "Client mdio create error: 15\n");
+    }
 }
 
 TEST(RPCClientConnect, ThatFailsLeavesAConnectedClientUnconnected) {

@@ -4,12 +4,17 @@
 #include "ov_sys/Interface/connection/BoardConnection.h"
 #include "ov_sys/Interface/connection/ProgramSocket.h"
 #include "ov_sys/Interface/connection/RPCClient.h"
+#include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "ov_sys/Interface/rpc_protocol/Programs.h"
 #include "tests/support/OneBoard.h"
 #include "tests/support/WrittenText.h"
 
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <orvane/lab_json.h>
+#include <sys/socket.h>
+#include <utility>
+#include <vector>
 
 namespace Orvane {
 namespace {
@@ -68,10 +73,18 @@ TEST_F(PortsAsked, OfAnUnknownProgramAreToldToBeNone) {
 }
 
 TEST_F(PortsAsked, OfAHostByNameAreNotAskedFor) {
+    const FileDescriptor mapper(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    sockaddr_in loopback{};
+    loopback.sin_family = AF_INET;
+    loopback.sin_port = htons(PortMapperCall::kPort);
+    loopback.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    ASSERT_EQ(bind(mapper.get(), reinterpret_cast<const sockaddr*>(&loopback), sizeof loopback), 0);
     const PortsAhead ahead("localhost", Programs::Version, {mdio});
     EXPECT_EQ(PortsAhead::portOf({htonl(INADDR_LOOPBACK)}, Programs::MDIO, Programs::Version, IPPROTO_UDP),
               0);
     EXPECT_EQ(count("portmap_getport"), 0U);
+    char waste = 0;
+    EXPECT_EQ(recv(mapper.get(), &waste, 1, MSG_DONTWAIT), -1);
 }
 
 TEST_F(PortsAsked, OfARefusingHostAreNone) {
@@ -86,6 +99,23 @@ TEST_F(PortsAsked, InVainAreAskedForAgainByTheProgramThatIsOpened) {
     EXPECT_NE(connection.getClient(BoardConnection::SETUP)->client, nullptr);
     EXPECT_NE(connection.getClient(BoardConnection::KEEPALIVE)->client, nullptr);
     EXPECT_EQ(count("portmap_getport"), 7U);
+}
+
+TEST_F(PortsAsked, OfABoardAreOverTheTransportsOfItsPrograms) {
+    const BoardConnection connection(record());
+    std::vector<std::pair<unsigned long, int>> asked;
+    for (const OrvaneSim::Request& request : board.requestsOf("portmap_getport")) {
+        const auto mapping = argumentsOf(request);
+        asked.emplace_back(mapping["prog"], mapping["prot"]);
+        EXPECT_EQ(mapping["port"], 0);
+    }
+    asked.resize(6); // which are asked again when the answers take long
+    EXPECT_EQ(asked, (decltype(asked){{Programs::Setup, IPPROTO_TCP},
+                                      {Programs::MDIO, IPPROTO_UDP},
+                                      {Programs::I2C, IPPROTO_UDP},
+                                      {Programs::GPIO, IPPROTO_UDP},
+                                      {Programs::JTAG, IPPROTO_UDP},
+                                      {Programs::KeepAlive, IPPROTO_UDP}}));
 }
 
 TEST_F(PortsAsked, OfASilentPortMapperLeaveTheClientsTheirOwnError) {

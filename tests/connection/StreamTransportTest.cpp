@@ -46,6 +46,15 @@ TEST_F(StreamCalls, SendTheCallAsOneFragmentAndDecodeItsReply) {
     EXPECT_EQ(sockets.receiveAtPeer(), fragment(requestOfCallSeven()));
 }
 
+TEST_F(StreamCalls, NeedNoArgument) {
+    sockets.sendFromPeer(fragment(replyTo(7, 42)));
+    int result = 0;
+    const CallMessage message(7, {1, 2, 3}, xdrNothing, nullptr, xdrProcedure<int>, &result);
+    EXPECT_EQ(transport.call(message, Deadline::after(60s), error), RPC_SUCCESS);
+    EXPECT_EQ(result, 42);
+    EXPECT_EQ(sockets.receiveAtPeer(), fragment(part(requestOfCallSeven(), 0, 40)));
+}
+
 TEST_F(StreamCalls, TakeAReplyInFragmentsAnEmptyLastOneIncluded) {
     const WireBytes reply = replyTo(7, 42);
     sockets.sendFromPeer(fragment(part(reply, 0, 3), false));
@@ -114,6 +123,15 @@ TEST_F(StreamCalls, EndAtTheDeadlineWhenThePeerDoesNotReadAndTheStreamIsOfNoMore
     EXPECT_EQ(error.re_errno, EPIPE);
 }
 
+TEST_F(StreamCalls, OfWhichNothingWasSentByTheDeadlineLeaveTheStreamOfUse) {
+    const WireBytes earlier(65536, 1);
+    while (send(sockets.own(), earlier.data(), earlier.size(), MSG_DONTWAIT) > 0)
+        continue;
+    EXPECT_EQ(call(seven, 10ms), RPC_CANTSEND);
+    EXPECT_EQ(error.re_errno, ETIMEDOUT);
+    EXPECT_TRUE(transport.isUsable());
+}
+
 TEST_F(StreamCalls, OnAStreamThatThePeerClosedCannotReceiveAndThenCannotSend) {
     std::thread peer([&] {
         sockets.receiveAtPeer();
@@ -178,6 +196,28 @@ TEST_F(StreamCalls, WithAShortReplyCannotDecodeAndGoOn) {
     EXPECT_EQ(call(seven), RPC_CANTDECODERES);
     EXPECT_EQ(call(eight), RPC_SUCCESS);
     EXPECT_EQ(eight.result, 43);
+}
+
+TEST_F(StreamCalls, TakeARecordOf64MiBAndNoByteMore) {
+    std::thread peer([&] {
+        for (const WireBytes& record : {WireBytes(StreamTransport::kLargest, 1), replyTo(7, 42),
+                                        WireBytes(StreamTransport::kLargest + 1, 1)}) {
+            const WireBytes marked = fragment(record);
+            for (std::size_t done = 0; done < marked.size();) {
+                const ssize_t part =
+                    send(sockets.peer(), marked.data() + done, marked.size() - done, MSG_NOSIGNAL);
+                if (part <= 0)
+                    return;
+                done += static_cast<std::size_t>(part);
+            }
+        }
+    });
+    EXPECT_EQ(call(seven), RPC_SUCCESS);
+    EXPECT_EQ(seven.result, 42);
+    EXPECT_EQ(call(eight), RPC_CANTDECODERES);
+    EXPECT_EQ(error.re_errno, EMSGSIZE);
+    shutdown(sockets.own(), SHUT_RDWR); // frees the peer
+    peer.join();
 }
 
 TEST_F(StreamCalls, RefuseARecordWithoutEnd) {

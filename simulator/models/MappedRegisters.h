@@ -72,6 +72,7 @@ public:
     Cell* find(const MdioPorts& ports, PhyAddress where, Space space, std::uint32_t address) {
         return cells_.empty() ? nullptr : findAmong(ports, where, space, address);
     }
+    bool empty() const { return cells_.empty(); }
     // What those hold that are on no page.
     std::vector<RegisterValue> values() const;
 

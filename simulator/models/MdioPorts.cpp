@@ -50,9 +50,9 @@ std::uint32_t MdioPorts::identifier(PhyAddress where) const {
     return own != identifiers_.end() ? own->second : kIdentifier;
 }
 
-std::uint32_t MdioPorts::initialValue(PhyAddress where, Space space, std::uint32_t address) const {
+inline std::uint32_t MdioPorts::initialValue(PhyAddress where, Space space, std::uint32_t address) const {
     const std::uint32_t number = significant(space, address) & 0xFFFF;
-    if (space == Space::Ext32 || (number != 2 && number != 3))
+    if (space == Space::Ext32 || (number & 0xFFFE) != 2)
         return 0;
     return number == 2 ? identifier(where) >> 16 : identifier(where) & 0xFFFF;
 }
@@ -64,8 +64,8 @@ std::uint32_t MdioPorts::peek(PhyAddress where, Space space, std::uint32_t addre
 }
 
 std::uint32_t MdioPorts::unmapped(PhyAddress where, Space space, std::uint32_t address) const {
-    const auto found = registers_.find(registerKey(where, space, address));
-    return found != registers_.end() ? found->second : initialValue(where, space, address);
+    const auto* const written = registers_.find(registerKey(where, space, address));
+    return written != nullptr ? *written : initialValue(where, space, address);
 }
 
 void MdioPorts::poke(PhyAddress where, Space space, std::uint32_t address, std::uint32_t value) {
@@ -73,7 +73,7 @@ void MdioPorts::poke(PhyAddress where, Space space, std::uint32_t address, std::
     if (auto* cell = mapped_->find(*this, where, space, significant(space, address)))
         cell->set(fitting);
     else
-        registers_[registerKey(where, space, address)] = fitting;
+        registers_.set(registerKey(where, space, address), fitting);
 }
 
 void MdioPorts::map(PhyAddress where, std::uint32_t identifier,
@@ -82,16 +82,17 @@ void MdioPorts::map(PhyAddress where, std::uint32_t identifier,
     identifiers_[phyKey(where)] = identifier;
     for (MappedRegister each : registers) {
         each.reset = each.reset.value_or(initialValue(where, each.space, each.address));
-        const auto written = registers_.find(registerKey(where, each.space, each.address));
-        const bool goesOn = written != registers_.end() && !each.page;
-        mapped_->add(where, each, goesOn ? written->second : *each.reset);
+        const std::uint64_t key = registerKey(where, each.space, each.address);
+        const auto* const written = registers_.find(key);
+        const bool goesOn = written != nullptr && !each.page;
+        mapped_->add(where, each, goesOn ? *written : *each.reset);
         if (goesOn)
-            registers_.erase(written);
+            registers_.erase(key);
     }
 }
 
 std::vector<RegisterValue> MdioPorts::written() const {
-    std::map<std::uint64_t, std::uint32_t> sorted(registers_.begin(), registers_.end());
+    std::map<std::uint64_t, std::uint32_t> sorted(registers_.all().begin(), registers_.all().end());
     for (const RegisterValue& each : mapped_->values())
         sorted[registerKey({each.device, each.phy}, each.space, each.address)] = each.value;
     std::vector<RegisterValue> values;
@@ -146,6 +147,17 @@ std::uint32_t MdioPorts::read(PhyAddress where, Space space, std::uint32_t addre
     const std::uint32_t value = read(where, Space::C45, indirectRegister(where));
     advanceIndirect(where, false);
     return value;
+}
+
+void MdioPorts::read(PhyAddress where, Space space, const std::uint32_t* addresses, std::size_t count,
+                     std::uint32_t* values) {
+    const bool plain = space == Space::C45 && mapped_->empty();
+    const std::uint64_t phy = registerKey(where, space, 0);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint32_t address = significant(space, addresses[i]);
+        const bool usual = plain && !RegisterPaths::mayNotice(address) && !registers_.mayHold(phy | address);
+        values[i] = usual ? initialValue(where, space, address) : read(where, space, addresses[i]);
+    }
 }
 
 void MdioPorts::write(PhyAddress where, Space space, std::uint32_t address, std::uint32_t value) {

@@ -1,6 +1,9 @@
 // The PHY registers behind a board's MDIO ports.
 #pragma once
 
+#include "simulator/models/WrittenWords.h"
+
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <unordered_map>
@@ -48,6 +51,9 @@ public:
     // access of the 32-bit extension sets the current address.
     std::uint32_t read(PhyAddress where, Space space, std::uint32_t address);
     void write(PhyAddress where, Space space, std::uint32_t address, std::uint32_t value);
+    // Reads so many registers of a PHY, one after the other.
+    void read(PhyAddress where, Space space, const std::uint32_t* addresses, std::size_t count,
+              std::uint32_t* values);
 
     // The register itself, without any effect of a bus access.
     std::uint32_t peek(PhyAddress where, Space space, std::uint32_t address) const;
@@ -80,7 +86,7 @@ private:
     std::unique_ptr<RegisterPaths> paths_;
     std::unique_ptr<MappedRegisters> mapped_;
     std::unordered_map<std::uint64_t, std::uint32_t> identifiers_; // of PHYs that have one of their own
-    std::unordered_map<std::uint64_t, std::uint32_t> registers_;
+    WrittenWords registers_;
     std::unordered_map<std::uint64_t, std::uint32_t> currentAddresses_;
     std::unordered_map<std::uint64_t, std::uint32_t> indirectAddresses_; // one for each PHY and MMD
 };

@@ -16,6 +16,10 @@ public:
 
     // To be called before the register is read and after it was written; `address` is (MMD << 16) |
     // register.
+    // Registers of other MMDs may be read without being told of.
+    static constexpr bool mayNotice(std::uint32_t address) {
+        return address >> 16 == 4 || address >> 16 == 30;
+    }
     void beforeRead(const PhyRegisters& phy, std::uint32_t address);
     void afterWrite(const PhyRegisters& phy, std::uint32_t address);
 

@@ -44,8 +44,14 @@ void readList(ProcedureCall& call, const sim_MDIO_Read_Param& argument, sim_MDIO
     const u_int count = argument.addresses.addresses_len;
     result.data.data_len = count;
     result.data.data_val = call.allocate<u_int>(count);
-    for (u_int i = 0; i < count; ++i)
-        result.data.data_val[i] = Access<space>::read(call, argument.addresses.addresses_val[i]);
+    const u_int* const addresses = argument.addresses.addresses_val;
+    for (u_int i = 0; i < count;) {
+        const u_int begin = i++;
+        while (i < count && addresses[i] >> 24 == addresses[begin] >> 24) // of the same PHY
+            ++i;
+        call.board.mdio.read(Access<space>::where(call, addresses[begin]), space, addresses + begin,
+                             i - begin, result.data.data_val + begin);
+    }
 }
 
 template <Space space>

@@ -66,6 +66,22 @@ TEST_F(MdioProgram, KeepsOnly16BitsOutsideOfTheExtension) {
     EXPECT_EQ(read(sim_mdio_read_c22_1, {at(0, 0, 0x10)}), Words{0x5678});
 }
 
+TEST_F(MdioProgram, ReadsAListAsItReadsEachOfItsRegisters) {
+    board.setRegister(Space::C45, 0, 1, 0x10400, 0x11);
+    board.setRegister(Space::C45, 0, 2, 0x10400, 0x22);
+    board.setRegister(Space::C45, 0, 1, 0x1E0400, 0x33);
+    Words list;
+    Words single;
+    for (const unsigned phy : {1U, 2U, 1U})
+        for (const unsigned rest : {0x10002U, 0x10003U, 0x10400U, 0x10401U, 0x40002U, 0x1E0003U, 0x1E0400U}) {
+            list.push_back(at(0, phy, rest));
+            single.push_back(read(sim_mdio_read_1, {list.back()}).at(0));
+        }
+    EXPECT_EQ(read(sim_mdio_read_1, list), single);
+    EXPECT_EQ(Words(single.begin(), single.begin() + 7),
+              (Words{0x0A5C, 0x1E83, 0x11, 0, 0x0A5C, 0x1E83, 0x33}));
+}
+
 TEST_F(MdioProgram, KeepsPortsPhysAndSpacesApart) {
     board.setRegister(Space::C45, 0, 1, 0x10001, 1);
     board.setRegister(Space::C45, 1, 0, 0x10001, 2);

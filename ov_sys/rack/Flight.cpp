@@ -80,10 +80,21 @@ void storeValues(State& state, const BatchResult& done, Batch::Readings readings
 
 Pending<std::vector<std::uint32_t>> Flight::read(const Phy& phy, RegisterAddress first, std::size_t count,
                                                  const Within& within) {
+    auto result = pending<std::vector<std::uint32_t>>();
+    auto list = std::make_unique<RackCore::ListJob>(
+        phy.session_, within, first,
+        [state = result.state_](std::vector<std::uint32_t> values, std::optional<Failure> failure) {
+            state->failure = std::move(failure);
+            if (!state->failure)
+                state->value = std::move(values);
+        });
+    if (list->take(count)) {
+        fleet_->add(std::move(list));
+        return result;
+    }
     Batch batch;
     const Batch::Readings all = batch.read(first, count);
     object(*phy.session_, batch, within);
-    auto result = pending<std::vector<std::uint32_t>>();
     fleet_->add(RackCore::jobOf(phy.session_, within, std::move(batch),
                                 [state = result.state_, all](const BatchResult& done) {
                                     state->failure = done.failure();

@@ -3,6 +3,7 @@
 
 #include "ov_sys/rack/access/ListRead.h"
 #include "ov_sys/rack/core/OpenSession.h"
+#include "ov_sys/rack/link/Drive.h"
 
 #include <utility>
 
@@ -59,15 +60,18 @@ template <class... List>
 std::vector<std::uint32_t> readAll(const Phy& phy, RackCore::OpenSession& session, const Within& within,
                                    const List&... list) {
     Limits limits(within);
-    std::vector<std::uint32_t> values;
-    const std::optional<Trouble> trouble = RackAccess::readList(session.target(), list..., values, limits);
-    if (trouble && !*trouble)
-        return values;
+    RackAccess::ListRead usual;
+    Trouble trouble;
+    const bool taken = usual.take(session.target(), within.repeat, list...);
+    if (taken)
+        trouble = drive(session.link(), usual.call(), limits);
+    if (taken && !trouble)
+        return std::move(usual.values);
     Batch batch;
     const Batch::Readings all = batch.read(list...);
-    if (!trouble)
+    if (!taken)
         return phy.run(batch, within)[all];
-    throw session.failure(*trouble, "batch", "from " + toText(batch.operations().front().address), limits);
+    throw session.failure(trouble, "batch", "from " + toText(batch.operations().front().address), limits);
 }
 
 } // namespace

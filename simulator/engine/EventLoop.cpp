@@ -164,6 +164,13 @@ void EventLoop::after(Clock::duration delay, const Life& life, Task task) {
     timers_.emplace(Clock::now() + delay, Timer{life, std::move(task)});
 }
 
+bool EventLoop::isWanted() {
+    if (!timers_.empty() && timers_.begin()->first <= Clock::now())
+        return true;
+    const std::lock_guard<std::mutex> lock(tasksMutex_);
+    return !tasks_.empty();
+}
+
 int EventLoop::millisecondsToNextTimer() const {
     if (timers_.empty())
         return -1;

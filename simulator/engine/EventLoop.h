@@ -1,6 +1,7 @@
 // The one thread that serves every board: descriptors, timers and tasks from other threads.
 #pragma once
 
+#include "ov_sys/Interface/foundation/DatagramTrain.h"
 #include "ov_sys/Interface/foundation/FileDescriptor.h"
 
 #include <chrono>
@@ -85,6 +86,13 @@ public:
     // Scratch room of 64 KiB for the datagram or the piece of a stream that is being received.
     std::vector<char>& scratch() { return scratch_; }
 
+    // For datagrams that are received, and sent, before the loop's thread does anything else.
+    Orvane::ArrivedTrain& arrivals() { return arrivals_; }
+    Orvane::DatagramTrain& departures() { return departures_; }
+
+    // Whether a task or a timer waits for the end of the call-back that runs.
+    bool isWanted();
+
 private:
     struct Slot {
         std::uint32_t generation = 0;
@@ -110,6 +118,8 @@ private:
     std::vector<Slot> slots_;
     std::vector<std::uint32_t> freeSlots_;
     std::multimap<Clock::time_point, Timer> timers_;
+    Orvane::ArrivedTrain arrivals_;
+    Orvane::DatagramTrain departures_;
     std::vector<char> scratch_;
     std::mutex tasksMutex_; // guards tasks_ and stopping_
     std::vector<Task> tasks_;

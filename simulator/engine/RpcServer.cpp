@@ -27,11 +27,15 @@ RpcServer::RpcServer(EventLoop& loop, const std::string& address, std::uint16_t 
       handler_(handler),
       address_(address),
       udp_(openUdp(endPoint(address, port))),
-      udpWatch_(loop.watch(udp_.get(), EPOLLIN, [this](std::uint32_t) { receiveDatagram(); })),
+      udpWatch_(loop.watch(udp_.get(), EPOLLIN, [this](std::uint32_t) { receiveDatagrams(); })),
       acceptor_(loop, endPoint(address, port),
-                [this](Orvane::FileDescriptor socket) { addConnection(std::move(socket)); }) {}
+                [this](Orvane::FileDescriptor socket) { addConnection(std::move(socket)); }) {
+    Orvane::ArrivedTrain::expect(udp_.get());
+}
 
-RpcServer::~RpcServer() = default;
+RpcServer::~RpcServer() {
+    loop_.departures().leave(); // while the socket is open
+}
 
 std::uint16_t RpcServer::port(Transport transport) const {
     return transport == Transport::Udp ? localPort(udp_) : acceptor_.port();
@@ -137,27 +141,77 @@ void RpcServer::rememberPeer(const sockaddr_in& peer) {
     recentPeers_.insert(recentPeers_.begin(), peer);
 }
 
-void RpcServer::receiveDatagram() {
-    std::vector<char>& room = loop_.scratch();
-    Client client;
-    socklen_t peerSize = sizeof client.peer;
-    const ssize_t count = ::recvfrom(udp_.get(), room.data(), room.size(), 0,
-                                     reinterpret_cast<sockaddr*>(&client.peer), &peerSize);
-    if (count < 0)
-        return; // a pending error of the socket, or nothing there any more
-    RpcCall call({room.data(), static_cast<std::size_t>(count)}, Transport::Udp);
+// The first is answered at once, and then together what came with it or meanwhile. What a request does to the
+// board, such as ending it, comes before the request behind it.
+void RpcServer::receiveDatagrams() {
+    constexpr int kMost = 32;
+    const Life life = life_;
+    for (int i = 0; i < kMost && !life.expired() && putOff_.empty() && !loop_.isWanted(); ++i) {
+        if (!loop_.arrivals().take(udp_.get()))
+            break; // nothing there any more, or a pending error of the socket
+        answerArrivals(life);
+    }
+    if (life.expired())
+        return;
+    gathers_ = false;
+    loop_.departures().leave();
+}
+
+void RpcServer::answerArrivals(const Life& life) {
+    const sockaddr_in from = loop_.arrivals().from();
+    char* bytes = nullptr;
+    std::size_t length = 0;
+    while (!life.expired() && loop_.arrivals().next(bytes, length)) {
+        if (!putOff_.empty() || loop_.isWanted()) {
+            putOff({bytes, length}, from);
+        } else {
+            answerDatagram({bytes, length}, from);
+            if (!life.expired())
+                gathers_ = true;
+        }
+    }
+}
+
+void RpcServer::putOff(std::string_view bytes, const sockaddr_in& from) {
+    if (putOff_.empty())
+        answerPutOffLater();
+    putOff_.emplace_back(from, bytes);
+}
+
+void RpcServer::answerPutOffLater() {
+    loop_.post([this, life = Life(life_)] {
+        if (!life.expired())
+            answerPutOff();
+    });
+}
+
+void RpcServer::answerPutOff() {
+    const Life life = life_;
+    do {
+        const auto [from, bytes] = std::move(putOff_.front());
+        putOff_.pop_front();
+        answerDatagram(bytes, from);
+    } while (!life.expired() && !putOff_.empty() && !loop_.isWanted());
+    if (!life.expired() && !putOff_.empty())
+        answerPutOffLater();
+}
+
+void RpcServer::answerDatagram(std::string_view bytes, const sockaddr_in& from) {
+    RpcCall call(bytes, Transport::Udp);
     if (!call.isRequest())
         return;
-    rememberPeer(client.peer);
+    rememberPeer(from);
+    Client client;
+    client.peer = from;
     answer(call, client);
 }
 
 void RpcServer::sendDatagram(const sockaddr_in& peer, std::string_view bytes, bool otherPort) {
     if (otherPort && !otherUdp_)
         otherUdp_ = openUdp(endPoint(address_, 0));
-    const Orvane::FileDescriptor& socket = otherPort ? otherUdp_ : udp_;
-    ::sendto(socket.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL, reinterpret_cast<const sockaddr*>(&peer),
-             sizeof peer);
+    loop_.departures().add(otherPort ? otherUdp_.get() : udp_.get(), peer, bytes.data(), bytes.size());
+    if (!gathers_)
+        loop_.departures().leave();
 }
 
 void RpcServer::addConnection(Orvane::FileDescriptor socket) {

@@ -7,12 +7,14 @@
 #include "simulator/engine/Sockets.h"
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <list>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace OrvaneSim {
@@ -52,6 +54,7 @@ public:
     void sendDatagram(const sockaddr_in& peer, std::string_view bytes, bool otherPort);
 
 private:
+    using Life = std::weak_ptr<const char>; // an answer may end the server
     // Where a reply goes: to a datagram's sender or, when `connection` is not 0, over that connection.
     struct Client {
         sockaddr_in peer{};
@@ -65,7 +68,12 @@ private:
         Delivery delivery;
         std::uint64_t number;
     };
-    void receiveDatagram();
+    void receiveDatagrams();
+    void answerArrivals(const Life& life);
+    void answerDatagram(std::string_view bytes, const sockaddr_in& from);
+    void putOff(std::string_view bytes, const sockaddr_in& from);
+    void answerPutOffLater();
+    void answerPutOff();
     void rememberPeer(const sockaddr_in& peer);
     void addConnection(Orvane::FileDescriptor socket);
     void serveConnection(std::uint64_t id, std::uint32_t events);
@@ -91,6 +99,8 @@ private:
     std::uint32_t lastTransaction_ = 0;
     std::list<Held> held_;
     std::uint64_t lastHeld_ = 0;
+    bool gathers_ = false;                                   // replies wait for those behind them
+    std::deque<std::pair<sockaddr_in, std::string>> putOff_; // requests that came with one already answered
     EventLoop::Life life_ = EventLoop::makeLife();
 };
 

@@ -195,6 +195,41 @@ TEST_F(RackFlight, BlocksOfAnyLengthFly) {
     EXPECT_EQ(result.get()[changed], 7U);
 }
 
+TEST_F(RackFlight, RangesOfOneCallGoOutAsLists) {
+    std::vector<Pending<std::vector<std::uint32_t>>> results;
+    std::vector<std::vector<std::uint32_t>> expected(3);
+    for (std::uint32_t i = 0; i < 3; ++i) {
+        for (std::uint32_t k = 0; k < 873; ++k)
+            board.setRegister(Space::C45, 1, 3, 0x10000 + i * 873 + k, expected[i].emplace_back(i * 7 + k));
+        results.push_back(flight.read(phy, {1, i * 873}, 873));
+    }
+    flight.wait();
+    for (std::uint32_t i = 0; i < 3; ++i)
+        EXPECT_EQ(results[i].get(), expected[i]);
+    EXPECT_EQ(count("mdio_read"), 3U);
+}
+
+TEST_F(RackFlight, RangeThatTheBoardRefusesNamesItsFirstRegister) {
+    inject(Fault::Kind::ResultCode, "mdio", "mdio_read", 1, -EIO);
+    const auto range = flight.read(phy, {30, 0x10}, 4);
+    flight.wait();
+    ASSERT_TRUE(range.failure());
+    EXPECT_EQ(range.failure()->kind(), FailureKind::BoardError);
+    EXPECT_EQ(range.failure()->details().operation, "batch");
+    EXPECT_EQ(range.failure()->details().location, "from 30.0x0010");
+}
+
+TEST_F(RackFlight, LoneCallAfterAFlightGetsItsOwnAnswer) {
+    for (std::uint32_t i = 0; i < 8; ++i)
+        flight.read(phy, {1, i});
+    flight.wait();
+    board.setRegister(Space::C45, 1, 3, 0x10002, 0x1234);
+    inject(Fault::Kind::DuplicateReply, "mdio", "mdio_read");
+    EXPECT_EQ(phy.read({1, 2}), 0x1234U);
+    board.setRegister(Space::C45, 1, 3, 0x10003, 0x5678);
+    EXPECT_EQ(phy.read({1, 3}), 0x5678U); // the copy of the former came before it
+}
+
 TEST_F(RackFlight, LossOfOneInTwentyEachWayCostsNoValue) {
     for (const Fault::Kind kind : {Fault::Kind::LoseReply, Fault::Kind::LoseRequest}) {
         Fault loss{"mdio", "", kind, -1};

@@ -1,50 +1,42 @@
 // The words of a list, checked while they are made.
 #include "ov_sys/rack/access/ListRead.h"
 
-#include "ov_sys/rack/link/MdioCalls.h"
-
 namespace Orvane::RackAccess {
 
 using namespace RackLink;
 
-namespace {
-
 // `addressAt` gives the address of each place.
 template <class AddressAt>
-std::optional<Trouble> readAll(const Target& target, std::size_t count, const AddressAt& addressAt,
-                               std::vector<std::uint32_t>& values, Limits& limits) {
+bool ListRead::takeAll(const Target& target, const Repeat& repeat, std::size_t count,
+                       const AddressAt& addressAt) {
     if (target.overSmbus() || count == 0 || count > kLongestBlock || target.link.log().on())
-        return std::nullopt;
-    std::vector<u_int> words(count);
+        return false;
+    words_.resize(count);
     const u_int phy = addressWord(target.session, {0, 0});
     bool usual = true;
     for (std::size_t i = 0; i < count; ++i) {
         const RegisterAddress address = addressAt(i);
         usual &= address.space == RegisterAddress::Space::Clause45 && address.valid();
-        words[i] = phy | address.word();
+        words_[i] = phy | address.word();
     }
     if (!usual)
-        return std::nullopt;
+        return false;
     values.resize(count);
-    const Effect effect = limits.within.repeat.reads == 0 ? Effect::Alone : Effect::Reads;
-    ReadCall call(Programs::MDIOProcedure::Read, effect, target.session, values.data(), count);
-    call.argument.addresses = {static_cast<u_int>(count), words.data()};
-    return drive(target.link, call, limits);
+    const Effect effect = repeat.reads == 0 ? Effect::Alone : Effect::Reads;
+    call_.emplace(Programs::MDIOProcedure::Read, effect, target.session, values.data(), count);
+    call_->argument.addresses = {static_cast<u_int>(count), words_.data()};
+    return true;
 }
 
-} // namespace
-
-std::optional<Trouble> readList(const Target& target, const std::vector<RegisterAddress>& addresses,
-                                std::vector<std::uint32_t>& values, Limits& limits) {
-    return readAll(
-        target, addresses.size(), [&addresses](std::size_t i) { return addresses[i]; }, values, limits);
+bool ListRead::take(const Target& target, const Repeat& repeat,
+                    const std::vector<RegisterAddress>& addresses) {
+    return takeAll(target, repeat, addresses.size(), [&addresses](std::size_t i) { return addresses[i]; });
 }
 
-std::optional<Trouble> readList(const Target& target, const RegisterAddress& first, std::size_t count,
-                                std::vector<std::uint32_t>& values, Limits& limits) {
-    return readAll(
-        target, count, [&first](std::size_t i) { return first + static_cast<std::uint32_t>(i); }, values,
-        limits);
+bool ListRead::take(const Target& target, const Repeat& repeat, const RegisterAddress& first,
+                    std::size_t count) {
+    return takeAll(target, repeat, count,
+                   [&first](std::size_t i) { return first + static_cast<std::uint32_t>(i); });
 }
 
 } // namespace Orvane::RackAccess

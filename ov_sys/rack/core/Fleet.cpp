@@ -28,6 +28,24 @@ FileDescriptor checked(int fd, const char* what) {
     return FileDescriptor(fd);
 }
 
+// Calls of one board that are made in its life travel together.
+class Journey {
+public:
+    Journey(BoardLink& link, BoardLink::Trains& trains) noexcept : link_(link), trains_(trains) {
+        link_.travelBy(&trains_);
+    }
+    ~Journey() {
+        link_.travelBy(nullptr);
+        trains_.departures.leave();
+    }
+    Journey(const Journey&) = delete;
+    Journey& operator=(const Journey&) = delete;
+
+private:
+    BoardLink& link_;
+    BoardLink::Trains& trains_;
+};
+
 bool cancelled(const Job& job) noexcept {
     return job.within.cancellation != nullptr && job.within.cancellation->cancelled();
 }
@@ -68,7 +86,7 @@ void Fleet::add(std::unique_ptr<Job> job) {
     ++jobs_;
     makeReady(*lane);
     if (ready_.size() == 1)
-        setTimer(); // whoever waits for the descriptor has something to do
+        setTimer();
 }
 
 void Fleet::makeReady(Lane& lane) noexcept {
@@ -122,6 +140,8 @@ void Fleet::begin(Lane& lane) {
         lane.begun.push_back(std::move(lane.waiting.front()));
         lane.waiting.pop_front();
         startCalls(lane, *lane.begun.back());
+        if (lane.begun.back()->calls.empty())
+            makeReady(lane); // it is to be collected
     }
 }
 
@@ -135,7 +155,7 @@ void Fleet::startCalls(Lane& lane, Job& job) {
         lane.board->link.start(*call, now_);
     }
     job.torn = false;
-    if (job.calls.empty() || job.calls.front()->done())
+    if (!job.calls.empty() && job.calls.front()->done())
         makeReady(lane); // nothing will arrive for it
 }
 
@@ -215,12 +235,17 @@ void Fleet::stepLane(Lane& lane) {
         expire(lane);
     if (takeTurn(lane)) {
         BoardLink& link = lane.board->link;
-        if (!lane.begun.empty())
+        if (!lane.begun.empty()) {
+            const Journey journey(link, trains_);
             link.step(now_, timed || lane.streams);
+        }
         lane.streams = false;
         runHooks(link);
-        collect(lane);
-        begin(lane);
+        {
+            const Journey journey(link, trains_);
+            collect(lane);
+            begin(lane);
+        }
         if (yields_ && link.turn.wanted())
             cancel(lane, FailureKind::Cancelled);
         if (lane.begun.empty()) {
@@ -256,6 +281,13 @@ void Fleet::watch(Lane& lane) {
     }
 }
 
+// Rounded up, so that it has come then.
+std::chrono::milliseconds Fleet::untilWake() const noexcept {
+    constexpr std::chrono::hours kLongest{1};
+    const Clock::duration left = std::clamp<Clock::duration>(nextWake_ - Clock::now(), {}, kLongest);
+    return std::chrono::ceil<std::chrono::milliseconds>(left);
+}
+
 void Fleet::takeEvents(std::chrono::milliseconds longest) {
     epoll_event events[256];
     const int count = epoll_wait(epoll_.get(), events, 256, static_cast<int>(longest.count()));
@@ -284,9 +316,16 @@ void Fleet::takeTimeouts() {
             nextWake_ = std::min(nextWake_, entry.second->wake);
 }
 
-void Fleet::setTimer() {
+int Fleet::descriptor() noexcept {
+    polled_ = true;
+    setTimer();
+    return epoll_.get();
+}
+
+// Rings for whoever waits for the descriptor; to arm it takes longer than to send a datagram.
+void Fleet::setTimer() noexcept {
     const TimePoint next = ready_.empty() ? nextWake_ : now_;
-    if (armed_ <= next && armed_ > now_)
+    if (!polled_ || (armed_ <= next && armed_ > now_))
         return; // what rings too early costs a look at the lanes
     armed_ = next;
     itimerspec when{};
@@ -309,7 +348,7 @@ void Fleet::stepSome() {
 }
 
 void Fleet::advance(std::chrono::milliseconds longest) {
-    takeEvents(ready_.empty() ? longest : std::chrono::milliseconds(0));
+    takeEvents(ready_.empty() ? std::min(longest, untilWake()) : std::chrono::milliseconds(0));
     now_ = Clock::now();
     takeCancellations();
     if (now_ >= nextWake_)

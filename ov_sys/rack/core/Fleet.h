@@ -30,8 +30,8 @@ public:
     void add(std::unique_ptr<Job> job);
     // Does what can be done now. Throws what a session's hook throws, and std::bad_alloc.
     void step();
-    // Readable when step() has something to do.
-    int descriptor() const noexcept { return epoll_.get(); }
+    // Readable when step() has something to do, from the first time on that it was asked for.
+    int descriptor() noexcept;
     std::size_t underWay() const noexcept { return jobs_; }
     // Calls in flight on one board at most.
     void setWindow(unsigned calls) noexcept { window_ = calls; }
@@ -73,7 +73,8 @@ private:
     void takeEvents(std::chrono::milliseconds longest);
     void takeTimeouts();
     void takeCancellations();
-    void setTimer();
+    void setTimer() noexcept;
+    std::chrono::milliseconds untilWake() const noexcept;
 
     FileDescriptor epoll_;
     FileDescriptor timer_;
@@ -84,8 +85,10 @@ private:
     RackLink::TimePoint armed_ = RackLink::TimePoint::max();    // when the timer rings
     std::map<const Cancellation*, std::size_t> cancellations_;  // and how many jobs each may end
     RackLink::TimePoint now_;
+    RackLink::BoardLink::Trains trains_;
     std::size_t jobs_ = 0;
     unsigned window_ = 8;
+    bool polled_ = false; // somebody waits for the descriptor
     bool yields_ = false;
 };
 

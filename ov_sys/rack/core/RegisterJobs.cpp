@@ -2,6 +2,7 @@
 #include "ov_sys/rack/core/RegisterJobs.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Orvane::RackCore {
 
@@ -61,6 +62,27 @@ void RegisterJob::settle(Trouble trouble) {
     told_(value, std::nullopt);
 }
 
+namespace {
+
+Failure batchFailure(const Job& job, Trouble trouble, RegisterAddress first) {
+    return Job::failureBy(
+        [&] { return job.session->failure(trouble, "batch", "from " + toText(first), job.limits); });
+}
+
+} // namespace
+
+void ListJob::next(std::vector<Call*>& list) {
+    if (!std::exchange(begun_, true))
+        list.push_back(&list_.call());
+}
+
+void ListJob::settle(Trouble trouble) {
+    if (trouble)
+        told_({}, batchFailure(*this, trouble, first_));
+    else
+        told_(std::move(list_.values), std::nullopt);
+}
+
 BatchJob::BatchJob(std::shared_ptr<OpenSession> target, const Within& said, Batch batch, Told told)
     : Job(std::move(target), said),
       batch_(std::move(batch)),
@@ -75,10 +97,7 @@ void BatchJob::settle(Trouble trouble) {
         session->log().batch(session->place(), batch_.operations(), run_.outcomes, run_.failed, trouble);
     std::optional<Failure> failure;
     if (trouble)
-        failure = failureBy([&] {
-            return session->failure(trouble, "batch",
-                                    "from " + toText(batch_.operations()[run_.failed].address), limits);
-        });
+        failure = batchFailure(*this, trouble, batch_.operations()[run_.failed].address);
     told_({std::move(run_.outcomes), std::move(failure)});
 }
 
@@ -114,13 +133,12 @@ void SmbusBatchJob::next(std::vector<Call*>& list) {
 
 void SmbusBatchJob::settle(Trouble trouble) {
     std::optional<Failure> failure;
-    if (trouble)
+    if (trouble) {
         outcomes_[at_] = RackAccess::outcomeOf(trouble, limits.attempts != sentBefore_);
+        failure = batchFailure(*this, trouble, batch_.operations()[at_].address);
+    }
     if (session->log().on())
         session->log().batch(session->place(), batch_.operations(), outcomes_, at_, trouble);
-    if (trouble)
-        failure =
-            session->failure(trouble, "batch", "from " + toText(batch_.operations()[at_].address), limits);
     told_({std::move(outcomes_), std::move(failure)});
 }
 

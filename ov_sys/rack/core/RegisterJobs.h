@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ov_sys/rack/access/Blocks.h"
+#include "ov_sys/rack/access/ListRead.h"
 #include "ov_sys/rack/access/SmbusAccess.h"
 #include "ov_sys/rack/core/Job.h"
 #include "ov_sys/rack/link/MdioCalls.h"
@@ -36,6 +37,27 @@ private:
     u_int value_ = 0;
     std::unique_ptr<RackLink::Call> call_;                  // on an MDIO port
     std::unique_ptr<RackAccess::SmbusTransfers> transfers_; // on an SMBus port
+    bool begun_ = false;
+    const Told told_;
+};
+
+// Reads a usual list. Told: its values, or why there are none.
+class ListJob : public Job {
+public:
+    using Told = std::function<void(std::vector<std::uint32_t> values, std::optional<Failure> failure)>;
+
+    ListJob(std::shared_ptr<OpenSession> target, const Within& said, RegisterAddress first, Told told)
+        : Job(std::move(target), said), first_(first), told_(std::move(told)) {}
+
+    // To be used only if this is true.
+    bool take(std::size_t count) { return list_.take(session->target(), within.repeat, first_, count); }
+
+    void next(std::vector<RackLink::Call*>& list) override;
+    void settle(RackLink::Trouble trouble) override;
+
+private:
+    const RegisterAddress first_;
+    RackAccess::ListRead list_;
     bool begun_ = false;
     const Told told_;
 };

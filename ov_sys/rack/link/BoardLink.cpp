@@ -98,10 +98,15 @@ void BoardLink::transmit(Call& call, TimePoint now) {
     } else {
         alignas(std::uint32_t) char request[kLargestDatagram];
         call.size = static_cast<std::uint32_t>(call.encode(request, sizeof request));
-        const in_addr_t to = address_.load(std::memory_order_relaxed);
-        if (call.size != 0)
-            // A datagram that the system does not take is one that got lost.
-            datagrams_.send(request, call.size, endpoint(to, ports_[indexOf(call.program)]));
+        const sockaddr_in to =
+            endpoint(address_.load(std::memory_order_relaxed), ports_[indexOf(call.program)]);
+        // A datagram that the system does not take is one that got lost.
+        if (call.size != 0 && trains_ != nullptr)
+            trains_->departures.add(datagrams_.descriptor(), to, request, call.size);
+        else if (call.size != 0)
+            datagrams_.send(request, call.size, to);
+        if (trains_ != nullptr && inFlight_ > 1)
+            datagrams_.expectTrains();
     }
     if (call.size == 0)
         return drop(call, FailureKind::InvalidArgument, now);

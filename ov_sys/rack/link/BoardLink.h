@@ -1,6 +1,7 @@
 // Everything that is said to one board: its calls in flight, and what it takes to reach it again.
 #pragma once
 
+#include "ov_sys/Interface/foundation/DatagramTrain.h"
 #include "ov_sys/rack/link/DatagramSocket.h"
 #include "ov_sys/rack/link/Endpoint.h"
 #include "ov_sys/rack/link/Probe.h"
@@ -110,6 +111,13 @@ public:
     Session* awaitingHook() const noexcept;
     // Calls in flight at most, 1 and up.
     void setWindow(unsigned calls) noexcept { window_ = calls; }
+    // Datagrams of several calls travel together through these, and leave when the caller lets them; null:
+    // each by itself.
+    struct Trains {
+        DatagramTrain departures;
+        ArrivedTrain arrivals;
+    };
+    void travelBy(Trains* trains) noexcept { trains_ = trains; }
 
 private:
     struct StreamOf {
@@ -130,6 +138,7 @@ private:
 
     // Answers: BoardLinkAnswers.cpp
     void receive(TimePoint now);
+    void receiveTrains(ArrivedTrain& arrivals, TimePoint now);
     void takeDatagram(char* bytes, std::size_t length, const sockaddr_in& from, TimePoint now);
     void stepStreams(TimePoint now);
     Call* awaiting(std::uint32_t id) noexcept;
@@ -190,6 +199,7 @@ private:
     RoundTrip roundTrip_;
     std::uint32_t nextId_;
     unsigned window_ = 8;
+    Trains* trains_ = nullptr;
 
     CallList waiting_;
     CallList flying_;

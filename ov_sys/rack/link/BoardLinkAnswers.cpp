@@ -11,6 +11,8 @@ namespace {
 
 using Stage = Call::Stage;
 
+constexpr int kMost = 4096; // a flood must not keep the caller here
+
 // Transaction id of a message.
 bool readId(const char* bytes, std::size_t length, std::uint32_t& id) noexcept {
     if (length < sizeof id)
@@ -23,9 +25,14 @@ bool readId(const char* bytes, std::size_t length, std::uint32_t& id) noexcept {
 } // namespace
 
 void BoardLink::receive(TimePoint now) {
-    constexpr int kMost = 4096; // a flood must not keep the caller here
     if (datagrams_.descriptor() < 0)
         return;
+    if (datagrams_.expectsTrains()) {
+        if (trains_ != nullptr)
+            return receiveTrains(trains_->arrivals, now);
+        ArrivedTrain arrivals;
+        return receiveTrains(arrivals, now);
+    }
     for (int i = 0; i < kMost; ++i) {
         alignas(std::uint32_t) char reply[kLargestDatagram];
         sockaddr_in from;
@@ -35,6 +42,17 @@ void BoardLink::receive(TimePoint now) {
         takeDatagram(reply, static_cast<std::size_t>(length), from, now);
         if (flying_.empty() && !errand_)
             return; // spares the look that finds nothing; what is late waits for the next call
+    }
+}
+
+void BoardLink::receiveTrains(ArrivedTrain& arrivals, TimePoint now) {
+    for (int i = 0; i < kMost && arrivals.take(datagrams_.descriptor()); ++i) {
+        char* datagram = nullptr;
+        std::size_t length = 0;
+        while (arrivals.next(datagram, length))
+            takeDatagram(datagram, length, arrivals.from(), now);
+        if (flying_.empty() && !errand_)
+            return;
     }
 }
 

@@ -1,4 +1,6 @@
 // Datagrams, records and headers that no well-behaved client sends.
+#include "ov_sys/Interface/foundation/DatagramTrain.h"
+#include "simulator/engine/Sockets.h"
 #include "tests/support/simulator/RawBoard.h"
 
 #include <array>
@@ -86,6 +88,47 @@ TEST_F(RpcTransport, RefusesArgumentsThatDoNotDecodeAndRecordsNone) {
 TEST_F(RpcTransport, RefusesAListThatClaimsMoreThanItsLimitWithoutMakingRoomForIt) {
     EXPECT_EQ(exchange(request(SIM_MDIO, SIM_MDIO_READ, words({1, 0xFFFFFFFF}))).back(),
               static_cast<std::uint32_t>(GARBAGE_ARGS));
+}
+
+// Sends pings of these values to a board in one go.
+void pingTogether(const RawSocket& socket, const sockaddr_in& board, std::uint32_t count) {
+    Orvane::DatagramTrain train;
+    for (std::uint32_t value = 0; value < count; ++value) {
+        const std::string bytes = ping(value);
+        train.add(socket.get(), board, bytes.data(), bytes.size());
+    }
+    train.leave();
+}
+
+TEST_F(RpcTransport, AnswersRequestsThatComeTogetherInOrder) {
+    RawSocket socket = RawSocket::datagram(0);
+    pingTogether(socket, endPoint(board.address(), port(IPPROTO_UDP)), 40);
+    for (std::uint32_t value = 0; value < 40; ++value)
+        ASSERT_EQ(socket.receive(), pingReply(value));
+}
+
+TEST_F(RpcTransport, HearsNothingBehindARequestThatStopsTheBoard) {
+    RawSocket socket = RawSocket::datagram(0);
+    const sockaddr_in place = endPoint(board.address(), port(IPPROTO_UDP));
+    board.forgetRequests();
+    board.onRequest([&](const Request& one) {
+        if (one.arguments().find("1") != std::string::npos)
+            board.stop();
+    });
+    pingTogether(socket, place, 5);
+    EXPECT_EQ(socket.receive(), pingReply(0));
+    EXPECT_EQ(socket.receive(), pingReply(1));
+    board.start();
+    EXPECT_EQ(board.requestsOf("ping").size(), 2U);
+}
+
+TEST_F(RpcTransport, DoesWhatARequestBringsAboutBeforeTheRequestBehindIt) {
+    RawSocket socket = RawSocket::datagram(0);
+    const sockaddr_in place = endPoint(board.address(), port(IPPROTO_UDP));
+    board.onRequest([&](const Request&) { board.closePortMapper(); });
+    pingTogether(socket, place, 5);
+    for (std::uint32_t value = 0; value < 5; ++value)
+        ASSERT_EQ(socket.receive(), pingReply(value)); // those that were put off too, in order
 }
 
 TEST_F(RpcTransport, LeavesDatagramsThatAreNoRequestsUnanswered) {

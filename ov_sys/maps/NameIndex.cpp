@@ -5,6 +5,7 @@
 #include <array>
 #include <cstring>
 #include <functional>
+#include <iterator>
 
 namespace Orvane::Maps {
 namespace {
@@ -139,18 +140,18 @@ std::vector<std::uint32_t> NameIndex::fill(const std::vector<MapRegister>& regis
     std::vector<bool> regular(families_.size());
     for (std::size_t i = 0; i < families_.size(); ++i)
         regular[i] = isRegular(families_[i]);
-    for (std::uint32_t i = 0; i < registers.size(); ++i)
+    for (std::uint32_t i = 0; i < family.size(); ++i)
         if (Parts parts; parts.take(registers[i].name()) && numberIn(families_[family[i]], parts) != i)
             regular[family[i]] = false;
     std::vector<std::uint32_t> twice;
     const auto isAlone = [&](std::uint32_t i) { return family[i] == kNoFamily || !regular[family[i]]; };
-    std::uint32_t alone = 0;
+    std::vector<std::uint32_t> alone;
     for (std::uint32_t i = 0; i < registers.size(); ++i)
-        alone += isAlone(i) ? 1U : 0U;
-    byName_.reserve(alone);
-    for (std::uint32_t i = 0; i < registers.size(); ++i)
-        if (isAlone(i) && !enter(byName_, registers[i].name(), i))
-            twice.push_back(i);
+        if (isAlone(i))
+            alone.push_back(i);
+    byName_.reserve(alone.size());
+    std::copy_if(alone.begin(), alone.end(), std::back_inserter(twice),
+                 [&](std::uint32_t i) { return !enter(byName_, registers[i].name(), i); });
     for (std::size_t i = 0; i < families_.size(); ++i)
         if (!regular[i])
             families_[i].members = 0;

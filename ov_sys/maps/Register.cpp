@@ -13,13 +13,9 @@ namespace {
 template <class Fits>
 std::uint64_t bitsOf(const MapDefinition& definition, Fits fits) {
     std::uint64_t fitting = 0;
-    std::uint64_t named = 0;
-    for (const MapField& field : definition.fields) {
-        named |= field.mask;
+    for (const MapField& field : definition.fields)
         fitting |= fits(field.access) ? field.mask : 0;
-    }
-    return fits(definition.access) && definition.fields.empty() ? Maps::lowBits(definition.width)
-                                                                : fitting & named;
+    return fits(definition.access) && definition.fields.empty() ? Maps::lowBits(definition.width) : fitting;
 }
 
 } // namespace

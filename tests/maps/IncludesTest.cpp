@@ -94,6 +94,12 @@ TEST_F(Includes, ThatLeaveTheFolderByALinkAreRefused) {
     EXPECT_EQ(problems(), "top.json:1: include[0]: leads out of the folder of the first file");
 }
 
+TEST_F(Includes, OfFilesThatMayBeExecutedAreTaken) {
+    write("top.json", R"("registers": {"R": {"at": "7.1"}})");
+    fs::permissions(folder / "top.json", fs::perms::all);
+    EXPECT_EQ(problems(), "");
+}
+
 TEST_F(Includes, OfATextWithoutAFileMayNameBuiltInMapsOnly) {
     EXPECT_EQ(problemsOf(R"("include": ["base.json"])"), std::string("map:1: include[0]: ") + kRefused);
 }

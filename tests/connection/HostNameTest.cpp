@@ -57,6 +57,7 @@ TEST_P(HostName, ThatIsNotKnownIsReportedAsUnknown) {
               "Error connecting to rpc program setup from: no-such-board.invalid\n"
               "  \n");
     EXPECT_EQ(rpc_createerr.cf_stat, RPC_UNKNOWNHOST);
+    EXPECT_EQ(rpc_createerr.cf_error.re_errno, 0);
     EXPECT_EQ(client.client, nullptr);
 }
 

@@ -180,6 +180,7 @@ TEST(RPCClientConnect, ToAProgramAtWhatIsNoPortSaysThatItIsNotRegistered) {
         const Failure failure = failToConnect<ExtendedRPCClient>("tcp", lab.board.address(), Programs::Setup);
         EXPECT_EQ(failure.handle, nullptr);
         EXPECT_EQ(failure.status, RPC_PROGNOTREGISTERED);
+        EXPECT_EQ(failure.number, 0);
         EXPECT_EQ(failure.error, failure.library + "Client mdio create error: 15\n");
     }
 }
@@ -200,6 +201,7 @@ TEST_P(UnknownProtocol, IsRefusedWithoutAskingTheBoard) {
     const Failure failure = failToConnect<NormalRPCClient>(GetParam(), board.address());
     EXPECT_EQ(failure.handle, nullptr);
     EXPECT_EQ(failure.status, RPC_UNKNOWNPROTO);
+    EXPECT_EQ(failure.number, 0);
     EXPECT_EQ(failure.error, ": RPC: Unknown protocol\n"
                              "RPC: Unknown protocol\n"
                              "Client mdio create error: 17\n"

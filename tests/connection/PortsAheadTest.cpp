@@ -6,6 +6,7 @@
 #include "ov_sys/Interface/connection/RPCClient.h"
 #include "ov_sys/Interface/foundation/FileDescriptor.h"
 #include "ov_sys/Interface/rpc_protocol/Programs.h"
+#include "tests/support/allocations/OpenDescriptors.h"
 #include "tests/support/OneBoard.h"
 #include "tests/support/WrittenText.h"
 
@@ -47,6 +48,15 @@ TEST_F(PortsAsked, TogetherAreThoseThatEachProgramIsFoundAtWithoutAnotherQuestio
     EXPECT_EQ(portOf(Programs::Setup, IPPROTO_TCP), setupPort);
     EXPECT_EQ(portFoundFor(Programs::MDIO, "udp"), mdioPort);
     EXPECT_EQ(count("portmap_getport"), 4U);
+}
+
+TEST_F(PortsAsked, TakeNoDescriptorAnyMoreOnceAllAreTold) {
+    static_cast<void>(openDescriptors()); // what is opened once and kept
+    const std::size_t before = openDescriptors();
+    const PortsAhead ahead(board.address(), Programs::Version, {setup, mdio});
+    EXPECT_NE(portOf(Programs::MDIO), 0);
+    EXPECT_NE(portOf(Programs::Setup, IPPROTO_TCP), 0);
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 TEST_F(PortsAsked, OfAnotherBoardProgramOrTransportAreNotTold) {

@@ -109,6 +109,23 @@ TEST_F(EndOfSession, AskedForInAdvanceStopsTheThreadAndLeavesTheBoardToTheClose)
     EXPECT_EQ(count("close_connection"), 1U);
 }
 
+TEST_F(EndOfSession, AskedForEndsASearchForTheBoard) {
+    inject(Fault::Kind::LoseReply, "discovery", "", -1);
+    std::thread closing([&] {
+        while (board.discoveryCount() == 0)
+            std::this_thread::yield();
+        session->askToClose();
+    });
+    textWritten([&] { EXPECT_THROW(session->connection->retrieveConnection(), Exceptions::NoDevice); });
+    closing.join();
+    EXPECT_EQ(count("ping"), 0U);
+}
+
+TEST_F(EndOfSession, LetsItsBoardBeFoundAgain) {
+    session->close();
+    EXPECT_NO_THROW(session->connection->updateAddress());
+}
+
 TEST_F(EndOfSession, ThatWasClosedCanBeginAgain) {
     startKeepAlive();
     session->close();

@@ -206,6 +206,17 @@ TEST_F(RemoteCommand, IsFatalAtItsEighthAttempt) {
     EXPECT_EQ(count("execute_command"), 8U);
 }
 
+TEST_F(RemoteCommand, CountsALostReplyTowardsTheEnd) {
+    loseReply();
+    failWith(-16, 6);
+    inject(Fault::Kind::LoseReply, "setup", "execute_command");
+    EXPECT_EQ(run(), kTimedOutCall + times(6, "setup Board in busy. Retrying...-16\n") +
+                         "Error level of attempts for RPC call was achieved.\n"
+                         "Remote Error:5\n  \"RPC: Success\n\"\n");
+    EXPECT_EQ(thrown, "Remote error.");
+    EXPECT_EQ(count("execute_command"), 8U);
+}
+
 TEST_F(RemoteCommand, MeetsNoThresholdAfterEightBusyResults) {
     failWith(-16, 8);
     loseReply();

@@ -115,7 +115,9 @@ TEST_F(RackBatch, MixedBlockNamesItsRuns) {
     batch.write(clause22(4), 5);
     batch.read(clause22(4));
     EXPECT_EQ(phy.run(batch).outcome(1).code, 0);
-    phy.read(clause22(1), 2);
+    Batch reads;
+    reads.read(clause22(1), 2);
+    EXPECT_EQ(phy.run(reads).outcome(1).code, 0);
     std::vector<Json> runs; // writes, reads, writes, ...
     for (const Request& request : board.requestsOf("mdio_mixedblock_c22"))
         runs.push_back(argumentsOf(request)["runs"]);
@@ -153,6 +155,13 @@ TEST_F(RackBatch, LostReplyOfOneBlockAmongSeveralIsRepaired) {
     for (std::uint32_t i = 0; i < 4096; ++i)
         ASSERT_EQ(values[i], i);
     EXPECT_EQ(count("mdio_read"), 6U);
+}
+
+TEST_F(RackBatch, FailureCountsTheRequestsOfAllBlocks) {
+    Batch batch;
+    batch.read({1, 0}, 1000);
+    inject(Fault::Kind::ResultCode, "mdio", "mdio_read", 1, -5);
+    EXPECT_EQ(phy.run(batch).failure()->attempts(), 2U);
 }
 
 TEST_F(RackBatch, RegisterThatDoesNotExistKeepsTheWholeBatchFromBeingSent) {

@@ -142,6 +142,7 @@ TEST_F(RackFlight, BatchOnAnSmbusPortTellsOfEachOperation) {
     const auto result = flight.run(device, batch);
     flight.wait();
     EXPECT_EQ(result.get().outcome(0).state, OperationOutcome::State::Done);
+    EXPECT_EQ(result.get().outcome(0).code, 0);
     EXPECT_EQ(result.get().outcome(1).state, OperationOutcome::State::Refused);
     EXPECT_EQ(result.get().outcome(1).code, -121);
     EXPECT_EQ(result.get().outcome(2).state, OperationOutcome::State::NotSent);
@@ -181,6 +182,15 @@ TEST_F(RackFlightWindow, HoldsNoMoreThanItsBytes) {
     for (std::uint32_t i = 1; i < 20; ++i)
         many.read(phy, {1, i}, 873);
     EXPECT_EQ(heardBeside(many, first), 9U); // of 3,624 bytes in 32 KiB
+}
+
+TEST_F(RackFlightWindow, MayBeFullToTheLastByte) {
+    Flight many(64);
+    inject(Fault::Kind::DelayReply, "mdio", "mdio_read", 1, 300);
+    const auto first = many.read(phy, {1, 0}, 94); // 512 bytes, as they are counted
+    for (std::uint32_t i = 1; i < 70; ++i)
+        many.read(phy, {1, i}, 94);
+    EXPECT_EQ(heardBeside(many, first), 64U);
 }
 
 TEST_F(RackFlight, BlocksOfAnyLengthFly) {

@@ -1,6 +1,9 @@
 // What a rack does about boards that restart, forget, move or fall silent.
 #include "tests/support/rack/RackOnBoard.h"
 
+#include <atomic>
+#include <future>
+
 namespace OrvaneTest {
 namespace {
 
@@ -69,11 +72,14 @@ TEST_F(RackHealing, WriteOfAForgottenSessionIsExecutedOnceEvenWithoutRepeats) {
 
 TEST_F(RackHealing, WithoutHealingALostSessionIsAClearFailure) {
     board.forgetSessions();
-    for (int i = 0; i < 2; ++i)
-        EXPECT_EQ(failureOf([&] {
-                      phy.read({1, 2}, Within{}.withoutHealing());
-                  }).kind(),
-                  FailureKind::LostSession);
+    for (int i = 0; i < 2; ++i) {
+        const Failure failure = failureOf([&] { phy.read({1, 2}, Within{}.withoutHealing()); });
+        EXPECT_EQ(failure.kind(), FailureKind::LostSession);
+        EXPECT_EQ(failure.code(), -56);
+    }
+    Batch batch;
+    batch.write({1, 2}, 3);
+    EXPECT_EQ(phy.run(batch, Within{}.withoutHealing()).outcome(0).state, OperationOutcome::State::NotSent);
     EXPECT_EQ(count("open_connection"), 1U);
 }
 
@@ -92,6 +98,32 @@ TEST_F(RackHealing, HookIsGivenItsPhy) {
     board.forgetSessions();
     phy.read({1, 2});
     EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10007), 0x73U);
+}
+
+TEST_F(RackHealing, BatchOfALostSessionThatMayNotHealWasNotSent) {
+    Batch batch;
+    batch.write({1, 2}, 3);
+    board.forgetSessions();
+    const BatchResult done = phy.run(batch, Within{}.withoutHealing());
+    EXPECT_EQ(done.failure()->kind(), FailureKind::LostSession);
+    EXPECT_EQ(done.outcome(0).state, OperationOutcome::State::NotSent);
+}
+
+TEST_F(RackHealing, RepeatsAreToldOnceForEachCall) {
+    std::atomic<int> retried{0};
+    std::promise<void> closed;
+    rack.onEvent([&](const Event& event) {
+        if (event.kind == Event::Kind::Retried && event.level == Event::Level::Debug && event.phy == 3)
+            ++retried;
+        if (event.kind == Event::Kind::Closed)
+            closed.set_value();
+    });
+    inject(Fault::Kind::LoseReply, "mdio", "mdio_read", 2);
+    phy.read({1, 2});
+    phy.close();
+    closed.get_future().wait();
+    EXPECT_EQ(retried, 1);
+    rack.onEvent({});
 }
 
 TEST_F(RackHealing, WhatTheHookThrowsLeavesTheCall) {

@@ -93,7 +93,9 @@ TEST_F(RackIdentity, BoardWithoutANameIsGivenNoSession) {
     phy.open();
     board.setDiscoveryReplies(std::vector<std::string>{"|host OTHER:0"});
     board.forgetSessions();
-    EXPECT_EQ(failureOf([&] { phy.read({1, 2}, within(700ms)); }).kind(), FailureKind::Unreachable);
+    const Failure failure = failureOf([&] { phy.read({1, 2}, within(700ms)); });
+    EXPECT_EQ(failure.kind(), FailureKind::Unreachable);
+    EXPECT_EQ(failure.code(), 0);
     EXPECT_EQ(count("open_connection"), 1U);
 }
 
@@ -151,6 +153,20 @@ TEST_F(RackIdentity, SessionThatMayBeLeftOnTheBoardIsNamed) {
     rack.onEvent({});
 }
 
+TEST_F(RackIdentity, EverySessionThatMayBeLeftOnTheBoardIsNamed) {
+    std::promise<void> told;
+    rack.onEvent([&told, count = 0](const Event& event) mutable {
+        if (event.kind == Event::Kind::Lost && ++count == 2)
+            told.set_value();
+    });
+    inject(Fault::Kind::DelayReply, "setup", "open_connection", 1,
+           60000); // is asked for again after a second
+    inject(Fault::Kind::CloseMidReply, "setup", "open_connection");
+    phy.open(within(20s));
+    EXPECT_EQ(told.get_future().wait_for(20s), std::future_status::ready);
+    rack.onEvent({});
+}
+
 TEST_F(RackIdentity, OpeningThatNeverLeftNamesNoSession) {
     Events events(rack);
     board.stop();
@@ -163,12 +179,18 @@ TEST_F(RackIdentity, OpeningThatNeverLeftNamesNoSession) {
 
 TEST_F(RackIdentity, RefusalSaysWhatTheBoardAddsToIt) {
     phy.open();
-    Fault words{"setup", "get_error_msg", Fault::Kind::ReplyBody};
-    words.bytes = std::string("\0\0\0\0\0\0\0\3\0\0\0\x11", 12);
-    board.inject(words);
-    const Failure failure = failureOf([&] { rack.open("BOARD7:1", Access::exclusive(1)).phy(3).open(); });
-    EXPECT_EQ(failure.kind(), FailureKind::Refused);
-    EXPECT_NE(failure.advice().find("The board adds 3, 17."), std::string::npos) << failure.advice();
+    const std::pair<std::string, const char*> records[] = {
+        {{"\3\0\0\0\x11", 5}, " The board adds 3, 17."},
+        {{"\0\0\0\0\1", 5}, " The board adds 0, 1."},
+        {{"\3\xFF\xFF\xFF\xFE", 5}, " The board adds 3, -2."}};
+    for (const auto& [record, addition] : records) {
+        Fault words{"setup", "get_error_msg", Fault::Kind::ReplyBody};
+        words.bytes = std::string(7, '\0') + record;
+        board.inject(words);
+        const Failure failure = failureOf([&] { rack.open("BOARD7:1", Access::exclusive(1)).phy(3).open(); });
+        EXPECT_EQ(failure.kind(), FailureKind::Refused);
+        EXPECT_NE(failure.advice().find(addition), std::string::npos) << failure.advice();
+    }
     EXPECT_EQ(argumentsOf(board.requestsOf("get_error_msg").at(0)).front().get<std::int64_t>(), 0xFFFFFFF3);
 }
 

@@ -2,6 +2,7 @@
 #include "ov_sys/rack/Phy.h"
 
 #include "ov_sys/names/Named.h"
+#include "ov_sys/rack/Flight.h"
 #include "tests/support/rack/RackOnBoard.h"
 
 namespace OrvaneTest {
@@ -167,6 +168,32 @@ TEST_F(RackPhy, LostReplyIsAskedForAgainWithinAFractionOfASecond) {
     EXPECT_EQ(count("mdio_read"), 3U);
 }
 
+TEST_F(RackPhy, AnswerThatComesTwiceIsNotTakenForTheNext) {
+    for (std::uint32_t i = 0; i < 8; ++i)
+        board.setRegister(Space::C45, 1, 3, 0x10000 + i, 0x40 + i);
+    phy.open();
+    inject(Fault::Kind::DuplicateReply, "mdio", "mdio_read", -1);
+    for (std::uint32_t i = 0; i < 8; ++i)
+        EXPECT_EQ(phy.read({1, i}), 0x40 + i);
+    EXPECT_GE(rack.counters().at("BOARD7").strays, 1U);
+}
+
+TEST_F(RackPhy, AnswerEndsTheWaitAtOnce) {
+    phy.shell().ping();
+    phy.adc().initialize();
+    Flight flight;
+    const auto begun = std::chrono::steady_clock::now();
+    for (int i = 0; i < 50; ++i) {
+        phy.read({1, 0});
+        flight.read(phy, {1, 0}).get();
+    }
+    for (int i = 0; i < 3; ++i) {
+        phy.shell().ping();
+        phy.adc().maxAdc();
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, 1s); // less than the pauses of a tenth of them
+}
+
 TEST_F(RackPhy, OnceSendsNothingTwice) {
     phy.read({1, 0});
     inject(Fault::Kind::LoseReply, "mdio", "mdio_read");
@@ -210,6 +237,31 @@ TEST_F(RackPhy, BusyBoardIsAskedAgainUntilItIsFree) {
     phy.write({1, 2}, 9, Within{}.once());
     EXPECT_EQ(board.executions("mdio_write"), 1U);
     EXPECT_EQ(board.registerValue(Space::C45, 1, 3, 0x10002), 9U);
+}
+
+TEST_F(RackPhy, BoardWhoseOwnTimeIsOverIsAskedAgainAsOftenAsMayBe) {
+    phy.read({1, 0});
+    inject(Fault::Kind::ResultCode, "mdio", "mdio_write", 1, -110);
+    phy.write({1, 2}, 9, Within{}.repeating({0, 1}));
+    EXPECT_EQ(count("mdio_write"), 2U);
+    inject(Fault::Kind::ResultCode, "mdio", "mdio_write", -1, -110);
+    for (const unsigned times : {0U, 1U, 2U}) {
+        board.forgetRequests();
+        const Failure failure = failureOf([&] { phy.write({1, 2}, 9, Within{}.repeating({0, times})); });
+        EXPECT_EQ(failure.kind(), FailureKind::BoardError);
+        EXPECT_EQ(failure.code(), -110);
+        EXPECT_EQ(count("mdio_write"), times + 1);
+    }
+}
+
+TEST_F(RackPhy, BoardThatStaysBusyHasExecutedNothing) {
+    phy.read({1, 0});
+    inject(Fault::Kind::ResultCode, "mdio", "mdio_write", -1, -16);
+    Batch batch;
+    batch.write({1, 2}, 9);
+    const BatchResult done = phy.run(batch, within(100ms));
+    EXPECT_EQ(done.failure()->kind(), FailureKind::Busy);
+    EXPECT_EQ(done.outcome(0).state, OperationOutcome::State::NotSent);
 }
 
 TEST_F(RackPhy, BoardThatStaysBusyIsReportedAsBusy) {

@@ -97,9 +97,9 @@ TEST_F(RackRoutedPhy, Clause45IsCarriedOverClause22) {
 }
 
 TEST_F(RackRoutedPhy, ModifyChangesTheBitsOfItsMask) {
-    set(27, 0x40, 0xFF00);
-    EXPECT_EQ(phy.routed().modify({27, 0x40}, 0x0FF0, 0x0120), 0xF120U);
-    EXPECT_EQ(valueOf(27, 0x40), 0xF120U);
+    set(27, 0x40, 0xFF01);
+    EXPECT_EQ(phy.routed().modify({27, 0x40}, 0x0FF0, 0x0120), 0xF121U);
+    EXPECT_EQ(valueOf(27, 0x40), 0xF121U);
 }
 
 TEST_F(RackRoutedPhy, FirmwareThatIsBusyForAWhileIsWaitedFor) {

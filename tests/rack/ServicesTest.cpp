@@ -63,6 +63,22 @@ TEST_F(RackServices, I2cReadsFromOneByteTo255) {
     }
 }
 
+TEST_F(RackServices, WhatFitsIntoNoRequestIsRefusedAtOnceAndUnsent) {
+    phy.adc().initialize();
+    board.forgetRequests();
+    const auto begun = std::chrono::steady_clock::now();
+    const std::function<void()> calls[] = {
+        [&] { phy.i2c().write(0, kEeprom, Bytes(70000)); },
+        [&] { phy.adc().setDumpFile(std::string(2U << 20U, 'x')); },
+    };
+    for (const auto& call : calls)
+        EXPECT_EQ(failureOf(call).kind(), FailureKind::InvalidArgument);
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, 2s);
+    EXPECT_EQ(procedures(), std::vector<std::string>{});
+    phy.adc().stop(); // over the same connection
+    EXPECT_EQ(count("adc_stop"), 1U);
+}
+
 TEST_F(RackServices, TransferWithoutAnswerIsNotRepeated) {
     phy.open();
     inject(Fault::Kind::LoseReply, "i2c", "i2c_write");
@@ -98,7 +114,7 @@ TEST_F(RackServices, ShortAnswersAreFailures) {
     inject(Fault::Kind::ReplyCount, "gpio", "gpio_read", 1, 1);
     inject(Fault::Kind::ReplyCount, "i2c", "i2c_read", 1, 3);
     inject(Fault::Kind::ReplyCount, "jtag", "jtag_shiftmulti", 1, 0);
-    EXPECT_EQ(failureOf([&] { phy.gpio().read({1, 2}); }).kind(), FailureKind::BadReply);
+    EXPECT_EQ(failureOf([&] { phy.gpio().read({1, 2}); }).attempts(), 1U);
     EXPECT_EQ(failureOf([&] { phy.i2c().read(0, kEeprom, 0, 2); }).kind(), FailureKind::BadReply);
     EXPECT_EQ(failureOf([&] { phy.jtag().shift({"", "11", ""}); }).kind(), FailureKind::BadReply);
 }
@@ -169,6 +185,20 @@ TEST_F(RackServices, CommandMayTakeAllItsTime) {
     inject(Fault::Kind::DelayReply, "setup", "execute_command", 1, 1200);
     EXPECT_EQ(phy.shell().run("hostname", 5s).output, "board7\n");
     EXPECT_EQ(count("execute_command"), 1U);
+}
+
+TEST_F(RackServices, CancelledCommandReturnsAtOnce) {
+    inject(Fault::Kind::DelayReply, "setup", "execute_command", 1, 60000);
+    Cancellation cancellation;
+    board.onRequest([&](const Request& request) {
+        if (request.procedure == "execute_command")
+            cancellation.cancel();
+    });
+    const auto begun = std::chrono::steady_clock::now();
+    EXPECT_EQ(failureOf([&] { phy.shell().run("hostname", 20s, &cancellation); }).kind(),
+              FailureKind::Cancelled);
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, 10s);
+    board.onRequest([](const Request&) {});
 }
 
 TEST_F(RackServices, CaptureMayTakeAllItsTime) {

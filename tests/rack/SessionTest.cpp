@@ -42,7 +42,9 @@ TEST_F(RackSession, RefusalSaysThatAnotherHoldsThePhy) {
     const Failure failure = failureOf([&] { rack.open("BOARD7:1", Access::exclusive(1)).phy(3).open(); });
     EXPECT_EQ(failure.kind(), FailureKind::Refused);
     EXPECT_EQ(failure.code(), -13);
-    EXPECT_NE(std::string(failure.what()).find("Another session holds the PHY"), std::string::npos);
+    EXPECT_EQ(failure.advice(),
+              "Another session holds the PHY exclusively, or this one wants what others share: "
+              "use the holder's key or wait for its end.");
 }
 
 TEST_F(RackSession, QueueingAccessWaitsForTheHolder) {
@@ -76,12 +78,56 @@ TEST_F(RackSession, LastHandleClosesTheSession) {
     EXPECT_EQ(count("open_connection"), 1U);
 }
 
+TEST_F(RackSession, EndOfASessionThatTheBoardForgotOpensNone) {
+    {
+        const Phy brief = rack.open("BOARD7:2").phy(1);
+        brief.open();
+        board.forgetSessions();
+    }
+    EXPECT_EQ(count("open_connection"), 1U);
+    EXPECT_EQ(count("close_connection"), 1U);
+}
+
+TEST_F(RackSession, ClosingWhoseConnectionEndsIsRepeated) {
+    {
+        const Phy brief = rack.open("BOARD7:2").phy(1);
+        brief.open();
+        inject(Fault::Kind::CloseConnection, "setup", "close_connection");
+    }
+    EXPECT_EQ(board.sessionCount(), 0U);
+}
+
 TEST_F(RackSession, ClosedSessionIsOpenedByItsNextUse) {
     phy.open();
     phy.close();
     EXPECT_EQ(board.sessionCount(), 0U);
+    EXPECT_FALSE(phy.isOpen());
+    EXPECT_EQ(phy.key(), 0U);
     phy.read({1, 0});
     EXPECT_EQ(board.sessionCount(), 1U);
+    EXPECT_EQ(rack.counters().at("BOARD7").opens, 2U);
+    EXPECT_EQ(rack.counters().at("BOARD7").reopens, 0U);
+}
+
+TEST_F(RackSession, BoardThatIsBusyIsAskedForASessionAgain) {
+    inject(Fault::Kind::ResultCode, "setup", "open_connection", 1, -16);
+    phy.open();
+    EXPECT_EQ(count("open_connection"), 2U);
+    phy.close();
+    inject(Fault::Kind::ResultCode, "setup", "open_connection", -1, -16);
+    const Failure failure = failureOf([&] { phy.open(within(300ms)); });
+    EXPECT_EQ(failure.kind(), FailureKind::Busy);
+    EXPECT_EQ(failure.code(), -16);
+    EXPECT_EQ(count("get_error_msg"), 0U);
+}
+
+TEST_F(RackSession, ServiceThatIsStillStartingIsLookedUpAgain) {
+    inject(Fault::Kind::OverrideWord, "portmap", "portmap_getport", 1, 0);
+    phy.open();
+    inject(Fault::Kind::OverrideWord, "portmap", "portmap_getport", -1, 0);
+    const Failure failure = failureOf([&] { phy.gpio().reset(within(300ms)); });
+    EXPECT_EQ(failure.kind(), FailureKind::Unreachable);
+    EXPECT_EQ(failure.code(), 0);
 }
 
 TEST_F(RackSession, LostAnswerOfAnOpeningIsAskedForAgain) {

@@ -72,12 +72,8 @@ void Keeper::restore(OpenSession& session) {
     }
 }
 
-Keeper::Keeper(Boards boards, Learn learn, EventQueue& events, Surroundings& around)
-    : boards_(std::move(boards)),
-      learn_(std::move(learn)),
-      events_(events),
-      around_(around),
-      event_(newEvent()) {}
+Keeper::Keeper(Boards boards, EventQueue& events, Surroundings& around)
+    : boards_(std::move(boards)), events_(events), around_(around), event_(newEvent()) {}
 
 Keeper::~Keeper() {
     stop();
@@ -145,7 +141,6 @@ void Keeper::hunt() {
 }
 
 void Keeper::found(const FoundBoard& where) {
-    learn_(where);
     const std::optional<in_addr_t> address = parseDotted(where.address);
     for (const std::shared_ptr<Board>& one : boards_())
         if (one->link.board() == where.serial && address)

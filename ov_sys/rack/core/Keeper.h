@@ -22,11 +22,9 @@ namespace Orvane::RackCore {
 class Keeper {
 public:
     using Boards = std::function<std::vector<std::shared_ptr<Board>>()>;
-    // Told where a board is that was looked for.
-    using Learn = std::function<void(const FoundBoard& board)>;
 
     // All of them must outlive the keeper.
-    Keeper(Boards boards, Learn learn, EventQueue& events, RackLink::Surroundings& around);
+    Keeper(Boards boards, EventQueue& events, RackLink::Surroundings& around);
     ~Keeper();
     Keeper(const Keeper&) = delete;
     Keeper& operator=(const Keeper&) = delete;
@@ -48,7 +46,6 @@ private:
     void restore(OpenSession& session);
 
     const Boards boards_;
-    const Learn learn_;
     EventQueue& events_;
     RackLink::Surroundings& around_;
     FileDescriptor event_;

@@ -12,8 +12,7 @@ namespace Orvane::RackCore {
 
 RackState::RackState()
     : log_([this](std::string why) { logFailed(std::move(why)); }),
-      keeper_([this] { return all(); }, [this](const FoundBoard& board) { learn({board}); }, events_, *this) {
-}
+      keeper_([this] { return all(); }, events_, *this) {}
 
 void RackState::report(const RackLink::BoardLink& link, const RackLink::Session* session, Event::Kind kind,
                        Event::Level level, std::string text) {

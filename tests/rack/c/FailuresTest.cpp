@@ -34,7 +34,7 @@ struct NullPointers : CRackOnBoard {
     float celsius = 0;
     orvane_operation operation{kRegister, 0, 0, 0, 0};
     orvane_jtag_shift_entry shift{"0", "0", "0", reinterpret_cast<char*>(bytes)};
-    orvane_bytes* text = nullptr;
+    orvane_i2c_transfer transfer{0, 0x50, 0, 1, 1, bytes};
 
     NullPointers() {
         orvane_flight_new(1, &flight, nullptr);
@@ -130,7 +130,7 @@ const std::pair<const char*, Call> kCalls[] = {
     ORVANE_CALL(orvane_i2c_write(with.phy, 0, 0x50, nullptr, 1, nullptr, out)),
     ORVANE_CALL(orvane_i2c_read(nullptr, 0, 0x50, 0, 1, nullptr, with.bytes, out)),
     ORVANE_CALL(orvane_i2c_read(with.phy, 0, 0x50, 0, 1, nullptr, nullptr, out)),
-    ORVANE_CALL(orvane_i2c_read_block(nullptr, nullptr, 0, nullptr, out)),
+    ORVANE_CALL(orvane_i2c_read_block(nullptr, &with.transfer, 1, nullptr, out)),
     ORVANE_CALL(orvane_i2c_read_block(with.phy, nullptr, 0, nullptr, out)),
     ORVANE_CALL(orvane_i2c_write_block(with.phy, nullptr, 0, nullptr, out)),
     ORVANE_CALL(orvane_gpio_read(with.phy, nullptr, 1, nullptr, with.bytes, out)),

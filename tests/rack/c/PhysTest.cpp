@@ -67,6 +67,7 @@ TEST_F(CPhys, BatchTellsWhatBecameOfEachOperation) {
 
 TEST_F(CPhys, DiscoveryListsBoardsWithTheirPorts) {
     orvane_board_list* boards = nullptr;
+    board.setDiscoveryReplies(std::vector<std::string>{"|host BOARD7:0 BOARD7:1", "no bar"});
     ASSERT_EQ(orvane_rack_discover(rack, nullptr, &boards, &failure), ORVANE_DONE);
     ASSERT_EQ(orvane_board_list_size(boards), 1U);
     const orvane_board* const found = orvane_board_list_at(boards, 0);
@@ -75,8 +76,9 @@ TEST_F(CPhys, DiscoveryListsBoardsWithTheirPorts) {
     EXPECT_EQ(std::vector<unsigned>(found->ports, found->ports + found->port_count),
               (std::vector<unsigned>{0, 1}));
     EXPECT_EQ(orvane_board_list_at(boards, 1), nullptr);
-    EXPECT_EQ(orvane_board_list_malformed(boards), 0U);
+    EXPECT_EQ(orvane_board_list_malformed(boards), 1U);
     orvane_board_list_free(boards);
+    EXPECT_EQ(orvane_board_list_malformed(nullptr), 0U);
 }
 
 TEST_F(CPhys, CancelledCallSaysSo) {

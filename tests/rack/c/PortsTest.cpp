@@ -54,12 +54,15 @@ TEST_F(CPorts, SessionsThatTheBoardCouldNotBeToldOfAreNamed) {
     ASSERT_EQ(openAll({"board7:0"}, {4, 5}), ORVANE_DONE);
     board.stop();
     const orvane_limits brief = orvane_within(0.3);
-    orvane_failure first{};
+    orvane_failure failures[3] = {};
     size_t untold = 0;
-    EXPECT_EQ(orvane_rack_close_all(rack, &brief, &first, 1, &untold, &failure), ORVANE_DONE);
+    EXPECT_EQ(orvane_rack_close_all(rack, &brief, failures, 3, &untold, &failure), ORVANE_DONE);
     EXPECT_EQ(untold, 2U);
-    EXPECT_STREQ(first.board, kBoardName);
-    EXPECT_STREQ(first.operation, "close");
+    for (const size_t i : {0U, 1U}) {
+        EXPECT_STREQ(failures[i].board, kBoardName);
+        EXPECT_STREQ(failures[i].operation, "close");
+    }
+    EXPECT_STREQ(failures[2].board, "");
 }
 
 TEST_F(CPorts, NullNamesAreRefused) {

@@ -28,13 +28,14 @@ TEST_F(CServices, I2cReadsWhatItWrote) {
 
 TEST_F(CServices, I2cBlocksReachSeveralBuses) {
     uint8_t written[] = {1, 2, 3, 4, 5};
-    uint8_t read[5] = {};
+    uint8_t read[6] = {};
     const orvane_i2c_transfer writes[] = {{0, kEeprom, 0x20, 1, 2, written},
                                           {1, kEeprom, 0x30, 1, 3, written + 2}};
-    const orvane_i2c_transfer reads[] = {{0, kEeprom, 0x20, 1, 2, read}, {1, kEeprom, 0x30, 1, 3, read + 2}};
+    const orvane_i2c_transfer reads[] = {
+        {0, kEeprom, 0x20, 1, 2, read}, {1, kEeprom, 0x30, 1, 3, read + 2}, {2, kEeprom, 0, 1, 1, nullptr}};
     EXPECT_EQ(orvane_i2c_write_block(phy, writes, 2, nullptr, &failure), ORVANE_DONE);
     EXPECT_EQ(orvane_i2c_read_block(phy, reads, 2, nullptr, &failure), ORVANE_DONE);
-    EXPECT_THAT(read, ElementsAre(1, 2, 3, 4, 5));
+    EXPECT_THAT(read, ElementsAre(1, 2, 3, 4, 5, 0));
     uint8_t all = 0xFF;
     const orvane_i2c_transfer masked{0, kEeprom, 0x20, 1, 1, &all};
     EXPECT_EQ(orvane_i2c_write_block_masked(phy, &masked, 1, 0xF0, nullptr, &failure), ORVANE_DONE);

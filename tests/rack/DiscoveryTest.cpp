@@ -257,6 +257,10 @@ TEST_F(RackDiscovery, CancelledSearchEndsAtOnce) {
     const auto begun = std::chrono::steady_clock::now();
     EXPECT_EQ(RackOnBoard::failureOf([&] { rack.discover(within(60s).cancelledBy(cancellation)); }).kind(),
               FailureKind::Cancelled);
+    EXPECT_EQ(RackOnBoard::failureOf([&] {
+                  rack.ask({"10.83.200.1"}, within(60s).cancelledBy(cancellation));
+              }).kind(),
+              FailureKind::Cancelled);
     EXPECT_LT(std::chrono::steady_clock::now() - begun, 1s);
 }
 

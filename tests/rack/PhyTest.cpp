@@ -298,7 +298,16 @@ TEST_F(RackPhy, OtherThreadsWaitForTheirTurnUpToTheirDeadline) {
     board.waitFor([](const Request& one) {
         return one.procedure == "mdio_read" && argumentsOf(one)["addresses"][0] == 0x23010001U;
     });
-    EXPECT_EQ(failureOf([&] { phy.write({1, 2}, 1, within(100ms)); }).kind(), FailureKind::Busy);
+    const Failure busy = failureOf([&] { phy.write({1, 2}, 1, within(100ms)); });
+    EXPECT_EQ(busy.kind(), FailureKind::Busy);
+    EXPECT_EQ(busy.code(), 0);
+    EXPECT_EQ(busy.attempts(), 0U);
+    Cancellation cancellation;
+    cancellation.cancel();
+    EXPECT_EQ(failureOf([&] {
+                  phy.write({1, 2}, 1, Within{}.cancelledBy(cancellation));
+              }).kind(),
+              FailureKind::Cancelled);
     board.clearFaults();
     holder.join();
     EXPECT_EQ(count("mdio_write"), 0U);

@@ -41,6 +41,8 @@ TEST_F(RackPort, IsOfMdioUpTo9) {
     board.setRegister(Space::C45, 9, 31, 0x1EC010, 0xBEEF);
     EXPECT_EQ(rack.open("board7:9").phy(31).read({30, 0xC010}), 0xBEEFU);
     EXPECT_EQ(count("mdio_read"), 1U);
+    rack.open("board7:6").phy(21).read({30, 0xC010});
+    EXPECT_EQ(argumentsOf(board.requestsOf("mdio_read").back())["addresses"][0], 0xD51EC010U);
 }
 
 } // namespace

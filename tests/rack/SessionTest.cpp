@@ -121,6 +121,32 @@ TEST_F(RackSession, BoardThatIsBusyIsAskedForASessionAgain) {
     EXPECT_EQ(count("get_error_msg"), 0U);
 }
 
+TEST_F(RackSession, PortThatIsNoneIsABadReply) {
+    inject(Fault::Kind::OverrideWord, "portmap", "portmap_getport", 1, 65536);
+    EXPECT_EQ(failureOf([&] { phy.open(); }).kind(), FailureKind::BadReply);
+}
+
+TEST_F(RackSession, MoreThanAHundredSessionsOfABoardAreToldApart) {
+    std::vector<Phy> phys;
+    for (unsigned port = 0; port < 5; ++port)
+        for (unsigned id = 0; id < 30; ++id)
+            phys.push_back(rack.open("BOARD7:" + std::to_string(port)).phy(id));
+    for (const Phy& one : phys)
+        one.open();
+    for (const Phy& one : phys)
+        one.write({1, 7}, one.id());
+    EXPECT_EQ(board.sessionCount(), phys.size());
+    EXPECT_EQ(rack.counters().at("BOARD7").reopens, 0U);
+}
+
+TEST_F(RackSession, ClosingMayTakeItsTime) {
+    phy.open();
+    inject(Fault::Kind::DelayReply, "setup", "close_connection", 1, 1200);
+    phy.close();
+    EXPECT_EQ(count("close_connection"), 1U);
+    EXPECT_EQ(board.sessionCount(), 0U);
+}
+
 TEST_F(RackSession, ServiceThatIsStillStartingIsLookedUpAgain) {
     inject(Fault::Kind::OverrideWord, "portmap", "portmap_getport", 1, 0);
     phy.open();

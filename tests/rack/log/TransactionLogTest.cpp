@@ -93,9 +93,11 @@ TEST_F(RackTransactionLog, NumbersPortsInTheOrderOfTheirFirstAccess) {
     rack.open("board7:4").phy(0).write({1, 2}, 3);
     phy.write({1, 2}, 3);
     rack.open("board7:10").phy(3).write({1, 2}, 3);
+    rack.open("board7:0").phy(3).write({1, 2}, 3);
     EXPECT_THAT(lines(), HasSubstr("0,0,MW,01,0002,0003,TIME,BOARD7:4,done,,\n"));
     EXPECT_THAT(lines(), HasSubstr("1,3,MW,01,0002,0003,TIME,BOARD7:1,done,,\n"));
     EXPECT_THAT(lines(), HasSubstr("2,3,MW,01,0002,0003,TIME,BOARD7:10,done,,\n"));
+    EXPECT_THAT(lines(), HasSubstr("3,3,MW,01,0002,0003,TIME,BOARD7:0,done,,\n"));
 }
 
 TEST_F(RackTransactionLog, TellsTheTimeInUtc) {
@@ -364,8 +366,9 @@ TEST_F(RackTransactionLog, ThatFailsIsToldOnceAndCostsNoAccess) {
     rack.logTo("/dev/full");
     phy.write({1, 2}, 3);
     EXPECT_EQ(phy.read({1, 2}), 3U);
+    rack.logTo("/dev/full"); // another log
     phy.close();
-    EXPECT_EQ(failures.untilClosed(), std::vector<std::string>{"No space left on device"});
+    EXPECT_EQ(failures.untilClosed(), std::vector<std::string>(2, "No space left on device"));
 }
 
 TEST_F(RackTransactionLog, CountsTheLinesThatAreMissingWhereItGoesOn) {

@@ -64,6 +64,30 @@ TEST(LatencyHistogram, ExtremesCountInTheOuterBuckets) {
     EXPECT_EQ(LatencyHistogram::bucketOf(std::chrono::hours(5)), LatencyHistogram::kBuckets - 1);
 }
 
+TEST(LatencyHistogram, OuterBucketsHaveTheirPercentiles) {
+    EXPECT_EQ(LatencyHistogram::bucketOf(std::chrono::microseconds(1 << 26)), LatencyHistogram::kBuckets - 1);
+    EXPECT_EQ(LatencyHistogram::bucketOf(std::chrono::microseconds((1 << 26) - 1)),
+              LatencyHistogram::kBuckets - 1);
+    for (const unsigned bucket : {0U, 1U, LatencyHistogram::kBuckets - 2, LatencyHistogram::kBuckets - 1}) {
+        std::vector<std::uint32_t> buckets(LatencyHistogram::kBuckets);
+        buckets[bucket] = 1;
+        EXPECT_EQ(LatencyHistogram(buckets).percentile(50), LatencyHistogram::middleOf(bucket)) << bucket;
+    }
+}
+
+TEST(LatencyHistogram, AddsTheBucketsOfAnother) {
+    std::vector<std::uint32_t> buckets(LatencyHistogram::kBuckets);
+    for (unsigned i = 0; i < LatencyHistogram::kBuckets; ++i)
+        buckets[i] = i;
+    LatencyHistogram sum;
+    sum.add(LatencyHistogram(buckets));
+    EXPECT_EQ(sum.buckets(), buckets);
+    sum.add(LatencyHistogram(buckets));
+    sum.add(LatencyHistogram());
+    for (unsigned i = 0; i < LatencyHistogram::kBuckets; ++i)
+        ASSERT_EQ(sum.buckets()[i], 2 * i);
+}
+
 TEST(LatencyHistogram, PercentilesAreThoseOfTheCalls) {
     std::vector<std::uint32_t> buckets(LatencyHistogram::kBuckets);
     buckets[LatencyHistogram::bucketOf(100us)] = 98;

@@ -57,13 +57,20 @@ void BoardLink::advance(TimePoint now) {
     while (Call* const call = waiting_.front()) {
         if (now < call->notBefore || !mayFly(*call))
             return;
-        if (prepared(*call, now)) {
+        if (isPrepared(*call) || prepared(*call, now)) {
             waiting_.remove(*call);
             launch(*call, now);
         } else if (!call->done()) {
             return;
         }
     }
+}
+
+// As nearly every call is, of a session that is open.
+bool BoardLink::isPrepared(const Call& call) const noexcept {
+    const Session* const session = call.session;
+    return session != nullptr && session->open && !session->hookDue && !errand_ && !probe_ && !doubtful_ &&
+           doubts_ == 0 && ports_[indexOf(call.program)] != 0 && datagrams_.descriptor() >= 0;
 }
 
 bool BoardLink::mayFly(const Call& call) const noexcept {
@@ -101,17 +108,22 @@ void BoardLink::transmit(Call& call, TimePoint now) {
         const sockaddr_in to =
             endpoint(address_.load(std::memory_order_relaxed), ports_[indexOf(call.program)]);
         // A datagram that the system does not take is one that got lost.
-        if (call.size != 0 && trains_ != nullptr)
-            trains_->departures.add(datagrams_.descriptor(), to, request, call.size);
+        if (trains_ != nullptr)
+            transmitByTrain(request, call.size, to);
         else if (call.size != 0)
             datagrams_.send(request, call.size, to);
-        if (trains_ != nullptr && inFlight_ > 1)
-            datagrams_.expectTrains();
     }
     if (call.size == 0)
         return drop(call, FailureKind::InvalidArgument, now);
     call.everSent = true;
     tally_.sent(call);
+}
+
+void BoardLink::transmitByTrain(const char* request, std::size_t size, const sockaddr_in& to) {
+    if (size != 0)
+        trains_->departures.add(datagrams_.descriptor(), to, request, size);
+    if (inFlight_ > 1)
+        datagrams_.expectTrains();
 }
 
 void BoardLink::transmitOverStream(Call& call) {
@@ -170,18 +182,6 @@ TimePoint BoardLink::wake(TimePoint now) const noexcept {
     if (const Call* const call = waiting_.front(); call != nullptr && call->notBefore > now)
         next = std::min(next, call->notBefore);
     return next;
-}
-
-std::size_t BoardLink::watch(pollfd* entries) const noexcept {
-    std::size_t count = 0;
-    if (datagrams_.descriptor() >= 0)
-        entries[count++] = {datagrams_.descriptor(), POLLIN, 0};
-    for (const StreamOf* one : {&setup_, &adc_})
-        if (one->stream.isOpen())
-            entries[count++] = {one->stream.descriptor(), one->stream.events(), 0};
-    if (probe_)
-        entries[count++] = probe_->watch();
-    return count;
 }
 
 Session* BoardLink::awaitingHook() const noexcept {

@@ -130,9 +130,11 @@ private:
 
     // Sending: BoardLink.cpp
     void advance(TimePoint now);
+    bool isPrepared(const Call& call) const noexcept;
     bool mayFly(const Call& call) const noexcept;
     void launch(Call& call, TimePoint now);
     void transmit(Call& call, TimePoint now);
+    void transmitByTrain(const char* request, std::size_t size, const sockaddr_in& to);
     void transmitOverStream(Call& call);
     void finish(Call& call, Trouble trouble, TimePoint now);
 
@@ -216,5 +218,20 @@ private:
     TimePoint lastHeard_{};
     TimePoint nextDeadline_ = TimePoint::max();
 };
+
+inline std::size_t BoardLink::watch(pollfd* entries) const noexcept {
+    std::size_t count = 0;
+    if (datagrams_.descriptor() >= 0)
+        entries[count++] = {datagrams_.descriptor(), POLLIN, 0};
+    const auto add = [&](const Stream& stream) {
+        if (stream.isOpen())
+            entries[count++] = {stream.descriptor(), stream.events(), 0};
+    };
+    add(setup_.stream);
+    add(adc_.stream);
+    if (probe_)
+        entries[count++] = probe_->watch();
+    return count;
+}
 
 } // namespace Orvane::RackLink

@@ -24,6 +24,16 @@ bool readId(const char* bytes, std::size_t length, std::uint32_t& id) noexcept {
 
 } // namespace
 
+inline void BoardLink::takeDatagram(char* bytes, std::size_t length, const sockaddr_in& from, TimePoint now) {
+    std::uint32_t id = 0;
+    Call* const call = readId(bytes, length, id) ? awaiting(id) : nullptr;
+    if (call == nullptr || overStream(call->program) || !isFrom(*call, from)) {
+        tally_.strays.add();
+        return;
+    }
+    answer(*call, bytes, length, now);
+}
+
 void BoardLink::receive(TimePoint now) {
     if (datagrams_.descriptor() < 0)
         return;
@@ -54,16 +64,6 @@ void BoardLink::receiveTrains(ArrivedTrain& arrivals, TimePoint now) {
         if (flying_.empty() && !errand_)
             return;
     }
-}
-
-void BoardLink::takeDatagram(char* bytes, std::size_t length, const sockaddr_in& from, TimePoint now) {
-    std::uint32_t id = 0;
-    Call* const call = readId(bytes, length, id) ? awaiting(id) : nullptr;
-    if (call == nullptr || overStream(call->program) || !isFrom(*call, from)) {
-        tally_.strays.add();
-        return;
-    }
-    answer(*call, bytes, length, now);
 }
 
 Call* BoardLink::awaiting(std::uint32_t id) noexcept {

@@ -21,8 +21,8 @@ timespec duration(TimePoint now, TimePoint end) noexcept {
 
 // `entries`, which may be null when there are none, has room for one more. A signal is as good as an answer:
 // all is looked at.
-void waitFor(pollfd* entries, std::size_t count, const Cancellation* cancellation, TimePoint now,
-             TimePoint end) {
+inline void waitFor(pollfd* entries, std::size_t count, const Cancellation* cancellation, TimePoint now,
+                    TimePoint end) {
     pollfd lone;
     pollfd* const all = entries != nullptr ? entries : &lone;
     if (cancellation != nullptr)
@@ -151,6 +151,8 @@ void runHooks(BoardLink& link) {
 }
 
 Trouble takeTurn(BoardLink& link, const Limits& limits) {
+    if (link.turn.tryTake())
+        return {};
     switch (link.turn.take(limits.end, limits.within.cancellation)) {
     case Turn::Taken::TooLate:
         return FailureKind::Busy;

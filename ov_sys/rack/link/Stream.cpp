@@ -54,10 +54,6 @@ void Stream::close() {
     std::string().swap(message_);
 }
 
-short Stream::events() const noexcept {
-    return static_cast<short>(connecting_ || !out_.empty() ? POLLIN | POLLOUT : POLLIN);
-}
-
 void Stream::send(const char* bytes, std::size_t length) {
     const std::uint32_t mark = htonl(kLast | static_cast<std::uint32_t>(length));
     out_.append(reinterpret_cast<const char*>(&mark), sizeof mark);

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <netinet/in.h>
+#include <poll.h>
 #include <string>
 
 namespace Orvane::RackLink {
@@ -26,7 +27,9 @@ public:
     bool hasSent() const noexcept { return sent_; }
     int descriptor() const noexcept { return socket_.get(); }
     // What poll() should wait for.
-    short events() const noexcept;
+    short events() const noexcept {
+        return static_cast<short>(connecting_ || !out_.empty() ? POLLIN | POLLOUT : POLLIN);
+    }
 
     // One RPC message, which leaves as the connection allows.
     void send(const char* bytes, std::size_t length);

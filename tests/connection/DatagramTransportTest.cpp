@@ -2,6 +2,7 @@
 #include "ov_sys/Interface/connection/DatagramTransport.h"
 #include "tests/support/connection/TransportPeer.h"
 #include "tests/support/NamedParam.h"
+#include "tests/support/SleepingThread.h"
 
 #include <array>
 #include <cerrno>
@@ -19,6 +20,11 @@ using namespace std::chrono_literals;
 
 class DatagramCalls : public testing::Test {
 protected:
+    DatagramCalls() {
+        const timeval patience{60, 0};
+        setsockopt(sockets.peer(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    }
+
     // Makes IntegerCall(7) while the peer does `answer` after it has the request.
     clnt_stat callSeven(const std::function<void()>& answer, Deadline deadline = Deadline::after(60s)) {
         std::thread peer([&] {
@@ -75,12 +81,16 @@ TEST_F(DatagramCalls, ThrowAwayWhatCameBeforeTheirRequest) {
 TEST_F(DatagramCalls, WaitForRoomToSend) {
     while (send(sockets.own(), "", 1, MSG_DONTWAIT) > 0)
         continue;
-    const auto answer = [&] {
-        while (request.size() == 1)
+    const SleepingThread calling;
+    std::thread peer([&] {
+        calling.awaitPolling();
+        do
             request = sockets.receiveAtPeer();
+        while (request.size() == 1);
         sockets.sendFromPeer(replyTo(7, 42));
-    };
-    EXPECT_EQ(callSeven(answer), RPC_SUCCESS);
+    });
+    EXPECT_EQ(transport.call(seven.message, Deadline::after(20s), error), RPC_SUCCESS);
+    peer.join();
     EXPECT_EQ(request, requestOfCallSeven());
 }
 

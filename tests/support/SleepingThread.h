@@ -17,6 +17,9 @@ public:
     // Returns when the thread is inside a timed sleep.
     void await() const { awaitOneOf(SYS_clock_nanosleep, SYS_nanosleep); }
 
+    // Returns when the thread waits for a descriptor.
+    void awaitPolling() const { awaitOneOf(SYS_poll, SYS_ppoll); }
+
     // Returns when the thread waits for a lock.
     void awaitLocked() const { awaitOneOf(SYS_futex, SYS_futex); }
 

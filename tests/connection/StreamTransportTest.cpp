@@ -1,6 +1,8 @@
 // Calls on a stream against a peer that the test plays itself.
 #include "ov_sys/Interface/connection/StreamTransport.h"
+#include "tests/support/allocations/AllocationFailure.h"
 #include "tests/support/connection/TransportPeer.h"
+#include "tests/support/SleepingThread.h"
 
 #include <atomic>
 #include <cerrno>
@@ -123,6 +125,20 @@ TEST_F(StreamCalls, EndAtTheDeadlineWhenThePeerDoesNotReadAndTheStreamIsOfNoMore
     EXPECT_EQ(error.re_errno, EPIPE);
 }
 
+TEST_F(StreamCalls, WaitForRoomToSend) {
+    OpaqueCall large(1U << 20U);
+    const SleepingThread calling;
+    std::thread peer([&] {
+        calling.awaitPolling();
+        for (std::size_t left = sizeof(std::uint32_t) + large.message.size(); left > 0 && !HasFailure();)
+            left -= sockets.receiveAtPeer().size();
+        sockets.sendFromPeer(fragment(replyTo(1, 0)));
+    });
+    EXPECT_EQ(transport.call(large.message, Deadline::after(20s), error), RPC_SUCCESS);
+    shutdown(sockets.own(), SHUT_RDWR); // frees the peer
+    peer.join();
+}
+
 TEST_F(StreamCalls, OfWhichNothingWasSentByTheDeadlineLeaveTheStreamOfUse) {
     const WireBytes earlier(65536, 1);
     while (send(sockets.own(), earlier.data(), earlier.size(), MSG_DONTWAIT) > 0)
@@ -218,6 +234,36 @@ TEST_F(StreamCalls, TakeARecordOf64MiBAndNoByteMore) {
     EXPECT_EQ(error.re_errno, EMSGSIZE);
     shutdown(sockets.own(), SHUT_RDWR); // frees the peer
     peer.join();
+}
+
+TEST_F(StreamCalls, WithoutMemoryForTheRequestSendNothing) {
+    clnt_stat status = RPC_SUCCESS;
+    {
+        const AllocationFailure request(0);
+        status = call(seven);
+        EXPECT_TRUE(request.happened());
+    }
+    EXPECT_EQ(status, RPC_CANTENCODEARGS);
+    EXPECT_EQ(error.re_status, RPC_CANTENCODEARGS);
+    EXPECT_EQ(error.re_errno, ENOMEM);
+    sockets.sendFromPeer(fragment(replyTo(7, 42)));
+    EXPECT_EQ(call(seven), RPC_SUCCESS);
+    EXPECT_EQ(sockets.receiveAtPeer(), fragment(requestOfCallSeven()));
+}
+
+TEST_F(StreamCalls, WithoutMemoryForTheReplyCannotDecodeAndGoOn) {
+    sockets.sendFromPeer(fragment(replyTo(7, 42)));
+    clnt_stat status = RPC_SUCCESS;
+    {
+        const AllocationFailure reply(1);
+        status = call(seven);
+        EXPECT_TRUE(reply.happened());
+    }
+    EXPECT_EQ(status, RPC_CANTDECODERES);
+    EXPECT_EQ(error.re_errno, ENOMEM);
+    sockets.sendFromPeer(fragment(replyTo(8, 43)));
+    EXPECT_EQ(call(eight), RPC_SUCCESS);
+    EXPECT_EQ(eight.result, 43);
 }
 
 TEST_F(StreamCalls, RefuseARecordWithoutEnd) {

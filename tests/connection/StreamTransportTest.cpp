@@ -159,6 +159,18 @@ TEST_F(StreamCalls, OnAStreamThatThePeerClosedCannotReceiveAndThenCannotSend) {
     EXPECT_EQ(call(eight), RPC_CANTSEND);
 }
 
+TEST_F(StreamCalls, OnAStreamThatThePeerResetCannotReceive) {
+    std::thread peer([&] {
+        char first = 0;
+        recv(sockets.peer(), &first, 1, MSG_PEEK);
+        sockets.closePeer(); // with what it has not read
+    });
+    EXPECT_EQ(call(seven), RPC_CANTRECV);
+    EXPECT_EQ(error.re_errno, ECONNRESET);
+    peer.join();
+    EXPECT_FALSE(transport.isUsable());
+}
+
 TEST_F(StreamCalls, OnAClosedStreamRaiseNoSignal) {
     sockets.closePeer();
     EXPECT_EQ(call(seven), RPC_CANTSEND); // a signal would have ended the process

@@ -290,6 +290,18 @@ TEST_F(RackFlight, DescriptorIsReadableWhenThereIsSomethingToDo) {
     EXPECT_EQ(result.get(), 0U);
 }
 
+TEST_F(RackFlight, DescriptorRestsThoughOthersTalkToItsBoards) {
+    flight.read(phy, {1, 1}).get();
+    pollfd entry{flight.descriptor(), POLLIN, 0};
+    flight.step();
+    phy.read({1, 2});
+    flight.step(); // takes what there was to tell, once
+    EXPECT_EQ(poll(&entry, 1, 0), 0);
+    const auto next = flight.read(phy, {1, 3});
+    EXPECT_EQ(poll(&entry, 1, 0), 1);
+    next.get();
+}
+
 TEST_F(RackFlight, EndOfTheFlightCancelsWhatIsUnderWay) {
     inject(Fault::Kind::LoseRequest, "mdio", "mdio_read", -1);
     std::optional<Flight> brief(std::in_place);

@@ -123,9 +123,7 @@ bool Fleet::takeTurn(Lane& lane) {
 void Fleet::leaveTurn(Lane& lane) {
     if (!lane.hasTurn)
         return;
-    for (const pollfd& one : lane.watched)
-        epoll_ctl(epoll_.get(), EPOLL_CTL_DEL, one.fd, nullptr);
-    lane.watched.clear();
+    watchOnly(lane, nullptr, std::min<std::size_t>(lane.watched.size(), 1));
     lane.hasTurn = false;
     lane.board->link.turn.leave();
 }
@@ -137,8 +135,7 @@ void Fleet::begin(Lane& lane) {
         const bool busy = !lane.begun.empty();
         if (busy && (first.alone() || lane.begun.front()->alone() || lane.begun.size() >= 2 * window_))
             return;
-        lane.begun.push_back(std::move(lane.waiting.front()));
-        lane.waiting.pop_front();
+        lane.begun.splice(lane.begun.end(), lane.waiting, lane.waiting.begin());
         startCalls(lane, *lane.begun.back());
         if (lane.begun.back()->calls.empty())
             makeReady(lane); // it is to be collected
@@ -202,30 +199,27 @@ void Fleet::collect(Lane& lane) {
 
 // Of those that have not begun.
 void Fleet::expire(Lane& lane) {
-    std::deque<std::unique_ptr<Job>> left;
-    for (std::unique_ptr<Job>& job : lane.waiting) {
-        if (now_ < job->limits.end && !cancelled(*job)) {
-            lane.wake = std::min(lane.wake, job->limits.end);
-            left.push_back(std::move(job));
+    for (auto next = lane.waiting.begin(); next != lane.waiting.end();) {
+        const Job& job = **next;
+        if (now_ < job.limits.end && !cancelled(job)) {
+            lane.wake = std::min(lane.wake, job.limits.end);
+            ++next;
         } else {
-            const Trouble why = cancelled(*job) ? FailureKind::Cancelled : FailureKind::Busy;
-            settle(lane, std::move(job), why);
+            const Trouble why = cancelled(job) ? FailureKind::Cancelled : FailureKind::Busy;
+            std::unique_ptr<Job> ended = std::move(*next);
+            next = lane.waiting.erase(next);
+            settle(lane, std::move(ended), why);
         }
     }
-    lane.waiting.swap(left);
 }
 
 void Fleet::cancel(Lane& lane, Trouble why) {
-    while (!lane.begun.empty()) {
-        std::unique_ptr<Job> job = std::move(lane.begun.front());
-        lane.begun.pop_front();
-        settle(lane, std::move(job), why);
-    }
-    while (!lane.waiting.empty()) {
-        std::unique_ptr<Job> job = std::move(lane.waiting.front());
-        lane.waiting.pop_front();
-        settle(lane, std::move(job), why);
-    }
+    for (Jobs* const jobs : {&lane.begun, &lane.waiting})
+        while (!jobs->empty()) {
+            std::unique_ptr<Job> job = std::move(jobs->front());
+            jobs->pop_front();
+            settle(lane, std::move(job), why);
+        }
 }
 
 void Fleet::stepLane(Lane& lane) {
@@ -268,15 +262,25 @@ void Fleet::watch(Lane& lane) {
         std::equal(entries, entries + count, lane.watched.begin(), lane.watched.end(), same))
         return;
     lane.socketsMade = lane.board->link.socketsMade();
-    for (const pollfd& one : lane.watched)
-        epoll_ctl(epoll_.get(), EPOLL_CTL_DEL, one.fd,
-                  nullptr); // it may be closed by now, and so not be there
-    lane.watched.assign(entries, entries + count);
-    for (const pollfd& one : lane.watched) {
+    watchOnly(lane, entries, count);
+}
+
+// The socket for datagrams stays watched between two turns: each arrival is told once, so that what others
+// receive there meanwhile wakes nobody for longer. `entries` null: as they are, but for those behind `count`.
+void Fleet::watchOnly(Lane& lane, const pollfd* entries, std::size_t count) {
+    std::vector<pollfd>& watched = lane.watched;
+    while (watched.size() > 1) { // it may be closed by now, and so not be there
+        epoll_ctl(epoll_.get(), EPOLL_CTL_DEL, watched.back().fd, nullptr);
+        watched.pop_back();
+    }
+    while (watched.size() < count) {
+        const pollfd& one = watched.emplace_back(entries[watched.size()]);
+        const bool stream = watched.size() > 1;
         epoll_event event{};
-        event.events = (one.events & POLLOUT) != 0 ? EPOLLIN | EPOLLOUT : EPOLLIN;
-        event.data.u64 =
-            reinterpret_cast<std::uintptr_t>(&lane) | (&one == lane.watched.data() ? 0U : kStream);
+        event.events = stream ? EPOLLIN : EPOLLIN | EPOLLET;
+        if ((one.events & POLLOUT) != 0)
+            event.events |= EPOLLOUT;
+        event.data.u64 = reinterpret_cast<std::uintptr_t>(&lane) | (stream ? kStream : 0U);
         epoll_ctl(epoll_.get(), EPOLL_CTL_ADD, one.fd, &event);
     }
 }

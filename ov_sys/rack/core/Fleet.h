@@ -6,7 +6,6 @@
 #include "ov_sys/rack/core/Job.h"
 
 #include <chrono>
-#include <deque>
 #include <functional>
 #include <list>
 #include <map>
@@ -44,10 +43,11 @@ public:
     void run(const std::function<bool()>& stop);
 
 private:
+    using Jobs = std::list<std::unique_ptr<Job>>;
     struct Lane {
         std::shared_ptr<Board> board;
-        std::deque<std::unique_ptr<Job>> waiting;
-        std::list<std::unique_ptr<Job>> begun;
+        Jobs waiting;
+        Jobs begun;
         bool hasTurn = false;
         bool ready = false; // it is among those to be stepped
         RackLink::TimePoint wake{};
@@ -66,6 +66,7 @@ private:
     void cancel(Lane& lane, RackLink::Trouble why);
     void settle(Lane& lane, std::unique_ptr<Job> job, RackLink::Trouble trouble);
     void watch(Lane& lane);
+    void watchOnly(Lane& lane, const pollfd* entries, std::size_t count);
     void attend(const Job& job);
     void dismiss(const Job& job);
     void advance(std::chrono::milliseconds longest);

@@ -75,6 +75,7 @@ TEST_P(RPCHandles, TellWhereTheBoardIs) {
 TEST_P(RPCHandles, HaveASocketOfTheirOwnThatExecutedProgramsDoNotGet) {
     const int socket = got<int>(CLGET_FD);
     EXPECT_EQ(fcntl(socket, F_GETFD), FD_CLOEXEC);
+    EXPECT_NE(fcntl(socket, F_GETFL) & O_NONBLOCK, 0);
     int type = 0;
     socklen_t length = sizeof type;
     ASSERT_EQ(getsockopt(socket, SOL_SOCKET, SO_TYPE, &type, &length), 0);

@@ -94,6 +94,19 @@ TEST_F(BusyClient, WaitOfZeroTellsAtOnceWhetherItIsFree) {
     EXPECT_FALSE(client.waitClientBusy(0));
 }
 
+TEST_F(BusyClient, WaitOfZeroDoesNotPause) {
+    client.setBusy(true);
+    const SleepingThread waiting;
+    std::thread other([&] {
+        waiting.await();
+        client.setBusy(false);
+    });
+    const bool freed = client.waitClientBusy(0);
+    std::this_thread::sleep_for(milliseconds(100)); // the pause for which the other thread waits
+    other.join();
+    EXPECT_FALSE(freed);
+}
+
 TEST_F(BusyClient, WaitBelowTwentyMillionEndsAfterOnePause) {
     client.setBusy(true);
     bool freed = true;

@@ -18,20 +18,11 @@ constexpr timeval kDefaultTimeout{2, 0};
 // What clnt_spcreateerror("") says of this thread's last failed creation; that one answers in a buffer which
 // all threads share.
 std::string createErrorText() {
-    constexpr std::size_t kPrefix = 5; // "RPC: "
     const auto& failure = rpc_createerr;
-    const int number = failure.cf_error.re_errno;
-    const clnt_stat detail = failure.cf_error.re_status;
-    const std::string reason = std::generic_category().message(number);
-    std::string text = std::string(": ") + clnt_sperrno(failure.cf_stat);
-    if (failure.cf_stat == RPC_SYSTEMERROR)
-        return text + " - " + reason;
-    if (failure.cf_stat != RPC_PMAPFAILURE)
+    const std::string text = std::string(": ") + clnt_sperrno(failure.cf_stat);
+    if (failure.cf_stat != RPC_SYSTEMERROR)
         return text;
-    text += std::string(" - ") + (clnt_sperrno(detail) + kPrefix);
-    if (detail == RPC_CANTSEND || detail == RPC_CANTRECV)
-        text += ": errno " + std::to_string(number) + " (" + reason + ")";
-    return text;
+    return text + " - " + std::generic_category().message(failure.cf_error.re_errno);
 }
 
 } // namespace

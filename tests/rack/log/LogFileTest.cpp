@@ -47,8 +47,24 @@ TEST_F(RackLogFile, GrowsAtItsEnd) {
 }
 
 TEST_F(RackLogFile, IsMade) {
+    umask(022);
     EXPECT_TRUE(LogFile(path).empty());
     EXPECT_EQ(text(), "");
+    struct stat about {};
+    stat(path.c_str(), &about);
+    EXPECT_EQ(about.st_mode & 0777U, 0644U);
+}
+
+TEST_F(RackLogFile, LeavesTheSignalsOfTheThreadAsTheyAre) {
+    sigset_t blocked;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGUSR1);
+    pthread_sigmask(SIG_SETMASK, &blocked, nullptr);
+    LogFile(path).append("line\n");
+    sigset_t after;
+    pthread_sigmask(SIG_BLOCK, nullptr, &after);
+    EXPECT_EQ(sigismember(&after, SIGUSR1), 1);
+    EXPECT_EQ(sigismember(&after, SIGPIPE), 0);
 }
 
 TEST_F(RackLogFile, ThatCannotBeOpenedIsRefused) {
@@ -99,6 +115,12 @@ TEST_F(RackLogFile, WithoutReaderRaisesNoSignal) {
     sigset_t pending;
     sigpending(&pending);
     EXPECT_EQ(sigismember(&pending, SIGPIPE), 0);
+    sigset_t blocked;
+    pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+    EXPECT_EQ(sigismember(&blocked, SIGPIPE), 0);
+    pipe.open(path);
+    file.append("next\n"); // of which nothing was cut
+    EXPECT_EQ(pipe.read(100), "next\n");
 }
 
 TEST_F(RackLogFile, ThatCannotBeShortenedHasTheCutLineMarked) {

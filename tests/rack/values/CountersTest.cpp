@@ -78,14 +78,14 @@ TEST(LatencyHistogram, OuterBucketsHaveTheirPercentiles) {
 TEST(LatencyHistogram, AddsTheBucketsOfAnother) {
     std::vector<std::uint32_t> buckets(LatencyHistogram::kBuckets);
     for (unsigned i = 0; i < LatencyHistogram::kBuckets; ++i)
-        buckets[i] = i;
+        buckets[i] = i + 1;
     LatencyHistogram sum;
     sum.add(LatencyHistogram(buckets));
     EXPECT_EQ(sum.buckets(), buckets);
     sum.add(LatencyHistogram(buckets));
     sum.add(LatencyHistogram());
     for (unsigned i = 0; i < LatencyHistogram::kBuckets; ++i)
-        ASSERT_EQ(sum.buckets()[i], 2 * i);
+        ASSERT_EQ(sum.buckets()[i], 2 * (i + 1));
 }
 
 TEST(LatencyHistogram, PercentilesAreThoseOfTheCalls) {

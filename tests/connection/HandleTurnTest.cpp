@@ -2,6 +2,7 @@
 #include "ov_sys/Interface/connection/HandleTurn.h"
 
 #include "ov_sys/Interface/connection/RPCClient.h"
+#include "ov_sys/Interface/connection/StubCall.h"
 #include "ov_sys/Interface/rpc_protocol/Programs.h"
 #include "ov_sys/Interface/rpc_protocol/Stubs.h"
 #include "tests/support/OneBoard.h"
@@ -63,6 +64,17 @@ TEST_F(Turns, AreWaitedForWhileAnotherThreadHasIts) {
     first.reset();
     second.join();
     EXPECT_TRUE(waited);
+}
+
+TEST_F(Turns, ThatWereWaitedForAreUsedByTheCall) {
+    auto first = std::make_optional<HandleTurn>(client);
+    clnt_stat status = RPC_FAILED;
+    int answer = 0;
+    std::thread second = started([&] { status = callStub(ping_1, 4711, &answer, client); });
+    first.reset();
+    second.join();
+    EXPECT_EQ(status, RPC_SUCCESS);
+    EXPECT_EQ(answer, 4711);
 }
 
 TEST_F(Turns, ThatNeedNotBeWaitedForAreTakenLaterIfAtAll) {

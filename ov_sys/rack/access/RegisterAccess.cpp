@@ -25,7 +25,8 @@ namespace {
 
 using State = OperationOutcome::State;
 
-inline Trouble readOne(const Target& target, const RegisterAddress& address, std::uint32_t& value, Limits& limits) {
+inline Trouble readOne(const Target& target, const RegisterAddress& address, std::uint32_t& value,
+                       Limits& limits) {
     if (target.overSmbus()) {
         SmbusTransfers transfers(target, address);
         const Trouble trouble = run(target, transfers, limits);

@@ -20,6 +20,7 @@ __all__ = ["main"]
 
 SUCCESS, FAILED = 0, 1
 _CHANNELS = 4  # of a board's temperature control
+_LONGEST_NEWS = 5.0  # seconds that the news of a session may take
 _EXAMPLES = """\
   orvane metrics
   orvane metrics 'OV00*:0' --textfile /var/lib/prometheus/node-exporter/orvane.prom --interval 15
@@ -67,6 +68,7 @@ def _round(rack: Rack, events: EventCounts, names: abc.Sequence[str]) -> str:
         told.gauge("orvane_board_up", "Whether a board answered in the last round.", int(answered), board=port.board)
         if answered:
             temperatures[port.board] = _temperatures(port)
+            events.await_session(port.board, _LONGEST_NEWS)
     expose(told, rack.counters(), events, 0, temperatures)
     return told.text()
 

@@ -14,7 +14,7 @@ class EventCounts:
     """Takes events, on any thread."""
 
     def __init__(self) -> None:
-        self._lock = threading.Lock()
+        self._lock = threading.Condition()  # guards what is below, and tells of each event
         self._pings_lost: Dict[str, int] = {}
         self._open: Dict[str, Set[Tuple[object, object]]] = {}
 
@@ -28,6 +28,7 @@ class EventCounts:
                 self._open.setdefault(event.board, set()).add(place)
             elif event.kind in (EventKind.CLOSED, EventKind.LOST):
                 self._open.setdefault(event.board, set()).discard(place)
+            self._lock.notify_all()
 
     def pings_lost(self, board: str) -> int:
         """Pings of the board's sessions that were not answered in time."""
@@ -38,3 +39,8 @@ class EventCounts:
         """Sessions that are open on the board."""
         with self._lock:
             return len(self._open.get(board, ()))
+
+    def await_session(self, board: str, seconds: float) -> bool:
+        """Waits so many seconds at most for a session on the board: events come a little after what they tell."""
+        with self._lock:
+            return self._lock.wait_for(lambda: bool(self._open.get(board)), seconds)

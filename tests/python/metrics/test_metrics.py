@@ -86,6 +86,22 @@ def test_sessions_are_counted_while_they_are_open(rack, board):
     assert (opened, exposed(rack, events)['orvane_sessions{board="OV0001"}']) == (1, 0)
 
 
+def test_session_is_awaited_until_its_event_has_come(rack, board):
+    events = EventCounts()
+    goes_on = threading.Event()
+
+    def take(event):
+        goes_on.wait(30)
+        events.take(event)
+
+    rack.on_event(take)
+    phy = rack.open("OV0001:0").phy(3)
+    phy.open()
+    early = events.await_session("OV0001", 0)
+    goes_on.set()
+    assert (early, events.await_session("OV0001", 30), events.sessions("OV0001")) == (False, True, 1)
+
+
 def test_boards_beyond_the_most_are_counted_together(rack, calm):
     for port in rack.open_all("OV*:0", phys=[3]):
         port.phy(3).read(1, 2)

@@ -11,7 +11,7 @@ namespace {
 
 using Stage = Call::Stage;
 
-constexpr int kMost = 4096; // a flood must not keep the caller here
+constexpr int kMostDatagrams = 4096; // a flood must not keep the caller here
 
 // Transaction id of a message.
 bool readId(const char* bytes, std::size_t length, std::uint32_t& id) noexcept {
@@ -43,7 +43,7 @@ void BoardLink::receive(TimePoint now) {
         ArrivedTrain arrivals;
         return receiveTrains(arrivals, now);
     }
-    for (int i = 0; i < kMost; ++i) {
+    for (int i = 0; i < kMostDatagrams; ++i) {
         alignas(std::uint32_t) char reply[kLargestDatagram];
         sockaddr_in from;
         const ssize_t length = datagrams_.receive(reply, sizeof reply, from);
@@ -56,7 +56,7 @@ void BoardLink::receive(TimePoint now) {
 }
 
 void BoardLink::receiveTrains(ArrivedTrain& arrivals, TimePoint now) {
-    for (int i = 0; i < kMost && arrivals.take(datagrams_.descriptor()); ++i) {
+    for (int i = 0; i < kMostDatagrams && arrivals.take(datagrams_.descriptor()); ++i) {
         char* datagram = nullptr;
         std::size_t length = 0;
         while (arrivals.next(datagram, length))

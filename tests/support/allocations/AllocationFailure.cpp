@@ -37,6 +37,14 @@ bool failsNow() noexcept {
 
 namespace OrvaneTest {
 
+bool AllocationFailure::reachesMalloc() noexcept {
+#ifdef ORVANE_FOREIGN_ALLOCATOR
+    return false;
+#else
+    return true;
+#endif
+}
+
 AllocationFailure::AllocationFailure(std::size_t number) noexcept
     : outerLeft_(std::exchange(left, number)), outerFailed_(std::exchange(failed, false)) {}
 

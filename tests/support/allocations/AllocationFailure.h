@@ -19,6 +19,8 @@ public:
 
     // Whether there were as many allocations.
     bool happened() const noexcept;
+    // Whether malloc() and its like fail, too, in this build.
+    static bool reachesMalloc() noexcept;
 
 private:
     std::size_t outerLeft_;
